@@ -1,0 +1,18 @@
+# Writes OUT: the module definition DEF with every name as the compiler decorated it in OBJECTS.
+execute_process(COMMAND ${NM} --extern-only --defined-only ${OBJECTS}
+                OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+file(STRINGS ${DEF} lines)
+set(out "")
+foreach(line IN LISTS lines)
+    string(REGEX REPLACE ";.*" "" line "${line}")
+    string(STRIP "${line}" name)
+    if(name MATCHES "^[A-Za-z0-9_]+$" AND NOT name STREQUAL "EXPORTS")
+        if(NOT symbols MATCHES " T _?(${name}(@[0-9]+)?)[\r\n]")
+            message(FATAL_ERROR "kirvo.def names ${name}, which no object defines")
+        endif()
+        string(APPEND out "    ${CMAKE_MATCH_1}\n")
+    elseif(name)
+        string(APPEND out "${name}\n")
+    endif()
+endforeach()
+file(WRITE ${OUT} "${out}")

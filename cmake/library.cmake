@@ -1,0 +1,69 @@
+# The library: one object library (`kirvo_objects`, also linked by the tests of internals) and the
+# shared library made from it (`kirvo`: libkirvo.so or Kirvo.dll).
+
+file(GLOB_RECURSE kirvo_sources CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
+     src/*.cpp)
+if(WIN32)
+    list(FILTER kirvo_sources EXCLUDE REGEX "_posix\\.cpp$")
+else()
+    list(FILTER kirvo_sources EXCLUDE REGEX "_win32\\.cpp$")
+endif()
+
+# The suffix of a file's name decides which instructions it may use.
+foreach(source IN LISTS kirvo_sources)
+    set(isa_flags)
+    if(source MATCHES "_avx2\\.cpp$")
+        set(isa_flags -mavx2)
+    elseif(source MATCHES "_avx512(vbmi)?\\.cpp$")
+        # GCC 12 warns of its own AVX-512 headers.
+        set(isa_flags -mavx512f -mavx512bw -mavx512dq -mavx512vl -Wno-maybe-uninitialized
+                      -Wno-uninitialized)
+        if(CMAKE_MATCH_1)
+            list(APPEND isa_flags -mavx512vbmi)
+        endif()
+    endif()
+    if(isa_flags AND WIN32)
+        # The 64-bit Windows stack is aligned to 16 bytes and GCC does not realign it for wider
+        # spills; unaligned moves cost the same on aligned data.
+        list(APPEND isa_flags -Wa,-muse-unaligned-vector-move)
+    endif()
+    set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${isa_flags}")
+endforeach()
+
+add_library(kirvo_objects OBJECT ${kirvo_sources})
+set_target_properties(kirvo_objects PROPERTIES POSITION_INDEPENDENT_CODE ON)
+target_compile_definitions(kirvo_objects PUBLIC KIRVO_BUILDING)
+target_include_directories(kirvo_objects PUBLIC include src)
+target_compile_options(kirvo_objects PRIVATE
+    -Wall -Wextra -Wconversion $<$<BOOL:${KIRVO_WERROR}>:-Werror>
+    -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-math-errno
+    -ftree-vectorize -fvect-cost-model=dynamic
+    -ffunction-sections -fdata-sections)
+if(WIN32)
+    target_link_libraries(kirvo_objects PUBLIC gdi32 comdlg32)
+else()
+    target_link_libraries(kirvo_objects PUBLIC ${CMAKE_DL_LIBS})
+endif()
+
+add_library(kirvo SHARED $<TARGET_OBJECTS:kirvo_objects>)
+target_include_directories(kirvo INTERFACE
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
+target_link_libraries(kirvo PRIVATE $<TARGET_PROPERTY:kirvo_objects,INTERFACE_LINK_LIBRARIES>)
+include(${CMAKE_CURRENT_LIST_DIR}/exports.cmake)
+
+if(WIN32)
+    enable_language(RC)
+    configure_file(cmake/version.rc.in version.rc @ONLY)
+    target_sources(kirvo PRIVATE ${PROJECT_BINARY_DIR}/version.rc)
+    set_target_properties(kirvo PROPERTIES OUTPUT_NAME Kirvo PREFIX "" IMPORT_PREFIX lib
+                          ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+else()
+    target_link_options(kirvo PRIVATE -Wl,--gc-sections -Wl,--as-needed -Wl,-Bsymbolic)
+    if(NOT KIRVO_SANITIZE)
+        target_link_options(kirvo PRIVATE -Wl,--no-undefined)
+    endif()
+endif()
+
+include(GNUInstallDirs)
+install(TARGETS kirvo)
+install(FILES include/kirvo.h TYPE INCLUDE)

@@ -1,0 +1,48 @@
+# Test programs: tests/<room>/*_test.cpp becomes kirvo_<room>_tests, which knows the library as its
+# users do; tests/internal/<room>/*_test.cpp becomes kirvo_internal_<room>_tests, linked with the
+# library's objects. GoogleTest is built from Debian's source package, for every target alike.
+
+set(KIRVO_GTEST_SOURCE /usr/src/googletest CACHE PATH "GoogleTest's source")
+set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
+set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+set(gtest_disable_pthreads ${WIN32} CACHE BOOL "" FORCE)
+add_subdirectory(${KIRVO_GTEST_SOURCE} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+
+set(KIRVO_TEST_FLAGS -O1 -Wall -Wextra)
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/reports)
+
+# The helpers of the tests, once for each side of the library's interface.
+file(GLOB support_sources CONFIGURE_DEPENDS tests/support/*.cpp)
+foreach(side IN ITEMS public internal)
+    add_library(kirvo_${side}_test_support STATIC ${support_sources})
+    target_include_directories(kirvo_${side}_test_support PUBLIC tests)
+    target_compile_options(kirvo_${side}_test_support PRIVATE ${KIRVO_TEST_FLAGS})
+    target_precompile_headers(kirvo_${side}_test_support PRIVATE <gtest/gtest.h> <kirvo.h>)
+    target_link_libraries(kirvo_${side}_test_support PUBLIC gtest)
+endforeach()
+target_link_libraries(kirvo_public_test_support PUBLIC kirvo)
+target_link_libraries(kirvo_internal_test_support PUBLIC kirvo_objects)
+
+# Each folder with a *_test.cpp in it is one program and one CTest test.
+file(GLOB_RECURSE test_sources CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} tests/*_test.cpp)
+foreach(source IN LISTS test_sources)
+    cmake_path(GET source PARENT_PATH folder)
+    string(REGEX REPLACE "^tests/" "" name ${folder})
+    string(REPLACE "/" "_" name ${name})
+    set(program kirvo_${name}_tests)
+    if(NOT TARGET ${program})
+        set(side public)
+        if(name MATCHES "^internal_")
+            set(side internal)
+        endif()
+        add_executable(${program})
+        target_compile_options(${program} PRIVATE ${KIRVO_TEST_FLAGS})
+        target_precompile_headers(${program} REUSE_FROM kirvo_${side}_test_support)
+        target_link_libraries(${program} PRIVATE kirvo_${side}_test_support)
+        add_test(NAME ${program}
+                 COMMAND ${program} --gtest_brief=1 --gtest_output=xml:reports/${program}.xml
+                 WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
+        set_tests_properties(${program} PROPERTIES TIMEOUT 900)
+    endif()
+    target_sources(${program} PRIVATE ${source})
+endforeach()

@@ -1,0 +1,26 @@
+# The command line `kirvo` (tools/*.cpp) and the generator of sample pictures (tools/sample).
+
+if(EXISTS ${PROJECT_SOURCE_DIR}/tools/sample/scene.cpp)
+    add_library(kirvo_scene STATIC tools/sample/scene.cpp)
+    target_include_directories(kirvo_scene PUBLIC tools/sample)
+    target_compile_options(kirvo_scene PRIVATE -Wall -Wextra)
+    add_executable(kirvo_sample tools/sample/main.cpp)
+    target_compile_options(kirvo_sample PRIVATE -Wall -Wextra)
+    target_link_libraries(kirvo_sample PRIVATE kirvo_scene)
+endif()
+
+file(GLOB tool_sources CONFIGURE_DEPENDS tools/*.cpp)
+if(tool_sources)
+    # CLI11 is headers only. A link to its folder keeps the rest of the system's headers away from
+    # the cross compilers.
+    find_path(KIRVO_CLI11_INCLUDE CLI/CLI.hpp HINTS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+    file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/include)
+    file(CREATE_LINK ${KIRVO_CLI11_INCLUDE}/CLI ${PROJECT_BINARY_DIR}/include/CLI SYMBOLIC)
+
+    add_executable(kirvo_tool ${tool_sources})
+    set_target_properties(kirvo_tool PROPERTIES OUTPUT_NAME kirvo)
+    target_include_directories(kirvo_tool SYSTEM PRIVATE ${PROJECT_BINARY_DIR}/include)
+    target_compile_options(kirvo_tool PRIVATE -Wall -Wextra)
+    target_link_libraries(kirvo_tool PRIVATE kirvo)
+    install(TARGETS kirvo_tool)
+endif()
