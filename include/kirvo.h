@@ -1,0 +1,462 @@
+/**
+ * @file kirvo.h
+ * @brief Kirvo: image processing on packed DIBs. The whole public interface.
+ *
+ * Every image is a *packed DIB*: one movable global memory block that holds a BITMAPINFOHEADER,
+ * the colour part (a colour table for 1, 4 and 8 bits, three channel masks for 16 and 32 bits with
+ * BI_BITFIELDS) and the pixel rows. Rows are stored bottom-up and padded to multiples of 4 bytes.
+ * The block is passed around as its HGLOBAL.
+ *
+ * Conventions
+ * - Rectangles are x, y, width, height in pixels; x and y count from the top left of the picture.
+ * - A colour is a COLORREF-style value 0x00BBGGRR: red in bits 0-7, green 8-15, blue 16-23.
+ * - Functions that make an image return its handle, or null with a status through their last
+ *   argument; functions that work in place return the status. A status pointer may be null.
+ * - The caller owns every handle that a function returns and frees it with GlobalFree, unless the
+ *   function says otherwise. Handles passed in are never freed.
+ * - The library keeps process-wide settings without locks: calls must not overlap.
+ *
+ * On Windows this header includes <windows.h>. Elsewhere it declares the few Win32 types and
+ * functions that a caller needs, so that the same source builds on both.
+ *
+ * Example: open a bitmap file, save its top left quarter.
+ * @code
+ *     uint32_t width, height, bits;
+ *     int32_t status;
+ *     HGLOBAL dib = DibReadEx("in.bmp", &width, &height, &bits, &status);
+ *     if (dib) {
+ *         status = DibWriteEx("out.bmp", dib, 0, 0, (int32_t)width / 2, (int32_t)height / 2);
+ *         GlobalFree(dib);
+ *     }
+ * @endcode
+ */
+#ifndef KIRVO_H
+#define KIRVO_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef _WIN32
+#include <windows.h>
+#if defined(KIRVO_BUILDING)
+#define KIRVO_API
+#else
+#define KIRVO_API __declspec(dllimport)
+#endif
+#else
+#define KIRVO_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#ifndef _WIN32
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup platform Win32 names away from Windows
+ *  The types and functions of <windows.h> that a caller of this library needs, declared only when
+ *  not building for Windows. Handles are pointers; every integer has its Windows width.
+ *  @{ */
+
+#define WINAPI
+
+typedef int32_t BOOL;
+typedef uint8_t BYTE;
+typedef uint16_t WORD;
+typedef uint32_t DWORD;
+typedef uint32_t UINT;
+typedef int32_t LONG;
+typedef uint32_t COLORREF;
+typedef size_t SIZE_T;
+typedef uintptr_t WPARAM;
+typedef intptr_t LPARAM;
+typedef intptr_t LRESULT;
+typedef void* LPVOID;
+typedef const char* LPCSTR;
+typedef void* HANDLE;
+typedef void* HGLOBAL;
+typedef void* HGDIOBJ;
+typedef struct HWND__* HWND;         /**< a window; what it points at is the window host's */
+typedef struct HPALETTE__* HPALETTE; /**< a logical palette */
+
+#ifndef TRUE
+#define TRUE 1
+#define FALSE 0
+#endif
+
+#define GMEM_MOVEABLE 0x0002u
+#define GMEM_ZEROINIT 0x0040u
+#define GHND (GMEM_MOVEABLE | GMEM_ZEROINIT)
+
+#define BI_RGB 0
+#define BI_BITFIELDS 3
+
+#define WM_COMMAND 0x0111
+
+#define SM_CYMENU 15
+#define SM_CXFRAME 32
+#define SWP_NOMOVE 0x0002u
+#define SWP_NOZORDER 0x0004u
+
+/** Header of a device-independent bitmap, as in Win32. */
+typedef struct BITMAPINFOHEADER {
+    DWORD biSize;         /**< size of this header in bytes: 40 */
+    LONG biWidth;         /**< width in pixels */
+    LONG biHeight;        /**< height in pixels; positive: rows are stored bottom-up */
+    WORD biPlanes;        /**< 1 */
+    WORD biBitCount;      /**< 1, 4, 8, 16, 24 or 32 */
+    DWORD biCompression;  /**< BI_RGB or BI_BITFIELDS */
+    DWORD biSizeImage;    /**< bytes of all rows */
+    LONG biXPelsPerMeter; /**< not interpreted */
+    LONG biYPelsPerMeter; /**< not interpreted */
+    DWORD biClrUsed;      /**< number of colour-table entries, or 0 for the depth's full number */
+    DWORD biClrImportant; /**< not interpreted */
+} BITMAPINFOHEADER;
+
+/** One entry of a colour table. */
+typedef struct RGBQUAD {
+    BYTE rgbBlue;     /**< blue */
+    BYTE rgbGreen;    /**< green */
+    BYTE rgbRed;      /**< red */
+    BYTE rgbReserved; /**< not interpreted */
+} RGBQUAD;
+
+/** One entry of a logical palette. */
+typedef struct PALETTEENTRY {
+    BYTE peRed;   /**< red */
+    BYTE peGreen; /**< green */
+    BYTE peBlue;  /**< blue */
+    BYTE peFlags; /**< 0 or a PC_ flag */
+} PALETTEENTRY;
+
+/** A rectangle by its edges. */
+typedef struct RECT {
+    LONG left;   /**< left edge */
+    LONG top;    /**< top edge */
+    LONG right;  /**< one past the right edge */
+    LONG bottom; /**< one past the bottom edge */
+} RECT;
+
+/** Allocates a movable block. @param flags must hold GMEM_MOVEABLE; the memory is always zero.
+ *  @param bytes the exact size that GlobalSize answers.
+ *  @return the handle; null when there is no memory or the block would not be movable. */
+KIRVO_API HGLOBAL WINAPI GlobalAlloc(UINT flags, SIZE_T bytes);
+/** Locks a block. @param block a handle of GlobalAlloc.
+ *  @return the address of its first byte; null for a handle that is unknown or freed. */
+KIRVO_API LPVOID WINAPI GlobalLock(HGLOBAL block);
+/** Undoes one GlobalLock. @param block the handle.
+ *  @return non-zero while the block is still locked, else 0. */
+KIRVO_API BOOL WINAPI GlobalUnlock(HGLOBAL block);
+/** Frees a block, locked or not. @param block the handle, may be null.
+ *  @return null, or the handle itself when it is unknown. */
+KIRVO_API HGLOBAL WINAPI GlobalFree(HGLOBAL block);
+/** Size of a block. @param block the handle. @return its size in bytes, 0 for an unknown handle. */
+KIRVO_API SIZE_T WINAPI GlobalSize(HGLOBAL block);
+/** Reads entries of a logical palette. @param palette the palette @param first first index
+ *  @param count number wanted @param entries receives them; null asks for the palette's size
+ *  @return the number of entries written (or held, with null entries); 0 for an unknown palette. */
+KIRVO_API UINT WINAPI GetPaletteEntries(HPALETTE palette, UINT first, UINT count,
+                                        PALETTEENTRY* entries);
+/** Deletes a logical palette. @param object the palette. @return TRUE, or FALSE when unknown. */
+KIRVO_API BOOL WINAPI DeleteObject(HGDIOBJ object);
+
+/** How a program without Win32 windows takes part: the window calls that the library makes.
+ *  A null member does nothing and answers 0. */
+typedef struct KirvoWindowHost {
+    /** progress messages: window, WM_COMMAND, command id, percent */
+    LRESULT (*SendMessageA)(HWND, UINT, WPARAM, LPARAM);
+    /** outer rectangle of a window */
+    BOOL (*GetWindowRect)(HWND, RECT*);
+    /** client rectangle of a window */
+    BOOL (*GetClientRect)(HWND, RECT*);
+    /** resizes a window */
+    BOOL (*SetWindowPos)(HWND, HWND, int, int, int, int, UINT);
+    /** sizes of frames and menus */
+    int (*GetSystemMetrics)(int);
+} KirvoWindowHost;
+
+/** Sets the window host. @param host copied; null goes back to doing nothing. */
+KIRVO_API void WINAPI KirvoSetWindowHost(const KirvoWindowHost* host);
+
+/** @} */
+#endif /* !_WIN32 */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup status Status codes
+ *  One vocabulary for the whole library: 0 is success, errors are negative.
+ *  @{ */
+
+/** What a call answers. */
+typedef enum KirvoStatus {
+    KIRVO_OK = 0,                    /**< success */
+    KIRVO_BAD_PARAMETER = -1,        /**< bad rectangle, value out of range, bad size */
+    KIRVO_NO_MEMORY = -2,            /**< memory could not be allocated */
+    KIRVO_NULL_HANDLE = -3,          /**< null handle or null data */
+    KIRVO_CANNOT_OPEN = -4,          /**< file could not be opened or created */
+    KIRVO_READ_ERROR = -5,           /**< read error or file too short */
+    KIRVO_WRITE_ERROR = -6,          /**< write error */
+    KIRVO_JPEG_NO_SOI = -10,         /**< JPEG: no start of image */
+    KIRVO_JPEG_MARKER = -11,         /**< JPEG: unexpected marker in entropy-coded data */
+    KIRVO_JPEG_EARLY_EOI = -12,      /**< JPEG: end of image before the first scan */
+    KIRVO_JPEG_HEADER = -13,         /**< JPEG: bad or unsupported header */
+    KIRVO_JPEG_HUFFMAN = -14,        /**< JPEG: Huffman code error or undefined table */
+    KIRVO_JPEG_CATEGORY = -15,       /**< JPEG encoder: coefficient category above 11 */
+    KIRVO_ABANDONED = -16,           /**< piecewise codec operation abandoned by the caller */
+    KIRVO_BUSY = -17,                /**< another codec operation is in progress */
+    KIRVO_JPEG_FRAME = -19,          /**< JPEG: unsupported frame type */
+    KIRVO_NOT_BMP = -20,             /**< not a BMP file, or unsupported BMP depth */
+    KIRVO_NEEDS_8 = -21,             /**< grey JPEG encoder needs an 8-bit image */
+    KIRVO_NEEDS_24 = -22,            /**< image must be 24 bits */
+    KIRVO_NOT_TARGA = -25,           /**< not an uncompressed 24-bit Targa file */
+    KIRVO_Q0_SIZE = -26,             /**< Q0 companion file missing, or Q0 file too short */
+    KIRVO_NOT_RAW = -27,             /**< RAW magic wrong, or file too short */
+    KIRVO_RAW_PALETTE = -28,         /**< RAW palette size is not 0 */
+    KIRVO_MORE_THAN_256 = -30,       /**< more than 256 distinct colours */
+    KIRVO_MORE_THAN_16 = -31,        /**< more than 16 distinct colours */
+    KIRVO_NOT_ICON = -35,            /**< not an icon or cursor file */
+    KIRVO_NEEDS_8_16_24_32 = -40,    /**< image must be 8, 16, 24 or 32 bits */
+    KIRVO_NEEDS_16_24_32 = -41,      /**< image must be 16, 24 or 32 bits */
+    KIRVO_NEEDS_24_32 = -42,         /**< image must be 24 or 32 bits */
+    KIRVO_NEEDS_8_24_32 = -43,       /**< image must be 8, 24 or 32 bits */
+    KIRVO_NEEDS_16_32 = -44,         /**< image must be 16 or 32 bits */
+    KIRVO_NEEDS_1_4_8 = -45,         /**< image must be 1, 4 or 8 bits */
+    KIRVO_NEEDS_8_24 = -46,          /**< image must be 8 or 24 bits */
+    KIRVO_NEEDS_16_24 = -47          /**< image must be 16 or 24 bits */
+} KirvoStatus;
+
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup frame Images, progress, version
+ *  @{ */
+
+/** Version of the library.
+ *  @return 0x01000402 for 1.0.4.2: one byte each, the major number in the top byte. */
+KIRVO_API uint32_t WINAPI GetVerKirvoDll(void);
+
+/** Registers for progress messages of the next long operation.
+ *
+ *  A watched operation sends WM_COMMAND to the window with SendMessageA: wParam is the command id,
+ *  lParam the percentage. It sends 0 when its work begins, then each percentage that is at least 5
+ *  above the last one sent, and 100 on success; it then switches the notification off, so that each
+ *  operation is watched by a call of its own. A handler may switch it off from inside a message.
+ *  @param window receives the messages
+ *  @param command sent as wParam
+ *  @param enable 1 stores window and command and switches on; any other value switches off and
+ *         keeps the stored ones
+ *  @return enable */
+KIRVO_API int32_t WINAPI KirvoSetProcess(HWND window, uint32_t command, int32_t enable);
+
+/** Number of colour-table entries of an image.
+ *  @param header locked header of a packed DIB
+ *  @return the low 16 bits of biClrUsed when that is not 0; else 2, 16 or 256 for 1, 4 or 8 bits;
+ *          3 for 16 and 32 bits with BI_BITFIELDS; otherwise 0 (also for a null pointer) */
+KIRVO_API uint16_t WINAPI DibNumColors(const void* header);
+
+/** Size of the colour part of an image.
+ *  @param header locked header of a packed DIB
+ *  @return DibNumColors × 4 bytes, or × 3 when biSize is 12; low 16 bits. Pixel rows start at
+ *          biSize + PaletteSize. */
+KIRVO_API uint16_t WINAPI PaletteSize(const void* header);
+
+/** Depth of an image.
+ *  @param dib packed DIB
+ *  @return biBitCount, or #KIRVO_NULL_HANDLE */
+KIRVO_API int32_t WINAPI DibQueryBitCount(HGLOBAL dib);
+
+/** Sets one colour-table entry; its reserved byte stays as it is.
+ *  @param dib packed DIB with a 40-byte header
+ *  @param index entry, 0 to 255 and below DibNumColors
+ *  @param colour 0x00BBGGRR
+ *  @return 1 if the entry was written, else 0 (null handle, index out of range or beyond the
+ *          table) */
+KIRVO_API int32_t WINAPI XPaletteQuad(HGLOBAL dib, int32_t index, uint32_t colour);
+
+/** Makes a logical palette of the library's fixed 256 colours: the 20 system colours at 0-9 and
+ *  246-255, between them colour-cube and grey entries flagged PC_NOCOLLAPSE.
+ *  @return the palette, which the caller frees with DeleteObject; null on failure */
+KIRVO_API HPALETTE WINAPI KirvoCreatePalette(void);
+
+/** Allocates a new packed DIB. Apart from its header the block is zero: colour tables are black,
+ *  and the masks of a 16- or 32-bit image (made with BI_BITFIELDS) are for the caller to write.
+ *  @param width at least 1
+ *  @param height at least 1
+ *  @param bits 1, 4, 8, 16, 24 or 32
+ *  @return the image, owned by the caller; null for a bad size or depth, or when there is not
+ *          enough memory (a block never exceeds 2^31 - 1 bytes) */
+KIRVO_API HGLOBAL WINAPI DibMemAllocEx(uint32_t width, int32_t height, uint32_t bits);
+
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup pixel Single pixels and lines
+ *  Work on images with a 40-byte header. No progress is reported.
+ *  @{ */
+
+/** Reads one pixel of an image of any depth.
+ *
+ *  Channels of 16-bit images are scaled to 8 bits with zero low bits (5-bit 31 reads as 248).
+ *  @param dib packed DIB of 1, 4, 8, 16, 24 or 32 bits
+ *  @param x column from the left
+ *  @param y row from the top
+ *  @param[out] colour 0x00BBGGRR; left alone on failure
+ *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image or
+ *          another depth */
+KIRVO_API int32_t WINAPI DibGetPixelColor(HGLOBAL dib, int32_t x, int32_t y, uint32_t* colour);
+
+/** Writes one pixel of a direct-colour image. Channels are narrowed by truncation.
+ *  @param dib packed DIB of 16, 24 or 32 bits
+ *  @param x column from the left
+ *  @param y row from the top
+ *  @param colour 0x00BBGGRR
+ *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for a null handle or a pixel outside the image;
+ *          #KIRVO_NEEDS_16_24_32 for another depth */
+KIRVO_API int32_t WINAPI DibSetPixelColor(HGLOBAL dib, int32_t x, int32_t y, uint32_t colour);
+
+/** Fills the pixels x0 to x1 (inclusive) of one row with a colour. Nothing is written, and the
+ *  result is still #KIRVO_OK, when x0 > x1.
+ *  @param dib packed DIB of 16, 24 or 32 bits
+ *  @param x0 first column
+ *  @param x1 last column
+ *  @param y row from the top
+ *  @param colour 0x00BBGGRR
+ *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for a null handle or a pixel outside the image;
+ *          #KIRVO_NEEDS_16_24_32 for another depth */
+KIRVO_API int32_t WINAPI DibSetLineColor(HGLOBAL dib, int32_t x0, int32_t x1, int32_t y,
+                                         uint32_t colour);
+
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup bmp BMP files
+ *  @{ */
+
+/** Reads a BMP file of any depth. The block returned is the file without its first 14 bytes:
+ *  bfOffBits, compression and the sign of the height are not examined.
+ *  @param name file name
+ *  @param[out] width biWidth, written on success
+ *  @param[out] height biHeight, written on success
+ *  @param[out] bits biBitCount, written as soon as it is known
+ *  @param[out] status #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_READ_ERROR for a file below 14 bytes or
+ *              a short read; #KIRVO_NOT_BMP for another signature or depth; #KIRVO_NO_MEMORY
+ *  @return the image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI DibReadEx(LPCSTR name, uint32_t* width, uint32_t* height, uint32_t* bits,
+                                   int32_t* status);
+
+/** Reads a 24-bit BMP file.
+ *  @param name file name
+ *  @param[out] width biWidth
+ *  @param[out] height biHeight
+ *  @param[out] status as DibReadEx, and #KIRVO_NEEDS_24 for another depth
+ *  @return the image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Dib24Read(LPCSTR name, uint32_t* width, uint32_t* height,
+                                   int32_t* status);
+
+/** Writes an image, or a rectangle of it, as a BMP file.
+ *
+ *  Width and height both -1 mean the whole image. A rectangle of a 1- or 4-bit image starts at the
+ *  next whole byte; biSizeImage keeps the source's value. A partly written file stays on disk.
+ *  @param name file name; an existing file is replaced
+ *  @param dib packed DIB of 1, 4, 8, 16, 24 or 32 bits
+ *  @param x,y,width,height rectangle in the picture
+ *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for a null handle, a negative x or y, a rectangle
+ *          outside the image or a block smaller than its header says; #KIRVO_NULL_HANDLE for a
+ *          handle that cannot be locked; #KIRVO_NOT_BMP for another depth; #KIRVO_CANNOT_OPEN;
+ *          #KIRVO_WRITE_ERROR */
+KIRVO_API int32_t WINAPI DibWriteEx(LPCSTR name, HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                    int32_t height);
+
+/** Writes a 24-bit image, or a rectangle of it, as a BMP file.
+ *  @param name file name
+ *  @param dib packed DIB of 24 bits
+ *  @param x,y,width,height as for DibWriteEx
+ *  @return #KIRVO_NULL_HANDLE for a null handle, #KIRVO_NEEDS_24 for another depth, else as
+ *          DibWriteEx */
+KIRVO_API int32_t WINAPI Dib24Write(LPCSTR name, HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                    int32_t height);
+
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup depth Depth conversion
+ *  @{ */
+/* (depth: functions go here) */
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup window Window fitting
+ *  @{ */
+/* (window: functions go here) */
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup jpegenc JPEG encoder
+ *  @{ */
+/* (jpegenc: functions go here) */
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup jpegdec JPEG decoder
+ *  @{ */
+/* (jpegdec: functions go here) */
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup reduce Colour reduction
+ *  @{ */
+/* (reduce: functions go here) */
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup copy Copy and composition
+ *  @{ */
+/* (copy: functions go here) */
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup turn Flip, mirror, rotation
+ *  @{ */
+/* (turn: functions go here) */
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup zoom Zoom
+ *  @{ */
+/* (zoom: functions go here) */
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup point Point operations
+ *  @{ */
+/* (point: functions go here) */
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup hue Hue and HSV
+ *  @{ */
+/* (hue: functions go here) */
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup filter Neighbourhood filters
+ *  @{ */
+/* (filter: functions go here) */
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup pattern Mosaics, blocks and patterns
+ *  @{ */
+/* (pattern: functions go here) */
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup formats Targa, Q0, RAW, Photo CD and icon files
+ *  @{ */
+/* (formats: functions go here) */
+/** @} */
+
+#ifdef __cplusplus
+} /* extern "C" */
+#endif
+
+#endif /* KIRVO_H */

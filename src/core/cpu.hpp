@@ -1,0 +1,18 @@
+// The instruction sets that kernels may use, decided in one place.
+#pragma once
+
+namespace kirvo {
+
+enum class CpuLevel { scalar, sse2, avx2, avx512 };
+
+// The highest level of this machine and system, lowered by the environment variable
+// KIRVO_CPU=scalar|sse2|avx2|avx512 (read once; another word is ignored) and by lower_cpu_level.
+CpuLevel cpu_level();
+
+// True when avx512 kernels may use VBMI byte permutes as well.
+bool cpu_has_vbmi();
+
+// For tests and benchmarks: caps the level from now on, never above the machine's.
+void lower_cpu_level(CpuLevel cap);
+
+} // namespace kirvo

@@ -1,0 +1,87 @@
+// Blocks of global memory: made in one place, owned and locked by objects.
+#pragma once
+
+#include "platform/platform.hpp"
+
+namespace kirvo {
+
+constexpr uint64_t max_block_bytes = INT32_MAX;
+
+// A zeroed movable block; null when it cannot be had or would exceed max_block_bytes. Every block
+// that the library makes comes from here.
+HGLOBAL allocate_block(uint64_t bytes);
+
+// For tests: makes the n-th allocation from now (1 is the next) fail once; 0 switches off.
+void fail_allocation(uint32_t n);
+
+// A block that is freed unless it is handed over.
+class OwnedBlock {
+  public:
+    OwnedBlock() = default;
+    explicit OwnedBlock(HGLOBAL handle) : handle_(handle) {}
+    OwnedBlock(OwnedBlock&& other) noexcept : handle_(other.release()) {}
+    OwnedBlock& operator=(OwnedBlock&& other) noexcept {
+        reset(other.release());
+        return *this;
+    }
+    ~OwnedBlock() { reset(nullptr); }
+
+    explicit operator bool() const { return handle_ != nullptr; }
+    HGLOBAL get() const { return handle_; }
+    HGLOBAL release() {
+        HGLOBAL handle = handle_;
+        handle_ = nullptr;
+        return handle;
+    }
+    void reset(HGLOBAL handle = nullptr) {
+        if (handle_ != nullptr)
+            GlobalFree(handle_);
+        handle_ = handle;
+    }
+
+  private:
+    HGLOBAL handle_ = nullptr;
+};
+
+// A block locked for as long as the object lives.
+class LockedBlock {
+  public:
+    explicit LockedBlock(HGLOBAL handle)
+        : handle_(handle),
+          data_(handle != nullptr ? static_cast<uint8_t*>(GlobalLock(handle)) : nullptr),
+          size_(data_ != nullptr ? GlobalSize(handle) : 0) {}
+    LockedBlock(const LockedBlock&) = delete;
+    LockedBlock& operator=(const LockedBlock&) = delete;
+    ~LockedBlock() {
+        if (data_ != nullptr)
+            GlobalUnlock(handle_);
+    }
+
+    explicit operator bool() const { return data_ != nullptr; }
+    uint8_t* data() const { return data_; }
+    size_t size() const { return size_; }
+
+  private:
+    HGLOBAL handle_;
+    uint8_t* data_;
+    size_t size_;
+};
+
+// Working memory for the length of a call: zeroed, and gone with the object.
+class Scratch {
+  public:
+    explicit Scratch(uint64_t bytes) : block_(allocate_block(bytes)), lock_(block_.get()) {}
+
+    explicit operator bool() const { return static_cast<bool>(lock_); }
+    uint8_t* data() const { return lock_.data(); }
+    template <typename T>
+    T* as() const {
+        return reinterpret_cast<T*>(lock_.data());
+    }
+
+  private:
+    OwnedBlock block_;
+    LockedBlock lock_;
+};
+
+} // namespace kirvo

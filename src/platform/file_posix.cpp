@@ -1,0 +1,85 @@
+#include "platform/platform.hpp"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace kirvo {
+
+namespace {
+
+int descriptor(intptr_t value) { return static_cast<int>(value); }
+
+} // namespace
+
+bool InputFile::open(const char* name, Share) {
+    close();
+    if (name == nullptr)
+        return false;
+    handle_ = ::open(name, O_RDONLY | O_CLOEXEC);
+    struct stat info;
+    if (handle_ != -1 && (fstat(descriptor(handle_), &info) != 0 || S_ISDIR(info.st_mode)))
+        close();
+    return handle_ != -1;
+}
+
+uint32_t InputFile::size() const {
+    struct stat info;
+    return fstat(descriptor(handle_), &info) == 0 ? static_cast<uint32_t>(info.st_size) : 0;
+}
+
+uint32_t InputFile::read_some(void* bytes, uint32_t count) {
+    uint32_t done = 0;
+    while (done < count) {
+        const ssize_t got =
+            ::read(descriptor(handle_), static_cast<char*>(bytes) + done, count - done);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            break;
+        done += static_cast<uint32_t>(got);
+    }
+    return done;
+}
+
+bool InputFile::seek(uint32_t offset) {
+    return lseek(descriptor(handle_), static_cast<off_t>(offset), SEEK_SET) >= 0;
+}
+
+void InputFile::close() {
+    if (handle_ != -1)
+        ::close(descriptor(handle_));
+    handle_ = -1;
+}
+
+bool OutputFile::create(const char* name) {
+    close();
+    if (name != nullptr)
+        handle_ = ::open(name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    return handle_ != -1;
+}
+
+bool OutputFile::write(const void* bytes, uint32_t count) {
+    uint32_t done = 0;
+    while (done < count) {
+        const ssize_t put =
+            ::write(descriptor(handle_), static_cast<const char*>(bytes) + done, count - done);
+        if (put < 0 && errno == EINTR)
+            continue;
+        if (put <= 0)
+            return false;
+        done += static_cast<uint32_t>(put);
+    }
+    return true;
+}
+
+void OutputFile::close() {
+    if (handle_ != -1)
+        ::close(descriptor(handle_));
+    handle_ = -1;
+}
+
+void compact_memory(uint64_t) {}
+
+} // namespace kirvo

@@ -1,0 +1,111 @@
+// Handles that can be checked: a handle names a slot and the slot's generation, so that one that
+// was never given out, or whose object is gone, is recognised without touching memory through it.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+namespace kirvo {
+
+template <typename Object>
+class HandleTable {
+  public:
+    // Null when the table cannot grow.
+    void* add(const Object& object) {
+        Guard guard(lock_);
+        const uint32_t index = free_ != none ? free_ : used_;
+        Slot* slot = free_ != none ? at(index) : grow();
+        if (slot == nullptr)
+            return nullptr;
+        if (free_ != none)
+            free_ = slot->next_free;
+        slot->object = object;
+        slot->live = true;
+        return handle_of(index, slot->generation);
+    }
+
+    // Calls use(object) for a live handle; false for any other.
+    template <typename Use>
+    bool with(const void* handle, Use use) {
+        Guard guard(lock_);
+        Slot* slot = find(handle);
+        if (slot == nullptr)
+            return false;
+        use(slot->object);
+        return true;
+    }
+
+    // Takes the object out; false for a handle that is not live.
+    bool remove(const void* handle, Object& object) {
+        Guard guard(lock_);
+        Slot* slot = find(handle);
+        if (slot == nullptr)
+            return false;
+        object = slot->object;
+        slot->live = false;
+        slot->generation = (slot->generation + 1) & 0x7FFFFFFF;
+        slot->next_free = free_;
+        free_ = index_of(handle);
+        return true;
+    }
+
+  private:
+    static constexpr uint32_t chunk_slots = 1024;
+    static constexpr uint32_t chunk_count = 16384;
+    static constexpr uint32_t none = UINT32_MAX;
+
+    struct Slot {
+        Object object;
+        uint32_t generation;
+        uint32_t next_free;
+        bool live;
+    };
+
+    class Guard {
+      public:
+        explicit Guard(std::atomic_flag& flag) : flag_(flag) {
+            while (flag_.test_and_set(std::memory_order_acquire)) {
+            }
+        }
+        ~Guard() { flag_.clear(std::memory_order_release); }
+        Guard(const Guard&) = delete;
+        Guard& operator=(const Guard&) = delete;
+
+      private:
+        std::atomic_flag& flag_;
+    };
+
+    // Odd values, so that no handle looks like the address of anything aligned.
+    static void* handle_of(uint32_t index, uint32_t generation) {
+        return reinterpret_cast<void*>((static_cast<uintptr_t>(generation) << 28) |
+                                       (static_cast<uintptr_t>(index) << 2) | 3);
+    }
+    static uint32_t index_of(const void* handle) {
+        return (reinterpret_cast<uintptr_t>(handle) >> 2) & 0x03FFFFFF;
+    }
+    Slot* at(uint32_t index) { return &chunks_[index / chunk_slots][index % chunk_slots]; }
+    Slot* find(const void* handle) {
+        const uint32_t index = index_of(handle);
+        if (index >= used_)
+            return nullptr;
+        Slot* slot = at(index);
+        return slot->live && handle_of(index, slot->generation) == handle ? slot : nullptr;
+    }
+    Slot* grow() {
+        const uint32_t chunk = used_ / chunk_slots;
+        if (chunk >= chunk_count)
+            return nullptr;
+        if (chunks_[chunk] == nullptr)
+            chunks_[chunk] = static_cast<Slot*>(std::calloc(chunk_slots, sizeof(Slot)));
+        return chunks_[chunk] == nullptr ? nullptr : at(used_++);
+    }
+
+    Slot* chunks_[chunk_count] = {};
+    uint32_t used_ = 0;
+    uint32_t free_ = none;
+    std::atomic_flag lock_ = ATOMIC_FLAG_INIT;
+};
+
+} // namespace kirvo

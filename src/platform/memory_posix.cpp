@@ -1,0 +1,119 @@
+// Movable global memory away from Windows. Every block is zeroed. Large blocks come straight from
+// the system, aligned so that it can back them with huge pages: zeroed on first touch, one page
+// fault for 2 MB instead of 512.
+#include "platform/handles_posix.hpp"
+#include "platform/platform.hpp"
+
+#include <cstdlib>
+#include <sys/mman.h>
+
+namespace {
+
+constexpr size_t huge_page = size_t{2} << 20;
+
+struct Memory {
+    void* address;
+    size_t mapped; // 0 when it comes from the heap
+};
+
+struct Block {
+    Memory memory;
+    size_t size;
+    uint32_t locks;
+};
+
+kirvo::HandleTable<Block> blocks;
+
+// Sanitizers see overruns of heap blocks only.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool map_large_blocks = false;
+#else
+constexpr bool map_large_blocks = true;
+#endif
+
+Memory map_huge(size_t bytes) {
+    const size_t wanted = (bytes + huge_page - 1) & ~(huge_page - 1);
+    void* raw = mmap(nullptr, wanted + huge_page, PROT_READ | PROT_WRITE,
+                     MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (raw == MAP_FAILED)
+        return {nullptr, 0};
+    const uintptr_t start = reinterpret_cast<uintptr_t>(raw);
+    const uintptr_t aligned = (start + huge_page - 1) & ~uintptr_t{huge_page - 1};
+    if (aligned != start)
+        munmap(raw, aligned - start);
+    const size_t tail = start + huge_page - aligned;
+    if (tail != 0)
+        munmap(reinterpret_cast<void*>(aligned + wanted), tail);
+    void* address = reinterpret_cast<void*>(aligned);
+    madvise(address, wanted, MADV_HUGEPAGE);
+    return {address, wanted};
+}
+
+Memory acquire(size_t bytes) {
+    if (map_large_blocks && bytes >= huge_page && bytes < SIZE_MAX / 2)
+        return map_huge(bytes);
+    return {std::calloc(1, bytes == 0 ? 1 : bytes), 0};
+}
+
+void release(const Memory& memory) {
+    if (memory.mapped != 0)
+        munmap(memory.address, memory.mapped);
+    else
+        std::free(memory.address);
+}
+
+} // namespace
+
+HGLOBAL WINAPI GlobalAlloc(UINT flags, SIZE_T bytes) {
+    if ((flags & GMEM_MOVEABLE) == 0)
+        return nullptr;
+    const Memory memory = acquire(bytes);
+    if (memory.address == nullptr)
+        return nullptr;
+    HGLOBAL handle = blocks.add({memory, bytes, 0});
+    if (handle == nullptr)
+        release(memory);
+    return handle;
+}
+
+LPVOID WINAPI GlobalLock(HGLOBAL block) {
+    void* address = nullptr;
+    blocks.with(block, [&](Block& b) {
+        ++b.locks;
+        address = b.memory.address;
+    });
+    return address;
+}
+
+BOOL WINAPI GlobalUnlock(HGLOBAL block) {
+    bool still_locked = false;
+    blocks.with(block, [&](Block& b) {
+        if (b.locks != 0)
+            --b.locks;
+        still_locked = b.locks != 0;
+    });
+    return still_locked;
+}
+
+HGLOBAL WINAPI GlobalFree(HGLOBAL block) {
+    Block gone;
+    if (block == nullptr)
+        return nullptr;
+    if (!blocks.remove(block, gone))
+        return block;
+    release(gone.memory);
+    return nullptr;
+}
+
+SIZE_T WINAPI GlobalSize(HGLOBAL block) {
+    size_t size = 0;
+    blocks.with(block, [&](const Block& b) { size = b.size; });
+    return size;
+}
+
+HANDLE LocalAlloc(UINT, SIZE_T bytes) { return std::calloc(1, bytes); }
+
+HANDLE LocalFree(HANDLE memory) {
+    std::free(memory);
+    return nullptr;
+}

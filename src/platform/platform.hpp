@@ -1,0 +1,78 @@
+// The operating system as the rest of the library sees it: the Win32 names that it calls, real on
+// Windows, stand-ins elsewhere; and files as plain byte streams.
+#pragma once
+
+#include "kirvo.h"
+
+#ifndef _WIN32
+
+constexpr UINT LPTR = 0x0040;
+constexpr BYTE PC_NOCOLLAPSE = 4;
+
+struct LOGPALETTE {
+    WORD palVersion;
+    WORD palNumEntries;
+    PALETTEENTRY palPalEntry[1];
+};
+
+HANDLE LocalAlloc(UINT flags, SIZE_T bytes);
+HANDLE LocalFree(HANDLE memory);
+HPALETTE CreatePalette(const LOGPALETTE* palette);
+
+LRESULT SendMessageA(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+BOOL GetWindowRect(HWND window, RECT* rect);
+BOOL GetClientRect(HWND window, RECT* rect);
+BOOL SetWindowPos(HWND window, HWND after, int x, int y, int width, int height, UINT flags);
+int GetSystemMetrics(int index);
+
+#endif
+
+namespace kirvo {
+
+// Asks the system to make room for a large block, where it knows such a thing.
+void compact_memory(uint64_t bytes);
+
+// Which other programs may have the file open meanwhile (Windows only).
+enum class Share { readers, deny_writers, anyone };
+
+// A file read from front to back. Closed by its destructor.
+class InputFile {
+  public:
+    InputFile() = default;
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+    ~InputFile() { close(); }
+
+    // False for a null name, a missing or unreadable file, or a directory.
+    bool open(const char* name, Share share = Share::readers);
+    // The low 32 bits of the file's size.
+    uint32_t size() const;
+    // True when all count bytes came.
+    bool read(void* bytes, uint32_t count) { return read_some(bytes, count) == count; }
+    // Number of bytes that came, fewer than count at the end of the file or on an error.
+    uint32_t read_some(void* bytes, uint32_t count);
+    bool seek(uint32_t offset);
+    void close();
+
+  private:
+    intptr_t handle_ = -1;
+};
+
+// A file written from front to back, replacing what was there. Closed by its destructor.
+class OutputFile {
+  public:
+    OutputFile() = default;
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+    ~OutputFile() { close(); }
+
+    bool create(const char* name);
+    // True when all count bytes went.
+    bool write(const void* bytes, uint32_t count);
+    void close();
+
+  private:
+    intptr_t handle_ = -1;
+};
+
+} // namespace kirvo
