@@ -1,0 +1,7 @@
+#include "jpeg/codec.hpp"
+
+namespace kirvo {
+
+bool codec_busy = false;
+
+} // namespace kirvo
