@@ -1,13 +1,11 @@
 # The command line `kirvo` (tools/*.cpp) and the generator of sample pictures (tools/sample).
 
-if(EXISTS ${PROJECT_SOURCE_DIR}/tools/sample/scene.cpp)
-    add_library(kirvo_scene STATIC tools/sample/scene.cpp)
-    target_include_directories(kirvo_scene PUBLIC tools/sample)
-    target_compile_options(kirvo_scene PRIVATE -Wall -Wextra)
-    add_executable(kirvo_sample tools/sample/main.cpp)
-    target_compile_options(kirvo_sample PRIVATE -Wall -Wextra)
-    target_link_libraries(kirvo_sample PRIVATE kirvo_scene)
-endif()
+add_library(kirvo_scene STATIC tools/sample/scene.cpp)
+target_include_directories(kirvo_scene PUBLIC tools/sample)
+target_compile_options(kirvo_scene PRIVATE -Wall -Wextra -Wconversion)
+add_executable(kirvo_sample tools/sample/main.cpp)
+target_compile_options(kirvo_sample PRIVATE -Wall -Wextra -Wconversion)
+target_link_libraries(kirvo_sample PRIVATE kirvo_scene)
 
 file(GLOB tool_sources CONFIGURE_DEPENDS tools/*.cpp)
 if(tool_sources)
