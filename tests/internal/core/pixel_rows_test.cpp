@@ -1,0 +1,220 @@
+// Rows of pixel words to and from 24-bit pixels, at every level of the processor, against the
+// channel rules written out bit by bit.
+
+#include "core/pixels.hpp"
+
+#include "internal/cpu_levels.hpp"
+#include "support/random.hpp"
+
+#include <gtest/gtest.h>
+#include <vector>
+
+using namespace kirvo;
+using namespace kirvo_test;
+
+namespace {
+
+constexpr size_t guard = 64;
+constexpr uint8_t guard_byte = 0xA5;
+
+// Bytes between guards, starting at any alignment.
+class Guarded {
+  public:
+    Guarded(size_t count, size_t offset)
+        : bytes_(guard + offset + count + guard, guard_byte), begin_(guard + offset),
+          count_(count) {}
+    uint8_t* data() { return bytes_.data() + begin_; }
+    std::vector<uint8_t> content() { return {data(), data() + count_}; }
+    bool intact() const {
+        for (size_t i = 0; i < bytes_.size(); ++i) {
+            if ((i < begin_ || i >= begin_ + count_) && bytes_[i] != guard_byte)
+                return false;
+        }
+        return true;
+    }
+
+  private:
+    std::vector<uint8_t> bytes_;
+    size_t begin_, count_;
+};
+
+struct Field {
+    uint32_t mask;
+    int low = 0;   // position of its lowest one bit
+    int width = 0; // length of the run of ones that starts there
+    Field(uint32_t mask, int bits) : mask(mask) {
+        while (low < bits && !(mask >> low & 1))
+            ++low;
+        while (low + width < bits && (mask >> (low + width) & 1))
+            ++width;
+    }
+};
+
+uint8_t read_channel(uint32_t pixel, int bits, const Field& field) {
+    if (field.mask == 0)
+        return 0;
+    uint32_t value = ((pixel & field.mask) >> field.low) & 0xFF;
+    if (bits == 16)
+        value = field.width <= 8 ? value << (8 - field.width) : value >> (field.width - 8);
+    return static_cast<uint8_t>(value);
+}
+
+uint32_t write_channel(uint32_t value, int bits, const Field& field) {
+    if (field.mask == 0)
+        return 0;
+    if (bits == 16)
+        value = field.width <= 8 ? value >> (8 - field.width) : value << (field.width - 8);
+    return (value << field.low) & field.mask;
+}
+
+PixelFormat format_of(int bits, const uint32_t (&masks)[3]) {
+    PixelFormat format = {bits, {}};
+    for (int c = 0; c < 3; ++c) {
+        const Field field(masks[c], bits);
+        format.masks.mask[c] = masks[c];
+        format.masks.shift[c] = field.low;
+        format.masks.widen[c] = bits == 16 ? 8 - field.width : 0;
+    }
+    return format;
+}
+
+std::vector<uint8_t> expected_unpacked(const std::vector<uint8_t>& row, int bits,
+                                       const uint32_t (&masks)[3]) {
+    const size_t bytes = static_cast<size_t>(bits) / 8;
+    std::vector<uint8_t> bgr;
+    for (size_t i = 0; i + bytes <= row.size(); i += bytes) {
+        uint32_t pixel = 0;
+        for (size_t b = 0; b < bytes; ++b)
+            pixel += static_cast<uint32_t>(row[i + b]) << 8 * b;
+        for (int c = 2; c >= 0; --c)
+            bgr.push_back(read_channel(pixel, bits, Field(masks[c], bits)));
+    }
+    return bgr;
+}
+
+std::vector<uint8_t> expected_packed(const std::vector<uint8_t>& bgr, int bits,
+                                     const uint32_t (&masks)[3]) {
+    std::vector<uint8_t> row;
+    for (size_t i = 0; i < bgr.size(); i += 3) {
+        uint32_t pixel = 0;
+        for (int c = 0; c < 3; ++c)
+            pixel |= write_channel(bgr[i + static_cast<size_t>(2 - c)], bits, Field(masks[c], bits));
+        for (int b = 0; b < bits / 8; ++b)
+            row.push_back(static_cast<uint8_t>(pixel >> 8 * b));
+    }
+    return row;
+}
+
+void check_both_ways(int bits, const uint32_t (&masks)[3], size_t count, Random& random) {
+    const PixelFormat format = format_of(bits, masks);
+    const size_t bytes = format.bytes();
+    const size_t offset = static_cast<size_t>(random.between(0, 15));
+    Guarded row(bytes * count, offset), bgr(3 * count, 15 - offset);
+
+    random.fill(row.data(), bytes * count);
+    unpack_row(format, row.data(), bgr.data(), count);
+    EXPECT_EQ(bgr.content(), expected_unpacked(row.content(), bits, masks));
+
+    random.fill(bgr.data(), 3 * count);
+    pack_row(format, bgr.data(), row.data(), count);
+    EXPECT_EQ(row.content(), expected_packed(bgr.content(), bits, masks));
+    EXPECT_TRUE(row.intact() && bgr.intact());
+}
+
+constexpr uint32_t usual16[][3] = {{0x7C00, 0x03E0, 0x001F}, {0xF800, 0x07E0, 0x001F}};
+constexpr uint32_t usual32[][3] = {{0xFF0000, 0x00FF00, 0x0000FF}};
+constexpr uint32_t unusual16[][3] = {
+    {0x001F, 0x03E0, 0x7C00}, {0x0F00, 0x00F0, 0x000F}, {0xFFC0, 0x003E, 0x0001},
+    {0xFFFF, 0xFFFF, 0xFFFF}, {0x0000, 0x8000, 0x0001}, {0x8001, 0x0505, 0x7FFE},
+    {0x1FF0, 0x0000, 0xFF00}};
+constexpr uint32_t unusual32[][3] = {
+    {0x0000FF, 0x00FF00, 0xFF0000},       {0xFF000000, 0xFF0000, 0xFF00},
+    {0x3FF00000, 0x000FFC00, 0x000003FF}, {0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF},
+    {0x00000000, 0x80000000, 0x00000001}, {0xF0F0F0F0, 0x00018001, 0x0000001F},
+    {0xFE000000, 0x000001FE, 0x7FFFFFFE}};
+
+template<size_t n> void check_all(int bits, const uint32_t (&formats)[n][3]) {
+    at_every_cpu_level([&](CpuLevel) {
+        Random random(17);
+        for (const auto& masks : formats) {
+            SCOPED_TRACE(testing::Message() << std::hex << masks[0] << ' ' << masks[1] << ' '
+                                            << masks[2]);
+            for (size_t count = 0; count <= 70; ++count)
+                check_both_ways(bits, masks, count, random);
+            check_both_ways(bits, masks, 1021, random);
+            if (testing::Test::HasFailure())
+                return;
+        }
+    });
+}
+
+TEST(PixelRows, UsualMasksOf16BitPixels) { check_all(16, usual16); }
+TEST(PixelRows, UsualMasksOf32BitPixels) { check_all(32, usual32); }
+TEST(PixelRows, UnusualMasksOf16BitPixels) { check_all(16, unusual16); }
+TEST(PixelRows, UnusualMasksOf32BitPixels) { check_all(32, unusual32); }
+
+TEST(PixelRows, RandomMasks) {
+    at_every_cpu_level([&](CpuLevel) {
+        Random random(5);
+        for (int i = 0; i < 300 && !testing::Test::HasFailure(); ++i) {
+            const int bits = i % 2 ? 16 : 32;
+            uint32_t masks[3];
+            for (uint32_t& mask : masks)
+                mask = (random.next() & random.next()) >> (bits == 16 ? 16 : 0);
+            check_both_ways(bits, masks, static_cast<size_t>(random.between(1, 100)), random);
+        }
+    });
+}
+
+TEST(PixelRows, EveryWordOf16Bits) {
+    at_every_cpu_level([&](CpuLevel) {
+        std::vector<uint8_t> row, bgr(3 * 65536);
+        for (uint32_t word = 0; word < 65536; ++word) {
+            row.push_back(static_cast<uint8_t>(word));
+            row.push_back(static_cast<uint8_t>(word >> 8));
+        }
+        for (const auto& masks : usual16) {
+            unpack_row(format_of(16, masks), row.data(), bgr.data(), 65536);
+            EXPECT_EQ(bgr, expected_unpacked(row, 16, masks));
+        }
+    });
+}
+
+TEST(PixelRows, RowsOf24BitPixelsAreCopied) {
+    Random random(3);
+    Guarded from(3 * 50, 1), to(3 * 50, 2);
+    random.fill(from.data(), 150);
+    unpack_row({24, {}}, from.data(), to.data(), 50);
+    EXPECT_EQ(to.content(), from.content());
+    random.fill(to.data(), 150);
+    pack_row({24, {}}, to.data(), from.data(), 50);
+    EXPECT_EQ(to.content(), from.content());
+    EXPECT_TRUE(from.intact() && to.intact());
+    unpack_row({24, {}}, to.data(), to.data(), 50);
+    EXPECT_EQ(to.content(), from.content());
+}
+
+// Values worked out by hand.
+TEST(PixelRows, FreedLowBitsAreZero) {
+    at_every_cpu_level([](CpuLevel) {
+        const uint8_t row[2] = {0xFF, 0xFF};
+        uint8_t bgr[3];
+        unpack_row(format_of(16, usual16[0]), row, bgr, 1);
+        EXPECT_EQ((std::vector<uint8_t>{bgr, bgr + 3}), (std::vector<uint8_t>{248, 248, 248}));
+        unpack_row(format_of(16, usual16[1]), row, bgr, 1);
+        EXPECT_EQ((std::vector<uint8_t>{bgr, bgr + 3}), (std::vector<uint8_t>{248, 252, 248}));
+    });
+}
+
+TEST(PixelRows, WideMasksGiveTheirLowEightBits) {
+    at_every_cpu_level([](CpuLevel) {
+        const uint8_t row[4] = {0x12, 0x9A, 0xF5, 0x3C}; // 0x3CF59A12
+        uint8_t bgr[3];
+        unpack_row(format_of(32, unusual32[2]), row, bgr, 1);
+        EXPECT_EQ(bgr[0], 0x12); // 0x212
+        EXPECT_EQ(bgr[1], 0x66); // 0x166
+        EXPECT_EQ(bgr[2], 0xCF); // 0x3CF
+    });
+}
+
+} // namespace
