@@ -410,7 +410,50 @@ KIRVO_API int32_t WINAPI Dib24Write(LPCSTR name, HGLOBAL dib, int32_t x, int32_t
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup copy Copy and composition
  *  @{ */
-/* (copy: functions go here) */
+
+/** Copies a rectangle into an image that was made of exactly its size. The destination's own
+ *  width and height are not examined, only that its block can hold the rows.
+ *
+ *  When width and height are those of the source, the whole source is copied and left and top are
+ *  not looked at. The colour table (8 bits) or the masks (16, 32 bits with BI_BITFIELDS in the
+ *  destination) are copied too. Otherwise the padding of each row receives the bytes that follow
+ *  the rectangle in the source's row. An image may be copied onto itself.
+ *  @param to packed DIB of the source's depth
+ *  @param from packed DIB of 8, 16, 24 or 32 bits
+ *  @param left,top,width,height rectangle in the source
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a negative left or top or a
+ *          width or height below 1; #KIRVO_NEEDS_8_16_24_32 for another depth or two different
+ *          ones; #KIRVO_BAD_PARAMETER for a rectangle outside the source or a block that is too
+ *          small. Checked in this order, before anything is written. */
+KIRVO_API int32_t WINAPI Dib24Copy(HGLOBAL to, HGLOBAL from, int32_t left, int32_t top,
+                                   int32_t width, int32_t height);
+
+/** Copies a rectangle between two images of any sizes and one depth.
+ *
+ *  When width and height are those of both images, the whole of the source is copied, row padding
+ *  included, and the corners are not looked at. The colour table (8 bits) or the masks (16, 32
+ *  bits) go along. An image may be copied onto itself: the rows are copied one after the other from
+ *  the bottom of the picture upward.
+ *  @param to packed DIB of the source's depth
+ *  @param to_left,to_top corner of the rectangle in the destination
+ *  @param from packed DIB of 8, 16, 24 or 32 bits
+ *  @param from_left,from_top corner of the rectangle in the source
+ *  @param width,height size of the rectangle
+ *  @return as Dib24Copy; the rectangle must lie inside both images */
+KIRVO_API int32_t WINAPI Dib24CopyEx(HGLOBAL to, int32_t to_left, int32_t to_top, HGLOBAL from,
+                                     int32_t from_left, int32_t from_top, int32_t width,
+                                     int32_t height);
+
+/** Duplicates a rectangle into a new image of the same depth, with its colour table or masks.
+ *  @param from packed DIB of 8, 16, 24 or 32 bits
+ *  @param left,top,width,height rectangle in the source
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle outside
+ *              the image or a block that is too small; #KIRVO_NEEDS_8_16_24_32 for a depth below 8;
+ *              #KIRVO_NO_MEMORY. Checked in this order.
+ *  @return the image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Dib24DupEx(HGLOBAL from, int32_t left, int32_t top, int32_t width,
+                                    int32_t height, int32_t* status);
+
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */

@@ -44,6 +44,12 @@ void copy_up_to(uint8_t* to, const uint8_t* from, size_t count, const uint8_t* e
     std::memset(to + there, 0, count - there);
 }
 
+Rows rows_of(const LockedDib& dib, const Rect& rect, RowStart start) {
+    Rows rows = dib.rows(start);
+    rows.first = rows[bottom_row(dib.height(), rect)] + ptrdiff_t{rect.x} * (dib.bits() / 8);
+    return rows;
+}
+
 bool well_formed(const Rect& rect) {
     return rect.x >= 0 && rect.y >= 0 && rect.width >= 1 && rect.height >= 1;
 }

@@ -90,6 +90,10 @@ inline int64_t bottom_row(int32_t image_height, const Rect& rect) {
     return int64_t{image_height} - rect.y - rect.height;
 }
 
+// The rows of a rectangle of an image of whole-byte pixels: its lowest first, each from its left
+// column on.
+Rows rows_of(const LockedDib& dib, const Rect& rect, RowStart start);
+
 // Which depths an operation accepts, named as its check is.
 struct Depths {
     bool (*accepts)(int32_t bits);
