@@ -49,3 +49,29 @@ foreach(source IN LISTS test_sources)
     endif()
     target_sources(${program} PRIVATE ${source})
 endforeach()
+
+# What was built, held against what was declared.
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
+file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/interface.json CONTENT "{
+    \"source\": \"${PROJECT_SOURCE_DIR}\",
+    \"system\": \"${CMAKE_SYSTEM_NAME}\",
+    \"library\": \"$<TARGET_FILE:kirvo>\",
+    \"c_compiler\": \"${CMAKE_C_COMPILER}\",
+    \"cpp_compiler\": \"${CMAKE_CXX_COMPILER}\",
+    \"nm\": \"${CMAKE_NM}\",
+    \"objdump\": \"${CMAKE_OBJDUMP}\",
+    \"objects\": [\"$<JOIN:$<TARGET_OBJECTS:kirvo_objects>,\", \">\"]
+}
+")
+set(checks header_c99 header_cpp17 exports imports)
+if(NOT KIRVO_SANITIZE)
+    list(APPEND checks baseline)
+endif()
+if(WIN32)
+    list(APPEND checks size version)
+endif()
+foreach(check IN LISTS checks)
+    add_test(NAME kirvo_check_${check}
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/interface/check.py ${check}
+                     ${PROJECT_BINARY_DIR}/interface.json)
+endforeach()

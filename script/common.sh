@@ -36,7 +36,7 @@ as_root() {
     if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-need_compiler() { need cmake ninja-build g++ libcli11-dev "$@"; }
+need_compiler() { need cmake ninja-build g++ libcli11-dev googletest "$@"; }
 
 # Gives the programs that follow a virtual display, until this script ends.
 start_display() {
