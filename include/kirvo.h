@@ -391,8 +391,159 @@ KIRVO_API int32_t WINAPI Dib24Write(LPCSTR name, HGLOBAL dib, int32_t x, int32_t
 
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup jpegenc JPEG encoder
+ *  Baseline JPEG streams (ITU-T T.81) with a JFIF 1.00 header and Huffman coding in one scan, from
+ *  a rectangle of an image.
+ *
+ *  The colour family (JpgCodFirst, JpgCodNext, JpgCodMainEx, JpgCodMainHGLOBAL) takes 24-bit and
+ *  8-bit images and writes Y, Cb and Cr; the grey family (the same names with _M) takes 8-bit images
+ *  and writes one component. One call encodes into a file or a memory block; First and Next encode
+ *  in slices:
+ *  @code
+ *     int32_t status;
+ *     uint32_t length;
+ *     HGLOBAL block = JpgCodFirst(dib, 0, 0, width, height, 100, &status);
+ *     if (block) {
+ *         int32_t result;
+ *         do result = JpgCodNext(0, &length); while (result == 0);
+ *         // result 1: the stream is the first length bytes of block, which is the caller's now;
+ *         // below 0: the encode has ended and block is freed
+ *     }
+ *  @endcode
+ *  Only one encode or decode can be in progress; others are refused with #KIRVO_BUSY. The settings
+ *  hold for all encodes that start later, until they are changed. Progress counts MCUs.
+ *
+ *  Between First and the last Next the image and the output block stay locked: neither may be freed
+ *  or resized.
  *  @{ */
-/* (jpegenc: functions go here) */
+
+/** Sets how colour streams sample chroma. The default is 4.
+ *  @param mode 1: a sample per pixel; 2: halved across; 4: halved both ways
+ *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for another mode (the setting stays) */
+KIRVO_API int32_t WINAPI JpgCodSetSubsample(int32_t mode);
+
+/** Selects one of the quality levels 2 to 5.
+ *  @param q 0 to 3 for level 2 (finest) to 5 (coarsest)
+ *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for another value (the setting stays) */
+KIRVO_API int32_t WINAPI JpgCodSetQ(int32_t q);
+
+/** Selects a quality level. The default is 4.
+ *  @param level 1 (finest) to 5 (coarsest): a pair of fixed quantisation tables; level 5 also keeps
+ *         only the first 21 coefficients of each block. 0: the tables of JpgCodSetQtable
+ *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for another level (the setting stays) */
+KIRVO_API int32_t WINAPI JpgCodSetQEx(int32_t level);
+
+/** Loads quantisation tables of the caller's, which are used at level 0 only (JpgCodSetQEx). Until
+ *  then they are all ones.
+ *  @param luminance 64 quantisers of 1 to 255 in row-major order: entry row * 8 + column is for the
+ *         vertical frequency row and the horizontal frequency column
+ *  @param chrominance likewise
+ *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for a quantiser out of range or a null pointer (both
+ *          tables stay) */
+KIRVO_API int32_t WINAPI JpgCodSetQtable(const int16_t* luminance, const int16_t* chrominance);
+
+/** As JpgCodSetQtable, and sets how many coefficients of each block are coded at level 0.
+ *  @param luminance as JpgCodSetQtable
+ *  @param chrominance as JpgCodSetQtable
+ *  @param count 1 to 64 coefficients in zigzag order, the others become 0; any other value means 64
+ *  @return as JpgCodSetQtable */
+KIRVO_API int32_t WINAPI JpgCodSetQtableEx(const int16_t* luminance, const int16_t* chrominance,
+                                           int32_t count);
+
+/** Sets a comment for the next stream only; one that is still pending is discarded.
+ *  @param text the bytes of the comment; null: none
+ *  @param length their number; 0: none. Above 65533 the length field of the segment wraps, so that
+ *         decoders take the rest of the comment for other segments */
+KIRVO_API void WINAPI JpgCodSetComment(const uint8_t* text, uint32_t length);
+
+/** Sizes of the most recent encode. Either pointer may be null.
+ *  @param[out] source_bytes size of the pixels encoded, without padding
+ *  @param[out] output_bytes length of the stream made by the last JpgCodMain... call
+ *  @return output_bytes */
+KIRVO_API uint32_t WINAPI JpgCodGetStatus(uint32_t* source_bytes, uint32_t* output_bytes);
+
+/** Starts to encode a rectangle in colour and writes the headers. A pending comment is taken up.
+ *  @param dib packed DIB of 24 or 8 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @param mcus_per_call number of MCUs (blocks of 8 x 8, 16 x 8 or 16 x 16 pixels by sampling mode)
+ *         that each JpgCodNext encodes; -1: all. With 0 or less than -1 no call gets on
+ *  @param[out] status #KIRVO_OK; #KIRVO_BUSY while an encode or decode is in progress;
+ *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for an empty or negative rectangle, or one
+ *              outside the image, or a block smaller than its header says; #KIRVO_NEEDS_8_24;
+ *              #KIRVO_NO_MEMORY; #KIRVO_ABANDONED when a progress handler has ended the encode
+ *  @return the block that receives the stream; it is the encoder's until JpgCodNext returns 1. Null
+ *          on failure */
+KIRVO_API HGLOBAL WINAPI JpgCodFirst(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
+                                     int32_t height, int32_t mcus_per_call, int32_t* status);
+
+/** Goes on with the encode that JpgCodFirst has started.
+ *  @param control -1 ends the encode and frees its block; any other value goes on
+ *  @param[out] stream_bytes length of the stream, written when the encode is done
+ *  @return 1: done, the block of JpgCodFirst is the caller's; 0: call again (a call that has
+ *          encoded its number of MCUs answers 0 even if none is left); #KIRVO_ABANDONED after
+ *          control -1; #KIRVO_JPEG_CATEGORY for a coefficient that has no code; #KIRVO_NO_MEMORY
+ *          when the stream would outgrow its block; #KIRVO_BAD_PARAMETER without an encode of this
+ *          family. After an error the block has been freed */
+KIRVO_API int32_t WINAPI JpgCodNext(int32_t control, uint32_t* stream_bytes);
+
+/** Encodes a rectangle in colour into a file.
+ *  @param path file name; an existing file is replaced once the stream is complete in memory
+ *  @param dib packed DIB of 24 or 8 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @param unused1,unused2 ignored
+ *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for an empty path; the codes of JpgCodFirst and
+ *          JpgCodNext; #KIRVO_CANNOT_OPEN; #KIRVO_WRITE_ERROR */
+KIRVO_API int32_t WINAPI JpgCodMainEx(LPCSTR path, HGLOBAL dib, int32_t left, int32_t top,
+                                      int32_t width, int32_t height, int32_t unused1,
+                                      int32_t unused2);
+
+/** Encodes a rectangle in colour into a memory block.
+ *  @param dib packed DIB of 24 or 8 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @param[out] stream_bytes length of the stream; the block is larger, and zero after it
+ *  @param[out] status the codes of JpgCodFirst and JpgCodNext
+ *  @return the block, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI JpgCodMainHGLOBAL(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
+                                           int32_t height, uint32_t* stream_bytes,
+                                           int32_t* status);
+
+/** Starts to encode a rectangle as a grey stream.
+ *  @param dib packed DIB of 8 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @param grey_mode 1: a pixel's grey level is the blue byte of its colour-table entry; any other
+ *         value: the pixel itself
+ *  @param mcus_per_call as JpgCodFirst, of 8 x 8 pixels
+ *  @param[out] status as JpgCodFirst, with #KIRVO_NEEDS_8 for another depth
+ *  @return as JpgCodFirst */
+KIRVO_API HGLOBAL WINAPI JpgCodFirst_M(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
+                                       int32_t height, int32_t grey_mode, int32_t mcus_per_call,
+                                       int32_t* status);
+
+/** Goes on with the encode that JpgCodFirst_M has started.
+ *  @param control as JpgCodNext
+ *  @param[out] stream_bytes as JpgCodNext
+ *  @return as JpgCodNext */
+KIRVO_API int32_t WINAPI JpgCodNext_M(int32_t control, uint32_t* stream_bytes);
+
+/** Encodes a rectangle as a grey stream into a file.
+ *  @param path as JpgCodMainEx
+ *  @param dib packed DIB of 8 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @param grey_mode as JpgCodFirst_M
+ *  @return as JpgCodMainEx, with #KIRVO_NEEDS_8 for another depth */
+KIRVO_API int32_t WINAPI JpgCodMainEx_M(LPCSTR path, HGLOBAL dib, int32_t left, int32_t top,
+                                        int32_t width, int32_t height, int32_t grey_mode);
+
+/** Encodes a rectangle as a grey stream into a memory block.
+ *  @param dib packed DIB of 8 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @param grey_mode as JpgCodFirst_M
+ *  @param[out] stream_bytes as JpgCodMainHGLOBAL
+ *  @param[out] status as JpgCodMainHGLOBAL, with #KIRVO_NEEDS_8 for another depth
+ *  @return the block, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI JpgCodMainHGLOBAL_M(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
+                                             int32_t height, int32_t grey_mode,
+                                             uint32_t* stream_bytes, int32_t* status);
+
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */

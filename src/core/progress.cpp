@@ -12,8 +12,6 @@ struct Registration {
 
 Registration registration;
 
-constexpr int32_t smallest_rise = 5;
-
 void send(int32_t percent) {
     SendMessageA(registration.window, WM_COMMAND, registration.command, percent);
 }
@@ -43,7 +41,7 @@ void Progress::step(int32_t i, int32_t n, int32_t base, int32_t share) {
 }
 
 void Progress::update(int32_t percent) {
-    if (!progress_enabled() || percent - last_sent_ < smallest_rise)
+    if (!progress_enabled() || percent < next_due())
         return;
     send(percent);
     last_sent_ = percent;

@@ -15,10 +15,13 @@ class Progress {
     void step(int32_t i, int32_t n, int32_t base = 0, int32_t share = 100);
     // Sends percent when it is at least 5 above the last one sent.
     void update(int32_t percent);
+    // The lowest percentage that update would send.
+    int32_t next_due() const { return last_sent_ + smallest_rise; }
     // Sends 100 and ends the registration.
     void finish();
 
   private:
+    static constexpr int32_t smallest_rise = 5;
     int32_t last_sent_ = 0;
 };
 
