@@ -1,0 +1,25 @@
+// One measured row. Its name is topic/operation/ours, or topic/operation/PEER for a library that
+// does the same work:
+//
+//     const Row ours("turn/flip/ours", [] {
+//         return [photo = photo_dib()] { int32_t status; GlobalFree(Dib24Flip(photo, &status)); };
+//     });
+//
+// The outer function prepares (once, and only when the row is run), the one that it returns is
+// measured. Rows of one operation are run in turns, and the table compares their medians.
+#pragma once
+
+#include <functional>
+
+namespace kirvo_bench {
+
+using Work = std::function<void()>;
+
+constexpr double photo_megapixels = 12.0;
+
+class Row {
+  public:
+    Row(const char* name, std::function<Work()> prepare, double megapixels = photo_megapixels);
+};
+
+} // namespace kirvo_bench
