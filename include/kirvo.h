@@ -548,8 +548,157 @@ KIRVO_API HGLOBAL WINAPI JpgCodMainHGLOBAL_M(HGLOBAL dib, int32_t left, int32_t 
 
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup jpegdec JPEG decoder
+ *  Decodes ITU-T T.81 streams of one or three 8-bit components, Huffman-coded, baseline or
+ *  progressive, into packed DIBs of 24 bits. Grey streams give pixels with equal channels. Of a
+ *  progressive stream the first pass of each spectral band is used; refinement is left away.
+ *  Accepted samplings (luma; both chroma components): 1x1; 1x1 - 2x1; 1x1 - 1x2; 1x1 - 2x2; 1x1 -
+ *  2x2; 2x1 - 2x2; 1x2, and 1x1 of a single component. Chroma is enlarged by replication.
+ *
+ *  Where the inverse transform yields Y, Cb and Cr, all centred on 0, a pixel is, rounded towards
+ *  minus infinity and clamped to 0..255,
+ *
+ *      blue  = Y + 128 + 115999 / 65536 Cb
+ *      green = Y + 128 - (22525 Cb + 46812 Cr) / 65536
+ *      red   = Y + 128 + 91881 / 65536 Cr
+ *
+ *  One decode runs at a time, and none beside an encode. Progress is reported from the beginning of
+ *  the image data on. Example, a stream that arrives in pieces:
+ *  @code
+ *      HGLOBAL image;
+ *      int32_t result = JpgDecFirst(piece, size, &image);
+ *      while (result == 0) {
+ *          int last = next_piece(&piece, &size);
+ *          result = JpgDecNext(piece, size, last, &image);
+ *      }
+ *      if (result == 1)
+ *          use(image);
+ *  @endcode
  *  @{ */
-/* (jpegdec: functions go here) */
+
+/** What the header of a JPEG stream says. */
+typedef struct JpgDecSpec {
+    uint32_t width;           /**< pixels */
+    uint32_t height;          /**< pixels */
+    uint32_t components;      /**< 1 (grey) or 3 */
+    uint32_t lumaBlocks;      /**< luma blocks in an MCU: 1, 2 or 4 */
+    uint32_t restartInterval; /**< MCUs between restart markers, 0 without them */
+    uint32_t commentCount;    /**< comments before the image data that are not empty, at most 5 */
+    uint32_t fileSize;        /**< bytes */
+} JpgDecSpec;
+
+/** Begins a decode with the first bytes of a stream. They are copied.
+ *
+ *  Image data is decoded only while at least 512 bytes of input remain, since more may follow: even
+ *  a whole stream is finished by JpgDecNext with final 1, unless that much stands behind it.
+ *  @param data block that holds the bytes
+ *  @param size number of bytes, not more than the block has
+ *  @param[out] image the image with the result 1, else null; left alone by #KIRVO_BUSY,
+ *              #KIRVO_NULL_HANDLE, #KIRVO_BAD_PARAMETER and a failing copy
+ *  @return 1: finished, the image is the caller's; 0: more input is wanted, call JpgDecNext;
+ *          #KIRVO_BUSY while another encode or decode is under way; #KIRVO_NULL_HANDLE;
+ *          #KIRVO_BAD_PARAMETER for a size below 0 or above the block's; #KIRVO_NO_MEMORY;
+ *          #KIRVO_JPEG_EARLY_EOI; #KIRVO_JPEG_HEADER; #KIRVO_JPEG_FRAME; #KIRVO_JPEG_MARKER (see
+ *          JpgDecGetLastUexMarker); #KIRVO_JPEG_HUFFMAN */
+KIRVO_API int32_t WINAPI JpgDecFirst(HGLOBAL data, int32_t size, HGLOBAL* image);
+
+/** Goes on with a decode that JpgDecFirst has begun. After any negative result the decode is over
+ *  and its memory is free.
+ *  @param data block that holds the next bytes, which are copied; may be null with final 1
+ *  @param size number of bytes
+ *  @param final 0: more is to come; 1: this is the last piece; -1: the decode is abandoned. Another
+ *         value also has everything decoded, but reports a header's errors as while more may come.
+ *  @param[out] image the image with the result 1, else null
+ *  @return 1: finished, the image is the caller's (also when the decode had finished before: the
+ *          same image); 0: more input is wanted; #KIRVO_ABANDONED with final -1;
+ *          #KIRVO_NULL_HANDLE without data when final is not 1, for a handle that cannot be
+ *          locked, and when no decode is under way; #KIRVO_BAD_PARAMETER for a size below 0 or
+ *          above the block's; #KIRVO_JPEG_NO_SOI when the stream has ended without a start of
+ *          image; #KIRVO_JPEG_HEADER for every fault of the header once final is 1; otherwise as
+ *          JpgDecFirst */
+KIRVO_API int32_t WINAPI JpgDecNext(HGLOBAL data, int32_t size, int32_t final, HGLOBAL* image);
+
+/** Decodes a file.
+ *  @param name file name
+ *  @param[out] width pixels, written on success
+ *  @param[out] height pixels, written on success
+ *  @param[out] error #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_READ_ERROR; or as JpgDecFirst and
+ *              JpgDecNext with final 1
+ *  @return the image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI JpgDecMainEx(LPCSTR name, uint32_t* width, uint32_t* height,
+                                      int32_t* error);
+
+/** Decodes a stream that is in memory.
+ *  @param data block that holds the stream; it is neither freed nor changed
+ *  @param size number of bytes
+ *  @param[out] width pixels, written on success
+ *  @param[out] height pixels, written on success
+ *  @param[out] error #KIRVO_OK, or as JpgDecFirst and JpgDecNext with final 1
+ *  @return the image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI JpgDecMainHGLOBAL(HGLOBAL data, int32_t size, uint32_t* width,
+                                           uint32_t* height, int32_t* error);
+
+/** Does nothing. Callers of the full interface link with it.
+ *  @param a,b,c ignored */
+KIRVO_API void WINAPI JpgDecSetNoblock(int32_t a, int32_t b, int32_t c);
+
+/** Reads the header of a file up to its image data. Ends a piecewise decode that is under way (its
+ *  next call fails or starts over) and frees the comments of the last decode.
+ *  @param name file name
+ *  @param[out] spec written on success
+ *  @return #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_NO_MEMORY; #KIRVO_READ_ERROR; #KIRVO_JPEG_NO_SOI;
+ *          #KIRVO_JPEG_HEADER for any other fault */
+KIRVO_API int32_t WINAPI JpgDecGetSpecEx(LPCSTR name, JpgDecSpec* spec);
+
+/** The first four values of JpgDecGetSpecEx.
+ *  @param name file name
+ *  @param[out] width pixels
+ *  @param[out] height pixels
+ *  @param[out] components 1 or 3
+ *  @param[out] lumaBlocks luma blocks in an MCU: 1, 2 or 4
+ *  @return as JpgDecGetSpecEx; the values are written only with #KIRVO_OK */
+KIRVO_API int32_t WINAPI JpgDecGetSpec(LPCSTR name, uint32_t* width, uint32_t* height,
+                                       uint32_t* components, uint32_t* lumaBlocks);
+
+/** Switches the storing and the retrieval of comments on or off; off at first.
+ *  @param enable 1 on, any other value off */
+KIRVO_API void WINAPI JpgDecGetCommentEnable(int32_t enable);
+
+/** @return how many comments that are not empty the last stream had before its image data, stored
+ *          or not; at most 5 */
+KIRVO_API int32_t WINAPI JpgDecCommentCounts(void);
+
+/** A stored comment: its bytes and a zero byte. The block stays the library's and lasts until
+ *  JpgDecCommentFree or until the next stream is begun.
+ *  @param index 0 to JpgDecCommentCounts - 1
+ *  @return the block; null for another index, when comments are switched off, and for a comment
+ *          that was counted only */
+KIRVO_API HGLOBAL WINAPI JpgDecGetComment(int32_t index);
+
+/** Frees the stored comments; their count becomes 0. */
+KIRVO_API void WINAPI JpgDecCommentFree(void);
+
+/** Quantisation tables 0 and 1 as they stood when the last decode reached its image data, 64
+ *  values each, row by row; whether or not that stream defined them.
+ *  @param[out] luma table 0
+ *  @param[out] chroma table 1
+ *  @return 1; 0, and nothing written, when no decode has come that far yet */
+KIRVO_API int32_t WINAPI JpgDecGetQtable(uint16_t* luma, uint16_t* chroma);
+
+/** One quantisation table of the last decode.
+ *  @param number 0 to 3
+ *  @param[out] table 64 values, row by row
+ *  @return 0; -2 when no decode has reached its image data yet; -1 for another number; -3 for a
+ *          table that the stream did not define */
+KIRVO_API int32_t WINAPI JpgDecGetQtableEx(int32_t number, uint16_t* table);
+
+/** The marker that ended the last decode with #KIRVO_JPEG_MARKER. The record is kept until the next
+ *  such marker.
+ *  @param[out] position bytes up to and including the marker, counted in the input that the decoder
+ *              held at that moment: the whole stream, or of a stream in pieces what was left when
+ *              the last piece came, and that piece
+ *  @return the marker's second byte; 0 when there has been none */
+KIRVO_API uint16_t WINAPI JpgDecGetLastUexMarker(uint32_t* position);
+
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */

@@ -1,0 +1,204 @@
+// Progressive decoding: the first pass of each band is gathered into a store of coefficients, which
+// is rendered at the end. Refinement is not supported: its first MCU ends the gathering.
+#include "jpeg/decode_markers.hpp"
+#include "jpeg/decode_scan.hpp"
+
+#include <algorithm>
+
+namespace kirvo {
+
+namespace {
+
+// The blocks of one component in the order of a scan of that component alone: row by row over the
+// picture, without those that only fill up MCUs.
+struct Plane {
+    int32_t width, height;            // in blocks
+    int32_t first_slot, across, down; // its blocks in an MCU
+};
+
+class ProgressiveDecoder {
+  public:
+    ProgressiveDecoder(DecodeState& state, Renderer& renderer, Block* store)
+        : state_(state), picture_(state.picture), scan_(state.scan),
+          layout_(*picture_.frame.layout), renderer_(renderer), store_(store), reader_(state) {}
+
+    Step decode();
+
+  private:
+    Step begin_next_scan();
+    Status read_mcu();
+    Status read_component(const Scan::Component& component);
+    Status read_blocks(const BlockCoding& coding, int32_t first_slot, int32_t count);
+    Status read_from_plane(const BlockCoding& coding, const Plane& plane);
+    bool is_plane_scan(uint8_t id) const;
+    Plane plane_of(uint8_t id) const;
+    Block& block_at(int32_t mcu, int32_t slot);
+    void render_all();
+
+    DecodeState& state_;
+    Picture& picture_;
+    const Scan& scan_;
+    const Layout& layout_;
+    Renderer& renderer_;
+    Block* store_;
+    CarefulReader reader_;
+    Block dropped_ = {};
+};
+
+// Planes of the 1x2 layout reach beyond the last MCU, for they are laid out as those of 2x1.
+Block& ProgressiveDecoder::block_at(int32_t mcu, int32_t slot) {
+    return mcu < picture_.mcus ? store_[int64_t{mcu} * layout_.blocks() + slot] : dropped_;
+}
+
+Step ProgressiveDecoder::decode() {
+    if (!may_go_on(state_))
+        return Step::starved();
+    for (;;) {
+        if (picture_.next_mcu == picture_.mcus) {
+            const Step step = begin_next_scan();
+            if (step.kind != Step::done)
+                return step;
+        }
+        if (picture_.next_mcu < picture_.mcus) {
+            const Status status = read_mcu();
+            if (status != Status::ok)
+                return Step::failure(status);
+        }
+        if (state_.stop) {
+            render_all();
+            return finish_picture(state_);
+        }
+        ++picture_.next_mcu;
+        if (picture_.next_mcu == picture_.mcus && scan_.has_component_1)
+            picture_.coverage += scan_.spectral_end - scan_.spectral_start + 1;
+        const int64_t percent = std::min<int64_t>(picture_.coverage * 100 / 64, 100);
+        state_.progress.update(static_cast<int32_t>(percent));
+    }
+}
+
+// Done also at the end of the image, where no MCU is left to read.
+Step ProgressiveDecoder::begin_next_scan() {
+    const Step step = read_segments(state_, false);
+    if (step.kind == Step::done) {
+        picture_.next_mcu = 0;
+        state_.entropy.bit_position = 8;
+        state_.entropy.eob_run = 0;
+        return step;
+    }
+    if (step.kind == Step::failed && step.status == Status::jpeg_early_eoi) {
+        state_.stop = true;
+        return Step::finished();
+    }
+    return state_.is_final() ? Step::failure(Status::jpeg_header) : step;
+}
+
+Status ProgressiveDecoder::read_mcu() {
+    if (picture_.next_mcu == 0)
+        picture_.next_plane_block = 0;
+    for (int32_t i = 0; i < scan_.count; ++i) {
+        const Status status = read_component(scan_.components[i]);
+        if (status != Status::ok || picture_.frame.components == 1)
+            return status;
+    }
+    return Status::ok;
+}
+
+Status ProgressiveDecoder::read_component(const Scan::Component& component) {
+    const auto [id, dc, ac] = component;
+    if ((scan_.spectral_start == 0 && !state_.dc_defined[dc]) ||
+        (scan_.spectral_end > 0 && !state_.ac_defined[ac]))
+        return Status::jpeg_huffman;
+    bool& first_block = state_.entropy.first_block;
+    if (picture_.frame.components == 1) {
+        first_block = true;
+        return read_blocks(coding_of(state_, 0, id, dc, ac), 0, 1);
+    }
+    if (id == 0)
+        return Status::ok;
+    const BlockCoding coding = coding_of(state_, id - 1, id, dc, ac);
+    if (is_plane_scan(id)) {
+        first_block |= id == 1;
+        return read_from_plane(coding, plane_of(id));
+    }
+    if (id != 1)
+        return read_blocks(coding, layout_.luma_blocks + (id - 2) * layout_.chroma_blocks,
+                           layout_.chroma_blocks);
+    first_block = true;
+    const Status status = read_blocks(coding, 0, layout_.luma_blocks);
+    first_block = false;
+    return status;
+}
+
+Status ProgressiveDecoder::read_blocks(const BlockCoding& coding, int32_t first_slot,
+                                       int32_t count) {
+    for (int32_t slot = first_slot; slot < first_slot + count; ++slot) {
+        const Status status = reader_.read_block(coding, block_at(picture_.next_mcu, slot));
+        if (status != Status::ok)
+            return status;
+    }
+    return Status::ok;
+}
+
+bool ProgressiveDecoder::is_plane_scan(uint8_t id) const {
+    return scan_.count == 1 && (id == 1 ? layout_.luma_blocks : layout_.chroma_blocks) > 1;
+}
+
+Plane ProgressiveDecoder::plane_of(uint8_t id) const {
+    const Frame& frame = picture_.frame;
+    if (id == 1)
+        return {(frame.width + 7) / 8, (frame.height + 7) / 8, 0, 2, layout_.luma_blocks / 2};
+    const int32_t across = layout_.chroma_across(), down = layout_.chroma_blocks / across;
+    const int32_t covers_x = layout_.mcu_width / across, covers_y = layout_.mcu_height / down;
+    return {(frame.width + covers_x - 1) / covers_x, (frame.height + covers_y - 1) / covers_y,
+            layout_.luma_blocks + (id - 2) * layout_.chroma_blocks, across, down};
+}
+
+// As many blocks of the plane as an MCU has of them.
+Status ProgressiveDecoder::read_from_plane(const BlockCoding& coding, const Plane& plane) {
+    int32_t& next = picture_.next_plane_block;
+    for (int32_t i = 0; i < plane.across * plane.down && next < plane.width * plane.height;
+         ++i, ++next) {
+        const int32_t x = next % plane.width, y = next / plane.width;
+        const int32_t mcu = y / plane.down * picture_.mcus_across + x / plane.across;
+        const int32_t slot = plane.first_slot + y % plane.down * plane.across + x % plane.across;
+        const Status status = reader_.read_block(coding, block_at(mcu, slot));
+        if (status != Status::ok)
+            return status;
+    }
+    return Status::ok;
+}
+
+void ProgressiveDecoder::render_all() {
+    for (int32_t mcu = 0; mcu < picture_.mcus;) {
+        const int32_t left_in_row = picture_.mcus_across - mcu % picture_.mcus_across;
+        const int32_t count = std::min(renderer_.group_mcus(), left_in_row);
+        renderer_.render(mcu, count, &block_at(mcu, 0), nullptr);
+        mcu += count;
+    }
+}
+
+bool make_store(Picture& picture) {
+    if (picture.coefficients == nullptr) {
+        const int64_t bytes = int64_t{picture.mcus} * picture.frame.layout->blocks() *
+                              static_cast<int64_t>(sizeof(Block));
+        picture.coefficients = allocate_block(static_cast<uint64_t>(bytes));
+    }
+    return picture.coefficients != nullptr;
+}
+
+} // namespace
+
+Step decode_progressive(DecodeState& state, Renderer& renderer) {
+    if (!make_store(state.picture))
+        return Step::failure(Status::no_memory);
+    Step step;
+    {
+        const LockedBlock store(state.picture.coefficients);
+        step = ProgressiveDecoder(state, renderer, reinterpret_cast<Block*>(store.data())).decode();
+    }
+    if (step.kind == Step::done)
+        state.picture.discard_coefficients();
+    return step;
+}
+
+} // namespace kirvo

@@ -1,0 +1,36 @@
+// From coefficients to pixels of the image, a few MCUs of one MCU row at a time.
+#pragma once
+
+#include "core/dib.hpp"
+#include "jpeg/decode_block.hpp"
+#include "jpeg/decode_rows.hpp"
+#include "jpeg/decode_state.hpp"
+
+namespace kirvo {
+
+// As many pixels as are rendered at once across, and the MCUs and blocks that makes at most.
+constexpr int32_t group_width = 64;
+constexpr int32_t most_group_blocks = 32;
+
+class Renderer {
+  public:
+    // The rows of an image of the frame's size.
+    Renderer(const Frame& frame, Rows rows);
+
+    int32_t group_mcus() const { return group_width / layout_.mcu_width; }
+    // Renders MCUs that stand side by side from one of the image on. last holds the zigzag position
+    // after which each block is 0; null when that is not known.
+    void render(int32_t mcu, int32_t count, const Block* blocks, const uint8_t* last);
+
+  private:
+    void transform(const Block& block, int32_t last, int32_t component, int32_t x, int32_t y);
+    void write_row(int32_t row, uint8_t* bgr, size_t pixels) const;
+
+    const Layout& layout_;
+    const int32_t width_, height_, mcus_across_;
+    const Rows rows_;
+    const DecodeRows kernels_;
+    alignas(64) int16_t samples_[3][16 * group_width];
+};
+
+} // namespace kirvo

@@ -1,0 +1,92 @@
+#include "jpeg/decode_scan.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace kirvo {
+
+namespace {
+
+OwnedBlock make_image(const Frame& frame) {
+    const auto stride = static_cast<uint64_t>(row_stride(frame.width, 24));
+    OwnedBlock block(
+        allocate_block(info_header_bytes + stride * static_cast<uint64_t>(frame.height)));
+    const LockedBlock lock(block.get());
+    if (lock) {
+        BITMAPINFOHEADER header = {};
+        header.biSize = info_header_bytes;
+        header.biWidth = frame.width;
+        header.biHeight = frame.height;
+        header.biPlanes = 1;
+        header.biBitCount = 24;
+        std::memcpy(lock.data(), &header, sizeof header);
+    }
+    return block;
+}
+
+void measure(Picture& picture, const Frame& frame) {
+    const Layout& layout = *frame.layout;
+    picture.frame = frame;
+    picture.mcus_across = (frame.width + layout.mcu_width - 1) / layout.mcu_width;
+    picture.mcus = picture.mcus_across *
+                   ((frame.height + layout.mcu_height - 1) / layout.mcu_height);
+    picture.next_mcu = 0;
+    picture.coverage = 0;
+}
+
+void widen_quantisation(QuantisationTables& tables) {
+    for (size_t slot = 0; slot < quantisation_slots.size(); ++slot)
+        std::copy(quantisation_slots[slot].begin(), quantisation_slots[slot].end(),
+                  tables.widened[slot]);
+    tables.available = true;
+}
+
+// A 0xFF says nothing without the byte after it.
+bool first_byte_is_here(const DecodeInput& input) {
+    const uint8_t* end = input.bytes + input.size;
+    return std::any_of(input.bytes + input.position, end, [](uint8_t b) { return b != 0xFF; });
+}
+
+Step failed(DecodeState& state, Status status) {
+    state.picture.discard();
+    return Step::failure(status);
+}
+
+} // namespace
+
+Step start_decoding(DecodeState& state) {
+    Picture& picture = state.picture;
+    picture.discard();
+    if (state.final == 0 && !first_byte_is_here(state.input))
+        return Step::starved();
+    if (state.frame.width == 0 || state.frame.height == 0)
+        return Step::failure(Status::jpeg_header);
+    picture.image = make_image(state.frame).release();
+    if (picture.image == nullptr)
+        return Step::failure(Status::no_memory);
+    widen_quantisation(state.quantisation);
+    measure(picture, state.frame);
+    const Status status = CarefulReader(state).prime();
+    if (status != Status::ok)
+        return failed(state, status);
+    state.header = HeaderState::decoding;
+    state.progress.start();
+    return Step::finished();
+}
+
+Step decode_scans(DecodeState& state) {
+    const LockedDib image(state.picture.image);
+    const Frame& frame = state.picture.frame;
+    Renderer renderer(frame, image.rows(RowStart::after_header));
+    const Step step = frame.mode == FrameMode::baseline ? decode_baseline(state, renderer)
+                                                        : decode_progressive(state, renderer);
+    return step.kind == Step::failed ? failed(state, step.status) : step;
+}
+
+Step finish_picture(DecodeState& state) {
+    state.picture.done = true;
+    state.progress.finish();
+    return Step::finished();
+}
+
+} // namespace kirvo

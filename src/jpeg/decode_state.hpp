@@ -1,0 +1,134 @@
+// Everything that the decoder keeps between calls, in one place. One decode runs at a time; the
+// tables, the comments and the record of the unexpected marker outlive it.
+#pragma once
+
+#include "core/progress.hpp"
+#include "core/status.hpp"
+#include "jpeg/decode_input.hpp"
+#include "jpeg/decode_huffman.hpp"
+#include "jpeg/tables.hpp"
+
+namespace kirvo {
+
+// How a step that may run out of input ended.
+struct Step {
+    enum Kind { done, need_more, failed } kind;
+    Status status; // of a failure
+
+    static constexpr Step finished() { return {done, Status::ok}; }
+    static constexpr Step starved() { return {need_more, Status::ok}; }
+    static constexpr Step failure(Status status) { return {failed, status}; }
+};
+
+// How the components share an MCU. Blocks stand in the order luma, Cb, Cr; several of one component
+// from left to right and from top to bottom.
+struct Layout {
+    uint8_t luma_sampling, chroma_sampling; // H in the high nibble, V in the low one
+    int32_t mcu_width, mcu_height;
+    int32_t luma_blocks, chroma_blocks; // of each chroma component
+
+    int32_t blocks() const { return luma_blocks + 2 * chroma_blocks; }
+    int32_t luma_across() const { return mcu_width / 8; }
+    int32_t chroma_across() const { return chroma_sampling >> 4; }
+};
+
+extern const Layout grey_layout;
+extern const Layout colour_layouts[6];
+constexpr int32_t most_blocks = 8;
+
+enum class FrameMode { none, baseline, progressive };
+
+struct Frame {
+    int32_t width, height;
+    int32_t components; // 1 or 3
+    FrameMode mode;
+    const Layout* layout;
+};
+
+struct Scan {
+    struct Component {
+        uint8_t id, dc_table, ac_table;
+    };
+    int32_t count;
+    Component components[255];
+    int32_t spectral_start, spectral_end; // Ss, Se
+    int32_t refined_from, shift;          // Ah, Al
+    bool has_component_1;
+};
+
+struct QuantisationTables {
+    bool defined[4];         // by a DQT of this stream
+    bool available;          // widened has been filled, ever
+    uint16_t widened[4][64]; // as the slots stood when the first scan began, in zigzag order
+};
+
+constexpr int32_t comment_slots = 5;
+
+struct Comments {
+    bool enabled;
+    int32_t count;
+    HGLOBAL stored[comment_slots]; // null: counted only
+
+    void discard();
+};
+
+// Where the bits come from: the byte being read, and what a restart marker resets.
+struct EntropyState {
+    uint8_t current;
+    int32_t bit_position; // of the next bit in it, 0 to 8; 8: used up
+    bool pending_ff;      // the input ended just after a 0xFF
+    bool first_block;     // a restart marker starts the current block over
+    int16_t predictor[3]; // component 1, Cb, Cr
+    int32_t eob_run;
+};
+
+// The image that is being decoded, and how far it is. The frame is the one that it began with.
+struct Picture {
+    HGLOBAL image;
+    HGLOBAL coefficients; // progressive: all blocks of all MCUs
+    Frame frame;
+    int32_t mcus_across, mcus;
+    int32_t next_mcu;         // of the image, or of the scan
+    int32_t next_plane_block; // progressive: in a scan of one component
+    int64_t coverage;         // progressive: luma positions that finished scans have covered
+    bool done;                // the image is complete and the caller's
+
+    void discard();
+    void discard_coefficients();
+};
+
+enum class HeaderState { seeking_start, reading_segments, scan_header_read, decoding };
+
+struct DecodeState {
+    DecodeInput input;
+    HeaderState header;
+    bool start_prefix;  // the byte before was 0xFF: while seeking the start of image,
+    bool marker_prefix; // and while reading segments
+    Frame frame;
+    Scan scan;
+    uint8_t quantisation_of[4]; // by component id
+    QuantisationTables quantisation;
+    DecodeTable dc_tables[4], ac_tables[4];
+    bool dc_defined[4], ac_defined[4]; // in this stream
+    uint32_t restart_interval;
+    Comments comments;
+    struct {
+        uint32_t position;
+        uint8_t marker;
+    } unexpected;
+    EntropyState entropy;
+    bool stop;        // no scan is to follow
+    bool scan_marker; // SOS met inside entropy-coded data
+    Picture picture;
+    Progress progress;
+    bool under_way; // between First and the end of a decode
+    int32_t final;  // the caller's word that no input follows
+
+    // Before a stream is read. The tables stay as they are.
+    void reset();
+    bool is_final() const { return final == 1; }
+};
+
+extern DecodeState decode_state;
+
+} // namespace kirvo
