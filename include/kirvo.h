@@ -379,8 +379,52 @@ KIRVO_API int32_t WINAPI Dib24Write(LPCSTR name, HGLOBAL dib, int32_t x, int32_t
 
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup depth Depth conversion
+ *  Between 16, 24 and 32 bits, into a new image of the same size. Channels are narrowed by
+ *  truncation and widened with zero low bits. The conversions report progress over the rows;
+ *  DibCutDepth reports none.
+ *
+ *  The pixels of a 24-bit source follow 40 header bytes and the colour part; those of a 16-bit
+ *  source follow biSize bytes, and 12 bytes of masks with BI_BITFIELDS. A 32-bit source is always
+ *  taken to have 12 bytes of masks before its pixels, even with BI_RGB, whose masks are
+ *  0x00FF0000, 0x0000FF00, 0x000000FF; pixels that are then missing at the end read as 0.
  *  @{ */
-/* (depth: functions go here) */
+
+/** Makes a 24-bit image of a 16- or 32-bit one. 5-bit 31 gives 248.
+ *  @param dib packed DIB of 16 or 32 bits; a 16-bit one without masks is read as 5-5-5
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_16_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height
+ *  @return the new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI DibConvert24bit(HGLOBAL dib, int32_t* status);
+
+/** Makes a 16-bit image of a 24- or 32-bit one. It is always 5-6-5 with the masks 0xF800, 0x07E0
+ *  and 0x001F: (red & 0xF8) << 8 | (green & 0xFC) << 3 | blue >> 3.
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER and #KIRVO_NO_MEMORY as for DibConvert24bit
+ *  @return the new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI DibConvert16bit(HGLOBAL dib, int32_t* status);
+
+/** Makes a 32-bit image of a 16- or 24-bit one, with the masks 0x00FF0000, 0x0000FF00 and
+ *  0x000000FF: red << 16 | green << 8 | blue.
+ *  @param dib packed DIB of 16 or 24 bits; a 16-bit one without masks is read as 5-5-5
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_16_24 for another depth;
+ *              #KIRVO_BAD_PARAMETER and #KIRVO_NO_MEMORY as for DibConvert24bit
+ *  @return the new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI DibConvert32bit(HGLOBAL dib, int32_t* status);
+
+/** Makes a copy of a 24-bit image that keeps only the top bits of each channel.
+ *  @param dib packed DIB of 24 bits with a 40-byte header
+ *  @param red_bits bits of red kept, 0 to 8
+ *  @param green_bits bits of green kept, 0 to 8
+ *  @param blue_bits bits of blue kept, 0 to 8
+ *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for a count outside 0 to 8 (before the handle
+ *              is looked at), an image without width or height or a block smaller than its header
+ *              says; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24; #KIRVO_NO_MEMORY
+ *  @return the new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI DibCutDepth(HGLOBAL dib, int32_t red_bits, int32_t green_bits,
+                                     int32_t blue_bits, int32_t* status);
+
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */

@@ -1,10 +1,10 @@
 // Rows of pixel words to and from 24-bit pixels, at every level of the processor, against the
-// channel rules written out bit by bit.
+// channel rules taken literally.
 
 #include "core/pixels.hpp"
 
 #include "internal/cpu_levels.hpp"
-#include "support/random.hpp"
+#include "support/direct_colour.hpp"
 
 #include <gtest/gtest.h>
 #include <vector>
@@ -38,42 +38,25 @@ class Guarded {
     size_t begin_, count_;
 };
 
-struct Field {
-    uint32_t mask;
-    int low = 0;   // position of its lowest one bit
-    int width = 0; // length of the run of ones that starts there
-    Field(uint32_t mask, int bits) : mask(mask) {
-        while (low < bits && !(mask >> low & 1))
-            ++low;
-        while (low + width < bits && (mask >> (low + width) & 1))
-            ++width;
-    }
-};
+// Masks as the tests of the library's users name them.
+kirvo_test::Masks named(const uint32_t (&masks)[3]) { return {masks[0], masks[1], masks[2]}; }
 
-uint8_t read_channel(uint32_t pixel, int bits, const Field& field) {
-    if (field.mask == 0)
-        return 0;
-    uint32_t value = ((pixel & field.mask) >> field.low) & 0xFF;
-    if (bits == 16)
-        value = field.width <= 8 ? value << (8 - field.width) : value >> (field.width - 8);
-    return static_cast<uint8_t>(value);
-}
-
-uint32_t write_channel(uint32_t value, int bits, const Field& field) {
-    if (field.mask == 0)
-        return 0;
-    if (bits == 16)
-        value = field.width <= 8 ? value >> (8 - field.width) : value << (field.width - 8);
-    return (value << field.low) & field.mask;
+// Position of a mask's lowest one bit, and the length of the run of ones from there.
+int low_zeros(uint32_t mask, int bits) {
+    int n = 0;
+    while (n < bits && !(mask >> n & 1))
+        ++n;
+    return n;
 }
 
 PixelFormat format_of(int bits, const uint32_t (&masks)[3]) {
     PixelFormat format = {bits, {}};
     for (int c = 0; c < 3; ++c) {
-        const Field field(masks[c], bits);
+        const int low = low_zeros(masks[c], bits);
+        const int run = low == bits ? 0 : low_zeros(~(masks[c] >> low), bits - low);
         format.masks.mask[c] = masks[c];
-        format.masks.shift[c] = field.low;
-        format.masks.widen[c] = bits == 16 ? 8 - field.width : 0;
+        format.masks.shift[c] = low;
+        format.masks.widen[c] = bits == 16 ? 8 - run : 0;
     }
     return format;
 }
@@ -86,8 +69,8 @@ std::vector<uint8_t> expected_unpacked(const std::vector<uint8_t>& row, int bits
         uint32_t pixel = 0;
         for (size_t b = 0; b < bytes; ++b)
             pixel += static_cast<uint32_t>(row[i + b]) << 8 * b;
-        for (int c = 2; c >= 0; --c)
-            bgr.push_back(read_channel(pixel, bits, Field(masks[c], bits)));
+        const Colour colour = colour_of(pixel, bits, named(masks));
+        bgr.insert(bgr.end(), {colour.blue, colour.green, colour.red});
     }
     return bgr;
 }
@@ -96,9 +79,7 @@ std::vector<uint8_t> expected_packed(const std::vector<uint8_t>& bgr, int bits,
                                      const uint32_t (&masks)[3]) {
     std::vector<uint8_t> row;
     for (size_t i = 0; i < bgr.size(); i += 3) {
-        uint32_t pixel = 0;
-        for (int c = 0; c < 3; ++c)
-            pixel |= write_channel(bgr[i + static_cast<size_t>(2 - c)], bits, Field(masks[c], bits));
+        const uint32_t pixel = pixel_of({bgr[i + 2], bgr[i + 1], bgr[i]}, bits, named(masks));
         for (int b = 0; b < bits / 8; ++b)
             row.push_back(static_cast<uint8_t>(pixel >> 8 * b));
     }
