@@ -430,7 +430,21 @@ KIRVO_API HGLOBAL WINAPI DibCutDepth(HGLOBAL dib, int32_t red_bits, int32_t gree
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup window Window fitting
  *  @{ */
-/* (window: functions go here) */
+
+/** Resizes a window so that its client area shows an image at a whole scale; FitWindowToImage is
+ *  the same at scale 1.
+ *
+ *  Makes two calls of SetWindowPos with the frame width of the system's metrics (the first allows
+ *  for a menu bar as well), and a third, by the measured size of everything around the client
+ *  area, when that does not have the wanted size yet. The window keeps its place and its z-order.
+ *  No error is reported: a window that cannot become so large stays as large as the system lets it.
+ *  @param window the window
+ *  @param dib packed DIB of any depth; null changes nothing
+ *  @param scale the client area becomes biWidth × scale by biHeight × scale pixels (32 bits each) */
+KIRVO_API void WINAPI FitWindowToImageEx(HWND window, HGLOBAL dib, uint32_t scale);
+/** FitWindowToImageEx at scale 1. @param window the window @param dib packed DIB */
+KIRVO_API void WINAPI FitWindowToImage(HWND window, HGLOBAL dib);
+
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
@@ -839,7 +853,129 @@ KIRVO_API HGLOBAL WINAPI Dib24DupEx(HGLOBAL from, int32_t left, int32_t top, int
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup formats Targa, Q0, RAW, Photo CD and icon files
  *  @{ */
-/* (formats: functions go here) */
+
+/** Reads an uncompressed 24-bit Targa file (image type 2), with either origin. The pixels are taken
+ *  to start at byte 18: an image ID or a colour map is not skipped. No progress is reported.
+ *  @param name file name
+ *  @param[out] width width in pixels, written on success
+ *  @param[out] height height in pixels, written on success
+ *  @param[out] status #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_READ_ERROR for a file shorter than its
+ *              header or its pixels; #KIRVO_NOT_TARGA for another image type or depth;
+ *              #KIRVO_NO_MEMORY, also for a width or height of 0
+ *  @return a new 24-bit image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Targa24Read(LPCSTR name, uint32_t* width, uint32_t* height,
+                                     int32_t* status);
+
+/** Writes a 24-bit image, or a rectangle of it, as an uncompressed Targa file with its origin at the
+ *  bottom left. Of sizes above 65535 the file's header keeps the low 16 bits. A partly written file
+ *  stays on disk.
+ *  @param name file name; an existing file is replaced
+ *  @param dib packed DIB of 24 bits with its rows at byte 40
+ *  @param x,y,width,height rectangle in the picture; width and height both -1 mean the whole image
+ *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for a null handle, a negative x or y, a rectangle that is
+ *          empty or outside the image, or a block smaller than its header says; #KIRVO_NULL_HANDLE
+ *          for a handle that cannot be locked; #KIRVO_NEEDS_24 for another depth (tested after the
+ *          rectangle); #KIRVO_CANNOT_OPEN; #KIRVO_WRITE_ERROR */
+KIRVO_API int32_t WINAPI Targa24Write(LPCSTR name, HGLOBAL dib, int32_t x, int32_t y,
+                                      int32_t width, int32_t height);
+
+/** Reads a Q0 file: rows of red, green and blue bytes from the top of the picture down, without a
+ *  header. Width and height stand, as two decimal integers, at the start of a text file of the same
+ *  name with the extension ".IPR" (appended to a name without an extension). Surplus bytes are
+ *  ignored. Progress counts rows.
+ *  @param name file name. On Windows it follows the rules of OpenFile (at most 127 characters), and
+ *         its title those of GetFileTitle.
+ *  @param[out] width width in pixels, written on success
+ *  @param[out] height height in pixels, written on success
+ *  @param[out] bits 24, written on success
+ *  @param[out] status #KIRVO_OK; #KIRVO_Q0_SIZE when the companion file cannot be opened (tested
+ *              first) or does not hold two numbers, or when the Q0 file is too short for them;
+ *              #KIRVO_CANNOT_OPEN; #KIRVO_NO_MEMORY, also for a size below 1; #KIRVO_READ_ERROR
+ *  @return a new 24-bit image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Q0Read(LPCSTR name, uint32_t* width, uint32_t* height, uint32_t* bits,
+                                int32_t* status);
+
+/** Reads a RAW file: a 32-byte header (the magic "mhwanh"; big-endian 16-bit width at byte 8, height
+ *  at byte 10, palette size at byte 12), then rows as in a Q0 file. Progress counts rows.
+ *  @param name file name; on Windows by the rules of OpenFile (at most 127 characters)
+ *  @param[out] width width in pixels, written on success
+ *  @param[out] height height in pixels, written on success
+ *  @param[out] bits 24, written on success
+ *  @param[out] status #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_READ_ERROR for a file below 32 bytes or
+ *              a short read; #KIRVO_NOT_RAW for another magic, or (tested last) a file too short for
+ *              its size; #KIRVO_RAW_PALETTE for a palette size other than 0; #KIRVO_NO_MEMORY, also
+ *              for a width or height of 0
+ *  @return a new 24-bit image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI RawRead(LPCSTR name, uint32_t* width, uint32_t* height, uint32_t* bits,
+                                 int32_t* status);
+
+/** Reads a Photo CD image with the Photo CD access library, which is loaded for the length of the
+ *  call by the name PCDLIB32.DLL and the system's search rules (away from Windows: those of dlopen,
+ *  so LD_LIBRARY_PATH and the system's library folders). The library makes the image and reports
+ *  progress, if any, by means of its own.
+ *
+ *  The status codes have meanings of their own here.
+ *  @param name file name, passed on to the library
+ *  @param resolution the library's resolution index, 0 to 5; any other value means 3
+ *  @param progress passed on as the library's progress value; 0 for none
+ *  @param[out] width biWidth, written on success
+ *  @param[out] height biHeight, written on success
+ *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER when the library is missing, or its progress,
+ *              transform, resolution or close call failed; #KIRVO_NO_MEMORY when the file could not
+ *              be opened; #KIRVO_CANNOT_OPEN when its image information could not be read;
+ *              #KIRVO_NULL_HANDLE when the image could not be loaded
+ *  @return the library's image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI PcdRead(LPCSTR name, int32_t resolution, uintptr_t progress,
+                                 uint32_t* width, uint32_t* height, int32_t* status);
+
+/** Lists the images of an icon or cursor file by its directory.
+ *
+ *  Each 6-byte record holds three 16-bit numbers: colours (the colour count of the entry with the
+ *  byte behind it as its high byte; 0 is listed as 256), width and height.
+ *  @param name file name
+ *  @param[out] records set to 0 and filled with as many records as fit; null asks for the count
+ *  @param size bytes of records; 0 asks for the count
+ *  @return the number of images that the file declares, whether or not they fitted;
+ *          #KIRVO_CANNOT_OPEN; #KIRVO_READ_ERROR for a file shorter than its header or the entries
+ *          listed; #KIRVO_NOT_ICON */
+KIRVO_API int32_t WINAPI IcoGetInfo(LPCSTR name, void* records, uint32_t size);
+
+/** Lists the images of an icon or cursor file by their own headers.
+ *
+ *  Each 12-byte record holds the 32-bit offset of the image in the file, then 16-bit colours (2, 16
+ *  or 256 for 1, 4 or 8 bits; 0 for any other depth and for an image outside the file), width and
+ *  height; its last 2 bytes are not written.
+ *
+ *  @warning The number of records is reckoned with 6 bytes each: records must have room for
+ *           12 × min(count, size / 6) bytes, of which the first size bytes are set to 0.
+ *  @param name file name
+ *  @param[out] records filled as above; null asks for the count
+ *  @param size number of records wanted × 6; 0 asks for the count
+ *  @return as IcoGetInfo */
+KIRVO_API int32_t WINAPI IcoGetInfoEx(LPCSTR name, void* records, uint32_t size);
+
+/** Reads one image of an icon or cursor file, and its transparency mask.
+ *
+ *  The image keeps the header, colour table and rows that it has in the file, with its height
+ *  halved to the entry's. At most 65535 bytes are read, and nothing beyond the size that the entry
+ *  gives the image; what is missing is 0. An entry of 256 pixels width or height (stored as 0)
+ *  cannot be read.
+ *  @param name file name
+ *  @param index from 0
+ *  @param[out] width the entry's width, written on success
+ *  @param[out] height the entry's height, written on success
+ *  @param[out] bits the image's depth, written on success
+ *  @param[out] status #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_NOT_ICON; #KIRVO_BAD_PARAMETER for an
+ *              index below 0 or not below the number of entries; #KIRVO_READ_ERROR for a file
+ *              shorter than its header or directory, or an image said to be smaller than its mask;
+ *              #KIRVO_NO_MEMORY, also for a size of 0 and for a depth that no image has, such as
+ *              that of an image outside the file
+ *  @param[out] mask receives the mask, owned by the caller, on success: a 1-bit image with colour 0
+ *              black and 1 white; null when it is not wanted
+ *  @return a new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI IcoGetData(LPCSTR name, int32_t index, uint32_t* width, uint32_t* height,
+                                    uint32_t* bits, int32_t* status, HGLOBAL* mask);
+
 /** @} */
 
 #ifdef __cplusplus

@@ -15,7 +15,7 @@ OwnedBlock read_image(const char* name, Status& status) {
     status = Status::cannot_open;
     if (!file.open(name))
         return {};
-    const uint32_t size = file.size();
+    const uint64_t size = file.size();
     uint8_t header[file_header_bytes];
     status = Status::read_error;
     if (!file.read(header, sizeof header))
@@ -27,12 +27,13 @@ OwnedBlock read_image(const char* name, Status& status) {
     if (size < file_header_bytes)
         return {};
     status = Status::no_memory;
-    const uint32_t image = size - file_header_bytes;
+    const uint64_t image = size - file_header_bytes;
     OwnedBlock block(allocate_block(image));
     if (!block)
         return {};
     status = Status::read_error;
-    if (image != 0 && !file.read(LockedBlock(block.get()).data(), image))
+    if (image != 0 &&
+        !file.read(LockedBlock(block.get()).data(), static_cast<uint32_t>(image)))
         return {};
     status = Status::ok;
     return block;

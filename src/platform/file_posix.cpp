@@ -1,6 +1,7 @@
 #include "platform/platform.hpp"
 
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -24,9 +25,11 @@ bool InputFile::open(const char* name, Share) {
     return handle_ != -1;
 }
 
-uint32_t InputFile::size() const {
+bool InputFile::open_searched(const char* name) { return open(name, Share::anyone); }
+
+uint64_t InputFile::size() const {
     struct stat info;
-    return fstat(descriptor(handle_), &info) == 0 ? static_cast<uint32_t>(info.st_size) : 0;
+    return fstat(descriptor(handle_), &info) == 0 ? static_cast<uint64_t>(info.st_size) : 0;
 }
 
 uint32_t InputFile::read_some(void* bytes, uint32_t count) {
@@ -78,6 +81,18 @@ void OutputFile::close() {
     if (handle_ != -1)
         ::close(descriptor(handle_));
     handle_ = -1;
+}
+
+bool file_title(const char* path, char* title, uint16_t room) {
+    if (path == nullptr)
+        return false;
+    const char* slash = std::strrchr(path, '/');
+    const char* last = slash != nullptr ? slash + 1 : path;
+    const size_t length = std::strlen(last);
+    if (length == 0 || length >= room)
+        return false;
+    std::memcpy(title, last, length + 1);
+    return true;
 }
 
 void compact_memory(uint64_t) {}

@@ -1,5 +1,7 @@
 #include "platform/platform.hpp"
 
+#include <commdlg.h>
+
 namespace kirvo {
 
 namespace {
@@ -22,7 +24,18 @@ bool InputFile::open(const char* name, Share share) {
     return handle_ != -1;
 }
 
-uint32_t InputFile::size() const { return GetFileSize(as_handle(handle_), nullptr); }
+bool InputFile::open_searched(const char* name) {
+    close();
+    OFSTRUCT found;
+    if (name != nullptr)
+        handle_ = OpenFile(name, &found, OF_READ);
+    return handle_ != -1;
+}
+
+uint64_t InputFile::size() const {
+    LARGE_INTEGER size;
+    return GetFileSizeEx(as_handle(handle_), &size) ? static_cast<uint64_t>(size.QuadPart) : 0;
+}
 
 uint32_t InputFile::read_some(void* bytes, uint32_t count) {
     DWORD got = 0;
@@ -60,6 +73,10 @@ void OutputFile::close() {
     if (handle_ != -1)
         _lclose(static_cast<HFILE>(handle_));
     handle_ = -1;
+}
+
+bool file_title(const char* path, char* title, uint16_t room) {
+    return path != nullptr && GetFileTitleA(path, title, room) == 0;
 }
 
 void compact_memory(uint64_t bytes) {

@@ -33,7 +33,7 @@ namespace kirvo {
 void compact_memory(uint64_t bytes);
 
 // Which other programs may have the file open meanwhile (Windows only).
-enum class Share { readers, deny_writers, anyone };
+enum class Share { readers, anyone };
 
 // A file read from front to back. Closed by its destructor.
 class InputFile {
@@ -45,8 +45,11 @@ class InputFile {
 
     // False for a null name, a missing or unreadable file, or a directory.
     bool open(const char* name, Share share = Share::readers);
-    // The low 32 bits of the file's size.
-    uint32_t size() const;
+    // Windows: by OpenFile, which shares with anyone, looks for a name without a folder beside the
+    // program, in the current folder and along the search path, and takes at most 127 characters.
+    bool open_searched(const char* name);
+    // In bytes; 0 when the system does not know it.
+    uint64_t size() const;
     // True when all count bytes came.
     bool read(void* bytes, uint32_t count) { return read_some(bytes, count) == count; }
     // Number of bytes that came, fewer than count at the end of the file or on an error.
@@ -73,6 +76,25 @@ class OutputFile {
 
   private:
     intptr_t handle_ = -1;
+};
+
+// Copies the last part of a path, behind its folder. False when there is none or room is too small.
+bool file_title(const char* path, char* title, uint16_t room);
+
+// A library loaded at run time, found by the system's search rules. Unloaded by its destructor.
+class LoadedLibrary {
+  public:
+    explicit LoadedLibrary(const char* name);
+    LoadedLibrary(const LoadedLibrary&) = delete;
+    LoadedLibrary& operator=(const LoadedLibrary&) = delete;
+    ~LoadedLibrary();
+
+    explicit operator bool() const { return handle_ != nullptr; }
+    // Null when the library has no such function.
+    void* function(const char* name) const;
+
+  private:
+    void* handle_;
 };
 
 } // namespace kirvo
