@@ -50,6 +50,23 @@ foreach(source IN LISTS test_sources)
     target_sources(${program} PRIVATE ${source})
 endforeach()
 
+# Stand-ins for the external Photo CD library, one with a single function. Each lies in a folder of
+# its own, away from the programs, so that a test decides which one is there, if any.
+foreach(standin IN ITEMS photo_cd photo_cd_incomplete)
+    add_library(kirvo_${standin} MODULE tests/formats/standin/photo_cd.cpp)
+    target_include_directories(kirvo_${standin} PRIVATE include tests)
+    target_compile_options(kirvo_${standin} PRIVATE ${KIRVO_TEST_FLAGS})
+    set_target_properties(kirvo_${standin} PROPERTIES PREFIX "" OUTPUT_NAME PCDLIB32 SUFFIX .DLL
+                          LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${standin})
+    if(WIN32)
+        target_link_options(kirvo_${standin} PRIVATE -Wl,--kill-at)
+    else()
+        target_link_options(kirvo_${standin} PRIVATE -Wl,-soname,PCDLIB32.DLL)
+    endif()
+    add_dependencies(kirvo_formats_tests kirvo_${standin})
+endforeach()
+target_compile_definitions(kirvo_photo_cd_incomplete PRIVATE PHOTO_CD_INCOMPLETE)
+
 # What was built, held against what was declared.
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/interface.json CONTENT "{

@@ -11,7 +11,7 @@ struct Size {
     bool operator==(const Size&) const = default;
 };
 
-template <typename GetRect>
+template<typename GetRect>
 Size measure(GetRect get_rect, HWND window) {
     RECT rect = {};
     get_rect(window, &rect);
@@ -31,7 +31,9 @@ void resize(HWND window, uint32_t width, uint32_t height) {
                  SWP_NOMOVE | SWP_NOZORDER);
 }
 
-uint32_t metric(int index) { return static_cast<uint32_t>(GetSystemMetrics(index)); }
+uint32_t metric(int index) {
+    return static_cast<uint32_t>(GetSystemMetrics(index));
+}
 
 // The image is not locked meanwhile: resizing runs the window's procedure.
 bool scaled_size(HGLOBAL image, uint32_t scale, Size& size) {
@@ -65,4 +67,6 @@ void WINAPI FitWindowToImageEx(HWND window, HGLOBAL dib, uint32_t scale) {
            target.height + outer.height - client.height);
 }
 
-void WINAPI FitWindowToImage(HWND window, HGLOBAL dib) { FitWindowToImageEx(window, dib, 1); }
+void WINAPI FitWindowToImage(HWND window, HGLOBAL dib) {
+    FitWindowToImageEx(window, dib, 1);
+}

@@ -50,8 +50,8 @@ Status open_icon(InputFile& file, const char* name, uint16_t& count) {
 }
 
 // Opens an icon file and clears the caller's buffer. Listed is the number of records to fill.
-Status open_listing(InputFile& file, const char* name, void* buffer, uint32_t size,
-                    uint16_t& count, uint32_t& listed) {
+Status open_listing(InputFile& file, const char* name, void* buffer, uint32_t size, uint16_t& count,
+                    uint32_t& listed) {
     const Status status = open_icon(file, name, count);
     listed = 0;
     if (status == Status::ok && buffer != nullptr) {

@@ -27,14 +27,14 @@ class PhotoCdLibrary {
 
   private:
     // Calls a function of the library, which answers 0 on success. One that is missing fails.
-    template <typename... Arguments>
+    template<typename... Arguments>
     uint32_t call(const char* function_name, Arguments... arguments) const {
         using Function = uint32_t(WINAPI*)(Arguments...);
         const auto function = reinterpret_cast<Function>(library_.function(function_name));
         return function != nullptr ? function(arguments...) : UINT32_MAX;
     }
     // As call, for functions whose answer has 16 bits.
-    template <typename... Arguments>
+    template<typename... Arguments>
     bool call16(const char* function_name, Arguments... arguments) const {
         return (call(function_name, arguments...) & 0xFFFF) == 0;
     }

@@ -14,7 +14,9 @@ namespace {
 constexpr uint32_t raw_header_bytes = 32;
 constexpr char raw_magic[] = {'m', 'h', 'w', 'a', 'n', 'h'};
 
-int32_t get_u16(const uint8_t* from) { return from[0] << 8 | from[1]; } // big-endian
+int32_t get_u16(const uint8_t* from) {
+    return from[0] << 8 | from[1];
+} // big-endian
 
 // A product of two sizes from outside fits 64 bits, three times it may not.
 bool holds_pixels(uint64_t file_bytes, int32_t width, int32_t height) {

@@ -34,10 +34,11 @@ Status read_file(const char* name, OwnedBlock& block, uint32_t& size) {
     InputFile file;
     if (!file.open(name))
         return Status::cannot_open;
-    size = file.size();
-    block = OwnedBlock(allocate_block(size));
+    const uint64_t file_bytes = file.size();
+    block = OwnedBlock(allocate_block(file_bytes));
     if (!block)
         return Status::no_memory;
+    size = static_cast<uint32_t>(file_bytes); // a block is smaller than 2 GB
     const LockedBlock lock(block.get());
     return file.read(lock.data(), size) ? Status::ok : Status::read_error;
 }

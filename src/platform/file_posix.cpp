@@ -10,7 +10,9 @@ namespace kirvo {
 
 namespace {
 
-int descriptor(intptr_t value) { return static_cast<int>(value); }
+int descriptor(intptr_t value) {
+    return static_cast<int>(value);
+}
 
 } // namespace
 
@@ -25,7 +27,9 @@ bool InputFile::open(const char* name, Share) {
     return handle_ != -1;
 }
 
-bool InputFile::open_searched(const char* name) { return open(name, Share::anyone); }
+bool InputFile::open_searched(const char* name) {
+    return open(name, Share::anyone);
+}
 
 uint64_t InputFile::size() const {
     struct stat info;

@@ -6,7 +6,9 @@ namespace kirvo {
 
 namespace {
 
-HANDLE as_handle(intptr_t value) { return reinterpret_cast<HANDLE>(value); }
+HANDLE as_handle(intptr_t value) {
+    return reinterpret_cast<HANDLE>(value);
+}
 
 DWORD share_flags(Share share) {
     return share == Share::anyone ? FILE_SHARE_READ | FILE_SHARE_WRITE : FILE_SHARE_READ;
@@ -18,9 +20,9 @@ bool InputFile::open(const char* name, Share share) {
     close();
     if (name == nullptr)
         return false;
-    handle_ = reinterpret_cast<intptr_t>(CreateFileA(name, GENERIC_READ, share_flags(share),
-                                                     nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
-                                                     nullptr));
+    handle_ =
+        reinterpret_cast<intptr_t>(CreateFileA(name, GENERIC_READ, share_flags(share), nullptr,
+                                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     return handle_ != -1;
 }
 

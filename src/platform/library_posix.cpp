@@ -11,6 +11,8 @@ LoadedLibrary::~LoadedLibrary() {
         dlclose(handle_);
 }
 
-void* LoadedLibrary::function(const char* name) const { return dlsym(handle_, name); }
+void* LoadedLibrary::function(const char* name) const {
+    return dlsym(handle_, name);
+}
 
 } // namespace kirvo

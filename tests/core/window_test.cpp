@@ -61,9 +61,7 @@ class Host {
         };
         host.GetSystemMetrics = [](int index) -> int {
             current->metrics.push_back(index);
-            return index == 15   ? current->metric_menu
-                   : index == 32 ? current->metric_frame
-                                 : -1000;
+            return index == 15 ? current->metric_menu : index == 32 ? current->metric_frame : -1000;
         };
         KirvoSetWindowHost(&host);
     }
@@ -183,8 +181,9 @@ enum class Menu { none, one_line, wrapping };
 class RealWindow {
   public:
     RealWindow(DWORD style, Menu menu) {
-        handle_ = CreateWindowExA(0, window_class(), "a picture", style | WS_VISIBLE, 40, 30, 300,
-                                  200, nullptr, make_menu(menu), GetModuleHandleA(nullptr), nullptr);
+        handle_ =
+            CreateWindowExA(0, window_class(), "a picture", style | WS_VISIBLE, 40, 30, 300, 200,
+                            nullptr, make_menu(menu), GetModuleHandleA(nullptr), nullptr);
         EXPECT_NE(handle_, nullptr);
         sizes.clear();
         dispatch();

@@ -13,7 +13,9 @@ void append(Bytes& to, uint32_t value, int bytes) {
         to.push_back(static_cast<uint8_t>(value >> (8 * i)));
 }
 
-void append(Bytes& to, const Bytes& more) { to.insert(to.end(), more.begin(), more.end()); }
+void append(Bytes& to, const Bytes& more) {
+    to.insert(to.end(), more.begin(), more.end());
+}
 
 struct Entry {
     uint8_t width, height;
@@ -87,8 +89,8 @@ Bytes icon_of(const std::vector<Resource>& resources, uint32_t type = 1) {
     auto offset = static_cast<uint32_t>(6 + 16 * resources.size());
     for (const Resource& r : resources) {
         const auto bytes = static_cast<uint32_t>(r.all().size());
-        entries.push_back({static_cast<uint8_t>(r.width), static_cast<uint8_t>(r.height), bytes,
-                           offset});
+        entries.push_back(
+            {static_cast<uint8_t>(r.width), static_cast<uint8_t>(r.height), bytes, offset});
         offset += bytes;
     }
     Bytes file = directory(static_cast<uint32_t>(resources.size()), entries, type);
@@ -296,8 +298,8 @@ TEST(IcoGetInfo, believes_no_count_beyond_the_file) {
 
 TEST(IcoGetInfoEx, records_offset_colours_width_and_height) {
     Random random(1);
-    const std::vector<Resource> resources = {{3, 4, 1, random},  {5, 6, 4, random},
-                                             {7, 8, 8, random},  {9, 10, 16, random},
+    const std::vector<Resource> resources = {{3, 4, 1, random},    {5, 6, 4, random},
+                                             {7, 8, 8, random},    {9, 10, 16, random},
                                              {11, 12, 24, random}, {13, 14, 32, random}};
     const Bytes file = icon_of(resources);
     Bytes records(72, 0);
@@ -473,8 +475,8 @@ TEST(IcoGetData, has_no_memory_for_256_pixels) {
 TEST(IcoGetData, has_no_memory_for_a_depth_that_no_image_has) {
     Random random(13);
     for (int bits = 0; bits < 64; ++bits) {
-        const bool good = bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 ||
-                          bits == 32;
+        const bool good =
+            bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32;
         Bytes resource = Resource(4, 4, 32, random).all();
         resource[14] = static_cast<uint8_t>(bits);
         const IconRead r =
@@ -605,9 +607,18 @@ TEST(IcoGetData, believes_no_resource_size) {
 TEST(IcoGetData, hands_out_headers_that_other_operations_check) {
     // The header is the resource's own: none of these may lead anyone outside the block.
     Random random(22);
-    for (const auto& [offset, value] : std::initializer_list<std::pair<size_t, uint32_t>>{
-             {0, 0}, {0, 12}, {0, 0xFFFFFFFF}, {4, 0}, {4, 0x7FFFFFFF}, {4, 0xFFFFFFFF},
-             {16, 3}, {16, 1}, {32, 0xFFFF}, {32, 0xFFFFFFFF}, {32, 1000}}) {
+    for (const auto& [offset, value] :
+         std::initializer_list<std::pair<size_t, uint32_t>>{{0, 0},
+                                                            {0, 12},
+                                                            {0, 0xFFFFFFFF},
+                                                            {4, 0},
+                                                            {4, 0x7FFFFFFF},
+                                                            {4, 0xFFFFFFFF},
+                                                            {16, 3},
+                                                            {16, 1},
+                                                            {32, 0xFFFF},
+                                                            {32, 0xFFFFFFFF},
+                                                            {32, 1000}}) {
         Resource resource(8, 8, 8, random);
         for (int i = 0; i < 4; ++i)
             resource.header[offset + size_t(i)] = static_cast<uint8_t>(value >> (8 * i));
@@ -637,9 +648,11 @@ TEST(Icons, made_by_other_programs_are_listed) {
         Bytes short_record, long_record;
     };
     const Case cases[] = {
-        {made_elsewhere::icon_four_colours, {16, 0, 12, 0, 5, 0},
+        {made_elsewhere::icon_four_colours,
+         {16, 0, 12, 0, 5, 0},
          {22, 0, 0, 0, 16, 0, 12, 0, 5, 0, 0, 0}},
-        {made_elsewhere::cursor_four_colours, {16, 0, 12, 0, 5, 0},
+        {made_elsewhere::cursor_four_colours,
+         {16, 0, 12, 0, 5, 0},
          {22, 0, 0, 0, 16, 0, 12, 0, 5, 0, 0, 0}},
         {made_elsewhere::icon_24_bits, {0, 1, 9, 0, 6, 0}, {22, 0, 0, 0, 0, 0, 9, 0, 6, 0, 0, 0}},
         {made_elsewhere::icon_32_bits, {0, 1, 9, 0, 6, 0}, {22, 0, 0, 0, 0, 0, 9, 0, 6, 0, 0, 0}},

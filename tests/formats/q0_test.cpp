@@ -40,7 +40,9 @@ TEST(Q0Read, reads_red_green_blue_rows_from_the_top_down) {
     }
 }
 
-TEST(Q0Read, reads_a_single_pixel) { expect_picture(read_with_companion("1 1", 1, 1), 1, 1); }
+TEST(Q0Read, reads_a_single_pixel) {
+    expect_picture(read_with_companion("1 1", 1, 1), 1, 1);
+}
 
 TEST(Q0Read, puts_the_files_first_row_at_the_top) {
     const TempFolder folder;
@@ -90,8 +92,8 @@ TEST(Q0Read, reads_a_file_that_is_its_own_companion_no_further_than_its_text) {
 
 TEST(Q0Read, takes_two_integers_however_they_are_set_apart) {
     for (const char* companion :
-         {"3 2", "3\n2", "3\r\n2\r\n", "\t\v\f\r\n  3   \n\n 2", "+3 +2", "003 0002", "3+2", "3 2 1",
-          "3 2x", "3 2\x1A", "3 2.5", " 3 2 comment\nmore"})
+         {"3 2", "3\n2", "3\r\n2\r\n", "\t\v\f\r\n  3   \n\n 2", "+3 +2", "003 0002", "3+2",
+          "3 2 1", "3 2x", "3 2\x1A", "3 2.5", " 3 2 comment\nmore"})
         expect_picture(read_with_companion(companion, 3, 2), 3, 2);
     for (const size_t count : {509, 5000}) {
         std::string blanks(count, ' '), zeros(count, '0');
@@ -102,9 +104,10 @@ TEST(Q0Read, takes_two_integers_however_they_are_set_apart) {
 
 TEST(Q0Read, tells_a_companion_without_two_integers) {
     for (const std::string companion :
-         {"", " ", "3", "3 ", "3 x", "x 2", "3,2", "0x3 2", "3 - 2", "3 +-2", "--3 2", ". 2", "3.0 2",
-          "\x1A 3 2", "3 \x1A 2", "width 3 height 2", "\xEF\xBB\xBF"
-                                                      "3 2"})
+         {"", " ", "3", "3 ", "3 x", "x 2", "3,2", "0x3 2", "3 - 2", "3 +-2", "--3 2", ". 2",
+          "3.0 2", "\x1A 3 2", "3 \x1A 2", "width 3 height 2",
+          "\xEF\xBB\xBF"
+          "3 2"})
         expect_failure(read_with_companion(companion, 3, 2), KIRVO_Q0_SIZE);
     expect_failure(read_with_companion(std::string("\0 3 2", 6), 3, 2), KIRVO_Q0_SIZE);
     expect_failure(read_with_companion(std::string("3\0 2", 4), 3, 2), KIRVO_Q0_SIZE);
@@ -153,8 +156,8 @@ TEST(Q0Read, wants_a_file_of_at_least_the_pixels) {
 TEST(Q0Read, holds_huge_sizes_against_the_file) {
     for (const char* companion :
          {"2147483647 2147483647", "65536 65536", "1431655766 1", "65536 21846",
-          "99999999999999999999 1", "1 99999999999999999999", "-2147483648 -2147483648",
-          "-9 -9", "4294967297 1", "18446744073709551617 1"})
+          "99999999999999999999 1", "1 99999999999999999999", "-2147483648 -2147483648", "-9 -9",
+          "4294967297 1", "18446744073709551617 1"})
         expect_failure(read_with_companion(companion, 3, 2), KIRVO_Q0_SIZE);
 }
 

@@ -271,10 +271,10 @@ TEST(Targa24Write, refuses_a_bad_rectangle) {
     const Dib dib = picture(5, 4);
     const TempFile file(".tga");
     constexpr int32_t big = INT32_MAX;
-    const int32_t bad[][4] = {{-1, 0, 1, 1}, {0, -1, 1, 1}, {-1, 0, -1, -1}, {0, -1, -1, -1},
-                              {0, 0, 6, 4},  {0, 0, 5, 5},  {1, 0, 5, 4},    {0, 1, 5, 4},
-                              {1, 1, -1, -1}, {0, 0, 0, 1}, {0, 0, 1, 0},    {0, 0, -1, 4},
-                              {0, 0, 5, -1}, {0, 0, -2, -2}, {big, 0, big, 1}, {1, 1, big, big}};
+    const int32_t bad[][4] = {{-1, 0, 1, 1},  {0, -1, 1, 1},  {-1, 0, -1, -1},  {0, -1, -1, -1},
+                              {0, 0, 6, 4},   {0, 0, 5, 5},   {1, 0, 5, 4},     {0, 1, 5, 4},
+                              {1, 1, -1, -1}, {0, 0, 0, 1},   {0, 0, 1, 0},     {0, 0, -1, 4},
+                              {0, 0, 5, -1},  {0, 0, -2, -2}, {big, 0, big, 1}, {1, 1, big, big}};
     for (const auto& r : bad)
         EXPECT_EQ(Targa24Write(file.name(), dib, r[0], r[1], r[2], r[3]), KIRVO_BAD_PARAMETER)
             << r[0] << ' ' << r[1] << ' ' << r[2] << ' ' << r[3];

@@ -13,7 +13,9 @@ namespace kirvo_test {
 
 namespace files = std::filesystem;
 
-TempFolder::TempFolder() : name_(TempFile("").name()) { files::create_directory(name_); }
+TempFolder::TempFolder() : name_(TempFile("").name()) {
+    files::create_directory(name_);
+}
 
 TempFolder::~TempFolder() {
     std::error_code ignored;
@@ -35,8 +37,8 @@ std::string TempFolder::write(const std::string& title, const std::vector<uint8_
 
 // A file that is open cannot be had for oneself.
 bool is_open(const std::string& path) {
-    const HANDLE file = CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0,
-                                    nullptr);
+    const HANDLE file =
+        CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     if (file == INVALID_HANDLE_VALUE)
         return GetLastError() == ERROR_SHARING_VIOLATION;
     CloseHandle(file);
