@@ -812,18 +812,122 @@ KIRVO_API int32_t WINAPI Dib24CopyEx(HGLOBAL to, int32_t to_left, int32_t to_top
 KIRVO_API HGLOBAL WINAPI Dib24DupEx(HGLOBAL from, int32_t left, int32_t top, int32_t width,
                                     int32_t height, int32_t* status);
 
+/** Composes a rectangle of one image onto one of the same size of another.
+ *
+ *  Per channel, with s of the source and d of the destination; pixels at 3 and 4 whole:
+ *  - mode 0, add: min(s + d, 255)
+ *  - mode 1, average: (s + d) / 2, truncated
+ *  - mode 2, black transparent: s, but d where all channels of s are 0
+ *  - mode 3, subtract: max(d - s, 0)
+ *  - mode 4, key colour: s, but d where s is the key colour (see SetKeyColorDib24Add)
+ *
+ *  At 32 bits the source's masks serve for both images, and bits outside them are cleared in every
+ *  pixel written. When both are one image, each row works as if its source were copied first.
+ *  @param to packed DIB of the source's depth, changed in place
+ *  @param to_left,to_top corner of the rectangle in the destination
+ *  @param from packed DIB of 24 or 32 bits
+ *  @param from_left,from_top corner of the rectangle in the source
+ *  @param width,height size of the rectangle
+ *  @param mode 0 to 4
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a negative coordinate, a size
+ *          below 1 or another mode; #KIRVO_NEEDS_24_32 for another depth or two different ones;
+ *          #KIRVO_BAD_PARAMETER for a rectangle outside either image or a block that is too small.
+ *          Checked in this order. */
+KIRVO_API int32_t WINAPI Dib24Add(HGLOBAL to, int32_t to_left, int32_t to_top, HGLOBAL from,
+                                  int32_t from_left, int32_t from_top, int32_t width,
+                                  int32_t height, int32_t mode);
+
+/** Sets the key colour of Dib24Add for the whole process. It is black at first.
+ *  @param colour 0x00BBGGRR; the top byte is not looked at */
+KIRVO_API void WINAPI SetKeyColorDib24Add(uint32_t colour);
+
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup turn Flip, mirror, rotation
  *  @{ */
-/* (turn: functions go here) */
+
+/** Turns a rectangle upside down, in place. A row of working memory is taken whatever the height.
+ *  @param dib packed DIB of 8, 16, 24 or 32 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle outside the image or
+ *          a block that is too small; #KIRVO_NEEDS_8_16_24_32 for another depth;
+ *          #KIRVO_NO_MEMORY */
+KIRVO_API int32_t WINAPI Dib24Flip(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
+                                   int32_t height);
+
+/** Exchanges left and right in a rectangle, in place.
+ *  @param dib packed DIB of 8, 16, 24 or 32 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @return as Dib24Flip, which alone needs memory */
+KIRVO_API int32_t WINAPI Dib24Mirror(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
+                                     int32_t height);
+
+/** Turns a rectangle by 180 degrees, in place. A row of working memory is taken whatever the
+ *  height.
+ *  @param dib packed DIB of 8, 16, 24 or 32 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @return as Dib24Flip */
+KIRVO_API int32_t WINAPI Dib24FlipMirror(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
+                                         int32_t height);
+
+/** Turns a rectangle by 90 degrees into a new image of height x width pixels, with the source's
+ *  colour table or masks.
+ *  @param dib packed DIB of 8, 16, 24 or 32 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @param direction 0 clockwise: the top left corner goes to the top right; 1 counter-clockwise: it
+ *         goes to the bottom left
+ *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for another direction, before all else;
+ *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle outside the image or a
+ *              block that is too small; #KIRVO_NEEDS_8_16_24_32 for another depth;
+ *              #KIRVO_NO_MEMORY
+ *  @return the image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Dib24Rotate(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
+                                     int32_t height, int32_t direction, int32_t* status);
+
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup zoom Zoom
  *  @{ */
-/* (zoom: functions go here) */
+
+/** Resizes a rectangle into a new image by taking the nearest pixel.
+ *
+ *  With sx = new_width / width and sy = new_height / height in double precision, destination pixel
+ *  (i, j) is source pixel (trunc(i / sx + left), top + trunc(j / sy)). Both coordinates are cut to
+ *  signed 16 bits, so that images above 32767 pixels give wrong columns or rows; those that fall
+ *  outside the picture take its nearest edge.
+ *  @param dib packed DIB of 8, 16, 24 or 32 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @param new_width,new_height size of the result, at least 1
+ *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for a new size below 1, before all else;
+ *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle outside the image or a
+ *              block that is too small; #KIRVO_NEEDS_8_16_24_32 for another depth;
+ *              #KIRVO_NO_MEMORY, also for a result above 2^31 - 1 bytes. When the new size equals
+ *              the rectangle's, the result is a copy made by Dib24Copy and the status is written
+ *              only when its memory fails.
+ *  @return the image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Dib24ZoomEx(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
+                                     int32_t height, int32_t new_width, int32_t new_height,
+                                     int32_t* status);
+
+/** Resizes a rectangle into a new image by taking the nearest pixel, as Dib24ZoomEx but with
+ *  32-bit coordinates, or by averaging.
+ *
+ *  With smoothing, 16, 24 or 32 bits and no enlargement in either direction, a destination pixel
+ *  is the truncated mean of each channel over the box of ceil(width / new_width) x
+ *  ceil(height / new_height) source pixels that begins at its nearest pixel and extends right and
+ *  down.
+ *  @param dib packed DIB of 8, 16, 24 or 32 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @param new_width,new_height size of the result, at least 1
+ *  @param[out] status as Dib24ZoomEx
+ *  @param smooth 1 switches smoothing on
+ *  @return the image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Dib24ZoomEx2(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
+                                      int32_t height, int32_t new_width, int32_t new_height,
+                                      int32_t* status, int32_t smooth);
+
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */

@@ -1,0 +1,116 @@
+// Composition: a rectangle of one image blended onto one of another.
+#include "core/pixels.hpp"
+#include "core/progress.hpp"
+#include "effects/compose_rows.hpp"
+
+#include <cstring>
+#include <functional>
+
+namespace kirvo {
+
+namespace {
+
+enum class Mode : int32_t { add, average, black_transparent, subtract, key_colour };
+
+constexpr RowStart start = RowStart::after_40;
+constexpr uint8_t black[3] = {};
+uint8_t key_colour[3] = {}; // blue, green, red
+
+bool keeps_pixels(Mode mode) {
+    return mode == Mode::black_transparent || mode == Mode::key_colour;
+}
+
+const uint8_t* key_of(Mode mode) {
+    return mode == Mode::key_colour ? key_colour : black;
+}
+
+void compose_24(Mode mode, uint8_t* to, const uint8_t* from, size_t count) {
+    const ComposeRows& rows = compose_rows();
+    switch (mode) {
+    case Mode::add:
+        return rows.add(to, from, 3 * count);
+    case Mode::average:
+        return rows.average(to, from, 3 * count);
+    case Mode::subtract:
+        return rows.subtract(to, from, 3 * count);
+    default:
+        return rows.replace(to, from, count, key_of(mode));
+    }
+}
+
+constexpr size_t chunk = 1024; // pixels at a time: their copies stay in the L1 cache
+
+// The source pixels are read before any of the destination is written, since both may be parts of
+// one row.
+void compose_chunk(Mode mode, const PixelFormat& format, uint8_t* to, const uint8_t* from,
+                   size_t count) {
+    uint8_t source[3 * chunk], words[4 * chunk];
+    unpack_row(format, from, source, count);
+    if (format.bits == 24)
+        return compose_24(mode, to, source, count);
+    if (!keeps_pixels(mode)) {
+        uint8_t target[3 * chunk];
+        unpack_row(format, to, target, count);
+        compose_24(mode, target, source, count);
+        return pack_row(format, target, to, count);
+    }
+    pack_row(format, source, words, count);
+    for (size_t i = 0; i < count; ++i)
+        if (std::memcmp(source + 3 * i, key_of(mode), 3) != 0)
+            std::memcpy(to + 4 * i, words + 4 * i, 4);
+}
+
+// Chunks go in the order in which no source pixel is overwritten before it is read, as if the row
+// were copied first.
+void compose_row(Mode mode, const PixelFormat& format, uint8_t* to, const uint8_t* from,
+                 size_t count) {
+    const bool from_right = std::less<const uint8_t*>()(from, to);
+    for (size_t done = 0; done < count;) {
+        const size_t now = std::min(chunk, count - done);
+        const size_t at = (from_right ? count - done - now : done) * format.bytes();
+        compose_chunk(mode, format, to + at, from + at, now);
+        done += now;
+    }
+}
+
+Status compose(const LockedDib& to, const Rect& target, const LockedDib& from, const Rect& rect,
+               int32_t mode) {
+    if (!to || !from)
+        return Status::null_handle;
+    if (!well_formed(rect) || !well_formed(target) || mode < 0 || mode > 4)
+        return Status::bad_parameter;
+    if (to.bits() != from.bits() || (to.bits() != 24 && to.bits() != 32))
+        return Status::needs_24_32;
+    if (!inside(rect, from) || !inside(target, to) || !from.holds_rows(start) ||
+        !to.holds_rows(start))
+        return Status::bad_parameter;
+    const PixelFormat format = PixelFormat::of(from);
+    const Rows sources = rows_of(from, rect, start), targets = rows_of(to, target, start);
+    Progress progress;
+    progress.start();
+    for (int32_t row = 0; row < rect.height; ++row) {
+        progress.step(row, rect.height);
+        compose_row(static_cast<Mode>(mode), format, targets[row], sources[row],
+                    static_cast<size_t>(rect.width));
+    }
+    progress.finish();
+    return Status::ok;
+}
+
+} // namespace
+
+} // namespace kirvo
+
+using namespace kirvo;
+
+int32_t WINAPI Dib24Add(HGLOBAL to, int32_t to_left, int32_t to_top, HGLOBAL from,
+                        int32_t from_left, int32_t from_top, int32_t width, int32_t height,
+                        int32_t mode) {
+    return code(compose(LockedDib(to), {to_left, to_top, width, height}, LockedDib(from),
+                        {from_left, from_top, width, height}, mode));
+}
+
+void WINAPI SetKeyColorDib24Add(uint32_t colour) {
+    for (int c = 0; c < 3; ++c)
+        key_colour[c] = static_cast<uint8_t>(colour >> (16 - 8 * c));
+}
