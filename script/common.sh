@@ -38,12 +38,45 @@ as_root() {
 
 need_compiler() { need cmake ninja-build g++ libcli11-dev googletest "$@"; }
 
-# Gives the programs that follow a virtual display, until this script ends.
+# Gives the programs that follow a display: the caller's, or a virtual one that all scripts share
+# and that ends a few seconds after its last user. Users hold display.users shared, the process that
+# keeps the display holds display.keeper.
 start_display() {
     [ -z "${DISPLAY:-}" ] || return 0
-    exec {display}< <(exec Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp 2>/dev/null)
+    mkdir -p "$cache"
+    exec {display_users}>>"$cache/display.users"
+    flock --shared "$display_users"
+    (
+        flock 9
+        if flock --nonblock "$cache/display.keeper" rm -f "$cache/display"; then
+            keep_display </dev/null >/dev/null 2>&1 9>&- {display_users}>&- &
+        fi
+        for _ in {1..300}; do
+            [ ! -e "$cache/display" ] || exit 0
+            sleep 0.1
+        done
+        exit 1
+    ) 9>"$cache/display.lock"
+    DISPLAY=:$(<"$cache/display")
+    export DISPLAY
+}
+
+keep_display() {
+    local keeper users xvfb
+    exec {keeper}>"$cache/display.keeper" {users}>>"$cache/display.users"
+    flock "$keeper"
+    : >"$cache/display.part"
+    Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$cache/display.part" \
+        {keeper}>&- {users}>&- &
     xvfb=$!
-    trap 'kill $xvfb' EXIT
-    read -r -u "$display" DISPLAY
-    export DISPLAY=:$DISPLAY
+    while [ ! -s "$cache/display.part" ]; do
+        sleep 0.1
+        kill -0 "$xvfb"
+    done
+    mv "$cache/display.part" "$cache/display"
+    while sleep 3 && kill -0 "$xvfb"; do
+        ! flock --nonblock "$users" || break
+    done
+    rm -f "$cache/display"
+    kill "$xvfb"
 }
