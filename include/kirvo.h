@@ -932,14 +932,215 @@ KIRVO_API HGLOBAL WINAPI Dib24ZoomEx2(HGLOBAL dib, int32_t left, int32_t top, in
 
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup point Point operations
+ *  Each channel of a pixel becomes something that depends on that pixel alone. All work on a
+ *  rectangle (x, y, width, height) of a packed DIB and report progress per row. Two change the
+ *  image in place; the others return a new image of the rectangle's size, at the source's depth
+ *  unless said otherwise, which the caller owns.
+ *
+ *  Channels are 8-bit values. Those of 32-bit pixels are the low 8 bits under each mask; those of
+ *  16-bit pixels are widened to 8 bits and narrowed again by truncation. Bits outside the masks are
+ *  0 in a new image, whose masks are the source's.
+ *
+ *  Status codes of all: #KIRVO_OK; #KIRVO_NULL_HANDLE for a null or invalid handle;
+ *  #KIRVO_BAD_PARAMETER for a rectangle that is empty or not inside the image, or a block smaller
+ *  than its header says; the code of the depths, named at each; #KIRVO_NO_MEMORY when a new image
+ *  cannot be allocated. The rectangle is tested before the other parameters.
  *  @{ */
-/* (point: functions go here) */
+
+/** Inverts a rectangle in place: 255 - channel. At 16 and 32 bits the bits under the masks flip
+ *  and all others stay.
+ *  @param dib packed DIB of 16, 24 or 32 bits with a 40-byte header
+ *  @param x,y,width,height rectangle
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER; #KIRVO_NEEDS_16_24_32 */
+KIRVO_API int32_t WINAPI Dib24Negative(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                       int32_t height);
+
+/** Exchanges the channels of a rectangle in place. Bits outside the masks of a 32-bit image become
+ *  0.
+ *  @param dib packed DIB of 24 or 32 bits with a 40-byte header
+ *  @param mode what red, green and blue are taken from: 0 nothing changes (#KIRVO_OK even for a
+ *         null handle), 1 red, blue, green; 2 green, blue, red; 3 green, red, blue; 4 blue, red,
+ *         green; 5 blue, green, red
+ *  @param x,y,width,height rectangle
+ *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for another mode, before anything else is looked at;
+ *          #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER; #KIRVO_NEEDS_24_32 */
+KIRVO_API int32_t WINAPI Dib24RGBChange(HGLOBAL dib, int32_t mode, int32_t x, int32_t y,
+                                        int32_t width, int32_t height);
+
+/** Brightens or darkens: channel + level * 255 / 100 (truncated), clamped to 0..255. The masks of
+ *  a 32-bit result are the 12 bytes that follow the source's header, also when the source has no
+ *  masks.
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param x,y,width,height rectangle
+ *  @param level -100 to 100
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER, also for another level;
+ *              #KIRVO_NEEDS_24_32; #KIRVO_NO_MEMORY
+ *  @return the new image, or null */
+KIRVO_API HGLOBAL WINAPI Dib24Brightness(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                         int32_t height, int32_t level, int32_t* status);
+
+/** Raises or lowers the contrast around mid-grey: channel * (level + 100) / 100 + -128 * level /
+ *  100 (both truncated), clamped to 0..255.
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param x,y,width,height rectangle
+ *  @param level -100 (all grey) to 100 (2 * channel - 128)
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER, also for another level;
+ *              #KIRVO_NEEDS_24_32; #KIRVO_NO_MEMORY
+ *  @return the new image, or null */
+KIRVO_API HGLOBAL WINAPI Dib24Contrast(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                       int32_t height, int32_t level, int32_t* status);
+
+/** Turns a rectangle to grey: (77 red + 150 green + 29 blue + 128) / 256 in all three channels.
+ *  @param dib packed DIB of 24 or 32 bits with a 40-byte header
+ *  @param x,y,width,height rectangle
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER; #KIRVO_NEEDS_24_32;
+ *              #KIRVO_NO_MEMORY
+ *  @return a new 24-bit image, or null */
+KIRVO_API HGLOBAL WINAPI Dib24Monochrome(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                         int32_t height, int32_t* status);
+
+/** Halves the intensity: channel / 2.
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param x,y,width,height rectangle
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER; #KIRVO_NEEDS_24_32;
+ *              #KIRVO_NO_MEMORY
+ *  @return the new image, or null */
+KIRVO_API HGLOBAL WINAPI Dib24HalfTone(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                       int32_t height, int32_t* status);
+
+/** Multiplies all channels by a fraction: channel * numerator / denominator, truncated, at most
+ *  255. With a denominator of 0 every channel but 0 becomes 255.
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param x,y,width,height rectangle
+ *  @param numerator 1 to 255
+ *  @param denominator 0 or more
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER, also for another
+ *              fraction; #KIRVO_NEEDS_24_32; #KIRVO_NO_MEMORY
+ *  @return the new image, or null */
+KIRVO_API HGLOBAL WINAPI Dib24ToneCtrl(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                       int32_t height, int32_t numerator, int32_t denominator,
+                                       int32_t* status);
+
+/** Multiplies each channel by its factor: channel * factor, truncated, at most 255 (0 stays 0 with
+ *  an infinite factor).
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param x,y,width,height rectangle
+ *  @param red,green,blue factors, 0 or more
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER, also for a factor that
+ *              is negative or not a number; #KIRVO_NEEDS_24_32; #KIRVO_NO_MEMORY
+ *  @return the new image, or null */
+KIRVO_API HGLOBAL WINAPI Dib24ToneCtrlEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                         int32_t height, double red, double green, double blue,
+                                         int32_t* status);
+
+/** Corrects the gamma: 255 * (channel / 255)^gamma in double precision, truncated. Gammas above 1
+ *  darken, those below brighten, 0 makes everything 255, and exactly 1 changes nothing.
+ *  @param dib packed DIB of 24 bits
+ *  @param x,y,width,height rectangle
+ *  @param gamma 0 or more
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER, also for a gamma that is
+ *              negative or not a number; #KIRVO_NEEDS_24; #KIRVO_NO_MEMORY
+ *  @return the new image, or null */
+KIRVO_API HGLOBAL WINAPI Dib24Gamma(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                    int32_t height, double gamma, int32_t* status);
+
+/** Corrects the gamma of each channel, as Dib24Gamma does. At 8 bits the result is a duplicate of
+ *  the rectangle whose 256 colour-table entries are the source's, corrected; 0 and 100 are then the
+ *  only progress messages.
+ *  @param dib packed DIB of 8, 16, 24 or 32 bits
+ *  @param x,y,width,height rectangle
+ *  @param red,green,blue gammas, 0 or more
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER, also for a gamma that is
+ *              negative or not a number; #KIRVO_NEEDS_8_16_24_32; #KIRVO_NO_MEMORY
+ *  @return the new image, or null */
+KIRVO_API HGLOBAL WINAPI DibGammaEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                    int32_t height, double red, double green, double blue,
+                                    int32_t* status);
+
+/** Separates the channels: three new images of the source's depth, each with one channel and the
+ *  others 0.
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param x,y,width,height rectangle
+ *  @param[out] red,green,blue the images, owned by the caller; all null on failure. An image whose
+ *              pointer is null is not kept.
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER; #KIRVO_NEEDS_24_32;
+ *          #KIRVO_NO_MEMORY */
+KIRVO_API int32_t WINAPI Dib24Separate(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                       int32_t height, HGLOBAL* red, HGLOBAL* green,
+                                       HGLOBAL* blue);
+
+/** Maps every channel through a table: table[channel]. At 8 bits the result is a duplicate of the
+ *  width x height pixels at the top left of the image, wherever the rectangle lies, whose 256
+ *  colour-table entries are the source's, mapped; 0 and 100 are then the only progress messages.
+ *  @param dib packed DIB of 8, 16, 24 or 32 bits
+ *  @param x,y,width,height rectangle
+ *  @param table 256 bytes
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER, also for a null table;
+ *              #KIRVO_NEEDS_8_16_24_32; #KIRVO_NO_MEMORY
+ *  @return the new image, or null */
+KIRVO_API HGLOBAL WINAPI DibColorMapEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                       int32_t height, const uint8_t* table, int32_t* status);
+
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup hue Hue and HSV
+ *  Colours as whole numbers: hue in degrees, 0 to 359; saturation the largest channel minus the
+ *  smallest; value the largest channel. Hues are computed in double precision and truncated.
  *  @{ */
-/* (hue: functions go here) */
+
+/** Converts a colour to hue, saturation and value. The first of red, green and blue that is the
+ *  largest channel decides where the hue is counted from; greys have hue 0.
+ *  @param red,green,blue channels, 0 to 255
+ *  @param[out] hue 0 to 359
+ *  @param[out] saturation 0 to 255
+ *  @param[out] value 0 to 255 */
+KIRVO_API void WINAPI RGB2HSV(int32_t red, int32_t green, int32_t blue, int32_t* hue,
+                              int32_t* saturation, int32_t* value);
+
+/** Saturation and value of a colour.
+ *  @param red,green,blue channels, 0 to 255
+ *  @param[out] saturation largest channel minus smallest
+ *  @param[out] value largest channel */
+KIRVO_API void WINAPI RGB2SV(int32_t red, int32_t green, int32_t blue, int32_t* saturation,
+                             int32_t* value);
+
+/** Value of a colour.
+ *  @param red,green,blue channels, 0 to 255
+ *  @return the largest channel */
+KIRVO_API int32_t WINAPI RGB2V(int32_t red, int32_t green, int32_t blue);
+
+/** Converts hue, saturation and value to a colour. Channels are clamped to 0..255.
+ *  @param hue 0 to 359; any other hue gives black
+ *  @param saturation 0 to 255
+ *  @param value 0 to 255
+ *  @param[out] red,green,blue channels */
+KIRVO_API void WINAPI HSV2RGB(int32_t hue, int32_t saturation, int32_t value, int32_t* red,
+                              int32_t* green, int32_t* blue);
+
+/** Changes the hue of a whole image in place. Greys stay as they are. Reports progress per row.
+ *  @param dib packed DIB of 24 bits
+ *  @param mode 0 gives every pixel the hue; 1 does so and lowers the saturation to two thirds; 2
+ *         turns every pixel's hue
+ *  @param value degrees: 0 to 359 for modes 0 and 1, -259 to 359 for mode 2
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for another mode or value;
+ *          #KIRVO_NEEDS_24 for another depth; #KIRVO_BAD_PARAMETER for a block smaller than its
+ *          header says */
+KIRVO_API int32_t WINAPI DibModifyHue(HGLOBAL dib, int32_t mode, int32_t value);
+
+/** Makes a copy of a rectangle with its hue changed. Greys stay as they are, apart from the bits
+ *  outside the masks, which become 0. Reports progress per row.
+ *  @param dib packed DIB of 16, 24 or 32 bits
+ *  @param x,y,width,height rectangle
+ *  @param mode as for DibModifyHue
+ *  @param value degrees, 0 to 359 for every mode
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a bad rectangle, then
+ *              for another mode or value; #KIRVO_NEEDS_16_24_32; #KIRVO_NO_MEMORY
+ *  @return the new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI DibModifyHueEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                        int32_t height, int32_t mode, int32_t value,
+                                        int32_t* status);
+
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */

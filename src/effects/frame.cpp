@@ -32,8 +32,7 @@ Status RectOperation::change(const RowFunction& function) const {
 }
 
 HGLOBAL RectOperation::make(const RowFunction& function, int32_t* status, int32_t bits) const {
-    report(status, status_);
-    if (status_ != Status::ok)
+    if (!passed(status))
         return nullptr;
     RectResult result(*this, bits);
     if (!result) {

@@ -46,6 +46,11 @@ class RectOperation {
             status_ = Status::bad_parameter;
     }
     Status status() const { return status_; }
+    // Reports the status; true when it is ok.
+    bool passed(int32_t* status) const {
+        report(status, status_);
+        return status_ == Status::ok;
+    }
 
     // Changes the rectangle where it lies.
     Status change(const RowFunction& function) const;

@@ -4,6 +4,7 @@
 #include "core/pixels.hpp"
 
 #include "internal/cpu_levels.hpp"
+#include "internal/guarded.hpp"
 #include "support/direct_colour.hpp"
 
 #include <gtest/gtest.h>
@@ -13,30 +14,6 @@ using namespace kirvo;
 using namespace kirvo_test;
 
 namespace {
-
-constexpr size_t guard = 64;
-constexpr uint8_t guard_byte = 0xA5;
-
-// Bytes between guards, starting at any alignment.
-class Guarded {
-  public:
-    Guarded(size_t count, size_t offset)
-        : bytes_(guard + offset + count + guard, guard_byte), begin_(guard + offset),
-          count_(count) {}
-    uint8_t* data() { return bytes_.data() + begin_; }
-    std::vector<uint8_t> content() { return {data(), data() + count_}; }
-    bool intact() const {
-        for (size_t i = 0; i < bytes_.size(); ++i) {
-            if ((i < begin_ || i >= begin_ + count_) && bytes_[i] != guard_byte)
-                return false;
-        }
-        return true;
-    }
-
-  private:
-    std::vector<uint8_t> bytes_;
-    size_t begin_, count_;
-};
 
 // Masks as the tests of the library's users name them.
 kirvo_test::Masks named(const uint32_t (&masks)[3]) { return {masks[0], masks[1], masks[2]}; }

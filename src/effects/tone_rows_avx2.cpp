@@ -1,0 +1,65 @@
+#include "effects/planes_avx2.hpp"
+#include "effects/tone_rows.hpp"
+#include "effects/tone_vectors.hpp"
+
+namespace kirvo::avx2 {
+
+namespace {
+
+// Sixteen shuffles, one for each 16 levels. A shuffle gives 0 for a byte with its top bit set, and
+// otherwise looks at its low four bits. Taking 16 away at each step, without wrapping round, sets
+// that bit one step after the byte's own part of the table. So each byte meets the parts from the
+// first of its half to its own, and each part holds the difference (xor) to the one before it.
+void map(uint8_t* to, const uint8_t* from, size_t bytes, const Levels& levels) {
+    __m256i part[16];
+    for (int i = 0; i < 16; ++i)
+        part[i] = _mm256_broadcastsi128_si256(
+            _mm_loadu_si128(reinterpret_cast<const __m128i*>(levels.level + 16 * i)));
+    for (int i = 15; i > 0; --i) {
+        if (i != 8)
+            part[i] = _mm256_xor_si256(part[i], part[i - 1]);
+    }
+    const __m256i sixteen = _mm256_set1_epi8(16), top = _mm256_set1_epi8(-128);
+    each_block<32>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
+        __m256i low = Planes::load_bytes(in), high = _mm256_xor_si256(low, top);
+        __m256i mapped = _mm256_setzero_si256();
+        for (int i = 0; i < 8; ++i) {
+            mapped = _mm256_xor_si256(mapped, _mm256_shuffle_epi8(part[i], low));
+            mapped = _mm256_xor_si256(mapped, _mm256_shuffle_epi8(part[i + 8], high));
+            low = _mm256_subs_epi8(low, sixteen);
+            high = _mm256_subs_epi8(high, sixteen);
+        }
+        Planes::store_bytes(out, mapped);
+    });
+}
+
+// Ten pixels a step, five in each half. The last byte of a half stays as it is: in the lower one
+// the upper half overwrites it, in the upper one it belongs to the next step.
+void permute(uint8_t* to, const uint8_t* from, size_t pixels, const ChannelOrder& order) {
+    alignas(16) uint8_t places[16];
+    for (int i = 0; i < 15; ++i) {
+        const uint8_t source = order.from[i % 3];
+        places[i] = source == no_byte ? 0x80 : static_cast<uint8_t>(i - i % 3 + source);
+    }
+    places[15] = 15;
+    const __m128i shuffle = _mm_load_si128(reinterpret_cast<const __m128i*>(places));
+    constexpr size_t step = 10, touched = 11;
+    for (; pixels >= touched; pixels -= step, to += 3 * step, from += 3 * step) {
+        const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+        const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 15));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_shuffle_epi8(low, shuffle));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 15), _mm_shuffle_epi8(high, shuffle));
+    }
+    scalar_tone_rows.permute(to, from, pixels, order);
+}
+
+} // namespace
+
+void improve(ToneRows& rows) {
+    rows.scale = ToneVectors<Planes>::scale;
+    rows.grey = ToneVectors<Planes>::grey;
+    rows.map = map;
+    rows.permute = permute;
+}
+
+} // namespace kirvo::avx2
