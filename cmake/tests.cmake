@@ -59,7 +59,7 @@ foreach(standin IN ITEMS photo_cd photo_cd_incomplete)
     set_target_properties(kirvo_${standin} PROPERTIES PREFIX "" OUTPUT_NAME PCDLIB32 SUFFIX .DLL
                           LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${standin})
     if(WIN32)
-        target_link_options(kirvo_${standin} PRIVATE -Wl,--kill-at)
+        target_link_options(kirvo_${standin} PRIVATE -static -Wl,--kill-at)
     else()
         target_link_options(kirvo_${standin} PRIVATE -Wl,-soname,PCDLIB32.DLL)
     endif()

@@ -62,7 +62,8 @@ Status open_listing(InputFile& file, const char* name, void* buffer, uint32_t si
 }
 
 uint16_t colours_of_depth(uint16_t bits) {
-    return bits == 1 || bits == 4 || bits == 8 ? static_cast<uint16_t>(1u << bits) : 0;
+    const bool indexed = bits == 1 || bits == 4 || bits == 8;
+    return indexed ? static_cast<uint16_t>(1u << bits) : uint16_t{0};
 }
 
 // The header of the image at an offset; what lies outside the file reads as 0.

@@ -24,11 +24,11 @@ struct Block {
 
 kirvo::HandleTable<Block> blocks;
 
-// Sanitizers see overruns of heap blocks only.
+// Sanitizers see overruns of heap blocks only, and take long to prepare huge ones.
 #if defined(__SANITIZE_ADDRESS__)
-constexpr bool map_large_blocks = false;
+constexpr size_t mapped_from = size_t{8} << 20;
 #else
-constexpr bool map_large_blocks = true;
+constexpr size_t mapped_from = huge_page;
 #endif
 
 Memory map_huge(size_t bytes) {
@@ -50,7 +50,7 @@ Memory map_huge(size_t bytes) {
 }
 
 Memory acquire(size_t bytes) {
-    if (map_large_blocks && bytes >= huge_page && bytes < SIZE_MAX / 2)
+    if (bytes >= mapped_from && bytes < SIZE_MAX / 2)
         return map_huge(bytes);
     return {std::calloc(1, bytes == 0 ? 1 : bytes), 0};
 }

@@ -34,6 +34,13 @@ double milliseconds_worked() {
 #endif
 }
 
+template<typename Work>
+double time_of(Work work) {
+    const double start = milliseconds_worked();
+    work();
+    return milliseconds_worked() - start;
+}
+
 // Mostly near the start, where headers are.
 size_t random_place(const Bytes& bytes, Random& random) {
     const size_t reach = random.once_in(2) ? std::min<size_t>(bytes.size(), 48) : bytes.size();
@@ -118,9 +125,10 @@ void try_changed(const std::vector<Bytes>& good, const std::string& name,
         ASSERT_NE(out, nullptr);
         std::fwrite(file.data(), 1, file.size(), out);
         std::fclose(out);
-        const double start = milliseconds_worked();
-        read(name.c_str());
-        longest = std::max(longest, milliseconds_worked() - start);
+        double taken = time_of([&] { read(name.c_str()); });
+        for (int again = 0; again < 3 && taken >= longest_milliseconds; ++again)
+            taken = time_of([&] { read(name.c_str()); }); // was it the file or the machine?
+        longest = std::max(longest, taken);
         if (testing::Test::HasFailure()) {
             std::string bytes;
             for (const uint8_t byte : file)
