@@ -4,6 +4,8 @@
 #include "core/cpu.hpp"
 #include "jpeg/tables.hpp"
 
+#include <algorithm>
+
 namespace kirvo {
 
 namespace {
@@ -63,29 +65,35 @@ void forward_dct(const int8_t* samples, ptrdiff_t stride, int16_t* coefficients)
     }
 }
 
-// Half away from zero.
+// Half away from zero; 0 for a coefficient that is not coded.
 int16_t rounded_quotient(int32_t coefficient, int32_t divisor) {
+    if (divisor == 0)
+        return 0;
     const int32_t half = divisor / 2;
     return static_cast<int16_t>((coefficient > 0 ? coefficient + half : coefficient - half) /
                                 divisor);
 }
 
-void code_blocks(const int8_t* samples, ptrdiff_t stride, size_t blocks,
-                 const Quantiser& quantiser, Levels* levels, uint64_t* nonzero) {
-    for (size_t block = 0; block < blocks; ++block) {
-        int16_t coefficients[64];
-        forward_dct(samples + 8 * block, stride, coefficients);
-        uint64_t mask = 0;
-        for (size_t k = 0; k < 64; ++k) {
-            const size_t n = zigzag[k];
-            const int16_t divisor = quantiser.divisor[n];
-            const int16_t level =
-                divisor == 0 ? int16_t{0} : rounded_quotient(coefficients[n], divisor);
-            levels[block][k] = level;
-            mask |= uint64_t{level != 0} << k;
-        }
-        nonzero[block] = mask;
+void code_block(const int8_t* samples, ptrdiff_t stride, const Quantiser& quantiser,
+                BlockGroup& group, size_t block) {
+    int16_t coefficients[64];
+    forward_dct(samples, stride, coefficients);
+    group.nonzero[block] = 0;
+    for (size_t k = 0; k < 64; ++k) {
+        const size_t n = zigzag[k];
+        const int16_t level = rounded_quotient(coefficients[n], quantiser.divisor[n]);
+        group.level[n / 8][8 * block + n % 8] = level;
+        group.clamped[block][k] =
+            static_cast<int8_t>(std::clamp<int16_t>(level, INT8_MIN, INT8_MAX));
+        group.nonzero[block] |= uint64_t{level != 0} << k;
     }
+}
+
+void code_groups(const int8_t* samples, ptrdiff_t stride, size_t groups,
+                 const Quantiser& quantiser, BlockGroup* out) {
+    for (size_t block = 0; block < groups * group_blocks; ++block)
+        code_block(samples + 8 * block, stride, quantiser, out[block / group_blocks],
+                   block % group_blocks);
 }
 
 } // namespace
@@ -94,24 +102,35 @@ void code_blocks(const int8_t* samples, ptrdiff_t stride, size_t blocks,
 // >> (k-1) is x / q for every x with x * q < 2^(15+k), thus for all below 2^13. The last shift is a
 // multiplication by 2^(17-k) for k above 1. Where nothing is left to shift, the factor 65535 takes
 // 1 from any quotient but 0, for which the bias makes up with one divisor more.
-void Quantiser::set(const QuantiserTable& table, int32_t count) {
+void Quantiser::set(const uint8_t* table, int32_t count) {
     *this = {};
     for (int32_t position = 0; position < count; ++position) {
-        const auto q = static_cast<uint32_t>(table[static_cast<size_t>(position)]);
+        const uint32_t q = table[position];
         const size_t n = zigzag[static_cast<size_t>(position)];
-        divisor[n] = static_cast<int16_t>(q);
         uint32_t k = 0;
         while (q >> (k + 1) != 0)
             ++k;
         const uint32_t rounded_up = ((1u << (15 + k)) + q - 1) / q;
+        divisor[n] = static_cast<uint8_t>(q);
         reciprocal[n] = static_cast<uint16_t>(q == 1 ? 65535 : rounded_up);
         scale[n] = static_cast<uint16_t>(k > 1 ? 1u << (17 - k) : 65535);
         bias[n] = static_cast<uint16_t>(q / 2 + (k > 1 ? 0 : q) + (q == 1));
     }
 }
 
-EncodeRows encode_rows_scalar() { return {convert, halve_across, halve_both, code_blocks}; }
+const EncodeRows encode_rows_scalar = {convert, halve_across, halve_both, code_groups};
 
-EncodeRows encode_rows() { return encode_rows_scalar(); }
+const EncodeRows& encode_rows() {
+    if (cpu_has_vbmi())
+        return avx512::encode_rows;
+    switch (cpu_level()) {
+    case CpuLevel::scalar:
+        return encode_rows_scalar;
+    case CpuLevel::sse2:
+        return sse2::encode_rows;
+    default:
+        return avx2::encode_rows;
+    }
+}
 
 } // namespace kirvo

@@ -1,48 +1,60 @@
-// The per-sample work of an encode as row kernels: colours to samples, chroma made smaller, blocks
-// of samples to quantised coefficients. Samples are level-shifted: -128 to 127.
+// The per-sample work of an encode as row kernels, one set per level of the processor: colours to
+// samples, chroma made smaller, blocks of samples to quantised coefficients. Samples are
+// level-shifted: -128 to 127. This header is plain data, so that files compiled for one instruction
+// set may include it.
 #pragma once
 
-#include "jpeg/encode_settings.hpp"
-
 #include <cstddef>
+#include <cstdint>
 
 namespace kirvo {
 
-// A quantiser table as the kernels use it, in natural order. (magnitude + bias) * reciprocal >> 16
-// and then * scale >> 16 is the rounded quotient of every coefficient that a transform can yield.
+// A quantiser table as the kernels use it, in natural order. With the magnitude m of a coefficient,
+// (m + bias) * reciprocal >> 16 and then * scale >> 16 is the quotient rounded half up, for every m
+// that a transform can yield.
 struct Quantiser {
     alignas(64) uint16_t bias[64];
     alignas(64) uint16_t reciprocal[64];
     alignas(64) uint16_t scale[64];
-    int16_t divisor[64]; // 0: not coded
+    uint8_t divisor[64]; // 0: not coded
 
     // From the first count entries of a table in zigzag order.
-    void set(const QuantiserTable& table, int32_t count);
+    void set(const uint8_t* table, int32_t count);
 };
 
-// Quantised coefficients of one block in zigzag order.
-using Levels = int16_t[64];
+// Blocks are coded in groups of four that stand side by side.
+constexpr size_t group_blocks = 4;
 
-// Kernels may compute this many blocks at once: code_blocks reads samples of, and writes, whole
-// groups.
-constexpr size_t block_group = 4;
+struct BlockGroup {
+    alignas(64) int16_t level[8][8 * group_blocks]; // in natural order, as the blocks stand
+    alignas(64) int8_t clamped[group_blocks][64];   // in zigzag order; those of zeros mean nothing
+    uint64_t nonzero[group_blocks];                 // bit k for zigzag position k
+};
 
 struct EncodeRows {
     // Pixels (blue, green, red bytes) to samples.
     void (*convert)(const uint8_t* bgr, size_t count, int8_t* y, int8_t* cb, int8_t* cr);
-    // Rounded means of pairs, and of squares in two rows; count is that of the results. Rows are
-    // read and written in steps of up to 64 samples.
+    // Rounded means of pairs, and of squares in two rows; count is that of the results. Whole steps
+    // of 32 results may be read and written.
     void (*halve_across)(const int8_t* row, size_t count, int8_t* half);
     void (*halve_both)(const int8_t* upper, const int8_t* lower, size_t count, int8_t* half);
-    // Transforms and quantises blocks that stand side by side. Bit k of nonzero tells whether level
-    // k is one.
-    void (*code_blocks)(const int8_t* samples, ptrdiff_t stride, size_t blocks,
-                        const Quantiser& quantiser, Levels* levels, uint64_t* nonzero);
+    // Transforms and quantises.
+    void (*code_groups)(const int8_t* samples, ptrdiff_t stride, size_t groups,
+                        const Quantiser& quantiser, BlockGroup* out);
 };
 
-// The kernels of the CPU level in force.
-EncodeRows encode_rows();
+extern const EncodeRows encode_rows_scalar; // the definition
+namespace sse2 {
+extern const EncodeRows encode_rows;
+}
+namespace avx2 {
+extern const EncodeRows encode_rows;
+}
+namespace avx512 {
+extern const EncodeRows encode_rows; // needs VBMI
+}
 
-EncodeRows encode_rows_scalar();
+// The kernels of the level in force.
+const EncodeRows& encode_rows();
 
 } // namespace kirvo

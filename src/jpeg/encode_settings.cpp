@@ -13,6 +13,8 @@ constinit EncodeSettings encode_settings;
 
 namespace {
 
+using QuantiserTable = std::array<uint8_t, 64>;
+
 // Six tables each, in natural order. Table 0 is the custom one. The others follow no rule: tables 1
 // and 2 are coarser at low frequencies than at high ones.
 using Bank = std::array<QuantiserTable, 6>;
@@ -89,15 +91,13 @@ int32_t coded_count() {
     }
 }
 
-QuantiserTable in_zigzag_order(const QuantiserTable& natural) {
-    QuantiserTable table;
-    for (size_t k = 0; k < table.size(); ++k)
-        table[k] = natural[zigzag[k]];
-    return table;
+void fill_slot(QuantisationSlot& slot, const QuantiserTable& table) {
+    std::transform(zigzag.begin(), zigzag.end(), slot.begin(),
+                   [&table](uint8_t natural) { return table[natural]; });
 }
 
-void fill_slot(QuantisationSlot& slot, const QuantiserTable& table) {
-    std::transform(table.begin(), table.end(), slot.begin(),
+void load_custom(QuantiserTable& table, const int16_t* entries) {
+    std::transform(entries, entries + table.size(), table.begin(),
                    [](int16_t entry) { return static_cast<uint8_t>(entry); });
 }
 
@@ -110,13 +110,11 @@ void discard_comment() {
     encode_settings.comment_bytes = 0;
 }
 
-EncodeTables prepare_tables() {
+int32_t prepare_tables() {
     const auto level = static_cast<size_t>(encode_settings.level);
-    const EncodeTables tables = {in_zigzag_order(luminance_bank[level]),
-                                 in_zigzag_order(chrominance_bank[level]), coded_count()};
-    fill_slot(quantisation_slots[0], tables.luminance);
-    fill_slot(quantisation_slots[1], tables.chrominance);
-    return tables;
+    fill_slot(quantisation_slots[0], luminance_bank[level]);
+    fill_slot(quantisation_slots[1], chrominance_bank[level]);
+    return coded_count();
 }
 
 } // namespace kirvo
@@ -149,8 +147,8 @@ int32_t WINAPI JpgCodSetQtableEx(const int16_t* luminance, const int16_t* chromi
                                  int32_t count) {
     if (!acceptable(luminance) || !acceptable(chrominance))
         return code(Status::bad_parameter);
-    std::copy_n(luminance, 64, luminance_bank[0].begin());
-    std::copy_n(chrominance, 64, chrominance_bank[0].begin());
+    load_custom(luminance_bank[0], luminance);
+    load_custom(chrominance_bank[0], chrominance);
     encode_settings.custom_count = count >= 1 && count <= 64 ? count : all_coefficients;
     return code(Status::ok);
 }

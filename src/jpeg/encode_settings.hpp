@@ -3,12 +3,7 @@
 
 #include "platform/platform.hpp"
 
-#include <array>
-
 namespace kirvo {
-
-// 64 quantisers.
-using QuantiserTable = std::array<int16_t, 64>;
 
 struct EncodeSettings {
     int32_t sampling = 4;      // 1: none, 2: chroma halved across, 4: both ways
@@ -28,14 +23,8 @@ extern EncodeSettings encode_settings;
 
 void discard_comment();
 
-// The quantisers of one encode in zigzag order; coefficients at or past count are coded as 0.
-struct EncodeTables {
-    QuantiserTable luminance;
-    QuantiserTable chrominance;
-    int32_t count;
-};
-
-// The tables of the level in force; also written to quantisation slots 0 and 1.
-EncodeTables prepare_tables();
+// Writes the tables of the level in force to quantisation slots 0 and 1. Returns how many
+// coefficients of a block are coded; the others become 0.
+int32_t prepare_tables();
 
 } // namespace kirvo

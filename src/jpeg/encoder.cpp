@@ -9,6 +9,7 @@
 #include "jpeg/encode_headers.hpp"
 #include "jpeg/encode_rows.hpp"
 #include "jpeg/encode_settings.hpp"
+#include "jpeg/tables.hpp"
 
 #include <cstring>
 
@@ -26,7 +27,7 @@ struct McuShape {
 
 // MCUs are prepared side by side in tiles that stay in the first-level cache.
 constexpr size_t tile_width = 256;
-constexpr size_t luminance_blocks = tile_width / 8;
+constexpr size_t luminance_groups = tile_width / 8 / group_blocks;
 
 struct Tile {
     alignas(64) int8_t y[16][tile_width];
@@ -34,12 +35,9 @@ struct Tile {
     alignas(64) int8_t cr[16][tile_width];
     alignas(64) int8_t half[8][tile_width];
 
-    alignas(64) Levels y_levels[2][luminance_blocks];
-    alignas(64) Levels cb_levels[luminance_blocks];
-    alignas(64) Levels cr_levels[luminance_blocks];
-    uint64_t y_nonzero[2][luminance_blocks];
-    uint64_t cb_nonzero[luminance_blocks];
-    uint64_t cr_nonzero[luminance_blocks];
+    BlockGroup y_groups[2][luminance_groups];
+    BlockGroup cb_groups[luminance_groups];
+    BlockGroup cr_groups[luminance_groups];
 };
 
 // The samples of each index of an 8-bit image.
@@ -55,7 +53,7 @@ struct Encoder {
     EncodeFamily family;
     HGLOBAL source, output;
 
-    EncodeRows rows;
+    const EncodeRows* rows;
     const uint8_t* first_pixel; // of the region's top row
     ptrdiff_t row_step;         // to the next row down
     bool indexed;
@@ -71,7 +69,7 @@ struct Encoder {
     int16_t y_predictor, cb_predictor, cr_predictor;
     OutputStream stream;
     BitWriter bits{nullptr};
-    uint8_t staging[staging_threshold + 6 * longest_block + sizeof(uint64_t)];
+    uint8_t staging[staging_threshold + 6 * longest_block];
     Tile tile;
 };
 
@@ -111,7 +109,7 @@ void prepare_index_samples(const EncodeRequest& request, const LockedDib& dib) {
     for (size_t i = 0; i < 256; ++i) {
         const RGBQUAD& entry = table.entry[i];
         const uint8_t bgr[] = {entry.rgbBlue, entry.rgbGreen, entry.rgbRed};
-        encoder.rows.convert(bgr, 1, samples.y + i, samples.cb + i, samples.cr + i);
+        encoder.rows->convert(bgr, 1, samples.y + i, samples.cb + i, samples.cr + i);
         if (is_grey(request.family)) {
             const auto grey = static_cast<int32_t>(request.grey_from_table ? entry.rgbBlue : i);
             samples.y[i] = static_cast<int8_t>(grey - 128);
@@ -130,7 +128,7 @@ void prepare_source(const EncodeRequest& request, const LockedDib& dib) {
     encoder.row_step = -rows.stride;
     encoder.region = region;
     encoder.indexed = dib.bits() == 8;
-    encoder.rows = encode_rows();
+    encoder.rows = &encode_rows();
     if (encoder.indexed)
         prepare_index_samples(request, dib);
 }
@@ -146,9 +144,9 @@ void prepare_geometry(const EncodeRequest& request) {
 }
 
 void prepare_coding(OwnedBlock output, uint32_t output_bytes) {
-    const EncodeTables tables = prepare_tables();
-    encoder.luminance.set(tables.luminance, tables.count);
-    encoder.chrominance.set(tables.chrominance, tables.count);
+    const int32_t count = prepare_tables();
+    encoder.luminance.set(quantisation_slots[0].data(), count);
+    encoder.chrominance.set(quantisation_slots[1].data(), count);
     encoder.y_predictor = encoder.cb_predictor = encoder.cr_predictor = 0;
     encoder.bits = BitWriter(encoder.staging);
     encoder.output = output.release();
@@ -176,7 +174,7 @@ void sample_row(int32_t x, int32_t y, size_t i, size_t count) {
     Tile& tile = encoder.tile;
     const uint8_t* row = encoder.first_pixel + y * encoder.row_step;
     if (!encoder.indexed) {
-        encoder.rows.convert(row + static_cast<ptrdiff_t>(x) * 3, count, tile.y[i], tile.cb[i],
+        encoder.rows->convert(row + static_cast<ptrdiff_t>(x) * 3, count, tile.y[i], tile.cb[i],
                              tile.cr[i]);
         return;
     }
@@ -215,49 +213,51 @@ void sample_tile(int32_t x, int32_t y, size_t padded) {
     }
 }
 
-// The chroma blocks of the tile: halved as the MCU's shape says, then transformed.
-void code_chroma(int8_t (*plane)[tile_width], size_t mcus, Levels* levels, uint64_t* nonzero) {
+size_t groups_of(size_t blocks) { return (blocks + group_blocks - 1) / group_blocks; }
+
+// The chroma blocks of the tile: made smaller as the MCU's shape says, then transformed.
+void code_chroma(int8_t (*plane)[tile_width], size_t mcus, BlockGroup* groups) {
     Tile& tile = encoder.tile;
-    for (size_t i = 0; i < 8; ++i) {
+    for (size_t i = 0; i < 8 && encoder.mcu.width == 16; ++i) {
         if (encoder.mcu.height == 16)
-            encoder.rows.halve_both(plane[2 * i], plane[2 * i + 1], 8 * mcus, tile.half[i]);
-        else if (encoder.mcu.width == 16)
-            encoder.rows.halve_across(plane[i], 8 * mcus, tile.half[i]);
+            encoder.rows->halve_both(plane[2 * i], plane[2 * i + 1], 8 * mcus, tile.half[i]);
+        else
+            encoder.rows->halve_across(plane[i], 8 * mcus, tile.half[i]);
     }
-    encoder.rows.code_blocks(encoder.mcu.width == 16 ? tile.half[0] : plane[0], tile_width, mcus,
-                             encoder.chrominance, levels, nonzero);
+    encoder.rows->code_groups(encoder.mcu.width == 16 ? tile.half[0] : plane[0], tile_width,
+                              groups_of(mcus), encoder.chrominance, groups);
 }
 
 void code_tile(size_t mcus) {
     Tile& tile = encoder.tile;
-    const size_t blocks = mcus * static_cast<size_t>(encoder.mcu.across());
+    const size_t groups = groups_of(mcus * static_cast<size_t>(encoder.mcu.across()));
     for (int32_t row = 0; row < encoder.mcu.down(); ++row)
-        encoder.rows.code_blocks(tile.y[8 * row], tile_width, blocks, encoder.luminance,
-                                 tile.y_levels[row], tile.y_nonzero[row]);
+        encoder.rows->code_groups(tile.y[8 * row], tile_width, groups, encoder.luminance,
+                                  tile.y_groups[row]);
     if (is_grey(encoder.family))
         return;
-    code_chroma(tile.cb, mcus, tile.cb_levels, tile.cb_nonzero);
-    code_chroma(tile.cr, mcus, tile.cr_levels, tile.cr_nonzero);
+    code_chroma(tile.cb, mcus, tile.cb_groups);
+    code_chroma(tile.cr, mcus, tile.cr_groups);
+}
+
+bool put(const BlockGroup* groups, size_t block, const EntropyCodes& codes, int16_t& predictor) {
+    return put_block(encoder.bits, groups[block / group_blocks], block % group_blocks, codes,
+                     predictor);
 }
 
 Status put_mcu(size_t mcu) {
     const Tile& tile = encoder.tile;
     const auto across = static_cast<size_t>(encoder.mcu.across());
+    bool good = true;
     for (int32_t row = 0; row < encoder.mcu.down(); ++row) {
-        for (size_t i = mcu * across; i < (mcu + 1) * across; ++i) {
-            if (!put_block(encoder.bits, tile.y_levels[row][i], tile.y_nonzero[row][i],
-                           luminance_codes, encoder.y_predictor))
-                return Status::jpeg_category;
-        }
+        for (size_t i = 0; i < across; ++i)
+            good = good && put(tile.y_groups[row], mcu * across + i, luminance_codes,
+                               encoder.y_predictor);
     }
-    if (is_grey(encoder.family))
-        return Status::ok;
-    if (!put_block(encoder.bits, tile.cb_levels[mcu], tile.cb_nonzero[mcu], chrominance_codes,
-                   encoder.cb_predictor) ||
-        !put_block(encoder.bits, tile.cr_levels[mcu], tile.cr_nonzero[mcu], chrominance_codes,
-                   encoder.cr_predictor))
-        return Status::jpeg_category;
-    return Status::ok;
+    if (!is_grey(encoder.family))
+        good = good && put(tile.cb_groups, mcu, chrominance_codes, encoder.cb_predictor) &&
+               put(tile.cr_groups, mcu, chrominance_codes, encoder.cr_predictor);
+    return good ? Status::ok : Status::jpeg_category;
 }
 
 size_t staged_bytes() { return static_cast<size_t>(encoder.bits.at() - encoder.staging); }
