@@ -48,29 +48,34 @@ constexpr Bits with_magnitude(Bits symbol, int32_t value, uint32_t category) {
                      bits_length(symbol) + category);
 }
 
-// AC values of small magnitude are the bulk of every stream: their code words with the magnitude
-// bits, by run and value.
+// Small values are the bulk of every stream: their code words with the magnitude bits are ready, of
+// DC differences by value and of AC values by run and value.
 constexpr int32_t small_values = 64;
 
 struct EntropyCodes {
     std::array<Bits, dc_symbols> dc;
     std::array<Bits, 256> ac;
+    std::array<Bits, 2 * small_values> small_dc;
     std::array<Bits, 16 * 2 * small_values> small_ac;
 
-    constexpr Bits small(uint32_t run, int32_t value) const {
+    constexpr Bits of_small_dc(int32_t value) const {
+        return small_dc[static_cast<size_t>(value + small_values)];
+    }
+    constexpr Bits of_small_ac(uint32_t run, int32_t value) const {
         return small_ac[run * (2 * small_values) + static_cast<uint32_t>(value + small_values)];
     }
 };
 
 constexpr EntropyCodes entropy_codes(const HuffmanTable<dc_symbols>& dc,
                                      const HuffmanTable<ac_symbols>& ac) {
-    EntropyCodes codes = {code_words<dc_symbols>(dc), code_words<256>(ac), {}};
-    size_t next = 0;
-    for (uint32_t run = 0; run < 16; ++run) {
-        for (int32_t value = -small_values; value < small_values; ++value) {
-            const uint32_t category = category_of(magnitude_of(value));
-            codes.small_ac[next++] = with_magnitude(codes.ac[run << 4 | category], value, category);
-        }
+    EntropyCodes codes = {code_words<dc_symbols>(dc), code_words<256>(ac), {}, {}};
+    for (int32_t value = -small_values; value < small_values; ++value) {
+        const uint32_t category = category_of(magnitude_of(value));
+        const auto index = static_cast<size_t>(value + small_values);
+        codes.small_dc[index] = with_magnitude(codes.dc[category], value, category);
+        for (uint32_t run = 0; run < 16; ++run)
+            codes.small_ac[run * (2 * small_values) + index] =
+                with_magnitude(codes.ac[run << 4 | category], value, category);
     }
     return codes;
 }

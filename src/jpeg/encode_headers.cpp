@@ -46,6 +46,13 @@ void append_frame(OutputStream& stream, const FrameHeader& frame) {
         append(stream, {2, 0x11, 1, 3, 0x11, 1});
 }
 
+// A byte of ones is one whose complement borrows from its high bit when 1 is taken away; so may a
+// byte above such a one, which makes no difference.
+constexpr bool has_byte_of_ones(uintptr_t word) {
+    constexpr uintptr_t low_bits = ~uintptr_t{0} / 255, high_bits = low_bits << 7;
+    return ((~word - low_bits) & word & high_bits) != 0;
+}
+
 } // namespace
 
 bool OutputStream::append(const uint8_t* bytes, size_t count) {
@@ -56,11 +63,24 @@ bool OutputStream::append(const uint8_t* bytes, size_t count) {
     return true;
 }
 
+// Words without a byte of ones go as they are.
 bool OutputStream::append_stuffed(const uint8_t* bytes, size_t count) {
-    for (size_t i = 0; i < count; ++i) {
-        const uint8_t with_stuffing[] = {bytes[i], 0};
-        if (!append(with_stuffing, bytes[i] == 0xFF ? 2 : 1))
+    const uint8_t* const end = bytes + count;
+    while (bytes != end) {
+        uintptr_t word;
+        if (static_cast<size_t>(end - bytes) >= sizeof word) {
+            std::memcpy(&word, bytes, sizeof word);
+            if (!has_byte_of_ones(word)) {
+                if (!append(bytes, sizeof word))
+                    return false;
+                bytes += sizeof word;
+                continue;
+            }
+        }
+        const uint8_t with_stuffing[] = {*bytes, 0};
+        if (!append(with_stuffing, *bytes == 0xFF ? 2 : 1))
             return false;
+        ++bytes;
     }
     return true;
 }
