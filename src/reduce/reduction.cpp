@@ -1,0 +1,89 @@
+#include "reduce/reduction.hpp"
+
+#include <cstddef>
+
+namespace kirvo {
+
+namespace {
+
+uint64_t rows_offset(const LockedDib& dib, ReductionRows rows) {
+    if (rows == ReductionRows::by_header)
+        return dib.rows_offset(RowStart::after_header);
+    return dib.header.biSize + uint64_t{dib.header.biClrUsed} * sizeof(RGBQUAD) +
+           (dib.bits() == 32 ? mask_bytes : 0);
+}
+
+// Rows of more than 65504 bits overlap. They still end inside the block, since each lies before its
+// place at the full stride.
+ptrdiff_t rows_stride(const LockedDib& dib, ReductionRows rows) {
+    if (rows == ReductionRows::by_header)
+        return static_cast<ptrdiff_t>(dib.stride());
+    return static_cast<uint16_t>(dib.stride() * 8) / 8;
+}
+
+Rows rows_of(const LockedDib& dib, ReductionRows rows) {
+    return {dib.data() + static_cast<size_t>(rows_offset(dib, rows)), rows_stride(dib, rows),
+            dib.end()};
+}
+
+Status check(const LockedDib& source, ReductionRows rows) {
+    if (!source)
+        return Status::null_handle;
+    if (source.bits() != 24 && source.bits() != 32)
+        return Status::needs_24_32;
+    // An image without a size fails as its copy does, for want of a block.
+    if (well_formed(source.whole()) && !holds_rows_after_masks(source, rows_offset(source, rows)))
+        return Status::bad_parameter;
+    return Status::ok;
+}
+
+OwnedBlock new_indexed_dib(const LockedDib& source, ReductionRows rows, int32_t bits) {
+    OwnedBlock block = new_dib(source.width(), source.height(), bits);
+    if (rows == ReductionRows::counted) {
+        const uint32_t colours = 1u << bits;
+        LockedDib(block.get())
+            .write_bytes(offsetof(BITMAPINFOHEADER, biClrUsed), &colours, sizeof colours);
+    }
+    return block;
+}
+
+} // namespace
+
+Reduction::Reduction(HGLOBAL source, ReductionRows rows, int32_t bits)
+    : source_(source), status_(check(source_, rows)) {
+    if (status_ != Status::ok)
+        return;
+    status_ = Status::no_memory;
+    block_ = new_indexed_dib(source_, rows, bits);
+    result_.emplace(block_.get());
+    if (!*result_)
+        return;
+    reader_.emplace(source_, rows_of(source_, rows));
+    if (!*reader_)
+        return;
+    rows_ = rows_of(*result_, rows);
+    status_ = Status::ok;
+}
+
+void Reduction::set_colours(const uint32_t* colours) {
+    const uint32_t count = 1u << result_->bits();
+    for (uint32_t i = 0; i < count; ++i) {
+        const RGBQUAD entry = {static_cast<BYTE>(colours[i]), static_cast<BYTE>(colours[i] >> 8),
+                               static_cast<BYTE>(colours[i] >> 16), 0};
+        result_->write_bytes(info_header_bytes + i * sizeof entry, &entry, sizeof entry);
+    }
+}
+
+HGLOBAL Reduction::answer(int32_t* status) {
+    report(status, status_);
+    return status_ == Status::ok ? block_.release() : nullptr;
+}
+
+void pack_nibbles(const uint8_t* indices, uint8_t* to, size_t width) {
+    for (size_t i = 0; i < width / 2; ++i)
+        to[i] = static_cast<uint8_t>(indices[2 * i] << 4 | indices[2 * i + 1]);
+    if (width % 2 != 0)
+        to[width / 2] = static_cast<uint8_t>(indices[width - 1] << 4);
+}
+
+} // namespace kirvo
