@@ -13,6 +13,12 @@ struct Rgb {
     bool operator==(const Rgb&) const = default;
 };
 
+// Of a colour 0x00BBGGRR.
+constexpr Rgb rgb_of(uint32_t colour) {
+    return {static_cast<uint8_t>(colour), static_cast<uint8_t>(colour >> 8),
+            static_cast<uint8_t>(colour >> 16)};
+}
+
 // Shifts left by a count that may be negative, which shifts right.
 constexpr uint32_t shift_left(uint32_t value, int32_t count) {
     return count >= 0 ? value << (count & 31) : value >> (-count & 31);

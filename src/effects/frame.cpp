@@ -6,10 +6,9 @@ void run_row(const RowFunction& function, const PixelFormat& from_format, const 
              const PixelFormat& to_format, uint8_t* to, size_t count) {
     if (from_format.bits == 24 && to_format.bits == 24)
         return function(to, from, count);
-    constexpr size_t at_once = 1024; // stays in the first-level cache
-    uint8_t bgr[3 * at_once];
+    uint8_t bgr[3 * pixels_at_once];
     while (count != 0) {
-        const size_t n = std::min(count, at_once);
+        const size_t n = std::min(count, pixels_at_once);
         unpack_row(from_format, from, bgr, n);
         function(bgr, bgr, n);
         pack_row(to_format, bgr, to, n);
@@ -31,16 +30,16 @@ Status RectOperation::change(const RowFunction& function) const {
     return Status::ok;
 }
 
-HGLOBAL RectOperation::make(const RowFunction& function, int32_t* status, int32_t bits) const {
+HGLOBAL RectOperation::make(const RowFunction& function, int32_t* status,
+                            const PixelFormat& to) const {
     if (!passed(status))
         return nullptr;
-    RectResult result(*this, bits);
+    RectResult result(*this, to.bits);
     if (!result) {
         report(status, Status::no_memory);
         return nullptr;
     }
     const PixelFormat from = format();
-    const PixelFormat to = bits == source_.bits() ? from : PixelFormat{bits, {}};
     each_row([&](int32_t r) { run_row(function, from, row(r), to, result.row(r), width()); });
     return result.release();
 }

@@ -28,9 +28,27 @@ class RowFunction {
     void (*call_)(const void*, uint8_t*, const uint8_t*, size_t);
 };
 
+// Pixels of a row that are handled together as 24-bit ones: they stay in the first-level cache.
+constexpr size_t pixels_at_once = 1024;
+
 // Runs a function over pixels of 16, 24 or 32 bits. The rows may be the same if the formats are.
 void run_row(const RowFunction& function, const PixelFormat& from_format, const uint8_t* from,
              const PixelFormat& to_format, uint8_t* to, size_t count);
+
+// Hands a row of pixels of 16, 24 or 32 bits to work(bgr, count) as 24-bit pixels, piece by piece.
+template<typename Work>
+void read_row(const PixelFormat& format, const uint8_t* row, size_t count, const Work& work) {
+    if (format.bits == 24)
+        return work(row, count);
+    uint8_t bgr[3 * pixels_at_once];
+    while (count != 0) {
+        const size_t n = std::min(count, pixels_at_once);
+        unpack_row(format, row, bgr, n);
+        work(bgr, n);
+        row += n * format.bytes();
+        count -= n;
+    }
+}
 
 // An operation on a rectangle of one image, which stays locked as long as the object lives.
 class RectOperation {
@@ -56,11 +74,13 @@ class RectOperation {
     Status change(const RowFunction& function) const;
     // Makes a new image of the rectangle, at its depth or as a 24-bit one.
     HGLOBAL make(const RowFunction& function, int32_t* status) const {
-        return make(function, status, source_.bits());
+        return make(function, status, format());
     }
     HGLOBAL make24(const RowFunction& function, int32_t* status) const {
-        return make(function, status, 24);
+        return make(function, status, {24, {}});
     }
+    // The same with pixels stored in a format of the operation's own.
+    HGLOBAL make(const RowFunction& function, int32_t* status, const PixelFormat& to) const;
 
     // What follows is for a rectangle that has passed.
     const LockedDib& source() const { return source_; }
@@ -85,8 +105,6 @@ class RectOperation {
     }
 
   private:
-    HGLOBAL make(const RowFunction& function, int32_t* status, int32_t bits) const;
-
     LockedDib source_;
     Rect rect_;
     Status status_;
