@@ -1248,13 +1248,365 @@ KIRVO_API HGLOBAL WINAPI DibModifyHueEx(HGLOBAL dib, int32_t x, int32_t y, int32
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup filter Neighbourhood filters
  *  @{ */
-/* (filter: functions go here) */
+
+/** Blurs a rectangle with a fixed 3 × 3 kernel. Each channel becomes
+ *  (11 × (sum of the four corners) + 30 × (sum of the four edge neighbours) + 81 × centre) >> 8.
+ *
+ *  The weights add up to 245, not 256: the blur darkens by about 4 % (a flat 255 becomes 244).
+ *  Neighbours outside the rectangle are not read: the pixel's own row or column takes their place.
+ *  The exception is a rectangle one row high, whose row above is read from the image (as black
+ *  beyond its top). Reports progress per row.
+ *  @param dib packed DIB of 24 bits
+ *  @param x,y,width,height rectangle in the picture
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24; #KIRVO_BAD_PARAMETER for a
+ *              rectangle outside the image or a block too small; #KIRVO_NO_MEMORY
+ *  @return a new 24-bit image of the rectangle, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Dib24Gausian(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                      int32_t height, int32_t* status);
+
+/** Sets the kernel of DibFilter3x3, for the life of the process.
+ *  @param k0,k1,k2 weights of the *stored row before* the pixel's, which is the row below it on
+ *         screen, since rows are stored bottom-up; left, middle, right
+ *  @param k3,k4,k5 weights of the pixel's own row; k4 is the pixel's
+ *  @param k6,k7,k8 weights of the row above on screen
+ *  @param divisor divides each weighted sum; 0 is stored as 1 */
+KIRVO_API void WINAPI SetFilter3x3(int32_t k0, int32_t k1, int32_t k2, int32_t k3, int32_t k4,
+                                   int32_t k5, int32_t k6, int32_t k7, int32_t k8,
+                                   int32_t divisor);
+
+/** Filters a rectangle with the kernel of SetFilter3x3. Each channel becomes the sum of channel ×
+ *  weight over the nine pixels, divided by the divisor (truncating toward zero) and clamped to
+ *  0..255. Sums are exact for every weight.
+ *
+ *  Neighbours outside the rectangle are read; those outside the image are left out of the sum, so
+ *  that a smoothing kernel darkens the border. Reports progress per row.
+ *  @param dib packed DIB of 16, 24 or 32 bits
+ *  @param x,y,width,height rectangle in the picture
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_16_24_32; #KIRVO_BAD_PARAMETER
+ *              for a rectangle outside the image, a block too small, or when SetFilter3x3 has not
+ *              been called yet; #KIRVO_NO_MEMORY
+ *  @return a new image of the rectangle with the source's depth and masks, owned by the caller, or
+ *          null */
+KIRVO_API HGLOBAL WINAPI DibFilter3x3(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                      int32_t height, int32_t* status);
+
+/** Sets the mask of Dib24Mix3X3, for the life of the process. It starts as 9 8 9 / 8 10 8 / 9 8 9.
+ *  @param weights 9 weights in tenths, of any value, in picture order: row by row from the top left
+ *         neighbour. Null changes nothing. */
+KIRVO_API void WINAPI Dib24Mix3X3SetMask(const int32_t* weights);
+
+/** Sets the mask of Dib24Mix5X5, for the life of the process. It starts as 5 6 7 6 5 / 6 8 9 8 6 /
+ *  7 9 10 9 7 / 6 8 9 8 6 / 5 6 7 6 5.
+ *  @param weights 25 weights in tenths, of any value, in picture order: row by row from the top left
+ *         neighbour. Null changes nothing. */
+KIRVO_API void WINAPI Dib24Mix5X5SetMask(const int32_t* weights);
+
+/** Draws the 3 × 3 neighbours of one pixel towards its colour, in place. With m the mask's weight,
+ *  each channel of a neighbour becomes (neighbour × m + centre × (10 − m)) / 10 and each of the
+ *  centre centre × m / 10; truncating, exact for every weight, and clamped to 0..255. A weight of 10
+ *  leaves a neighbour unchanged, 0 replaces it. Neighbours outside the image are left alone. No
+ *  progress is reported.
+ *  @param dib packed DIB of 16, 24 or 32 bits
+ *  @param x,y the centre
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_16_24_32; #KIRVO_BAD_PARAMETER for a point
+ *          outside the image or a block too small */
+KIRVO_API int32_t WINAPI Dib24Mix3X3(HGLOBAL dib, int32_t x, int32_t y);
+
+/** Draws the 5 × 5 neighbours of one pixel towards its colour, in place: as Dib24Mix3X3.
+ *  @param dib packed DIB of 16, 24 or 32 bits
+ *  @param x,y the centre
+ *  @return as Dib24Mix3X3 */
+KIRVO_API int32_t WINAPI Dib24Mix5X5(HGLOBAL dib, int32_t x, int32_t y);
+
+/** Sharpens a rectangle, or shows its edges in grey.
+ *
+ *  Works on the luminance Y = (77 R + 150 G + 29 B + 128) >> 8 and its Laplacian
+ *  L = 4 × Y − (Y left + Y right + Y above + Y below). At the rectangle's edges a pixel stands in
+ *  for its missing neighbour; a rectangle one row high has black (0) above it.
+ *
+ *  | mode | result |
+ *  |---|---|
+ *  | 0 | sharpened: L / 8 (truncating) is added to each channel, clamped to 0..255 |
+ *  | 1 | relief: grey clamp(L, −127, 127) + 128 |
+ *  | 2 | relief lit from a corner: the same of v = right + above − left − below + 2 × (above right − below left) |
+ *  | 3 | dark edges on white: grey 255 − min(abs(L), 255) |
+ *  | 4 | the same where the pixel is brighter than its neighbours (L > 0), else white |
+ *  | 5 | the same where it is darker (L < 0), else white |
+ *
+ *  Reports progress of two passes (30, 70), or of three (30, 40, 30) in mode 0.
+ *  @param dib packed DIB of 24 bits
+ *  @param x,y,width,height rectangle in the picture
+ *  @param mode 0 to 5
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24; #KIRVO_BAD_PARAMETER for a
+ *              rectangle outside the image, a block too small or another mode; #KIRVO_NO_MEMORY
+ *  @return a new 24-bit image of the rectangle, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Dib24Sharpen(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                      int32_t height, int32_t mode, int32_t* status);
+
+/** Sharpens a rectangle as mode 0 of Dib24Sharpen does, with a choice of strength: the Laplacian is
+ *  divided by 8, 6, 4 or 2.
+ *  @param dib packed DIB of 24 bits
+ *  @param x,y,width,height rectangle in the picture
+ *  @param strength 0 (divides by 8) to 3 (by 2); any other value acts as 0
+ *  @param[out] status as Dib24Sharpen, without the mode
+ *  @return a new 24-bit image of the rectangle, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Dib24SharpenEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                        int32_t height, int32_t strength, int32_t* status);
+
+/** Keeps the colours of a rectangle at its edges and paints the rest white, the padding of the rows
+ *  included. With L the Laplacian of Dib24Sharpen, mode 0 keeps a pixel when L < −threshold or
+ *  L > threshold, mode 1 when L > threshold, mode 2 when L < −threshold; any other mode keeps none.
+ *
+ *  The colours come from the stored rows y to y + height − 1, counted from the bottom: unless the
+ *  rectangle has the image's full height, that is the band mirrored about the middle of the picture,
+ *  not the one whose edges were found. Reports progress of two passes (30, 70).
+ *  @param dib packed DIB of 24 bits
+ *  @param x,y,width,height rectangle in the picture
+ *  @param threshold any value
+ *  @param mode 0, 1 or 2
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24; #KIRVO_BAD_PARAMETER for a
+ *              rectangle outside the image or a block too small; #KIRVO_NO_MEMORY
+ *  @return a new 24-bit image of the rectangle, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Dib24ColorEdge(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                        int32_t height, int32_t threshold, int32_t mode,
+                                        int32_t* status);
+
+/** Keeps channel values by range: a value that fails its channel's test becomes 0.
+ *
+ *  A range holds the lower bound in bits 0-7, the upper bound in bits 8-15 and the test in bits
+ *  16-23: 0 anything passes, 1 lower ≤ v ≤ upper passes, 2 v < lower or v > upper passes.
+ *  Bits 24-31 are ignored. Reports progress per row.
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param x,y,width,height rectangle in the picture
+ *  @param red,green,blue ranges
+ *  @param[out] status #KIRVO_OK; first of all #KIRVO_BAD_PARAMETER for an upper bound below the
+ *              lower one or a test above 2; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32;
+ *              #KIRVO_BAD_PARAMETER for a rectangle outside the image or a block too small;
+ *              #KIRVO_NO_MEMORY
+ *  @return a new image of the rectangle with the source's depth and masks, owned by the caller, or
+ *          null */
+KIRVO_API HGLOBAL WINAPI Dib24Filter(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                     int32_t height, uint32_t red, uint32_t green, uint32_t blue,
+                                     int32_t* status);
+
+/** Keeps pixels or channels by ranges in RGB or HSV.
+ *
+ *  The ranges are a record of ten 16-bit fields: flags, then lower bound, upper bound and test of
+ *  red or hue, of green or saturation, and of blue or value. Bounds are signed. Each argument holds
+ *  two fields, the first in its low half:
+ *
+ *  | argument | bits 0-15 | bits 16-31 |
+ *  |---|---|---|
+ *  | range0 | flags | first lower |
+ *  | range1 | first upper | first test |
+ *  | range2 | second lower | second upper |
+ *  | range3 | second test | third lower |
+ *  | range4 | third upper | third test |
+ *
+ *  In 32-bit programs this is how a structure of ten 16-bit fields is passed by value.
+ *
+ *  | flags | meaning |
+ *  |---|---|
+ *  | 0x101 | RGB: a channel that fails its test becomes 0 |
+ *  | 0x102 | RGB: a pixel becomes black unless all three channels pass |
+ *  | 0x202 | HSV: a pixel becomes black unless hue (0..359), saturation and value (0..255) pass; one that passes is rebuilt from them (RGB2HSV, HSV2RGB) |
+ *
+ *  Tests are those of Dib24Filter. Reports progress per row.
+ *
+ *  Example: keep the strong reds (hue 0 to 20, saturation 100 or more).
+ *  @code
+ *      #define PAIR(first, second) ((uint16_t)(first) | (uint32_t)(uint16_t)(second) << 16)
+ *      HGLOBAL reds = Dib24FilterEx(dib, 0, 0, width, height,
+ *                                   PAIR(0x202, 0), PAIR(20, 1),  // flags, hue 0..20 inside
+ *                                   PAIR(100, 255), PAIR(1, 0),   // saturation 100..255 inside
+ *                                   PAIR(255, 0), &status);       // value: no test
+ *  @endcode
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param x,y,width,height rectangle in the picture
+ *  @param range0,range1,range2,range3,range4 the record
+ *  @param[out] status #KIRVO_OK; first of all #KIRVO_BAD_PARAMETER for other flags, a bound above
+ *              255 (above 359 for a hue), a lower bound above its upper one, or a test above 2
+ *              (negative bounds are accepted); then as Dib24Filter
+ *  @return a new image of the rectangle with the source's depth and masks, owned by the caller, or
+ *          null */
+KIRVO_API HGLOBAL WINAPI Dib24FilterEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                       int32_t height, uint32_t range0, uint32_t range1,
+                                       uint32_t range2, uint32_t range3, uint32_t range4,
+                                       int32_t* status);
+
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup pattern Mosaics, blocks and patterns
  *  @{ */
-/* (pattern: functions go here) */
+
+/** Mosaic of a 24-bit image: DibMosaicEx for that depth alone.
+ *  @param dib packed DIB of 24 bits
+ *  @param x,y,width,height rectangle in the picture
+ *  @param block size of the blocks in pixels, at least 1
+ *  @param[out] status as DibMosaicEx, but #KIRVO_NEEDS_24 for another depth
+ *  @return a new 24-bit image of the rectangle, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Dib24Mosaic(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                     int32_t height, int32_t block, int32_t* status);
+
+/** Mosaic by samples: every block of block × block pixels, counted from the rectangle's top left,
+ *  takes the pixel at its own top left. A block of 1 gives a duplicate of the rectangle (without
+ *  progress). Reports progress per row.
+ *  @param dib packed DIB of 8, 16, 24 or 32 bits
+ *  @param x,y,width,height rectangle in the picture
+ *  @param block size of the blocks in pixels, at least 1; may exceed the rectangle
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_8_16_24_32; #KIRVO_BAD_PARAMETER
+ *              for a rectangle outside the image, a block of memory too small or a block size below
+ *              1; #KIRVO_NO_MEMORY
+ *  @return a new image of the rectangle with the source's depth, masks and colour table, owned by
+ *          the caller, or null */
+KIRVO_API HGLOBAL WINAPI DibMosaicEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                     int32_t height, int32_t block, int32_t* status);
+
+/** Mosaic by averages: every block of block × block pixels, counted from the rectangle's top left,
+ *  takes the average of its channels (of its indexes at 8 bits), truncated.
+ *
+ *  Blocks are clipped to the whole image, not to the rectangle: those at its right and bottom edges
+ *  average the pixels beyond it too. At the right edge of the image a row counts for as many pixels
+ *  as fit its padded length, so that padding can add one pixel of 16 or 24 bits or up to three of 8;
+ *  the padding of the result is filled by the same rule. A block of 1 gives a duplicate of the
+ *  rectangle (without progress). Reports progress per row of blocks.
+ *  @param dib packed DIB of 8, 16, 24 or 32 bits
+ *  @param x,y,width,height rectangle in the picture
+ *  @param block size of the blocks in pixels, 1 to 1024
+ *  @param[out] status as DibMosaicEx; #KIRVO_BAD_PARAMETER also for a block size above 1024
+ *  @return a new image of the rectangle with the source's depth, masks and colour table, owned by
+ *          the caller, or null */
+KIRVO_API HGLOBAL WINAPI DibMosaicEx2(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                      int32_t height, int32_t block, int32_t* status);
+
+/** XORs a colour over a rectangle, in place. At 16 and 32 bits the pixel word is XORed with the
+ *  colour put under the image's masks. Twice restores the image. Reports progress per row.
+ *  @param dib packed DIB of 16, 24 or 32 bits
+ *  @param x,y,width,height rectangle in the picture
+ *  @param colour 0x00BBGGRR
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_16_24_32; #KIRVO_BAD_PARAMETER for a
+ *          rectangle outside the image or a block too small */
+KIRVO_API int32_t WINAPI Dib24XOR(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
+                                  uint32_t colour);
+
+/** Counts how often each channel value occurs in a rectangle. Pixels of 8 bits count by their
+ *  colour-table entry, channels of 16 bits scaled to 8. Reports progress per row.
+ *  @param dib packed DIB of 8, 16, 24 or 32 bits
+ *  @param x,y,width,height rectangle in the picture
+ *  @param[out] red,green,blue 256 counters each; may be null; untouched on failure
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_8_16_24_32; #KIRVO_BAD_PARAMETER for a
+ *          rectangle outside the image or a block too small */
+KIRVO_API int32_t WINAPI DibHistgram(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                     int32_t height, uint32_t* red, uint32_t* green,
+                                     uint32_t* blue);
+
+/** Counts the different colours of an image: indexes at 1, 4 and 8 bits (fill bits at the end of a
+ *  row do not count); whole words at 16 bits, bits outside the masks included; red, green and blue
+ *  at 24 and 32 bits.
+ *
+ *  The rows of a 16-bit image are taken to start 12 bytes after its header, whether it has masks or
+ *  not. No progress is reported.
+ *  @param dib packed DIB of 1, 4, 8, 16, 24 or 32 bits
+ *  @param[out] count the number; 0 on failure
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for another depth or a block too
+ *          small; #KIRVO_NO_MEMORY */
+KIRVO_API int32_t WINAPI DibCountColors(HGLOBAL dib, uint32_t* count);
+
+/** Makes an image of one colour.
+ *
+ *  Colours go under the masks of the new image, and those of a new 16- or 32-bit image are zero: it
+ *  is black, with zero masks, whatever the colour. No progress is reported.
+ *  @param width,height size in pixels, at least 1
+ *  @param bits 16, 24 or 32
+ *  @param colour 0x00BBGGRR
+ *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for a bad size or depth; #KIRVO_NO_MEMORY
+ *  @return the image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Dib24Solid(int32_t width, int32_t height, int32_t bits, uint32_t colour,
+                                    int32_t* status);
+
+/** Makes a horizontal gradient: each channel of column i is
+ *  start + ((end − start) × i) / (width − 1), truncating; start alone when the width is 1.
+ *  16- and 32-bit images are black, as those of Dib24Solid. No progress is reported.
+ *  @param width,height size in pixels, at least 1
+ *  @param bits 16, 24 or 32
+ *  @param start colour of the left column, 0x00BBGGRR
+ *  @param end colour of the right column
+ *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for a bad size or depth; #KIRVO_NO_MEMORY
+ *  @return the image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Dib24Gradation1(int32_t width, int32_t height, int32_t bits,
+                                         uint32_t start, uint32_t end, int32_t* status);
+
+/** Makes a vertical gradient, from start at the top to end at the bottom: a Dib24Gradation1 of the
+ *  sizes exchanged, turned by Dib24Rotate, which reports progress (per column).
+ *  16- and 32-bit images are black, as those of Dib24Solid.
+ *  @param width,height size in pixels, at least 1
+ *  @param bits 16, 24 or 32
+ *  @param start colour of the top row, 0x00BBGGRR
+ *  @param end colour of the bottom row
+ *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for a bad size or depth; #KIRVO_NO_MEMORY
+ *  @return the image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Dib24Gradation2(int32_t width, int32_t height, int32_t bits,
+                                         uint32_t start, uint32_t end, int32_t* status);
+
+/** Makes a bilinear gradient between four corners. With j the row counted from the bottom, the ends
+ *  of a row are left = bottom left + ((top left − bottom left) × j) / (height − 1), right likewise,
+ *  and column i is left + ((right − left) × i) / (width − 1); all truncating. A size of 1 takes the
+ *  bottom row or the left column. 16- and 32-bit images are black, as those of Dib24Solid. No
+ *  progress is reported.
+ *  @param width,height size in pixels, at least 1
+ *  @param bits 16, 24 or 32
+ *  @param top_left,top_right,bottom_left,bottom_right colours 0x00BBGGRR
+ *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for a bad size or depth; #KIRVO_NO_MEMORY
+ *  @return the image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Dib24Gradation3(int32_t width, int32_t height, int32_t bits,
+                                         uint32_t top_left, uint32_t top_right,
+                                         uint32_t bottom_left, uint32_t bottom_right,
+                                         int32_t* status);
+
+/** Interleaves the rows of two images: stored row 2i of the result is row y1 + i of the first, stored
+ *  row 2i + 1 row y2 + i of the second.
+ *
+ *  Unlike elsewhere, y1 and y2 count stored rows, from the *bottom* of the picture. The padding of a
+ *  24-bit result carries the bytes that follow the region in the source (0 past the end of its
+ *  block). Reports progress per pair of rows.
+ *  @param first packed DIB of 24 or 32 bits
+ *  @param x1,y1 left column and lowest row of its region
+ *  @param second packed DIB of the same depth
+ *  @param x2,y2 left column and lowest row of its region
+ *  @param width,height size of both regions
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for negative positions or
+ *              sizes below 1; #KIRVO_NEEDS_24_32 for unequal or other depths; #KIRVO_BAD_PARAMETER
+ *              for regions outside the images or blocks too small; #KIRVO_NO_MEMORY
+ *  @return a new image of width × 2 height with the first image's masks, owned by the caller, or
+ *          null */
+KIRVO_API HGLOBAL WINAPI Dib24InterLeave(HGLOBAL first, int32_t x1, int32_t y1, HGLOBAL second,
+                                         int32_t x2, int32_t y2, int32_t width, int32_t height,
+                                         int32_t* status);
+
+/** Maximum or minimum filter over squares of (2 radius + 1) × (2 radius + 1) pixels: dilation or
+ *  erosion of bright areas. Its cost does not depend on the radius.
+ *
+ *  Squares are clipped to the whole image, not to the rectangle. Without the luminance flag each
+ *  channel takes its own extreme. With it a pixel takes the colour of its brightest or darkest
+ *  neighbour by Y = (77 R + 150 G + 29 B + 128) >> 8, so that no new colours arise: of several the
+ *  lowest on screen, then the leftmost. The search starts with black at 0 (white at 255) and only a
+ *  larger (smaller) Y replaces it, so that a square whose Y is 0 throughout gives black and one
+ *  whose Y is 255 throughout white. Reports progress per row.
+ *  @param dib packed DIB of 16, 24 or 32 bits
+ *  @param x,y,width,height rectangle in the picture
+ *  @param radius 1 to 64
+ *  @param maximum 0 for the minimum, else the maximum
+ *  @param luminance 0 for channels on their own, else by luminance
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_16_24_32; #KIRVO_BAD_PARAMETER
+ *              for a rectangle outside the image, a block too small or another radius;
+ *              #KIRVO_NO_MEMORY
+ *  @return a new image of the rectangle with the source's depth and masks, owned by the caller, or
+ *          null */
+KIRVO_API HGLOBAL WINAPI DibBlockMxM(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                     int32_t height, int32_t radius, int32_t maximum,
+                                     int32_t luminance, int32_t* status);
+
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
