@@ -2,6 +2,7 @@
 // carries, and the code words, derived from the same lists as T.81, Annex C, says.
 #pragma once
 
+#include "jpeg/encode_rows.hpp"
 #include "jpeg/tables.hpp"
 
 #include <algorithm>
@@ -48,34 +49,26 @@ constexpr Bits with_magnitude(Bits symbol, int32_t value, uint32_t category) {
                      bits_length(symbol) + category);
 }
 
-// Small values are the bulk of every stream: their code words with the magnitude bits are ready, of
-// DC differences by value and of AC values by run and value.
-constexpr int32_t small_values = 64;
+// Small levels have their code words with the magnitude bits ready.
+constexpr bool is_small(int32_t level) { return level >= -small_levels && level < small_levels; }
 
 struct EntropyCodes {
     std::array<Bits, dc_symbols> dc;
     std::array<Bits, 256> ac;
-    std::array<Bits, 2 * small_values> small_dc;
-    std::array<Bits, 16 * 2 * small_values> small_ac;
-
-    constexpr Bits of_small_dc(int32_t value) const {
-        return small_dc[static_cast<size_t>(value + small_values)];
-    }
-    constexpr Bits of_small_ac(uint32_t run, int32_t value) const {
-        return small_ac[run * (2 * small_values) + static_cast<uint32_t>(value + small_values)];
-    }
+    std::array<Bits, 2 * small_levels> small_dc;      // by difference + small_levels
+    std::array<Bits, 2 * small_levels> small_ac[16];  // by run and level + small_levels
 };
 
 constexpr EntropyCodes entropy_codes(const HuffmanTable<dc_symbols>& dc,
                                      const HuffmanTable<ac_symbols>& ac) {
     EntropyCodes codes = {code_words<dc_symbols>(dc), code_words<256>(ac), {}, {}};
-    for (int32_t value = -small_values; value < small_values; ++value) {
-        const uint32_t category = category_of(magnitude_of(value));
-        const auto index = static_cast<size_t>(value + small_values);
-        codes.small_dc[index] = with_magnitude(codes.dc[category], value, category);
+    for (int32_t level = -small_levels; level < small_levels; ++level) {
+        const uint32_t category = category_of(magnitude_of(level));
+        const auto index = static_cast<size_t>(level + small_levels);
+        codes.small_dc[index] = with_magnitude(codes.dc[category], level, category);
         for (uint32_t run = 0; run < 16; ++run)
-            codes.small_ac[run * (2 * small_values) + index] =
-                with_magnitude(codes.ac[run << 4 | category], value, category);
+            codes.small_ac[run][index] =
+                with_magnitude(codes.ac[run << 4 | category], level, category);
     }
     return codes;
 }

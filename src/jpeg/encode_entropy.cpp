@@ -4,29 +4,35 @@ namespace kirvo {
 
 namespace {
 
-// Small values with their codes have at most 16 + 6 bits, an end of block has 4: a 64-bit word has
+// Small levels with their codes have at most 16 + 6 bits, an end of block has 4: a 64-bit word has
 // room for two of the former and one of the latter, a 32-bit word for one.
 constexpr bool room_for_two = BitWriter::word_bits == 64;
 
-constexpr bool is_small(int32_t value) { return value >= -small_values && value < small_values; }
-
 // A value of any size. The tables have no codes for AC values of category 11, which therefore get
 // their magnitude bits alone.
-bool put_large(BitWriter& writer, int16_t value, const Bits* symbols) {
+[[gnu::noinline]] bool put_large(BitWriter* writer, int16_t value, const Bits* symbols) {
     const uint32_t category = category_of(magnitude_of(value));
     if (category > highest_category)
         return false;
-    writer.flush();
-    writer.put(symbols[category]);
-    writer.flush();
-    writer.put(with_magnitude(0, value, category));
+    writer->flush();
+    writer->put(symbols[category]);
+    writer->flush();
+    writer->put(with_magnitude(0, value, category));
     return true;
+}
+
+// Lets the writer stay in registers in between.
+bool put_rare(BitWriter& writer, int16_t value, const Bits* symbols) {
+    BitWriter copy = writer;
+    const bool good = put_large(&copy, value, symbols);
+    writer = copy;
+    return good;
 }
 
 bool put_dc(BitWriter& writer, int16_t difference, const EntropyCodes& codes) {
     if (!is_small(difference))
-        return put_large(writer, difference, codes.dc.data());
-    writer.put(codes.of_small_dc(difference));
+        return put_rare(writer, difference, codes.dc.data());
+    writer.put(codes.small_dc[static_cast<size_t>(difference + small_levels)]);
     return true;
 }
 
@@ -36,38 +42,37 @@ struct AcValues {
     size_t block;
     const EntropyCodes& codes;
     uint64_t left;
-    uint32_t last = 0;
+    size_t last = 0;
 
-    bool put_next(BitWriter& writer) {
-        const auto position = static_cast<uint32_t>(__builtin_ctzll(left));
+    [[gnu::always_inline]] bool put_next(BitWriter& writer) {
+        const auto position = static_cast<size_t>(__builtin_ctzll(left));
         left &= left - 1;
-        uint32_t run = position - last - 1;
+        size_t distance = position - last; // one more than the run of zeros
         last = position;
-        for (; run > 15; run -= 16) {
+        for (; distance > 16; distance -= 16) {
             writer.flush();
             writer.put(codes.ac[run_of_sixteen]);
             writer.flush();
         }
-        const int8_t value = group.clamped[block][position];
-        if (!is_small(value))
-            return put_large(writer, level_at(position), codes.ac.data() + (run << 4));
-        writer.put(codes.of_small_ac(run, value));
+        const uint8_t small = group.small[block][position];
+        if (small >= 2 * small_levels)
+            return put_rare(writer, level_at(position), codes.ac.data() + 16 * (distance - 1));
+        writer.put(codes.small_ac[distance - 1][small]);
         return true;
     }
-    int16_t level_at(uint32_t position) const {
+    int16_t level_at(size_t position) const {
         const size_t natural = zigzag[position];
         return group.level[natural / 8][8 * block + natural % 8];
     }
 };
 
-} // namespace
-
-bool put_block(BitWriter& out, const BlockGroup& group, size_t block, const EntropyCodes& codes,
-               int16_t& predictor) {
-    BitWriter writer = out; // in registers
+[[gnu::always_inline]] inline bool put_block(BitWriter& writer, const BlockGroup& group,
+                                             size_t block, const EntropyCodes& codes,
+                                             int16_t& predictor) {
     const int16_t dc = group.level[0][8 * block];
     if (!put_dc(writer, static_cast<int16_t>(dc - predictor), codes))
         return false;
+    predictor = dc;
     writer.flush();
     AcValues values = {group, block, codes, group.nonzero[block] & ~uint64_t{1}};
     while (values.left != 0) {
@@ -82,8 +87,21 @@ bool put_block(BitWriter& out, const BlockGroup& group, size_t block, const Entr
         if (!room_for_two)
             writer.flush();
     }
+    return true;
+}
+
+} // namespace
+
+bool put_mcu(BitWriter& out, const McuPart* parts, size_t part_count, size_t mcu) {
+    BitWriter writer = out; // in registers
+    for (const McuPart* part = parts; part != parts + part_count; ++part) {
+        for (size_t i = mcu * part->blocks; i < (mcu + 1) * part->blocks; ++i) {
+            if (!put_block(writer, part->groups[i / group_blocks], i % group_blocks, *part->codes,
+                           *part->predictor))
+                return false;
+        }
+    }
     out = writer;
-    predictor = dc;
     return true;
 }
 

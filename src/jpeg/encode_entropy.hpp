@@ -19,9 +19,10 @@ class BitWriter {
         word_ = word_ << bits_length(bits) | bits_word(bits);
         held_ += bits_length(bits);
     }
-    // Moves whole bytes out. Writes a word, whose last bytes the next flush writes again.
+    // Moves whole bytes out. Writes a word, of which the next flush writes what is not whole again:
+    // all of it, and anything may stand there, when no bits wait.
     void flush() {
-        store(word_ << 1 << (word_bits - 1 - held_));
+        store(word_ << ((0 - held_) % word_bits));
         at_ += held_ / 8;
         held_ %= 8;
     }
@@ -53,9 +54,16 @@ class BitWriter {
 // flush writes beyond.
 constexpr size_t longest_block = 64 * 27 / 8 + sizeof(BitWriter::Word);
 
-// Codes a block of a group. False, with the writer as it was, when a DC difference or an AC value
-// needs a category above 11.
-bool put_block(BitWriter& writer, const BlockGroup& group, size_t block,
-               const EntropyCodes& codes, int16_t& predictor);
+// The blocks that an MCU has of one plane, or of one row of blocks of it.
+struct McuPart {
+    const BlockGroup* groups; // of MCUs side by side
+    size_t blocks;            // of one MCU
+    const EntropyCodes* codes;
+    int16_t* predictor;
+};
+
+// Codes the parts of an MCU in turn. False, with the writer as it was, when a DC difference or an
+// AC value needs a category above 11.
+bool put_mcu(BitWriter& writer, const McuPart* parts, size_t part_count, size_t mcu);
 
 } // namespace kirvo

@@ -83,8 +83,8 @@ void code_block(const int8_t* samples, ptrdiff_t stride, const Quantiser& quanti
         const size_t n = zigzag[k];
         const int16_t level = rounded_quotient(coefficients[n], quantiser.divisor[n]);
         group.level[n / 8][8 * block + n % 8] = level;
-        group.clamped[block][k] =
-            static_cast<int8_t>(std::clamp<int16_t>(level, INT8_MIN, INT8_MAX));
+        group.small[block][k] = static_cast<uint8_t>(
+            std::clamp<int>(level, INT8_MIN, INT8_MAX) + small_levels);
         group.nonzero[block] |= uint64_t{level != 0} << k;
     }
 }

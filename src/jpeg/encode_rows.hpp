@@ -22,12 +22,17 @@ struct Quantiser {
     void set(const uint8_t* table, int32_t count);
 };
 
+// Levels from -64 to 63 are the bulk of every stream and have a short way to their code words.
+constexpr int small_levels = 64;
+
 // Blocks are coded in groups of four that stand side by side.
 constexpr size_t group_blocks = 4;
 
 struct BlockGroup {
     alignas(64) int16_t level[8][8 * group_blocks]; // in natural order, as the blocks stand
-    alignas(64) int8_t clamped[group_blocks][64];   // in zigzag order; those of zeros mean nothing
+    // In zigzag order, where it is not zero: level + small_levels, or at least twice that when the
+    // level is not small.
+    alignas(64) uint8_t small[group_blocks][64];
     uint64_t nonzero[group_blocks];                 // bit k for zigzag position k
 };
 

@@ -189,7 +189,8 @@ void scan(const __m256i (&r)[8], BlockGroup& group, int block) {
         const __m256i second =
             _mm256_permute2x128_si256(steps[2 * half], steps[2 * half + 1], 0x31);
         const auto take = [&](int i, __m256i bytes) {
-            store(group.clamped[block + i] + 32 * half, bytes);
+            store(group.small[block + i] + 32 * half,
+                  _mm256_add_epi8(bytes, _mm256_set1_epi8(small_levels)));
             const auto mask = static_cast<uint32_t>(
                 _mm256_movemask_epi8(_mm256_cmpeq_epi8(bytes, _mm256_setzero_si256())));
             zeros[i] |= static_cast<uint64_t>(mask) << (32 * half);

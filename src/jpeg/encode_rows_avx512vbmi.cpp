@@ -180,7 +180,8 @@ void scan(const __m512i (&r)[8], BlockGroup& group) {
     const __m512i order = load(&zigzag);
     for (int block = 0; block < 4; ++block) {
         const __m512i levels = _mm512_permutexvar_epi8(order, natural[block]);
-        _mm512_store_si512(group.clamped[block], levels);
+        _mm512_store_si512(group.small[block],
+                           _mm512_add_epi8(levels, _mm512_set1_epi8(small_levels)));
         group.nonzero[block] = _mm512_test_epi8_mask(levels, levels);
     }
 }

@@ -139,8 +139,9 @@ constexpr std::array<uint8_t, 64> position_of = [] {
     return positions;
 }();
 
-// Only the levels that are not zero are put in their places.
-void scan(const __m128i (&r)[8], int8_t* clamped, uint64_t& nonzero) {
+// The levels clamped to bytes, in zigzag order. Only those that are not zero are put in their
+// places.
+void scan(const __m128i (&r)[8], uint8_t* small, uint64_t& nonzero) {
     int8_t natural[64];
     uint64_t left = 0, mask = 0;
     for (int i = 0; i < 4; ++i) {
@@ -152,7 +153,7 @@ void scan(const __m128i (&r)[8], int8_t* clamped, uint64_t& nonzero) {
     }
     for (; left != 0; left &= left - 1) {
         const auto n = static_cast<size_t>(__builtin_ctzll(left));
-        clamped[position_of[n]] = natural[n];
+        small[position_of[n]] = static_cast<uint8_t>(natural[n] + small_levels);
         mask |= uint64_t{1} << position_of[n];
     }
     nonzero = mask;
@@ -164,7 +165,7 @@ void code_groups(const int8_t* samples, ptrdiff_t stride, size_t groups,
         for (int block = 0; block < static_cast<int>(group_blocks); ++block) {
             __m128i r[8];
             SimdTransform<Vector>::code(samples, stride, quantiser, out[group], block, r);
-            scan(r, out[group].clamped[block], out[group].nonzero[block]);
+            scan(r, out[group].small[block], out[group].nonzero[block]);
         }
     }
 }

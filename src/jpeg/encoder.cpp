@@ -67,6 +67,8 @@ struct Encoder {
 
     Quantiser luminance, chrominance;
     int16_t y_predictor, cb_predictor, cr_predictor;
+    McuPart parts[4];
+    size_t part_count;
     OutputStream stream;
     BitWriter bits{nullptr};
     uint8_t staging[staging_threshold + 6 * longest_block];
@@ -143,11 +145,27 @@ void prepare_geometry(const EncodeRequest& request) {
                                                         : request.mcus_per_call;
 }
 
+void prepare_parts() {
+    const auto across = static_cast<size_t>(encoder.mcu.across());
+    encoder.part_count = 0;
+    const auto add = [](const BlockGroup* groups, size_t blocks, const EntropyCodes& codes,
+                        int16_t& predictor) {
+        predictor = 0;
+        encoder.parts[encoder.part_count++] = {groups, blocks, &codes, &predictor};
+    };
+    for (int32_t row = 0; row < encoder.mcu.down(); ++row)
+        add(encoder.tile.y_groups[row], across, luminance_codes, encoder.y_predictor);
+    if (is_grey(encoder.family))
+        return;
+    add(encoder.tile.cb_groups, 1, chrominance_codes, encoder.cb_predictor);
+    add(encoder.tile.cr_groups, 1, chrominance_codes, encoder.cr_predictor);
+}
+
 void prepare_coding(OwnedBlock output, uint32_t output_bytes) {
     const int32_t count = prepare_tables();
     encoder.luminance.set(quantisation_slots[0].data(), count);
     encoder.chrominance.set(quantisation_slots[1].data(), count);
-    encoder.y_predictor = encoder.cb_predictor = encoder.cr_predictor = 0;
+    prepare_parts();
     encoder.bits = BitWriter(encoder.staging);
     encoder.output = output.release();
     encoder.stream = {static_cast<uint8_t*>(GlobalLock(encoder.output)), output_bytes, 0};
@@ -175,7 +193,7 @@ void sample_row(int32_t x, int32_t y, size_t i, size_t count) {
     const uint8_t* row = encoder.first_pixel + y * encoder.row_step;
     if (!encoder.indexed) {
         encoder.rows->convert(row + static_cast<ptrdiff_t>(x) * 3, count, tile.y[i], tile.cb[i],
-                             tile.cr[i]);
+                              tile.cr[i]);
         return;
     }
     const IndexSamples& samples = encoder.index_samples;
@@ -240,33 +258,27 @@ void code_tile(size_t mcus) {
     code_chroma(tile.cr, mcus, tile.cr_groups);
 }
 
-bool put(const BlockGroup* groups, size_t block, const EntropyCodes& codes, int16_t& predictor) {
-    return put_block(encoder.bits, groups[block / group_blocks], block % group_blocks, codes,
-                     predictor);
-}
-
-Status put_mcu(size_t mcu) {
-    const Tile& tile = encoder.tile;
-    const auto across = static_cast<size_t>(encoder.mcu.across());
-    bool good = true;
-    for (int32_t row = 0; row < encoder.mcu.down(); ++row) {
-        for (size_t i = 0; i < across; ++i)
-            good = good && put(tile.y_groups[row], mcu * across + i, luminance_codes,
-                               encoder.y_predictor);
-    }
-    if (!is_grey(encoder.family))
-        good = good && put(tile.cb_groups, mcu, chrominance_codes, encoder.cb_predictor) &&
-               put(tile.cr_groups, mcu, chrominance_codes, encoder.cr_predictor);
-    return good ? Status::ok : Status::jpeg_category;
-}
-
 size_t staged_bytes() { return static_cast<size_t>(encoder.bits.at() - encoder.staging); }
 
-Status move_staged_bytes() {
-    if (!encoder.stream.append_stuffed(encoder.staging, staged_bytes()))
-        return Status::no_memory;
+bool move_staged_bytes() {
+    const size_t count = staged_bytes();
     encoder.bits.move_to(encoder.staging);
-    return Status::ok;
+    return encoder.stream.append_stuffed(encoder.staging, count);
+}
+
+// Pixels that the MCU at that place will be made of. Tiles are read in so many rows at once that
+// the processor does not foresee it; asked for while another MCU is coded, they come in time.
+void prefetch_mcu(int64_t mcu) {
+    if (mcu >= encoder.mcu_count)
+        return;
+    const auto x = static_cast<ptrdiff_t>(mcu % encoder.mcus_across) * encoder.mcu.width;
+    const auto y = static_cast<ptrdiff_t>(mcu / encoder.mcus_across) * encoder.mcu.height;
+    const int32_t rows = std::min<int32_t>(encoder.mcu.height,
+                                           encoder.region.height - static_cast<int32_t>(y));
+    const uint8_t* pixels =
+        encoder.first_pixel + y * encoder.row_step + x * (encoder.indexed ? 1 : 3);
+    for (int32_t i = 0; i < rows; ++i)
+        __builtin_prefetch(pixels + i * encoder.row_step);
 }
 
 // MCUs side by side that fit into a tile.
@@ -277,11 +289,11 @@ Status encode_mcus(size_t mcus) {
                 mcus * static_cast<size_t>(encoder.mcu.width));
     code_tile(mcus);
     for (size_t mcu = 0; mcu < mcus; ++mcu) {
-        Status status = put_mcu(mcu);
-        if (status == Status::ok && staged_bytes() >= staging_threshold)
-            status = move_staged_bytes();
-        if (status != Status::ok)
-            return status;
+        prefetch_mcu(encoder.mcus_done + static_cast<int64_t>(mcus + mcu));
+        if (!put_mcu(encoder.bits, encoder.parts, encoder.part_count, mcu))
+            return Status::jpeg_category;
+        if (staged_bytes() >= staging_threshold && !move_staged_bytes())
+            return Status::no_memory;
     }
     encoder.mcus_done += static_cast<int64_t>(mcus);
     return Status::ok;
@@ -307,10 +319,7 @@ size_t next_batch(int32_t quota) {
 
 Status finish_encode(uint32_t* stream_bytes) {
     encoder.bits.finish();
-    const Status status = move_staged_bytes();
-    if (status != Status::ok)
-        return fail(status);
-    if (!write_end_of_image(encoder.stream))
+    if (!move_staged_bytes() || !write_end_of_image(encoder.stream))
         return fail(Status::no_memory);
     report(stream_bytes, encoder.stream.position);
     end_encode(true);
