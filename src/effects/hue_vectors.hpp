@@ -15,7 +15,8 @@ template<typename V>
 struct HueVectors {
     using Vector = typename V::Vector;
 
-    // Degrees, less 360 where red is largest and blue above green.
+    // Degrees, less 360 where red is largest and blue above green. The spread is not 0; where the
+    // difference counts downwards, negative is -1.
     static Vector hue(Vector difference, Vector spread, Vector base, Vector negative) {
         const Vector sixtieths = V::multiply16(difference, V::all16(60));
         const Vector degrees = V::quotient16(sixtieths, spread);
@@ -27,20 +28,34 @@ struct HueVectors {
         return V::add16(hue, V::both(whole, V::equal_any16(hue, {62, 70, 85, 123, 245, 246, 247})));
     }
 
-    // (position / 60) * spread.
-    static Vector part(Vector position, Vector spread) {
-        const Vector part = V::template shift_right16<4>(
-            V::multiply_high16(V::multiply16(position, spread), V::all16((1 << 20) / 60 + 1)));
-        const Vector pair = V::add16(V::multiply16(position, V::all16(256)), spread);
-        constexpr int short_of[] = {21 << 8 | 180, 22 << 8 | 150, 42 << 8 | 90,  42 << 8 | 170,
-                                    42 << 8 | 180, 44 << 8 | 75,  44 << 8 | 150, 44 << 8 | 165};
-        return V::add16(part, V::equal_any16(pair, short_of));
+    struct Position {
+        Vector sector, within; // within: 0 to 59
+    };
+    static Position position(Vector hue) {
+        const Vector sector = V::multiply_high16(hue, V::all16(65536 / 60 + 1));
+        return {sector, V::sub16(hue, V::multiply16(sector, V::all16(60)))};
+    }
+
+    // within * spread / 60.
+    static Vector part16(Vector within, Vector spread) {
+        return V::template shift_right16<4>(
+            V::multiply_high16(V::multiply16(within, spread), V::all16((1 << 20) / 60 + 1)));
+    }
+    // -1 where that falls short.
+    static Vector short8(Vector within, Vector spread) {
+        const auto at = [&](int value) { return V::equal8(within, V::all8(value)); };
+        const auto of = [&](int value) { return V::equal8(spread, V::all8(value)); };
+        const Vector of_150 = of(150), of_180 = of(180);
+        const Vector at_42 = V::both(at(42), V::either(V::either(of(90), of(170)), of_180));
+        const Vector at_44 = V::both(at(44), V::either(V::either(of(75), of(165)), of_150));
+        return V::either(V::either(V::both(at(21), of_180), V::both(at(22), of_150)),
+                         V::either(at_42, at_44));
     }
 
     // The colour of a sector of the circle, 0 to 5.
     static V colour(Vector sector, Vector part, Vector most, Vector least) {
-        const Vector is[] = {at(sector, 0), at(sector, 1), at(sector, 2),
-                             at(sector, 3), at(sector, 4), at(sector, 5)};
+        const auto at = [&](int number) { return V::equal8(sector, V::all8(number)); };
+        const Vector is[] = {at(0), at(1), at(2), at(3), at(4), at(5)};
         const Vector odd = V::either(V::either(is[1], is[3]), is[5]);
         const Vector between = V::select(odd, V::sub8(most, part), V::add8(least, part));
         const auto channel = [&](int most_1, int most_2, int between_1, int between_2) {
@@ -50,24 +65,9 @@ struct HueVectors {
         return {channel(3, 4, 2, 5), channel(1, 2, 0, 3), channel(0, 5, 1, 4)};
     }
 
-    struct Position {
-        Vector sector, part;
-    };
-    static Position position(Vector hue, Vector spread) {
-        const Vector sector = V::multiply_high16(hue, V::all16(65536 / 60 + 1));
-        return {sector, part(V::sub16(hue, V::multiply16(sector, V::all16(60))), spread)};
-    }
-
-    static Vector turned(Vector hue, Vector degrees) {
-        const Vector sum = V::add16(hue, degrees);
-        const Vector circle = V::all16(360);
-        const Vector over = V::both(V::greater16(sum, V::all16(359)), circle);
-        const Vector under = V::both(V::greater16(V::all16(0), sum), circle);
-        return V::add16(V::sub16(sum, over), under);
-    }
-
     static void turn(uint8_t* to, const uint8_t* from, size_t pixels, int32_t degrees) {
-        const Vector by = V::all16(degrees);
+        // Hues are at least -60: so no sum is negative, and none reaches twice the circle.
+        const Vector by = V::all16(degrees < 60 ? degrees + 360 : degrees);
         each_block<3 * V::pixels>(to, from, 3 * pixels, [&](uint8_t* out, const uint8_t* in) {
             const V p = V::load(in);
             const Vector most = V::max8(V::max8(p.red, p.green), p.blue);
@@ -83,24 +83,27 @@ struct HueVectors {
             const Vector rising = V::equal8(fall, V::all8(0));
             const Vector base =
                 V::but_not(V::select(green_most, V::all8(120), V::all8(240)), red_most);
-            const auto half = [&](Vector difference, Vector spread, Vector base, Vector rising) {
-                const Vector divisor =
-                    V::add16(spread, V::both(V::equal16(spread, V::all16(0)), V::all16(1)));
+            const Vector divisor = V::max8(spread, V::all8(1));
+            const auto turned = [&](Vector difference, Vector divisor, Vector base, Vector rising) {
                 const Vector negative = V::differing(rising, V::all16(-1));
-                const Vector h = hue(difference, divisor, base, negative);
-                return position(turned(h, by), spread);
+                const Vector sum = V::add16(hue(difference, divisor, base, negative), by);
+                return position(V::unsigned_min16(sum, V::sub16(sum, V::all16(360))));
             };
-            const Position low =
-                half(V::low16(difference), V::low16(spread), V::low16(base), V::low_mask16(rising));
-            const Position high = half(V::high16(difference), V::high16(spread), V::high16(base),
-                                       V::high_mask16(rising));
-            colour(V::narrow(low.sector, high.sector), V::narrow(low.part, high.part), most, least)
+            const Position low = turned(V::low16(difference), V::low16(divisor), V::low16(base),
+                                        V::low_mask16(rising));
+            const Position high = turned(V::high16(difference), V::high16(divisor), V::high16(base),
+                                         V::high_mask16(rising));
+            const Vector part = V::narrow(part16(low.within, V::low16(spread)),
+                                          part16(high.within, V::high16(spread)));
+            const Vector short_of = short8(V::narrow(low.within, high.within), spread);
+            colour(V::narrow(low.sector, high.sector), V::add8(part, short_of), most, least)
                 .store(out);
         });
     }
 
     static void set(uint8_t* to, const uint8_t* from, size_t pixels, int32_t hue, bool softer) {
-        const Vector sector = V::all8(hue / 60), place = V::all16(hue % 60);
+        const Vector sector = V::all8(hue / 60);
+        const Vector within8 = V::all8(hue % 60), within16 = V::all16(hue % 60);
         // Two thirds of 0 to 255.
         const auto soften = [=](Vector spread) {
             return softer ? V::multiply_high16(spread, V::all16(2 * 65536 / 3 + 1)) : spread;
@@ -108,16 +111,14 @@ struct HueVectors {
         each_block<3 * V::pixels>(to, from, 3 * pixels, [&](uint8_t* out, const uint8_t* in) {
             const V p = V::load(in);
             const Vector most = V::max8(V::max8(p.red, p.green), p.blue);
-            const Vector spread = V::sub8(most, V::min8(V::min8(p.red, p.green), p.blue));
-            const Vector low = soften(V::low16(spread)), high = soften(V::high16(spread));
-            colour(sector, V::narrow(part(place, low), part(place, high)), most,
-                   V::sub8(most, V::narrow(low, high)))
+            const Vector full = V::sub8(most, V::min8(V::min8(p.red, p.green), p.blue));
+            const Vector low = soften(V::low16(full)), high = soften(V::high16(full));
+            const Vector spread = V::narrow(low, high);
+            const Vector part = V::narrow(part16(within16, low), part16(within16, high));
+            colour(sector, V::add8(part, short8(within8, spread)), most, V::sub8(most, spread))
                 .store(out);
         });
     }
-
-  private:
-    static Vector at(Vector sector, int number) { return V::equal8(sector, V::all8(number)); }
 };
 
 } // namespace

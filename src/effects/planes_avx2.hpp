@@ -85,7 +85,7 @@ struct Planes {
             found = either(found, equal16(a, all16(values[i])));
         return found;
     }
-    static Vector greater16(Vector a, Vector b) { return _mm256_cmpgt_epi16(a, b); }
+    static Vector unsigned_min16(Vector a, Vector b) { return _mm256_min_epu16(a, b); }
 
     static Vector quotient16(Vector a, Vector b) {
         const Vector zero = _mm256_setzero_si256();

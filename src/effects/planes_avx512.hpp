@@ -92,9 +92,7 @@ struct Planes {
             found |= _mm512_cmpeq_epi16_mask(a, all16(value));
         return _mm512_movm_epi16(found);
     }
-    static Vector greater16(Vector a, Vector b) {
-        return _mm512_movm_epi16(_mm512_cmpgt_epi16_mask(a, b));
-    }
+    static Vector unsigned_min16(Vector a, Vector b) { return _mm512_min_epu16(a, b); }
 
     static Vector quotient16(Vector a, Vector b) {
         const Vector zero = _mm512_setzero_si512();

@@ -86,7 +86,9 @@ struct Planes {
             found = either(found, equal16(a, all16(values[i])));
         return found;
     }
-    static Vector greater16(Vector a, Vector b) { return _mm_cmpgt_epi16(a, b); } // signed
+    static Vector unsigned_min16(Vector a, Vector b) {
+        return _mm_sub_epi16(a, _mm_subs_epu16(a, b));
+    }
 
     // a / b for 16-bit lanes with 1 <= b <= 255 and a <= 60 * b. a + 1/2 over b stays 1/510 or
     // more away from whole numbers, and the reciprocal, refined once, errs by less than 1e-6 of

@@ -6,22 +6,26 @@ namespace kirvo::avx2 {
 
 namespace {
 
-// Sixteen shuffles, one for each 16 levels. A shuffle gives 0 for a byte with its top bit set, and
-// otherwise looks at its low four bits. Taking 16 away at each step, without wrapping round, sets
-// that bit one step after the byte's own part of the table. So each byte meets the parts from the
-// first of its half to its own, and each part holds the difference (xor) to the one before it.
-void map(uint8_t* to, const uint8_t* from, size_t bytes, const Levels& levels) {
+// A table of 256 bytes as sixteen shuffles, one for each 16 levels. A shuffle gives 0 for a byte
+// with its top bit set, and otherwise looks at its low four bits. Taking 16 away at each step,
+// without wrapping round, sets that bit one step after the byte's own part of the table. So each
+// byte meets the parts from the first of its half to its own, and each part holds the difference
+// (xor) to the one before it.
+struct Table {
     __m256i part[16];
-    for (int i = 0; i < 16; ++i)
-        part[i] = _mm256_broadcastsi128_si256(
-            _mm_loadu_si128(reinterpret_cast<const __m128i*>(levels.level + 16 * i)));
-    for (int i = 15; i > 0; --i) {
-        if (i != 8)
-            part[i] = _mm256_xor_si256(part[i], part[i - 1]);
+
+    explicit Table(const Levels& levels) {
+        for (int i = 0; i < 16; ++i)
+            part[i] = _mm256_broadcastsi128_si256(
+                _mm_loadu_si128(reinterpret_cast<const __m128i*>(levels.level + 16 * i)));
+        for (int i = 15; i > 0; --i) {
+            if (i != 8)
+                part[i] = _mm256_xor_si256(part[i], part[i - 1]);
+        }
     }
-    const __m256i sixteen = _mm256_set1_epi8(16), top = _mm256_set1_epi8(-128);
-    each_block<32>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
-        __m256i low = Planes::load_bytes(in), high = _mm256_xor_si256(low, top);
+    __m256i operator[](__m256i bytes) const {
+        const __m256i sixteen = _mm256_set1_epi8(16);
+        __m256i low = bytes, high = _mm256_xor_si256(bytes, _mm256_set1_epi8(-128));
         __m256i mapped = _mm256_setzero_si256();
         for (int i = 0; i < 8; ++i) {
             mapped = _mm256_xor_si256(mapped, _mm256_shuffle_epi8(part[i], low));
@@ -29,7 +33,22 @@ void map(uint8_t* to, const uint8_t* from, size_t bytes, const Levels& levels) {
             low = _mm256_subs_epi8(low, sixteen);
             high = _mm256_subs_epi8(high, sixteen);
         }
-        Planes::store_bytes(out, mapped);
+        return mapped;
+    }
+};
+
+void map(uint8_t* to, const uint8_t* from, size_t bytes, const Levels& levels) {
+    const Table table(levels);
+    each_block<32>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
+        Planes::store_bytes(out, table[Planes::load_bytes(in)]);
+    });
+}
+
+void map_channels(uint8_t* to, const uint8_t* from, size_t pixels, const ChannelLevels& levels) {
+    const Table blue(levels.channel[0]), green(levels.channel[1]), red(levels.channel[2]);
+    each_block<96>(to, from, 3 * pixels, [&](uint8_t* out, const uint8_t* in) {
+        const Planes p = Planes::load(in);
+        Planes{blue[p.blue], green[p.green], red[p.red]}.store(out);
     });
 }
 
@@ -59,6 +78,7 @@ void improve(ToneRows& rows) {
     rows.scale = ToneVectors<Planes>::scale;
     rows.grey = ToneVectors<Planes>::grey;
     rows.map = map;
+    rows.map_channels = map_channels;
     rows.permute = permute;
 }
 
