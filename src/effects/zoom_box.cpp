@@ -3,6 +3,7 @@
 #include "effects/zoom.hpp"
 #include "effects/zoom_rows.hpp"
 
+#include <bit>
 #include <type_traits>
 
 namespace kirvo {
@@ -84,11 +85,11 @@ void average_row(uint8_t* to, const Column* columns, const Span* spans, size_t w
     }
 }
 
-void add_row(uint16_t* sums, const uint8_t* row, size_t bytes) {
-    zoom_rows().add_row(sums, row, bytes);
+void add_row(const ZoomRows& kernels, uint16_t* sums, const uint8_t* row, size_t bytes) {
+    kernels.add_row(sums, row, bytes);
 }
 
-void add_row(uint64_t* sums, const uint8_t* row, size_t bytes) {
+void add_row(const ZoomRows&, uint64_t* sums, const uint8_t* row, size_t bytes) {
     for (size_t i = 0; i < bytes; ++i)
         sums[i] += row[i];
 }
@@ -104,17 +105,48 @@ bool average(const Zoom& zoom, const Rows& to, const Span* spans, size_t first, 
     if (!rows || !columns || !packed)
         return false;
     auto* const sums = columns.as<Column>();
+    const ZoomRows kernels = zoom_rows();
     zoom.each_row(to, [&](uint8_t* row, int32_t y) {
         const int32_t count = std::min(zoom.box_height(), source.height() - y);
         std::fill_n(sums, 3 * span, Column{0});
         for (int32_t i = 0; i < count; ++i)
-            add_row(sums, rows[source.height() - 1 - y - i], 3 * span);
+            add_row(kernels, sums, rows[source.height() - 1 - y - i], 3 * span);
         uint8_t* const bgr = format.bits == 24 ? row : packed.data();
         average_row<Column, Sum>(bgr, sums, spans, width, count);
         if (format.bits != 24)
             pack_row(format, bgr, row, width);
     });
     return true;
+}
+
+// Boxes of 2 or 4 columns, side by side inside the picture, and a power of 2 of pixels.
+bool are_even(const Zoom& zoom, const Span* spans) {
+    const LockedDib& source = zoom.source();
+    const auto columns = static_cast<uint32_t>(zoom.box_width());
+    const auto rows = static_cast<uint32_t>(zoom.box_height());
+    if (source.bits() != 24 || (columns != 2 && columns != 4) || !std::has_single_bit(rows) ||
+        columns * uint64_t{rows} > 256)
+        return false;
+    const auto width = static_cast<size_t>(zoom.width());
+    for (size_t i = 0; i < width; ++i)
+        if (spans[i].first != i * columns || spans[i].count != columns)
+            return false;
+    return zoom.column(0) + int64_t{columns} * zoom.width() <= source.width() &&
+           zoom.row(zoom.height() - 1) + int64_t{rows} <= source.height();
+}
+
+void average_even(const Zoom& zoom, const Rows& to) {
+    const LockedDib& source = zoom.source();
+    const ZoomRows kernels = zoom_rows();
+    const auto means = zoom.box_width() == 2 ? kernels.means_of_2 : kernels.means_of_4;
+    const auto rows = static_cast<size_t>(zoom.box_height());
+    const int shift =
+        std::countr_zero(static_cast<uint32_t>(zoom.box_width()) * static_cast<uint32_t>(rows));
+    const Rows from = source.rows(RowStart::after_40);
+    zoom.each_row(to, [&](uint8_t* row, int32_t y) {
+        means(row, from[source.height() - 1 - y] + 3 * ptrdiff_t{zoom.column(0)}, -from.stride,
+              rows, static_cast<size_t>(zoom.width()), shift);
+    });
 }
 
 } // namespace
@@ -134,6 +166,10 @@ bool zoom_box(const Zoom& zoom, const Rows& to) {
         const int64_t count = std::min<int64_t>(zoom.box_width(), row_pixels - column);
         spans[i] = {static_cast<uint32_t>(column - first), static_cast<uint32_t>(count)};
         end = std::max(end, column + count);
+    }
+    if (are_even(zoom, spans)) {
+        average_even(zoom, to);
+        return true;
     }
     const auto from = static_cast<size_t>(first), span = static_cast<size_t>(end - first);
     const auto box =
