@@ -11,34 +11,75 @@ constexpr RowStart start = RowStart::after_40;
 
 enum class Direction : int32_t { clockwise, counter_clockwise };
 
-// Stored row k of the rectangle, from its bottom, becomes column k from the left and runs downward
-// (clockwise), or from the right and runs upward. A strip of rows at a time is turned in tiles that
-// stay in the cache, source and destination.
-void turn(const Rows& to, const LockedDib& from, const Rect& rect, Direction direction) {
-    constexpr int32_t strip = 64, tile = 64;
-    const auto bytes = static_cast<size_t>(from.bits() / 8);
-    const TurnRows::Transpose transpose = turn_rows().transpose[bytes - 1];
-    const Rows sources = rows_of(from, rect, start);
-    const bool clockwise = direction == Direction::clockwise;
-    Progress progress;
-    progress.start();
-    for (int32_t k = 0; k < rect.height; k += strip) {
-        const int32_t rows = std::min(strip, rect.height - k);
-        for (int32_t i = 0; i < rows; ++i)
-            progress.step(k + i, rect.height);
-        const uint8_t* source = sources[clockwise ? k : k + rows - 1];
-        const int32_t column = clockwise ? k : rect.height - k - rows;
-        for (int32_t x = 0; x < rect.width; x += tile) {
-            uint8_t* target = to[clockwise ? rect.width - 1 - x : x];
-            transpose(target + static_cast<size_t>(column) * bytes,
-                      clockwise ? -to.stride : to.stride, source + static_cast<size_t>(x) * bytes,
-                      clockwise ? sources.stride : -sources.stride,
-                      static_cast<size_t>(std::min(tile, rect.width - x)),
-                      static_cast<size_t>(rows));
-        }
-    }
-    progress.finish();
+enum class Use { read, write };
+
+// Asks for rows of bytes ahead of their use: the processor does not foresee steps from row to row.
+template<Use use>
+void prefetch(const uint8_t* rows, ptrdiff_t step, size_t bytes, int32_t count) {
+    constexpr size_t line = 64;
+    for (int32_t i = 0; i < count; ++i, rows += step)
+        for (size_t at = 0; at < bytes + line - 1; at += line)
+            __builtin_prefetch(rows + at, use == Use::write);
 }
+
+// Stored row k of the rectangle, from its bottom, becomes column k from the left and runs downward
+// (clockwise), or from the right and runs upward.
+class QuarterTurn {
+  public:
+    QuarterTurn(const Rows& to, const LockedDib& from, const Rect& rect, Direction direction)
+        : to_(to), from_(rows_of(from, rect, start)), width_(rect.width), height_(rect.height),
+          bytes_(static_cast<size_t>(from.bits() / 8)),
+          transpose_(turn_rows().transpose[bytes_ - 1]) {
+        if (direction == Direction::clockwise)
+            to_ = {to_[width_ - 1], -to_.stride, to_.end};
+        else
+            from_ = {from_[height_ - 1], -from_.stride, from_.end};
+    }
+
+    // Strips of columns become strips of destination rows, which are thus written from end to end,
+    // in tiles that stay in the cache. The progress counts source rows: as many as the strip is
+    // part of the width.
+    void run() const {
+        Progress progress;
+        progress.start();
+        int32_t reported = 0;
+        for (int32_t x = 0; x < width_; x += columns) {
+            const auto due = static_cast<int32_t>(int64_t{height_} * (x + columns_at(x)) / width_);
+            for (; reported < due; ++reported)
+                progress.step(reported, height_);
+            for (int32_t k = 0; k < height_; k += rows) {
+                if (k + rows < height_)
+                    prefetch_tile(x, k + rows);
+                else if (x + columns < width_)
+                    prefetch_tile(x + columns, 0);
+                transpose_(target(x, k), to_.stride, source(x, k), from_.stride,
+                           static_cast<size_t>(columns_at(x)), static_cast<size_t>(rows_at(k)));
+            }
+        }
+        progress.finish();
+    }
+
+  private:
+    static constexpr int32_t columns = 64, rows = 128; // of a tile
+
+    int32_t columns_at(int32_t x) const { return std::min(columns, width_ - x); }
+    int32_t rows_at(int32_t k) const { return std::min(rows, height_ - k); }
+    uint8_t* target(int32_t x, int32_t k) const { return to_[x] + bytes_ * static_cast<size_t>(k); }
+    const uint8_t* source(int32_t x, int32_t k) const {
+        return from_[k] + bytes_ * static_cast<size_t>(x);
+    }
+    void prefetch_tile(int32_t x, int32_t k) const {
+        prefetch<Use::read>(source(x, k), from_.stride, bytes_ * static_cast<size_t>(columns_at(x)),
+                            rows_at(k));
+        prefetch<Use::write>(target(x, k), to_.stride, bytes_ * static_cast<size_t>(rows_at(k)),
+                             columns_at(x));
+    }
+
+    Rows to_, from_;
+    int32_t width_, height_;
+    size_t bytes_;
+    TurnRows::Transpose transpose_;
+};
 
 Status rotate(HGLOBAL handle, const Rect& rect, int32_t direction, OwnedBlock& result) {
     if (direction != 0 && direction != 1)
@@ -52,7 +93,7 @@ Status rotate(HGLOBAL handle, const Rect& rect, int32_t direction, OwnedBlock& r
         return Status::no_memory;
     const LockedDib to(result.get());
     copy_colour_part(to, from);
-    turn(to.rows(start), from, rect, static_cast<Direction>(direction));
+    QuarterTurn(to.rows(start), from, rect, static_cast<Direction>(direction)).run();
     return Status::ok;
 }
 
