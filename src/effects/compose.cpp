@@ -4,7 +4,6 @@
 #include "effects/compose_rows.hpp"
 
 #include <cstring>
-#include <functional>
 
 namespace kirvo {
 
@@ -60,11 +59,11 @@ void compose_chunk(Mode mode, const PixelFormat& format, uint8_t* to, const uint
             std::memcpy(to + 4 * i, words + 4 * i, 4);
 }
 
-// Chunks go in the order in which no source pixel is overwritten before it is read, as if the row
-// were copied first.
+// Inside one image, chunks go in the order in which no source pixel is overwritten before it is
+// read, as if the row were copied first.
 void compose_row(Mode mode, const PixelFormat& format, uint8_t* to, const uint8_t* from,
-                 size_t count) {
-    const bool from_right = std::less<const uint8_t*>()(from, to);
+                 size_t count, bool same_image) {
+    const bool from_right = same_image && from < to;
     for (size_t done = 0; done < count;) {
         const size_t now = std::min(chunk, count - done);
         const size_t at = (from_right ? count - done - now : done) * format.bytes();
@@ -91,7 +90,7 @@ Status compose(const LockedDib& to, const Rect& target, const LockedDib& from, c
     for (int32_t row = 0; row < rect.height; ++row) {
         progress.step(row, rect.height);
         compose_row(static_cast<Mode>(mode), format, targets[row], sources[row],
-                    static_cast<size_t>(rect.width));
+                    static_cast<size_t>(rect.width), to.data() == from.data());
     }
     progress.finish();
     return Status::ok;

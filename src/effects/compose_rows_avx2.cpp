@@ -38,7 +38,8 @@ void blend(uint8_t* to, const uint8_t* from, size_t count) {
     (compose_rows_scalar.*rest)(to + i, from + i, count - i);
 }
 
-// Five pixels in each half of a vector; the sixteenth byte of each half stays as it is.
+// Five pixels in each half of a vector; the sixteenth byte of each half stays as it is. The next
+// target is loaded before that byte is stored, since it would have to wait for the store.
 __m256i load_fives(const uint8_t* from) {
     return _mm256_loadu2_m128i(reinterpret_cast<const __m128i*>(from + 15),
                                reinterpret_cast<const __m128i*>(from));
@@ -53,8 +54,9 @@ void replace(uint8_t* to, const uint8_t* from, size_t pixels, const uint8_t* key
     const __m256i whole_pixels = _mm256_broadcastsi128_si256(
         _mm_setr_epi8(0, 0, 0, 3, 3, 3, 6, 6, 6, 9, 9, 9, 12, 12, 12, -1));
     const __m256i last_bytes = _mm256_slli_si256(_mm256_set1_epi8(-1), 15);
-    for (; pixels >= 11; pixels -= 10, to += 30, from += 30) {
-        const __m256i source = load_fives(from), target = load_fives(to);
+    __m256i target = pixels >= 21 ? load_fives(to) : _mm256_setzero_si256();
+    for (; pixels >= 21; pixels -= 10, to += 30, from += 30) {
+        const __m256i source = load_fives(from), next = load_fives(to + 30);
         const __m256i same = _mm256_cmpeq_epi8(source, wanted);
         const __m256i starts_key = _mm256_and_si256(
             same, _mm256_and_si256(_mm256_srli_si256(same, 1), _mm256_srli_si256(same, 2)));
@@ -63,6 +65,7 @@ void replace(uint8_t* to, const uint8_t* from, size_t pixels, const uint8_t* key
         const __m256i result = _mm256_blendv_epi8(source, target, keep);
         _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm256_castsi256_si128(result));
         _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 15), _mm256_extracti128_si256(result, 1));
+        target = next;
     }
     compose_rows_scalar.replace(to, from, pixels, key);
 }

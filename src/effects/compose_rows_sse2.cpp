@@ -38,7 +38,8 @@ void blend(uint8_t* to, const uint8_t* from, size_t count) {
     (compose_rows_scalar.*rest)(to + i, from + i, count - i);
 }
 
-// Five pixels a step; the sixteenth byte of each vector stays as it is.
+// Five pixels a step; the sixteenth byte of each vector stays as it is. The next target is loaded
+// before that byte is stored, since it would have to wait for the store.
 void replace(uint8_t* to, const uint8_t* from, size_t pixels, const uint8_t* key) {
     alignas(16) uint8_t keys[16], starts[16];
     for (int i = 0; i < 16; ++i) {
@@ -48,8 +49,9 @@ void replace(uint8_t* to, const uint8_t* from, size_t pixels, const uint8_t* key
     const __m128i wanted = _mm_load_si128(reinterpret_cast<const __m128i*>(keys));
     const __m128i first_bytes = _mm_load_si128(reinterpret_cast<const __m128i*>(starts));
     const __m128i last_byte = _mm_slli_si128(_mm_set1_epi8(-1), 15);
-    for (; pixels >= 6; pixels -= 5, to += 15, from += 15) {
-        const __m128i source = load(from), target = load(to);
+    __m128i target = pixels >= 11 ? load(to) : _mm_setzero_si128();
+    for (; pixels >= 11; pixels -= 5, to += 15, from += 15) {
+        const __m128i source = load(from), next = load(to + 15);
         const __m128i same = _mm_cmpeq_epi8(source, wanted);
         const __m128i starts_key =
             _mm_and_si128(_mm_and_si128(same, first_bytes),
@@ -58,6 +60,7 @@ void replace(uint8_t* to, const uint8_t* from, size_t pixels, const uint8_t* key
             _mm_or_si128(starts_key, last_byte),
             _mm_or_si128(_mm_slli_si128(starts_key, 1), _mm_slli_si128(starts_key, 2)));
         store(to, _mm_or_si128(_mm_and_si128(keep, target), _mm_andnot_si128(keep, source)));
+        target = next;
     }
     compose_rows_scalar.replace(to, from, pixels, key);
 }

@@ -68,7 +68,7 @@ class QuarterTurn {
     const uint8_t* source(int32_t x, int32_t k) const {
         return from_[k] + bytes_ * static_cast<size_t>(x);
     }
-    void prefetch_tile(int32_t x, int32_t k) const {
+    [[gnu::always_inline]] void prefetch_tile(int32_t x, int32_t k) const {
         prefetch<Use::read>(source(x, k), from_.stride, bytes_ * static_cast<size_t>(columns_at(x)),
                             rows_at(k));
         prefetch<Use::write>(target(x, k), to_.stride, bytes_ * static_cast<size_t>(rows_at(k)),

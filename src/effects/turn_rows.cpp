@@ -33,11 +33,13 @@ const TurnRows turn_rows_scalar = {
     {exchange_reversed<1>, exchange_reversed<2>, exchange_reversed<3>, exchange_reversed<4>},
     {transpose<1>, transpose<2>, transpose<3>, transpose<4>}};
 
-const TurnRows& turn_rows() {
-    const CpuLevel level = cpu_level();
-    if (level == CpuLevel::avx512 && cpu_has_vbmi())
-        return avx512::turn_rows;
-    return level >= CpuLevel::avx2 ? avx2::turn_rows : turn_rows_scalar;
+TurnRows turn_rows() {
+    TurnRows rows = turn_rows_scalar;
+    if (cpu_level() >= CpuLevel::avx2)
+        avx2::improve(rows);
+    if (cpu_level() == CpuLevel::avx512 && cpu_has_vbmi())
+        avx512::improve(rows);
+    return rows;
 }
 
 } // namespace kirvo

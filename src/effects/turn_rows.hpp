@@ -21,13 +21,14 @@ struct TurnRows {
 };
 
 extern const TurnRows turn_rows_scalar;
+// Each replaces the kernels that its instructions make faster.
 namespace avx2 {
-extern const TurnRows turn_rows;
+void improve(TurnRows& rows);
 }
 namespace avx512 {
-extern const TurnRows turn_rows; // needs VBMI
+void improve(TurnRows& rows); // needs VBMI
 }
 
-const TurnRows& turn_rows();
+TurnRows turn_rows();
 
 } // namespace kirvo

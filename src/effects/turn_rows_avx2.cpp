@@ -173,8 +173,10 @@ void transpose(uint8_t* to, ptrdiff_t to_step, const uint8_t* from, ptrdiff_t fr
 
 } // namespace
 
-const TurnRows turn_rows = {
-    {exchange_reversed<1>, exchange_reversed<2>, exchange_reversed<3>, exchange_reversed<4>},
-    {transpose<1>, transpose<2>, transpose<3>, transpose<4>}};
+void improve(TurnRows& rows) {
+    rows = {
+        {exchange_reversed<1>, exchange_reversed<2>, exchange_reversed<3>, exchange_reversed<4>},
+        {transpose<1>, transpose<2>, transpose<3>, transpose<4>}};
+}
 
 } // namespace kirvo::avx2

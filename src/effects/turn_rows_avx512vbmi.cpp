@@ -10,37 +10,6 @@ __mmask64 first_bytes(size_t count) {
     return count >= 64 ? ~__mmask64{0} : (__mmask64{1} << count) - 1;
 }
 
-// Byte indices that reverse the order of a vector's pixels.
-template<int bytes>
-__m512i reversal() {
-    constexpr int block = 64 / bytes;
-    alignas(64) uint8_t index[64];
-    for (int i = 0; i < 64; ++i)
-        index[i] = static_cast<uint8_t>((block - 1 - i / bytes) * bytes + i % bytes);
-    return _mm512_load_si512(index);
-}
-
-template<int bytes>
-void exchange_reversed(uint8_t* left, uint8_t* right_end, size_t count) {
-    constexpr size_t block = 64 / bytes;
-    const __m512i reverse = reversal<bytes>();
-    while (count != 0) {
-        const size_t now = count < block ? count : block;
-        // Fewer pixels than a block lie at its start: their indices are as much smaller.
-        const __m512i index = _mm512_sub_epi8(
-            reverse, _mm512_set1_epi8(static_cast<char>((block - now) * size_t{bytes})));
-        const __mmask64 lanes = first_bytes(now * bytes);
-        uint8_t* right = right_end - now * bytes;
-        const __m512i a = _mm512_maskz_loadu_epi8(lanes, left);
-        const __m512i b = _mm512_maskz_loadu_epi8(lanes, right);
-        _mm512_mask_storeu_epi8(left, lanes, _mm512_permutexvar_epi8(index, b));
-        _mm512_mask_storeu_epi8(right, lanes, _mm512_permutexvar_epi8(index, a));
-        left += now * bytes;
-        right_end = right;
-        count -= now;
-    }
-}
-
 constexpr size_t side = 16; // of a tile: one vector of words
 
 alignas(64) constexpr uint8_t spread[64] = {
@@ -133,8 +102,13 @@ void transpose(uint8_t* to, ptrdiff_t to_step, const uint8_t* from, ptrdiff_t fr
 
 } // namespace
 
-const TurnRows turn_rows = {
-    {exchange_reversed<1>, exchange_reversed<2>, exchange_reversed<3>, exchange_reversed<4>},
-    {transpose<1>, transpose<2>, transpose<3>, transpose<4>}};
+// Reversed runs are left to AVX2: masked stores and loads of neighbouring bytes wait for each
+// other.
+void improve(TurnRows& rows) {
+    rows.transpose[0] = transpose<1>;
+    rows.transpose[1] = transpose<2>;
+    rows.transpose[2] = transpose<3>;
+    rows.transpose[3] = transpose<4>;
+}
 
 } // namespace kirvo::avx512
