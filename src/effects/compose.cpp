@@ -1,7 +1,6 @@
 // Composition: a rectangle of one image blended onto one of another.
-#include "core/pixels.hpp"
-#include "core/progress.hpp"
 #include "effects/compose_rows.hpp"
+#include "effects/frame.hpp"
 
 #include <cstring>
 
@@ -37,18 +36,16 @@ void compose_24(Mode mode, uint8_t* to, const uint8_t* from, size_t count) {
     }
 }
 
-constexpr size_t chunk = 1024; // pixels at a time: their copies stay in the L1 cache
-
 // The source pixels are read before any of the destination is written, since both may be parts of
 // one row.
 void compose_chunk(Mode mode, const PixelFormat& format, uint8_t* to, const uint8_t* from,
                    size_t count) {
-    uint8_t source[3 * chunk], words[4 * chunk];
+    uint8_t source[3 * pixels_at_once], words[4 * pixels_at_once];
     unpack_row(format, from, source, count);
     if (format.bits == 24)
         return compose_24(mode, to, source, count);
     if (!keeps_pixels(mode)) {
-        uint8_t target[3 * chunk];
+        uint8_t target[3 * pixels_at_once];
         unpack_row(format, to, target, count);
         compose_24(mode, target, source, count);
         return pack_row(format, target, to, count);
@@ -65,7 +62,7 @@ void compose_row(Mode mode, const PixelFormat& format, uint8_t* to, const uint8_
                  size_t count, bool same_image) {
     const bool from_right = same_image && from < to;
     for (size_t done = 0; done < count;) {
-        const size_t now = std::min(chunk, count - done);
+        const size_t now = std::min(pixels_at_once, count - done);
         const size_t at = (from_right ? count - done - now : done) * format.bytes();
         compose_chunk(mode, format, to + at, from + at, now);
         done += now;
