@@ -1,5 +1,6 @@
 // Progressive decoding: the first pass of each band is gathered into a store of coefficients, which
 // is rendered at the end. Refinement is not supported: its first MCU ends the gathering.
+#include "jpeg/decode_fast.hpp"
 #include "jpeg/decode_markers.hpp"
 #include "jpeg/decode_scan.hpp"
 
@@ -20,7 +21,8 @@ class ProgressiveDecoder {
   public:
     ProgressiveDecoder(DecodeState& state, Renderer& renderer, Block* store)
         : state_(state), picture_(state.picture), scan_(state.scan),
-          layout_(*picture_.frame.layout), renderer_(renderer), store_(store), reader_(state) {}
+          layout_(*picture_.frame.layout), renderer_(renderer), store_(store), careful_(state),
+          fast_(state) {}
 
     Step decode();
 
@@ -28,8 +30,10 @@ class ProgressiveDecoder {
     Step begin_next_scan();
     Status read_mcu();
     Status read_component(const Scan::Component& component);
-    Status read_blocks(const BlockCoding& coding, int32_t first_slot, int32_t count);
-    Status read_from_plane(const BlockCoding& coding, const Plane& plane);
+    Status read_blocks(const FastReader::Tables& tables, int32_t first_slot, int32_t count);
+    Status read_from_plane(const FastReader::Tables& tables, const Plane& plane);
+    Status read_block(const FastReader::Tables& tables, Block& block);
+    FastReader::Tables tables_of(int32_t component, const Scan::Component& from);
     bool is_plane_scan(uint8_t id) const;
     Plane plane_of(uint8_t id) const;
     Block& block_at(int32_t mcu, int32_t slot);
@@ -41,7 +45,8 @@ class ProgressiveDecoder {
     const Layout& layout_;
     Renderer& renderer_;
     Block* store_;
-    CarefulReader reader_;
+    CarefulReader careful_;
+    FastReader fast_;
     Block dropped_ = {};
 };
 
@@ -78,11 +83,13 @@ Step ProgressiveDecoder::decode() {
 
 // Done also at the end of the image, where no MCU is left to read.
 Step ProgressiveDecoder::begin_next_scan() {
+    fast_.leave();
     const Step step = read_segments(state_, false);
     if (step.kind == Step::done) {
         picture_.next_mcu = 0;
         state_.entropy.bit_position = 8;
         state_.entropy.eob_run = 0;
+        fast_.enter();
         return step;
     }
     if (step.kind == Step::failed && step.status == Status::jpeg_early_eoi) {
@@ -111,28 +118,43 @@ Status ProgressiveDecoder::read_component(const Scan::Component& component) {
     bool& first_block = state_.entropy.first_block;
     if (picture_.frame.components == 1) {
         first_block = true;
-        return read_blocks(coding_of(state_, 0, id, dc, ac), 0, 1);
+        return read_blocks(tables_of(0, component), 0, 1);
     }
     if (id == 0)
         return Status::ok;
-    const BlockCoding coding = coding_of(state_, id - 1, id, dc, ac);
+    const FastReader::Tables tables = tables_of(id - 1, component);
     if (is_plane_scan(id)) {
         first_block |= id == 1;
-        return read_from_plane(coding, plane_of(id));
+        return read_from_plane(tables, plane_of(id));
     }
     if (id != 1)
-        return read_blocks(coding, layout_.luma_blocks + (id - 2) * layout_.chroma_blocks,
+        return read_blocks(tables, layout_.luma_blocks + (id - 2) * layout_.chroma_blocks,
                            layout_.chroma_blocks);
     first_block = true;
-    const Status status = read_blocks(coding, 0, layout_.luma_blocks);
+    const Status status = read_blocks(tables, 0, layout_.luma_blocks);
     first_block = false;
     return status;
 }
 
-Status ProgressiveDecoder::read_blocks(const BlockCoding& coding, int32_t first_slot,
+FastReader::Tables ProgressiveDecoder::tables_of(int32_t component, const Scan::Component& from) {
+    return fast_.tables_of(
+        from.dc_table, from.ac_table,
+        coding_of(state_, component, from.id, from.dc_table, from.ac_table));
+}
+
+Status ProgressiveDecoder::read_block(const FastReader::Tables& tables, Block& block) {
+    if (fast_.read_block(tables, block))
+        return Status::ok;
+    fast_.leave();
+    const Status status = careful_.read_block(tables.coding, block);
+    fast_.enter();
+    return status;
+}
+
+Status ProgressiveDecoder::read_blocks(const FastReader::Tables& tables, int32_t first_slot,
                                        int32_t count) {
     for (int32_t slot = first_slot; slot < first_slot + count; ++slot) {
-        const Status status = reader_.read_block(coding, block_at(picture_.next_mcu, slot));
+        const Status status = read_block(tables, block_at(picture_.next_mcu, slot));
         if (status != Status::ok)
             return status;
     }
@@ -154,14 +176,15 @@ Plane ProgressiveDecoder::plane_of(uint8_t id) const {
 }
 
 // As many blocks of the plane as an MCU has of them.
-Status ProgressiveDecoder::read_from_plane(const BlockCoding& coding, const Plane& plane) {
+Status ProgressiveDecoder::read_from_plane(const FastReader::Tables& tables,
+                                           const Plane& plane) {
     int32_t& next = picture_.next_plane_block;
     for (int32_t i = 0; i < plane.across * plane.down && next < plane.width * plane.height;
          ++i, ++next) {
         const int32_t x = next % plane.width, y = next / plane.width;
         const int32_t mcu = y / plane.down * picture_.mcus_across + x / plane.across;
         const int32_t slot = plane.first_slot + y % plane.down * plane.across + x % plane.across;
-        const Status status = reader_.read_block(coding, block_at(mcu, slot));
+        const Status status = read_block(tables, block_at(mcu, slot));
         if (status != Status::ok)
             return status;
     }

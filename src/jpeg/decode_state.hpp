@@ -5,7 +5,7 @@
 #include "core/progress.hpp"
 #include "core/status.hpp"
 #include "jpeg/decode_input.hpp"
-#include "jpeg/decode_huffman.hpp"
+#include "jpeg/decode_lookup.hpp"
 #include "jpeg/tables.hpp"
 
 namespace kirvo {
@@ -109,6 +109,7 @@ struct DecodeState {
     uint8_t quantisation_of[4]; // by component id
     QuantisationTables quantisation;
     DecodeTable dc_tables[4], ac_tables[4];
+    Lookup dc_lookups[4], ac_lookups[4]; // ready: made from the table as it is
     bool dc_defined[4], ac_defined[4]; // in this stream
     uint32_t restart_interval;
     Comments comments;

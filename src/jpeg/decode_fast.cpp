@@ -1,0 +1,257 @@
+#include "jpeg/decode_fast.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace kirvo {
+
+namespace {
+
+// A block takes at most 32 bits for its DC and 31 for each other coefficient, twice as much when
+// every byte is stuffed; and a word may be read ahead.
+constexpr std::ptrdiff_t longest_block = 2 * (64 * 32 / 8) + 16;
+
+constexpr bool wide_word = BitBuffer::width == 64;
+using Half = std::conditional_t<wide_word, uint32_t, uint16_t>;
+
+Half load_big_endian(const uint8_t* from) {
+    Half value;
+    std::memcpy(&value, from, sizeof value);
+    if constexpr (wide_word)
+        return __builtin_bswap32(value);
+    else
+        return __builtin_bswap16(value);
+}
+
+// Never misses one.
+bool may_hold_ff(Half value) {
+    constexpr Half ones = static_cast<Half>(~Half{0}) / 255, highs = ones * 128;
+    return (static_cast<Half>(~value - ones) & value & highs) != 0;
+}
+
+// A byte at a time up to a marker or a fill byte.
+[[gnu::noinline]] bool refill_bytes(BitBuffer& bits) {
+    while (bits.count <= BitBuffer::width - 8) {
+        const uint8_t byte = bits.next[0];
+        if (byte == 0xFF && bits.next[1] != 0)
+            return bits.count >= BitBuffer::half;
+        bits.next += byte == 0xFF ? 2 : 1;
+        bits.word |= BitBuffer::Word{byte} << (BitBuffer::width - 8 - bits.count);
+        bits.count += 8;
+    }
+    return true;
+}
+
+// Makes half a word of bits available, a symbol and its value on 64 bits, one of them on 32. False
+// when the data ends before that.
+inline bool refill(BitBuffer& bits) {
+    if (bits.count >= BitBuffer::half)
+        return true;
+    const Half ahead = load_big_endian(bits.next);
+    if (may_hold_ff(ahead))
+        return refill_bytes(bits);
+    bits.word |= BitBuffer::Word{ahead} << (BitBuffer::half - bits.count);
+    bits.count += BitBuffer::half;
+    bits.next += sizeof ahead;
+    return true;
+}
+
+inline bool refill_for_value(BitBuffer& bits) { return wide_word || refill(bits); }
+
+// A code that the lookup does not tell: longer, or none.
+[[gnu::noinline]] LookupEntry walk_code(BitBuffer bits, const DecodeTable& table, int32_t row) {
+    SymbolWalk walk = SymbolWalk::begin();
+    uint8_t symbol;
+    for (uint32_t i = 0; i < longest_code; ++i) {
+        switch (walk.step(table, row, bits.take(1), symbol)) {
+        case SymbolWalk::Outcome::found:
+            return row == dc_row ? dc_entry(symbol, walk.length) : ac_entry(symbol, walk.length);
+        case SymbolWalk::Outcome::no_such_code:
+            return 0;
+        case SymbolWalk::Outcome::go_on:
+            break;
+        }
+    }
+    return 0;
+}
+
+inline bool read_dc(BitBuffer& bits, const FastReader::Tables& tables, int32_t shift,
+                    int16_t* block) {
+    if (!refill(bits))
+        return false;
+    LookupEntry entry = (*tables.dc)[bits.peek(lookup_bits)];
+    if (entry == 0) {
+        entry = walk_code(bits, *tables.coding.dc, dc_row);
+        if (entry == 0)
+            return false;
+    }
+    bits.drop(entry_length(entry));
+    int16_t difference = entry_value(entry);
+    if (const uint32_t size = entry_dc_size(entry)) {
+        if (!refill_for_value(bits))
+            return false;
+        difference = extend(bits.take(size), size);
+    }
+    int16_t& predictor = *tables.coding.predictor;
+    predictor = wrap16(predictor + difference);
+    block[0] = shift16(wrap16(tables.coding.quantisation[0] * predictor), shift);
+    return true;
+}
+
+// Coefficients k to end. Where bands may end, eob_run tells for how many blocks more.
+inline bool read_ac(BitBuffer& bits, const FastReader::Tables& tables, int32_t k, int32_t end,
+                    int32_t shift, int16_t* block, int32_t& last, int32_t* eob_run) {
+    const uint16_t* quantisation = tables.coding.quantisation;
+    const auto put = [&](int16_t value) {
+        block[block_place[static_cast<size_t>(k)]] =
+            shift16(wrap16(quantisation[k] * value), shift);
+        last = k++;
+    };
+    while (k <= end) {
+        if (!refill(bits))
+            return false;
+        LookupEntry entry = (*tables.ac)[bits.peek(lookup_bits)];
+        if (has_ac_value(entry)) {
+            bits.drop(entry_length(entry));
+            k += static_cast<int32_t>(entry_run(entry));
+            if (k > 63)
+                return false;
+            put(entry_value(entry));
+            continue;
+        }
+        if (entry == 0) {
+            entry = walk_code(bits, *tables.coding.ac, ac_row);
+            if (entry == 0)
+                return false;
+        }
+        bits.drop(entry_length(entry));
+        const uint32_t run = entry_run(entry);
+        switch (entry_kind(entry)) {
+        case EntryKind::value: {
+            const uint32_t size = entry_ac_size(entry);
+            k += static_cast<int32_t>(run);
+            if (k > 63 || !refill_for_value(bits))
+                return false;
+            put(extend(bits.take(size), size));
+            break;
+        }
+        case EntryKind::end_of_block:
+            return true;
+        case EntryKind::end_of_band:
+            if (eob_run == nullptr || !refill_for_value(bits))
+                return false;
+            *eob_run = static_cast<int32_t>((1u << run) + bits.take(run) - 1);
+            return true;
+        case EntryKind::run_of_16:
+            k += 16;
+            break;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+FastReader::FastReader(DecodeState& state)
+    : state_(state), end_(state.input.bytes + state.input.size) {
+    enter();
+}
+
+FastReader::Tables FastReader::tables_of(uint32_t dc, uint32_t ac, const BlockCoding& coding) {
+    Lookup& dc_lookup = state_.dc_lookups[dc];
+    Lookup& ac_lookup = state_.ac_lookups[ac];
+    dc_lookup.prepare_dc(state_.dc_tables[dc]);
+    ac_lookup.prepare_ac(state_.ac_tables[ac]);
+    return {&dc_lookup, &ac_lookup, coding};
+}
+
+void FastReader::enter() {
+    const EntropyState& entropy = state_.entropy;
+    entered_ = state_.input.bytes + state_.input.position;
+    entered_byte_ = entropy.current;
+    moved_ = false;
+    usable_ = !entropy.pending_ff && state_.scan.refined_from == 0;
+    const uint32_t used = static_cast<uint32_t>(entropy.bit_position);
+    bits_.count = 8 - used;
+    bits_.word = used == 8 ? 0
+                           : static_cast<BitBuffer::Word>(entropy.current)
+                                 << (BitBuffer::width - 8 + used);
+    bits_.next = entered_;
+}
+
+// Gives back the bytes of which no bit has been taken. The last bit taken lies in the current byte.
+void FastReader::leave() {
+    if (!moved_)
+        return;
+    const auto before = [this](const uint8_t* at) {
+        return at - (at[-1] == 0 && at - entered_ > 1 && at[-2] == 0xFF ? 2 : 1);
+    };
+    const uint8_t* next = bits_.next;
+    for (uint32_t unread = bits_.count / 8; unread != 0; --unread)
+        next = before(next);
+    EntropyState& entropy = state_.entropy;
+    entropy.bit_position = static_cast<int32_t>(8 - bits_.count % 8);
+    entropy.current = next == entered_ ? entered_byte_ : *before(next);
+    state_.input.position = static_cast<size_t>(next - state_.input.bytes);
+    moved_ = false;
+}
+
+bool FastReader::may_read(const BitBuffer& bits) const {
+    return end_ - bits.next >= longest_block;
+}
+
+bool FastReader::read_mcu(const Tables* const* tables, int32_t count, Block* blocks,
+                          uint8_t* last) {
+    EntropyState& entropy = state_.entropy;
+    const Scan& scan = state_.scan;
+    if (!usable_ || scan.spectral_start != 0 || scan.spectral_end != 63 || scan.shift != 0 ||
+        entropy.eob_run != 0)
+        return false;
+    BitBuffer bits = bits_;
+    int16_t predictors[3];
+    std::copy(std::begin(entropy.predictor), std::end(entropy.predictor), predictors);
+    for (int32_t i = 0; i < count; ++i) {
+        int32_t highest = 0;
+        if (!may_read(bits) || !read_dc(bits, *tables[i], 0, blocks[i]) ||
+            !read_ac(bits, *tables[i], 1, 63, 0, blocks[i], highest, nullptr)) {
+            std::copy(std::begin(predictors), std::end(predictors), entropy.predictor);
+            std::memset(blocks, 0, static_cast<size_t>(count) * sizeof(Block));
+            return false;
+        }
+        last[i] = static_cast<uint8_t>(highest);
+    }
+    entropy.first_block = count == 1;
+    bits_ = bits;
+    moved_ = true;
+    return true;
+}
+
+bool FastReader::read_block(const Tables& tables, Block& block) {
+    const Scan& scan = state_.scan;
+    EntropyState& entropy = state_.entropy;
+    const bool with_dc = scan.spectral_start == 0;
+    if (!with_dc && entropy.eob_run > 0) {
+        --entropy.eob_run;
+        return true;
+    }
+    if (!usable_ || !may_read(bits_) || with_dc != (scan.spectral_end == 0))
+        return false;
+    BitBuffer bits = bits_;
+    if (with_dc) {
+        const int16_t predictor = *tables.coding.predictor;
+        if (!read_dc(bits, tables, scan.shift, block)) {
+            *tables.coding.predictor = predictor;
+            return false;
+        }
+    } else {
+        int32_t highest = 0;
+        if (!read_ac(bits, tables, scan.spectral_start, scan.spectral_end, scan.shift, block,
+                     highest, &entropy.eob_run))
+            return false;
+    }
+    bits_ = bits;
+    moved_ = true;
+    return true;
+}
+
+} // namespace kirvo
