@@ -2,6 +2,7 @@
 #include "jpeg/decode_fast.hpp"
 #include "jpeg/decode_scan.hpp"
 
+#include <algorithm>
 #include <cstring>
 
 namespace kirvo {
@@ -32,7 +33,7 @@ class McuReader {
         if (!may_go_on(state_))
             return Step::starved();
         const Status status = read_carefully(blocks);
-        std::memset(last, 63, static_cast<size_t>(blocks_));
+        std::fill_n(last, blocks_, uint8_t{63});
         fast_.enter();
         return status == Status::ok ? Step::finished() : Step::failure(status);
     }

@@ -5,15 +5,21 @@
 
 namespace kirvo {
 
-// 64 coefficients, column by column: the inverse transform wants the coefficients of one horizontal
-// frequency side by side.
+// 64 coefficients as the inverse transform wants them. It multiplies and adds the frequencies in the
+// pairs 0 and 4, 2 and 6, 1 and 3, 5 and 7: for each such pair of horizontal frequencies stand the
+// pairs of coefficients of the eight vertical frequencies, these in the same order.
 using Block = int16_t[64];
+
+constexpr size_t block_place_of(size_t vertical, size_t horizontal) {
+    constexpr uint8_t rank[8] = {0, 4, 2, 5, 1, 6, 3, 7};
+    return rank[horizontal] / 2 * 16 + rank[vertical] * 2 + rank[horizontal] % 2;
+}
 
 // Place in a Block of each zigzag position.
 inline constexpr std::array<uint8_t, 64> block_place = [] {
     std::array<uint8_t, 64> places = {};
     for (size_t k = 0; k < places.size(); ++k)
-        places[k] = static_cast<uint8_t>(zigzag[k] % 8 * 8 + zigzag[k] / 8);
+        places[k] = static_cast<uint8_t>(block_place_of(zigzag[k] / 8, zigzag[k] % 8));
     return places;
 }();
 

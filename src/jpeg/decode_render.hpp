@@ -23,14 +23,18 @@ class Renderer {
     void render(int32_t mcu, int32_t count, const Block* blocks, const uint8_t* last);
 
   private:
-    void transform(const Block& block, int32_t last, int32_t component, int32_t x, int32_t y);
-    void write_row(int32_t row, uint8_t* bgr, size_t pixels) const;
+    void transform(const Block* blocks, const uint8_t* last, int32_t count);
+    void find_terms();
+    void write_row(int32_t row, uint8_t* bgr, size_t pixels);
+    ChromaTerms terms_of(int32_t row);
 
     const Layout& layout_;
     const int32_t width_, height_, mcus_across_;
+    const int32_t chroma_height_; // of an MCU
     const Rows rows_;
-    const DecodeRows kernels_;
-    alignas(64) int16_t samples_[3][16 * group_width];
+    const DecodeRows& kernels_;
+    alignas(64) int16_t samples_[3][16 * group_width]; // rows of group_width
+    alignas(64) int16_t terms_[3][16 * group_width];
 };
 
 } // namespace kirvo

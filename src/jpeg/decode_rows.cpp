@@ -1,6 +1,7 @@
 #include "jpeg/decode_rows.hpp"
 
 #include "core/cpu.hpp"
+#include "jpeg/decode_block.hpp"
 
 #include <algorithm>
 
@@ -8,7 +9,7 @@ namespace kirvo {
 
 namespace {
 
-// cos(k * pi / 16) * 2^15, with the gain of 1 / sqrt(2) for k = 0, where the input is the mean.
+// cos(k * pi / 16) * 2^15; for k = 0, the mean, cos(pi / 4).
 constexpr int32_t cosines[8] = {23169, 32137, 30272, 27244, 23169, 18204, 12539, 6392};
 
 // The factor of input u in output x.
@@ -43,11 +44,11 @@ int32_t weighted_sum(const int16_t* input, const int32_t* weights, int32_t scale
 
 void inverse_dct(const int16_t* block, int32_t, int16_t* samples, ptrdiff_t stride) {
     int16_t columns[8][8]; // after the pass over the rows
-    for (int32_t row = 0; row < 8; ++row) {
+    for (size_t row = 0; row < 8; ++row) {
         int16_t input[8];
-        for (int32_t u = 0; u < 8; ++u)
-            input[u] = block[u * 8 + row];
-        for (int32_t x = 0; x < 8; ++x)
+        for (size_t u = 0; u < 8; ++u)
+            input[u] = block[block_place_of(row, u)];
+        for (size_t x = 0; x < 8; ++x)
             columns[x][row] = static_cast<int16_t>(weighted_sum(input, factors.of[x], 8) >> 16);
     }
     for (int32_t y = 0; y < 8; ++y) {
@@ -59,35 +60,45 @@ void inverse_dct(const int16_t* block, int32_t, int16_t* samples, ptrdiff_t stri
     }
 }
 
-uint8_t clamp8(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
-
-void put_pixel(uint8_t* bgr, int32_t y, int32_t cb, int32_t cr) {
-    const int32_t t = (y + 128) * 65536;
-    bgr[0] = clamp8((t + 115999 * cb) >> 16);
-    bgr[1] = clamp8((t - 22525 * cb - 46812 * cr) >> 16);
-    bgr[2] = clamp8((t + 91881 * cr) >> 16);
+// Luma times 65536 changes nothing below the point, so what the chroma adds can be rounded alone.
+void chroma_terms(const int16_t* cb, const int16_t* cr, ChromaTerms terms, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        terms.blue[i] = static_cast<int16_t>(128 + (115999 * cb[i] >> 16));
+        terms.green[i] = static_cast<int16_t>(128 + ((-22525 * cb[i] - 46812 * cr[i]) >> 16));
+        terms.red[i] = static_cast<int16_t>(128 + (91881 * cr[i] >> 16));
+    }
 }
+
+uint8_t clamp8(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
 
 void grey(const int16_t* y, uint8_t* bgr, size_t count) {
     for (size_t i = 0; i < count; ++i)
         bgr[3 * i] = bgr[3 * i + 1] = bgr[3 * i + 2] = clamp8(y[i] + 128);
 }
 
-void colour(const int16_t* y, const int16_t* cb, const int16_t* cr, uint8_t* bgr, size_t count) {
-    for (size_t i = 0; i < count; ++i)
-        put_pixel(bgr + 3 * i, y[i], cb[i], cr[i]);
-}
-
-void colour_wide(const int16_t* y, const int16_t* cb, const int16_t* cr, uint8_t* bgr,
-                 size_t count) {
-    for (size_t i = 0; i < count; ++i)
-        put_pixel(bgr + 3 * i, y[i], cb[i / 2], cr[i / 2]);
+template <size_t pixels_per_term>
+void colour(const int16_t* y, ChromaTerms terms, uint8_t* bgr, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const size_t term = i / pixels_per_term;
+        bgr[3 * i] = clamp8(y[i] + terms.blue[term]);
+        bgr[3 * i + 1] = clamp8(y[i] + terms.green[term]);
+        bgr[3 * i + 2] = clamp8(y[i] + terms.red[term]);
+    }
 }
 
 } // namespace
 
-DecodeRows decode_rows_scalar() { return {inverse_dct, grey, colour, colour_wide}; }
+const DecodeRows decode_rows_scalar = {inverse_dct, chroma_terms, grey, colour<1>, colour<2>};
 
-DecodeRows decode_rows() { return decode_rows_scalar(); }
+const DecodeRows& decode_rows() {
+    switch (cpu_level()) {
+    case CpuLevel::scalar:
+        return decode_rows_scalar;
+    case CpuLevel::sse2:
+        return sse2::decode_rows;
+    default:
+        return avx2::decode_rows;
+    }
+}
 
 } // namespace kirvo

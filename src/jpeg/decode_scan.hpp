@@ -26,11 +26,6 @@ inline bool may_go_on(const DecodeState& state) {
 // The image is complete.
 Step finish_picture(DecodeState& state);
 
-// Which of component 1, Cb, Cr block i of an MCU belongs to: 0, 1, 2.
-inline int32_t component_of(const Layout& layout, int32_t i) {
-    return i < layout.luma_blocks ? 0 : 1 + (i - layout.luma_blocks) / layout.chroma_blocks;
-}
-
 // What decodes the blocks of a component with the given tables, dequantised as component id.
 inline BlockCoding coding_of(DecodeState& state, int32_t component, uint32_t id, uint32_t dc,
                              uint32_t ac) {

@@ -32,6 +32,11 @@ struct Layout {
     int32_t chroma_across() const { return chroma_sampling >> 4; }
 };
 
+// Which of component 1, Cb, Cr block i of an MCU belongs to: 0, 1, 2.
+inline int32_t component_of(const Layout& layout, int32_t i) {
+    return i < layout.luma_blocks ? 0 : 1 + (i - layout.luma_blocks) / layout.chroma_blocks;
+}
+
 extern const Layout grey_layout;
 extern const Layout colour_layouts[6];
 constexpr int32_t most_blocks = 8;
