@@ -29,9 +29,11 @@ constexpr int16_t shift16(int16_t value, int32_t count) {
     return static_cast<int16_t>(static_cast<uint32_t>(value) << count);
 }
 
-// The value that the s bits v stand for; T.81, F.2.2.1. s is 1 to 16.
+// The value that the s bits v stand for; T.81, F.2.2.1. s is 1 to 16. Signs are random, so there is
+// no branch.
 constexpr int16_t extend(uint32_t v, uint32_t s) {
-    return static_cast<int16_t>(v >> (s - 1) != 0 ? v : v - ((1u << s) - 1));
+    const uint32_t negative = (v >> (s - 1)) - 1; // all ones or 0
+    return static_cast<int16_t>(v - (((1u << s) - 1) & negative));
 }
 
 } // namespace kirvo

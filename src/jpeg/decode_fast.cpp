@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#define ALWAYS_INLINE [[gnu::always_inline]] inline
+
 namespace kirvo {
 
 namespace {
@@ -29,34 +31,37 @@ bool may_hold_ff(Half value) {
     return (static_cast<Half>(~value - ones) & value & highs) != 0;
 }
 
-// A byte at a time up to a marker or a fill byte.
-[[gnu::noinline]] bool refill_bytes(BitBuffer& bits) {
+// A byte at a time up to a marker or a fill byte. By value, so that the fast path can keep its
+// buffer in registers.
+[[gnu::noinline]] BitBuffer refill_bytes(BitBuffer bits) {
     while (bits.count <= BitBuffer::width - 8) {
         const uint8_t byte = bits.next[0];
         if (byte == 0xFF && bits.next[1] != 0)
-            return bits.count >= BitBuffer::half;
+            break;
         bits.next += byte == 0xFF ? 2 : 1;
         bits.word |= BitBuffer::Word{byte} << (BitBuffer::width - 8 - bits.count);
         bits.count += 8;
     }
-    return true;
+    return bits;
 }
 
 // Makes half a word of bits available, a symbol and its value on 64 bits, one of them on 32. False
 // when the data ends before that.
-inline bool refill(BitBuffer& bits) {
+ALWAYS_INLINE bool refill(BitBuffer& bits) {
     if (bits.count >= BitBuffer::half)
         return true;
     const Half ahead = load_big_endian(bits.next);
-    if (may_hold_ff(ahead))
-        return refill_bytes(bits);
+    if (may_hold_ff(ahead)) {
+        bits = refill_bytes(bits);
+        return bits.count >= BitBuffer::half;
+    }
     bits.word |= BitBuffer::Word{ahead} << (BitBuffer::half - bits.count);
     bits.count += BitBuffer::half;
     bits.next += sizeof ahead;
     return true;
 }
 
-inline bool refill_for_value(BitBuffer& bits) { return wide_word || refill(bits); }
+ALWAYS_INLINE bool refill_for_value(BitBuffer& bits) { return wide_word || refill(bits); }
 
 // A code that the lookup does not tell: longer, or none.
 [[gnu::noinline]] LookupEntry walk_code(BitBuffer bits, const DecodeTable& table, int32_t row) {
@@ -75,7 +80,7 @@ inline bool refill_for_value(BitBuffer& bits) { return wide_word || refill(bits)
     return 0;
 }
 
-inline bool read_dc(BitBuffer& bits, const FastReader::Tables& tables, int32_t shift,
+ALWAYS_INLINE bool read_dc(BitBuffer& bits, const FastReader::Tables& tables, int32_t shift,
                     int16_t* block) {
     if (!refill(bits))
         return false;
@@ -99,10 +104,10 @@ inline bool read_dc(BitBuffer& bits, const FastReader::Tables& tables, int32_t s
 }
 
 // Coefficients k to end. Where bands may end, eob_run tells for how many blocks more.
-inline bool read_ac(BitBuffer& bits, const FastReader::Tables& tables, int32_t k, int32_t end,
+ALWAYS_INLINE bool read_ac(BitBuffer& bits, const FastReader::Tables& tables, int32_t k, int32_t end,
                     int32_t shift, int16_t* block, int32_t& last, int32_t* eob_run) {
     const uint16_t* quantisation = tables.coding.quantisation;
-    const auto put = [&](int16_t value) {
+    const auto put = [&](int16_t value) __attribute__((always_inline)) {
         block[block_place[static_cast<size_t>(k)]] =
             shift16(wrap16(quantisation[k] * value), shift);
         last = k++;

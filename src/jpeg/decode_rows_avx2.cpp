@@ -23,7 +23,7 @@ __m256i madd(__m256i a, __m256i b) { return _mm256_madd_epi16(a, b); }
 
 // Eight one-dimensional transforms side by side. in: the pairs of inputs 0 and 4, 2 and 6, 1 and 3,
 // 5 and 7; out: the sums of outputs 0 to 7, bias added.
-void transform(const __m256i in[4], __m256i bias, __m256i out[8]) {
+[[gnu::always_inline]] inline void transform(const __m256i in[4], __m256i bias, __m256i out[8]) {
     const __m256i sum04 = add(madd(in[0], pair(c4, c4)), bias);
     const __m256i difference04 = add(madd(in[0], pair(c4, -c4)), bias);
     const __m256i sum26 = madd(in[1], pair(c2, c6));
@@ -36,6 +36,7 @@ void transform(const __m256i in[4], __m256i bias, __m256i out[8]) {
         add(madd(in[2], pair(c5, -c1)), madd(in[3], pair(c7, c3))),
         add(madd(in[2], pair(c7, -c5)), madd(in[3], pair(c3, -c1))),
     };
+#pragma GCC unroll 8
     for (int i = 0; i < 4; ++i) {
         out[i] = add(even[i], odd[i]);
         out[7 - i] = sub(even[i], odd[i]);
@@ -49,13 +50,15 @@ __m256i shuffle_words(__m256i a, __m256i b, int odd) {
 }
 
 // Sums of the first pass, one vector for each column, to the pairs of the second.
-void turn(const __m256i sums[8], __m256i pairs[4]) {
+[[gnu::always_inline]] inline void turn(const __m256i sums[8], __m256i pairs[4]) {
     __m256i columns[4]; // two columns each: pairs 0 and 1 below, 2 and 3 above
+#pragma GCC unroll 8
     for (int i = 0; i < 4; ++i) {
         const __m256i first = _mm256_srai_epi32(_mm256_slli_epi32(sums[2 * i], 3), 16);
         const __m256i second = _mm256_srai_epi32(_mm256_slli_epi32(sums[2 * i + 1], 3), 16);
         columns[i] = _mm256_packs_epi32(first, second);
     }
+#pragma GCC unroll 8
     for (int odd = 0; odd < 2; ++odd) {
         const __m256i left = shuffle_words(columns[0], columns[1], odd);
         const __m256i right = shuffle_words(columns[2], columns[3], odd);
@@ -64,7 +67,8 @@ void turn(const __m256i sums[8], __m256i pairs[4]) {
     }
 }
 
-void store_rows(const __m256i sums[8], int16_t* samples, ptrdiff_t stride) {
+[[gnu::always_inline]] inline void store_rows(const __m256i sums[8], int16_t* samples, ptrdiff_t stride) {
+#pragma GCC unroll 8
     for (int y = 0; y < 8; y += 2) {
         const __m256i both = _mm256_permute4x64_epi64(
             _mm256_packs_epi32(_mm256_srai_epi32(sums[y], 19), _mm256_srai_epi32(sums[y + 1], 19)),
@@ -79,6 +83,7 @@ void store_rows(const __m256i sums[8], int16_t* samples, ptrdiff_t stride) {
 void flat(int16_t mean, int16_t* samples, ptrdiff_t stride) {
     const auto row = static_cast<int16_t>(static_cast<uint32_t>(mean * c4) << 3 >> 16);
     const __m128i eight = _mm_set1_epi16(static_cast<int16_t>((row * c4 + (1 << 18)) >> 19));
+#pragma GCC unroll 8
     for (int y = 0; y < 8; ++y)
         _mm_storeu_si128(reinterpret_cast<__m128i*>(samples + y * stride), eight);
 }
@@ -89,6 +94,7 @@ void inverse_dct(const int16_t* block, int32_t last, int16_t* samples, ptrdiff_t
         return;
     }
     __m256i pairs[4], sums[8];
+#pragma GCC unroll 8
     for (int i = 0; i < 4; ++i)
         pairs[i] = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(block) + i);
     transform(pairs, _mm256_setzero_si256(), sums);
@@ -147,23 +153,35 @@ __m256i channel(const Samples& y, const Samples& terms) {
                                _mm256_add_epi16(y.second, terms.second));
 }
 
-// Bytes 16 * part on of the 48 that 16 pixels take: where those of one channel come from.
-__m256i places(int part, int channel) {
-    alignas(16) int8_t from[16];
-    for (int i = 0; i < 16; ++i) {
-        const int byte = 16 * part + i;
-        from[i] = byte % 3 == channel ? static_cast<int8_t>(byte / 3) : int8_t{-1};
+// For each part of the 48 bytes that 16 pixels take, where those of one channel come from.
+struct Places {
+    alignas(32) int8_t from[3][3][32];
+};
+
+constexpr Places places = [] {
+    Places table = {};
+    for (int part = 0; part < 3; ++part) {
+        for (int channel = 0; channel < 3; ++channel) {
+            for (int i = 0; i < 32; ++i) {
+                const int byte = 16 * part + i % 16;
+                table.from[part][channel][i] =
+                    byte % 3 == channel ? static_cast<int8_t>(byte / 3) : int8_t{-1};
+            }
+        }
     }
-    return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(from)));
+    return table;
+}();
+
+inline __m256i placed(__m256i values, int part, int channel) {
+    return _mm256_shuffle_epi8(values, *reinterpret_cast<const __m256i*>(places.from[part][channel]));
 }
 
 // 32 pixels of three channels, 16 in each half of the vectors.
-void store_pixels(__m256i blue, __m256i green, __m256i red, uint8_t* bgr) {
+[[gnu::always_inline]] inline void store_pixels(__m256i blue, __m256i green, __m256i red, uint8_t* bgr) {
+#pragma GCC unroll 3
     for (int part = 0; part < 3; ++part) {
-        const __m256i bytes =
-            _mm256_or_si256(_mm256_or_si256(_mm256_shuffle_epi8(blue, places(part, 0)),
-                                            _mm256_shuffle_epi8(green, places(part, 1))),
-                            _mm256_shuffle_epi8(red, places(part, 2)));
+        const __m256i bytes = _mm256_or_si256(
+            _mm256_or_si256(placed(blue, part, 0), placed(green, part, 1)), placed(red, part, 2));
         auto* to = reinterpret_cast<__m128i*>(bgr) + part;
         _mm_storeu_si128(to, _mm256_castsi256_si128(bytes));
         _mm_storeu_si128(to + 3, _mm256_extracti128_si256(bytes, 1));
@@ -174,7 +192,7 @@ constexpr size_t step = 32;
 
 // Whole steps straight into the row, the last pixels by way of a buffer.
 template <typename Convert>
-void for_steps(uint8_t* bgr, size_t count, const Convert& convert) {
+[[gnu::always_inline]] inline void for_steps(uint8_t* bgr, size_t count, const Convert& convert) {
     size_t i = 0;
     for (; i + step <= count; i += step)
         convert(i, bgr + 3 * i);

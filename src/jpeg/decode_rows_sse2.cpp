@@ -23,7 +23,7 @@ __m128i madd(__m128i a, __m128i b) { return _mm_madd_epi16(a, b); }
 
 // Four one-dimensional transforms side by side. in: the pairs of inputs 0 and 4, 2 and 6, 1 and 3,
 // 5 and 7; out: the sums of outputs 0 to 7, bias added.
-void transform(const __m128i in[4], __m128i bias, __m128i out[8]) {
+[[gnu::always_inline]] inline void transform(const __m128i in[4], __m128i bias, __m128i out[8]) {
     const __m128i sum04 = add(madd(in[0], pair(c4, c4)), bias);
     const __m128i difference04 = add(madd(in[0], pair(c4, -c4)), bias);
     const __m128i sum26 = madd(in[1], pair(c2, c6));
@@ -36,6 +36,7 @@ void transform(const __m128i in[4], __m128i bias, __m128i out[8]) {
         add(madd(in[2], pair(c5, -c1)), madd(in[3], pair(c7, c3))),
         add(madd(in[2], pair(c7, -c5)), madd(in[3], pair(c3, -c1))),
     };
+#pragma GCC unroll 8
     for (int i = 0; i < 4; ++i) {
         out[i] = add(even[i], odd[i]);
         out[7 - i] = sub(even[i], odd[i]);
@@ -43,11 +44,13 @@ void transform(const __m128i in[4], __m128i bias, __m128i out[8]) {
 }
 
 // Sums of four rows by columns to two of the pairs of the second pass, columns 0 to 3 and 4 to 7.
-void turn(const __m128i sums[8], __m128i pairs[2][2]) {
+[[gnu::always_inline]] inline void turn(const __m128i sums[8], __m128i pairs[2][2]) {
     __m128i columns[4]; // two columns each: both pairs of one, then of the other
+#pragma GCC unroll 8
     for (int i = 0; i < 4; ++i)
         columns[i] = _mm_packs_epi32(_mm_srai_epi32(_mm_slli_epi32(sums[2 * i], 3), 16),
                                      _mm_srai_epi32(_mm_slli_epi32(sums[2 * i + 1], 3), 16));
+#pragma GCC unroll 8
     for (int half = 0; half < 2; ++half) {
         const __m128 left = _mm_castsi128_ps(columns[2 * half]);
         const __m128 right = _mm_castsi128_ps(columns[2 * half + 1]);
@@ -59,6 +62,7 @@ void turn(const __m128i sums[8], __m128i pairs[2][2]) {
 void flat(int16_t mean, int16_t* samples, ptrdiff_t stride) {
     const auto row = static_cast<int16_t>(static_cast<uint32_t>(mean * c4) << 3 >> 16);
     const __m128i eight = _mm_set1_epi16(static_cast<int16_t>((row * c4 + (1 << 18)) >> 19));
+#pragma GCC unroll 8
     for (int y = 0; y < 8; ++y)
         store(samples + y * stride, eight);
 }
@@ -69,18 +73,22 @@ void inverse_dct(const int16_t* block, int32_t last, int16_t* samples, ptrdiff_t
         return;
     }
     __m128i pairs[4][2]; // of vertical frequencies; columns 0 to 3 and 4 to 7
+#pragma GCC unroll 8
     for (int half = 0; half < 2; ++half) {
         __m128i in[4], sums[8];
+#pragma GCC unroll 8
         for (int i = 0; i < 4; ++i)
             in[i] = load(block + 16 * i + 8 * half);
         transform(in, _mm_setzero_si128(), sums);
         turn(sums, &pairs[2 * half]);
     }
     __m128i left[8], right[8];
+#pragma GCC unroll 8
     for (int half = 0; half < 2; ++half) {
         const __m128i in[4] = {pairs[0][half], pairs[1][half], pairs[2][half], pairs[3][half]};
         transform(in, _mm_set1_epi32(1 << 18), half == 0 ? left : right);
     }
+#pragma GCC unroll 8
     for (int y = 0; y < 8; ++y)
         store(samples + y * stride,
               _mm_packs_epi32(_mm_srai_epi32(left[y], 19), _mm_srai_epi32(right[y], 19)));
@@ -115,11 +123,12 @@ __m128i close_up(__m128i pixels) {
 }
 
 // 16 pixels of three channels.
-void store_pixels(__m128i blue, __m128i green, __m128i red, uint8_t* bgr) {
+[[gnu::always_inline]] inline void store_pixels(__m128i blue, __m128i green, __m128i red, uint8_t* bgr) {
     const __m128i zero = _mm_setzero_si128();
     const __m128i blue_green[2] = {_mm_unpacklo_epi8(blue, green), _mm_unpackhi_epi8(blue, green)};
     const __m128i red_zero[2] = {_mm_unpacklo_epi8(red, zero), _mm_unpackhi_epi8(red, zero)};
     __m128i twelve[4];
+#pragma GCC unroll 8
     for (int i = 0; i < 2; ++i) {
         twelve[2 * i] = close_up(_mm_unpacklo_epi16(blue_green[i], red_zero[i]));
         twelve[2 * i + 1] = close_up(_mm_unpackhi_epi16(blue_green[i], red_zero[i]));
@@ -153,7 +162,7 @@ constexpr size_t step = 16;
 
 // Whole steps straight into the row, the last pixels by way of a buffer.
 template <typename Convert>
-void for_steps(uint8_t* bgr, size_t count, const Convert& convert) {
+[[gnu::always_inline]] inline void for_steps(uint8_t* bgr, size_t count, const Convert& convert) {
     size_t i = 0;
     for (; i + step <= count; i += step)
         convert(i, bgr + 3 * i);
