@@ -110,7 +110,18 @@ Status DibCheckRect8_24_32(const LockedDib& dib, const Rect& rect, RowStart star
                         start);
 }
 
-OwnedBlock new_dib(int64_t width, int64_t height, int32_t bits) {
+namespace {
+
+void clear_padding(uint8_t* rows, int64_t width, int64_t height, int32_t bits) {
+    const auto stride = static_cast<size_t>(row_stride(width, bits));
+    const auto used = static_cast<size_t>(row_bytes(width, bits));
+    for (int64_t row = 0; used != stride && row < height; ++row)
+        std::memset(rows + static_cast<size_t>(row) * stride + used, 0, stride - used);
+}
+
+} // namespace
+
+OwnedBlock new_dib(int64_t width, int64_t height, int32_t bits, Content content) {
     if (width < 1 || width > INT32_MAX || height < 1 || height > INT32_MAX || !is_depth(bits))
         return {};
     const bool masked = bits == 16 || bits == 32;
@@ -119,10 +130,15 @@ OwnedBlock new_dib(int64_t width, int64_t height, int32_t bits) {
     if (static_cast<uint64_t>(height) > max_block_bytes / stride)
         return {};
     const uint64_t image = stride * static_cast<uint64_t>(height);
-    OwnedBlock block(allocate_block(info_header_bytes + colour_part + image));
+    OwnedBlock block(allocate_block(info_header_bytes + colour_part + image, content));
     const LockedBlock lock(block.get());
     if (!lock)
         return {};
+    uint8_t* rows = lock.data() + info_header_bytes + colour_part;
+    if (content == Content::any) {
+        std::memset(lock.data(), 0, info_header_bytes + colour_part);
+        clear_padding(rows, width, height, bits);
+    }
     BITMAPINFOHEADER header = {};
     header.biSize = info_header_bytes;
     header.biWidth = static_cast<LONG>(width);

@@ -115,7 +115,8 @@ bool well_formed(const Rect& rect);
 bool inside(const Rect& rect, const LockedDib& dib);
 
 // A new image: zero apart from its header. Null when its size or depth is bad or there is no
-// memory. What it owns is freed unless released.
-OwnedBlock new_dib(int64_t width, int64_t height, int32_t bits);
+// memory. What it owns is freed unless released. With Content::any its pixels may be anything (not
+// the colour part, nor the padding of rows): that is for operations that write all of them.
+OwnedBlock new_dib(int64_t width, int64_t height, int32_t bits, Content content = Content::zero);
 
 } // namespace kirvo

@@ -7,9 +7,12 @@ namespace kirvo {
 
 constexpr uint64_t max_block_bytes = INT32_MAX;
 
-// A zeroed movable block; null when it cannot be had or would exceed max_block_bytes. Every block
-// that the library makes comes from here.
-HGLOBAL allocate_block(uint64_t bytes);
+// What a new block holds: zero, or anything (for a result of which every byte will be written).
+enum class Content { zero, any };
+
+// A movable block; null when it cannot be had or would exceed max_block_bytes. Every block that the
+// library makes comes from here.
+HGLOBAL allocate_block(uint64_t bytes, Content content = Content::zero);
 
 // For tests: makes the n-th allocation from now (1 is the next) fail once; 0 switches off.
 void fail_allocation(uint32_t n);

@@ -9,7 +9,7 @@ bool DecodeInput::append(const uint8_t* more, size_t count) {
     const size_t kept = remaining();
     OwnedBlock joined;
     if (uint64_t{kept} + count != 0) {
-        joined = OwnedBlock(allocate_block(uint64_t{kept} + count));
+        joined = OwnedBlock(allocate_block(uint64_t{kept} + count, Content::any));
         if (!joined)
             return false;
         const LockedBlock to(joined.get());

@@ -1,25 +1,19 @@
 #include "jpeg/decode_scan.hpp"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 namespace kirvo {
 
 namespace {
 
+// Every pixel of it will be written. The size of the rows is not stated.
 OwnedBlock make_image(const Frame& frame) {
-    const auto stride = static_cast<uint64_t>(row_stride(frame.width, 24));
-    OwnedBlock block(
-        allocate_block(info_header_bytes + stride * static_cast<uint64_t>(frame.height)));
-    const LockedBlock lock(block.get());
-    if (lock) {
-        BITMAPINFOHEADER header = {};
-        header.biSize = info_header_bytes;
-        header.biWidth = frame.width;
-        header.biHeight = frame.height;
-        header.biPlanes = 1;
-        header.biBitCount = 24;
-        std::memcpy(lock.data(), &header, sizeof header);
+    OwnedBlock block = new_dib(frame.width, frame.height, 24, Content::any);
+    if (const LockedBlock lock(block.get()); lock) {
+        constexpr DWORD none = 0;
+        std::memcpy(lock.data() + offsetof(BITMAPINFOHEADER, biSizeImage), &none, sizeof none);
     }
     return block;
 }

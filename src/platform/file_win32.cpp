@@ -81,6 +81,10 @@ bool file_title(const char* path, char* title, uint16_t room) {
     return path != nullptr && GetFileTitleA(path, title, room) == 0;
 }
 
+HGLOBAL allocate_unfilled(SIZE_T bytes) {
+    return GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, bytes);
+}
+
 void compact_memory(uint64_t bytes) {
     if (bytes <= UINT32_MAX)
         GlobalCompact(static_cast<DWORD>(bytes));

@@ -9,12 +9,27 @@
 
 namespace kirvo {
 
+// Holds a lock for a few instructions.
+class SpinGuard {
+  public:
+    explicit SpinGuard(std::atomic_flag& flag) : flag_(flag) {
+        while (flag_.test_and_set(std::memory_order_acquire)) {
+        }
+    }
+    ~SpinGuard() { flag_.clear(std::memory_order_release); }
+    SpinGuard(const SpinGuard&) = delete;
+    SpinGuard& operator=(const SpinGuard&) = delete;
+
+  private:
+    std::atomic_flag& flag_;
+};
+
 template <typename Object>
 class HandleTable {
   public:
     // Null when the table cannot grow.
     void* add(const Object& object) {
-        Guard guard(lock_);
+        const SpinGuard guard(lock_);
         const uint32_t index = free_ != none ? free_ : used_;
         Slot* slot = free_ != none ? at(index) : grow();
         if (slot == nullptr)
@@ -29,7 +44,7 @@ class HandleTable {
     // Calls use(object) for a live handle; false for any other.
     template <typename Use>
     bool with(const void* handle, Use use) {
-        Guard guard(lock_);
+        const SpinGuard guard(lock_);
         Slot* slot = find(handle);
         if (slot == nullptr)
             return false;
@@ -39,7 +54,7 @@ class HandleTable {
 
     // Takes the object out; false for a handle that is not live.
     bool remove(const void* handle, Object& object) {
-        Guard guard(lock_);
+        const SpinGuard guard(lock_);
         Slot* slot = find(handle);
         if (slot == nullptr)
             return false;
@@ -61,20 +76,6 @@ class HandleTable {
         uint32_t generation;
         uint32_t next_free;
         bool live;
-    };
-
-    class Guard {
-      public:
-        explicit Guard(std::atomic_flag& flag) : flag_(flag) {
-            while (flag_.test_and_set(std::memory_order_acquire)) {
-            }
-        }
-        ~Guard() { flag_.clear(std::memory_order_release); }
-        Guard(const Guard&) = delete;
-        Guard& operator=(const Guard&) = delete;
-
-      private:
-        std::atomic_flag& flag_;
     };
 
     // Odd values, so that no handle looks like the address of anything aligned.

@@ -1,11 +1,15 @@
 // Movable global memory away from Windows. Every block is zeroed. Large blocks come straight from
 // the system, aligned so that it can back them with huge pages: zeroed on first touch, one page
-// fault for 2 MB instead of 512.
+// fault for 2 MB instead of 512. A few freed ones are kept for the next image of their size, since
+// fresh pages cost several times what filling them costs; the system may take them back meanwhile.
 #include "platform/handles_posix.hpp"
 #include "platform/platform.hpp"
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <sys/mman.h>
+#include <utility>
 
 namespace {
 
@@ -14,6 +18,7 @@ constexpr size_t huge_page = size_t{2} << 20;
 struct Memory {
     void* address;
     size_t mapped; // 0 when it comes from the heap
+    bool zero;
 };
 
 struct Block {
@@ -36,7 +41,7 @@ Memory map_huge(size_t bytes) {
     void* raw = mmap(nullptr, wanted + huge_page, PROT_READ | PROT_WRITE,
                      MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     if (raw == MAP_FAILED)
-        return {nullptr, 0};
+        return {nullptr, 0, true};
     const uintptr_t start = reinterpret_cast<uintptr_t>(raw);
     const uintptr_t aligned = (start + huge_page - 1) & ~uintptr_t{huge_page - 1};
     if (aligned != start)
@@ -46,20 +51,67 @@ Memory map_huge(size_t bytes) {
         munmap(reinterpret_cast<void*>(aligned + wanted), tail);
     void* address = reinterpret_cast<void*>(aligned);
     madvise(address, wanted, MADV_HUGEPAGE);
-    return {address, wanted};
+    return {address, wanted, true};
 }
 
+// Mapped memory that has been freed.
+class Spares {
+  public:
+    // Memory of this size or not much more; none when there is no such.
+    Memory take(size_t bytes) {
+        const kirvo::SpinGuard guard(lock_);
+        Memory* best = nullptr;
+        for (Memory& spare : kept_) {
+            if (spare.mapped >= bytes && spare.mapped / 2 <= bytes &&
+                (best == nullptr || spare.mapped < best->mapped))
+                best = &spare;
+        }
+        return best != nullptr ? std::exchange(*best, Memory{}) : Memory{};
+    }
+
+    void keep(Memory memory) {
+        if (memory.mapped <= largest) {
+            madvise(memory.address, memory.mapped, MADV_FREE);
+            memory.zero = false;
+            const kirvo::SpinGuard guard(lock_);
+            std::swap(memory, kept_[next_++ % count]);
+        }
+        if (memory.mapped != 0)
+            munmap(memory.address, memory.mapped);
+    }
+
+  private:
+    static constexpr size_t largest = size_t{128} << 20;
+    static constexpr uint32_t count = 4;
+
+    Memory kept_[count] = {};
+    uint32_t next_ = 0;
+    std::atomic_flag lock_ = ATOMIC_FLAG_INIT;
+};
+
+Spares spares;
+
 Memory acquire(size_t bytes) {
-    if (bytes >= mapped_from && bytes < SIZE_MAX / 2)
-        return map_huge(bytes);
-    return {std::calloc(1, bytes == 0 ? 1 : bytes), 0};
+    if (bytes < mapped_from || bytes >= SIZE_MAX / 2)
+        return {std::calloc(1, bytes == 0 ? 1 : bytes), 0, true};
+    const Memory spare = spares.take(bytes);
+    return spare.mapped != 0 ? spare : map_huge(bytes);
 }
 
 void release(const Memory& memory) {
     if (memory.mapped != 0)
-        munmap(memory.address, memory.mapped);
+        spares.keep(memory);
     else
         std::free(memory.address);
+}
+
+HGLOBAL add_block(const Memory& memory, size_t bytes) {
+    if (memory.address == nullptr)
+        return nullptr;
+    HGLOBAL handle = blocks.add({memory, bytes, 0});
+    if (handle == nullptr)
+        release(memory);
+    return handle;
 }
 
 } // namespace
@@ -68,13 +120,12 @@ HGLOBAL WINAPI GlobalAlloc(UINT flags, SIZE_T bytes) {
     if ((flags & GMEM_MOVEABLE) == 0)
         return nullptr;
     const Memory memory = acquire(bytes);
-    if (memory.address == nullptr)
-        return nullptr;
-    HGLOBAL handle = blocks.add({memory, bytes, 0});
-    if (handle == nullptr)
-        release(memory);
-    return handle;
+    if (memory.address != nullptr && !memory.zero)
+        std::memset(memory.address, 0, bytes);
+    return add_block(memory, bytes);
 }
+
+HGLOBAL kirvo::allocate_unfilled(SIZE_T bytes) { return add_block(acquire(bytes), bytes); }
 
 LPVOID WINAPI GlobalLock(HGLOBAL block) {
     void* address = nullptr;

@@ -29,6 +29,9 @@ int GetSystemMetrics(int index);
 
 namespace kirvo {
 
+// A movable block whose bytes may be anything, where the system has such a thing; else zero.
+HGLOBAL allocate_unfilled(SIZE_T bytes);
+
 // Asks the system to make room for a large block, where it knows such a thing.
 void compact_memory(uint64_t bytes);
 
