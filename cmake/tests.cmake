@@ -49,6 +49,9 @@ foreach(source IN LISTS test_sources)
     endif()
     target_sources(${program} PRIVATE ${source})
 endforeach()
+if(TARGET kirvo_tool_tests)
+    add_dependencies(kirvo_tool_tests kirvo_tool) # which they run
+endif()
 
 # Stand-ins for the external Photo CD library, one with a single function. Each lies in a folder of
 # its own, away from the programs, so that a test decides which one is there, if any.

@@ -9,11 +9,16 @@ target_link_libraries(kirvo_sample PRIVATE kirvo_scene)
 
 file(GLOB tool_sources CONFIGURE_DEPENDS tools/*.cpp)
 if(tool_sources)
-    # CLI11 is headers only. A link to its folder keeps the rest of the system's headers away from
-    # the cross compilers.
-    find_path(KIRVO_CLI11_INCLUDE CLI/CLI.hpp HINTS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+    # Libraries of headers only. Links to their folders keep the rest of the system's headers away
+    # from the cross compilers.
     file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/include)
-    file(CREATE_LINK ${KIRVO_CLI11_INCLUDE}/CLI ${PROJECT_BINARY_DIR}/include/CLI SYMBOLIC)
+    foreach(header IN ITEMS CLI/CLI.hpp nlohmann/json.hpp)
+        cmake_path(GET header PARENT_PATH folder)
+        find_path(KIRVO_${folder}_INCLUDE ${header} HINTS /usr/include NO_CMAKE_FIND_ROOT_PATH
+                  REQUIRED)
+        file(CREATE_LINK ${KIRVO_${folder}_INCLUDE}/${folder} ${PROJECT_BINARY_DIR}/include/${folder}
+             SYMBOLIC)
+    endforeach()
 
     add_executable(kirvo_tool ${tool_sources})
     set_target_properties(kirvo_tool PROPERTIES OUTPUT_NAME kirvo)

@@ -36,7 +36,7 @@ as_root() {
     if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-need_compiler() { need cmake ninja-build g++ libcli11-dev googletest "$@"; }
+need_compiler() { need cmake ninja-build g++ libcli11-dev nlohmann-json3-dev googletest "$@"; }
 
 # Gives the programs that follow a display: the caller's, or a virtual one that all scripts share
 # and that ends a few seconds after its last user. Users hold display.users shared, the process that
