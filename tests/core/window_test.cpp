@@ -2,6 +2,8 @@
 #include "support/dib_builder.hpp"
 
 #include <gtest/gtest.h>
+#include <map>
+#include <utility>
 #include <vector>
 
 using namespace kirvo_test;
@@ -180,15 +182,12 @@ enum class Menu { none, one_line, wrapping };
 
 class RealWindow {
   public:
-    RealWindow(DWORD style, Menu menu) {
-        handle_ =
-            CreateWindowExA(0, window_class(), "a picture", style | WS_VISIBLE, 40, 30, 300, 200,
-                            nullptr, make_menu(menu), GetModuleHandleA(nullptr), nullptr);
+    RealWindow(DWORD style, Menu menu) : handle_(shown(style, menu)) {
         EXPECT_NE(handle_, nullptr);
-        sizes.clear();
+        SetWindowPos(handle_, nullptr, 40, 30, 300, 200, SWP_NOZORDER);
         dispatch();
+        sizes.clear();
     }
-    ~RealWindow() { DestroyWindow(handle_); }
 
     operator HWND() const { return handle_; }
     RECT outer() const {
@@ -210,6 +209,16 @@ class RealWindow {
     static inline std::vector<SIZE> sizes; // asked for by SetWindowPos, in order
 
   private:
+    // Destroying one takes Wine two seconds where there is no window manager, so tests share them.
+    static HWND shown(DWORD style, Menu menu) {
+        static std::map<std::pair<DWORD, Menu>, HWND> windows;
+        HWND& window = windows[{style, menu}];
+        if (window == nullptr)
+            window =
+                CreateWindowExA(0, window_class(), "a picture", style | WS_VISIBLE, 40, 30, 300,
+                                200, nullptr, make_menu(menu), GetModuleHandleA(nullptr), nullptr);
+        return window;
+    }
     static const char* window_class() {
         static const bool registered = [] {
             WNDCLASSA description{};

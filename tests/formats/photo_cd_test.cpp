@@ -2,6 +2,7 @@
 #include "formats/reader.hpp"
 #include "formats/standin/photo_cd.hpp"
 
+#include <cstdlib>
 #include <filesystem>
 
 #ifndef _WIN32
@@ -293,15 +294,35 @@ TEST_F(PhotoCd, fails_at_a_function_that_the_library_lacks) {
     GlobalFree(state->image);
 }
 
-#ifdef _WIN32
-TEST(PcdRead, finds_the_library_along_the_search_path) {
-    ASSERT_FALSE(is_loaded(""));
-    const auto before = std::filesystem::current_path();
-    std::filesystem::current_path(folder_of_this_program() / "photo_cd");
+namespace {
+
+// Freshly loaded, the stand-in has no image to give.
+void expect_found_and_unloaded() {
     Read r;
     r.dib = Dib(PcdRead("photo.pcd", 3, 0, &r.width, &r.height, &r.status));
-    std::filesystem::current_path(before);
-    expect_failure(r, -3); // freshly loaded, the stand-in has no image to give
-    EXPECT_FALSE(is_loaded(""));
+    expect_failure(r, -3);
+    EXPECT_FALSE(is_loaded(stand_in_path("photo_cd")));
 }
+
+} // namespace
+
+TEST(PcdRead, finds_the_library_along_the_search_path) {
+    const std::filesystem::path folder = folder_of_this_program() / "photo_cd";
+#ifdef _WIN32
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(folder);
+    expect_found_and_unloaded();
+    std::filesystem::current_path(before);
+#else
+    const char* search_path = std::getenv("LD_LIBRARY_PATH");
+    if (search_path != nullptr && search_path == folder) {
+        expect_found_and_unloaded();
+        return;
+    }
+    // It counts from the start of a program on.
+    const std::string command = "LD_LIBRARY_PATH='" + folder.string() + "' '" +
+                                std::filesystem::read_symlink("/proc/self/exe").string() +
+                                "' --gtest_brief=1 --gtest_filter=PcdRead.finds_* > /dev/null";
+    EXPECT_EQ(std::system(command.c_str()), 0);
 #endif
+}

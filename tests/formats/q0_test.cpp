@@ -62,6 +62,13 @@ TEST(Q0Read, finds_the_companion_by_the_title) {
     expect_companion(".q0", ".IPR");
 }
 
+#ifndef _WIN32
+TEST(Q0Read, looks_for_the_extension_behind_a_backslash) {
+    expect_companion("a.b\\photo", "a.b\\photo.IPR");
+    expect_companion("a.b\\photo.q0", "a.b\\photo.IPR");
+}
+#endif
+
 TEST(Q0Read, does_not_take_a_dot_of_the_folder_for_an_extension) {
     const TempFolder folder;
     std::filesystem::create_directory(folder.path("a.b"));
