@@ -81,7 +81,7 @@ class Spares {
     }
 
   private:
-    static constexpr size_t largest = size_t{128} << 20;
+    static constexpr size_t largest = size_t{64} << 20;
     static constexpr uint32_t count = 4;
 
     Memory kept_[count] = {};
