@@ -3,7 +3,7 @@
 
 find_package(benchmark REQUIRED)
 find_package(PkgConfig REQUIRED)
-pkg_check_modules(KIRVO_PEERS REQUIRED IMPORTED_TARGET libturbojpeg GraphicsMagick)
+pkg_check_modules(KIRVO_PEERS REQUIRED IMPORTED_TARGET libturbojpeg libjpeg GraphicsMagick)
 find_path(KIRVO_OPENCV_INCLUDE opencv2/imgproc.hpp PATH_SUFFIXES opencv4 REQUIRED)
 find_library(KIRVO_OPENCV_CORE opencv_core REQUIRED)
 find_library(KIRVO_OPENCV_IMGPROC opencv_imgproc REQUIRED)

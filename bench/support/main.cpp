@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <map>
 #include <memory>
+#include <opencv2/core/utility.hpp>
 #include <string>
 #include <vector>
 
@@ -104,6 +105,8 @@ Row::Row(const char* name, std::function<Work()> prepare, double megapixels) {
 } // namespace kirvo_bench
 
 int main(int argc, char** argv) {
+    // The library works in the caller's thread, so its peers do too.
+    cv::setNumThreads(1);
     // Interleaved repetitions, so that a busy moment of the machine hits all rows alike.
     std::vector<char*> arguments{argv[0]};
     std::string defaults[] = {"--benchmark_enable_random_interleaving=true",
