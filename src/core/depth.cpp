@@ -11,7 +11,7 @@ namespace {
 constexpr Masks masks_565 = {{0xF800, 0x07E0, 0x001F}, {11, 5, 0}, {3, 2, 3}};
 
 PixelFormat target_format(int32_t bits) {
-    return {bits, bits == 16 ? masks_565 : bits == 32 ? default_masks32 : Masks{}};
+    return bits == 24 ? format24 : PixelFormat{bits, bits == 16 ? masks_565 : default_masks32};
 }
 
 // A 32-bit source is taken to carry masks even when it does not; a 16-bit one is asked.
@@ -29,10 +29,7 @@ void convert_rows(const PixelReader& from, const LockedDib& to) {
     progress.start();
     for (int32_t row = 0; row < to.height(); ++row) {
         progress.step(row, to.height());
-        if (format.bits == 24)
-            from.read(row, rows[row]);
-        else
-            pack_row(format, from.bgr(row), rows[row], from.width());
+        from.read(row, format, rows[row]);
     }
     progress.finish();
 }

@@ -15,7 +15,7 @@ PixelReader::PixelReader(const LockedDib& dib, const Rows& rows)
 const uint8_t* PixelReader::bgr(int64_t row) const {
     if (format_.bits == 24)
         return stored(row);
-    read(row, scratch_.data());
+    read(row, format24, scratch_.data());
     return scratch_.data();
 }
 

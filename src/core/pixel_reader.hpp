@@ -21,9 +21,10 @@ class PixelReader {
 
     // The row, valid until the next call; a 24-bit one where it lies.
     const uint8_t* bgr(int64_t row) const;
-    // Writes the row elsewhere.
-    void read(int64_t row, uint8_t* bgr) const { unpack_row(format_, stored(row), bgr, width_); }
-    size_t width() const { return width_; }
+    // Writes the row elsewhere, at another depth.
+    void read(int64_t row, const PixelFormat& format, uint8_t* to) const {
+        convert_row(format_, stored(row), format, to, width_);
+    }
 
   private:
     const uint8_t* stored(int64_t row) const;

@@ -21,6 +21,7 @@ void convert(const uint8_t* from, uint8_t* to, size_t count, const PixelMoves& m
 
 } // namespace
 
-const PixelRows pixel_rows_scalar = {convert<2, 3>, convert<4, 3>, convert<3, 2>, convert<3, 4>};
+const PixelRows pixel_rows_scalar = {convert<2, 3>, convert<4, 3>, convert<3, 2>,
+                                     convert<4, 2>, convert<3, 4>, convert<2, 4>};
 
 } // namespace kirvo

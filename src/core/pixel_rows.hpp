@@ -1,8 +1,8 @@
-// Row kernels between pixel words and 24-bit pixels, one set per level of the processor.
+// Row kernels between pixels of 2, 3 and 4 bytes, one set per level of the processor.
 //
-// Both ways of converting are the same operation on 32-bit words: a pixel word becomes the word
-// blue | green << 8 | red << 16, or back, by moving three bit fields. This header is plain data, so
-// that files compiled for one instruction set may include it.
+// Every conversion is the same operation on 32-bit words: a pixel word becomes another by moving
+// three bit fields. The word of a 24-bit pixel is blue | green << 8 | red << 16. This header is
+// plain data, so that files compiled for one instruction set may include it.
 #pragma once
 
 #include <cstddef>
@@ -25,8 +25,7 @@ struct PixelMoves {
 using PixelRow = void (*)(const uint8_t* from, uint8_t* to, size_t count, const PixelMoves& moves);
 
 struct PixelRows {
-    PixelRow unpack16, unpack32; // words to 24-bit pixels
-    PixelRow pack16, pack32;     // 24-bit pixels to words
+    PixelRow from16to24, from32to24, from24to16, from32to16, from24to32, from16to32;
 };
 
 extern const PixelRows pixel_rows_scalar;

@@ -37,6 +37,21 @@ __m128i load(const uint8_t* from) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
 }
 
+__m256i load_words(const uint8_t* from) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
+}
+
+void store_words(uint8_t* to, __m256i words) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), words);
+}
+
+// Eight words of which the upper halves are 0.
+void store_narrow(uint8_t* to, __m256i words) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to),
+                     _mm_packus_epi32(_mm256_castsi256_si128(words),
+                                      _mm256_extracti128_si256(words, 1)));
+}
+
 // Eight words closed up to 24 bytes.
 void store_closed(uint8_t* bgr, __m256i words) {
     const __m256i close_up = _mm256_broadcastsi128_si256(
@@ -58,40 +73,51 @@ __m256i load_spread(const uint8_t* bgr) {
     return _mm256_shuffle_epi8(bytes, spread);
 }
 
-void unpack16(const uint8_t* row, uint8_t* bgr, size_t count, const PixelMoves& moves) {
+void from16to24(const uint8_t* row, uint8_t* bgr, size_t count, const PixelMoves& moves) {
     const Moves move(moves);
     for (; count >= block; count -= block, row += 2 * block, bgr += 3 * block)
         store_closed(bgr, move(_mm256_cvtepu16_epi32(load(row))));
-    pixel_rows_scalar.unpack16(row, bgr, count, moves);
+    pixel_rows_scalar.from16to24(row, bgr, count, moves);
 }
 
-void unpack32(const uint8_t* row, uint8_t* bgr, size_t count, const PixelMoves& moves) {
+void from32to24(const uint8_t* row, uint8_t* bgr, size_t count, const PixelMoves& moves) {
     const Moves move(moves);
     for (; count >= block; count -= block, row += 4 * block, bgr += 3 * block)
-        store_closed(bgr, move(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(row))));
-    pixel_rows_scalar.unpack32(row, bgr, count, moves);
+        store_closed(bgr, move(load_words(row)));
+    pixel_rows_scalar.from32to24(row, bgr, count, moves);
 }
 
-void pack16(const uint8_t* bgr, uint8_t* row, size_t count, const PixelMoves& moves) {
+void from24to16(const uint8_t* bgr, uint8_t* row, size_t count, const PixelMoves& moves) {
     const Moves move(moves);
-    for (; count >= block; count -= block, bgr += 3 * block, row += 2 * block) {
-        const __m256i words = move(load_spread(bgr));
-        const __m128i narrow = _mm_packus_epi32(_mm256_castsi256_si128(words),
-                                                _mm256_extracti128_si256(words, 1));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(row), narrow);
-    }
-    pixel_rows_scalar.pack16(bgr, row, count, moves);
+    for (; count >= block; count -= block, bgr += 3 * block, row += 2 * block)
+        store_narrow(row, move(load_spread(bgr)));
+    pixel_rows_scalar.from24to16(bgr, row, count, moves);
 }
 
-void pack32(const uint8_t* bgr, uint8_t* row, size_t count, const PixelMoves& moves) {
+void from32to16(const uint8_t* from, uint8_t* to, size_t count, const PixelMoves& moves) {
+    const Moves move(moves);
+    for (; count >= block; count -= block, from += 4 * block, to += 2 * block)
+        store_narrow(to, move(load_words(from)));
+    pixel_rows_scalar.from32to16(from, to, count, moves);
+}
+
+void from24to32(const uint8_t* bgr, uint8_t* row, size_t count, const PixelMoves& moves) {
     const Moves move(moves);
     for (; count >= block; count -= block, bgr += 3 * block, row += 4 * block)
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(row), move(load_spread(bgr)));
-    pixel_rows_scalar.pack32(bgr, row, count, moves);
+        store_words(row, move(load_spread(bgr)));
+    pixel_rows_scalar.from24to32(bgr, row, count, moves);
+}
+
+void from16to32(const uint8_t* from, uint8_t* to, size_t count, const PixelMoves& moves) {
+    const Moves move(moves);
+    for (; count >= block; count -= block, from += 2 * block, to += 4 * block)
+        store_words(to, move(_mm256_cvtepu16_epi32(load(from))));
+    pixel_rows_scalar.from16to32(from, to, count, moves);
 }
 
 } // namespace
 
-const PixelRows pixel_rows = {unpack16, unpack32, pack16, pack32};
+const PixelRows pixel_rows = {from16to24, from32to24, from24to16,
+                              from32to16, from24to32, from16to32};
 
 } // namespace kirvo::avx2

@@ -63,7 +63,7 @@ __m512i load_spread(const uint8_t* bgr, Lanes lanes) {
                                    _mm512_maskz_loadu_epi8(lanes.bytes, bgr));
 }
 
-void unpack16(const uint8_t* row, uint8_t* bgr, size_t count, const PixelMoves& moves) {
+void from16to24(const uint8_t* row, uint8_t* bgr, size_t count, const PixelMoves& moves) {
     const Moves move(moves);
     for (size_t i = 0; i < count; i += block) {
         const Lanes lanes(count - i < block ? count - i : block);
@@ -72,7 +72,7 @@ void unpack16(const uint8_t* row, uint8_t* bgr, size_t count, const PixelMoves& 
     }
 }
 
-void unpack32(const uint8_t* row, uint8_t* bgr, size_t count, const PixelMoves& moves) {
+void from32to24(const uint8_t* row, uint8_t* bgr, size_t count, const PixelMoves& moves) {
     const Moves move(moves);
     for (size_t i = 0; i < count; i += block) {
         const Lanes lanes(count - i < block ? count - i : block);
@@ -81,7 +81,7 @@ void unpack32(const uint8_t* row, uint8_t* bgr, size_t count, const PixelMoves& 
     }
 }
 
-void pack16(const uint8_t* bgr, uint8_t* row, size_t count, const PixelMoves& moves) {
+void from24to16(const uint8_t* bgr, uint8_t* row, size_t count, const PixelMoves& moves) {
     const Moves move(moves);
     for (size_t i = 0; i < count; i += block) {
         const Lanes lanes(count - i < block ? count - i : block);
@@ -90,7 +90,16 @@ void pack16(const uint8_t* bgr, uint8_t* row, size_t count, const PixelMoves& mo
     }
 }
 
-void pack32(const uint8_t* bgr, uint8_t* row, size_t count, const PixelMoves& moves) {
+void from32to16(const uint8_t* from, uint8_t* to, size_t count, const PixelMoves& moves) {
+    const Moves move(moves);
+    for (size_t i = 0; i < count; i += block) {
+        const Lanes lanes(count - i < block ? count - i : block);
+        const __m512i words = move(_mm512_maskz_loadu_epi32(lanes.pixels, from + 4 * i));
+        _mm256_mask_storeu_epi16(to + 2 * i, lanes.pixels, _mm512_cvtepi32_epi16(words));
+    }
+}
+
+void from24to32(const uint8_t* bgr, uint8_t* row, size_t count, const PixelMoves& moves) {
     const Moves move(moves);
     for (size_t i = 0; i < count; i += block) {
         const Lanes lanes(count - i < block ? count - i : block);
@@ -99,8 +108,18 @@ void pack32(const uint8_t* bgr, uint8_t* row, size_t count, const PixelMoves& mo
     }
 }
 
+void from16to32(const uint8_t* from, uint8_t* to, size_t count, const PixelMoves& moves) {
+    const Moves move(moves);
+    for (size_t i = 0; i < count; i += block) {
+        const Lanes lanes(count - i < block ? count - i : block);
+        const __m256i words = _mm256_maskz_loadu_epi16(lanes.pixels, from + 2 * i);
+        _mm512_mask_storeu_epi32(to + 4 * i, lanes.pixels, move(_mm512_cvtepu16_epi32(words)));
+    }
+}
+
 } // namespace
 
-const PixelRows pixel_rows = {unpack16, unpack32, pack16, pack32};
+const PixelRows pixel_rows = {from16to24, from32to24, from24to16,
+                              from32to16, from24to32, from16to32};
 
 } // namespace kirvo::avx512

@@ -79,7 +79,7 @@ __m128i low_words(__m128i a, __m128i b) {
                            _mm_srai_epi32(_mm_slli_epi32(b, 16), 16));
 }
 
-void unpack16(const uint8_t* row, uint8_t* bgr, size_t count, const PixelMoves& moves) {
+void from16to24(const uint8_t* row, uint8_t* bgr, size_t count, const PixelMoves& moves) {
     const Moves move(moves);
     const __m128i zero = _mm_setzero_si128();
     for (; count >= block; count -= block, row += 2 * block, bgr += 3 * block) {
@@ -89,20 +89,20 @@ void unpack16(const uint8_t* row, uint8_t* bgr, size_t count, const PixelMoves& 
             move(_mm_unpacklo_epi16(b, zero)), move(_mm_unpackhi_epi16(b, zero))};
         store_closed(bgr, words);
     }
-    pixel_rows_scalar.unpack16(row, bgr, count, moves);
+    pixel_rows_scalar.from16to24(row, bgr, count, moves);
 }
 
-void unpack32(const uint8_t* row, uint8_t* bgr, size_t count, const PixelMoves& moves) {
+void from32to24(const uint8_t* row, uint8_t* bgr, size_t count, const PixelMoves& moves) {
     const Moves move(moves);
     for (; count >= block; count -= block, row += 4 * block, bgr += 3 * block) {
         const __m128i words[4] = {move(load(row)), move(load(row + 16)), move(load(row + 32)),
                                   move(load(row + 48))};
         store_closed(bgr, words);
     }
-    pixel_rows_scalar.unpack32(row, bgr, count, moves);
+    pixel_rows_scalar.from32to24(row, bgr, count, moves);
 }
 
-void pack16(const uint8_t* bgr, uint8_t* row, size_t count, const PixelMoves& moves) {
+void from24to16(const uint8_t* bgr, uint8_t* row, size_t count, const PixelMoves& moves) {
     const Moves move(moves);
     for (; count >= block; count -= block, bgr += 3 * block, row += 2 * block) {
         __m128i words[4];
@@ -110,10 +110,19 @@ void pack16(const uint8_t* bgr, uint8_t* row, size_t count, const PixelMoves& mo
         store(row, low_words(move(words[0]), move(words[1])));
         store(row + 16, low_words(move(words[2]), move(words[3])));
     }
-    pixel_rows_scalar.pack16(bgr, row, count, moves);
+    pixel_rows_scalar.from24to16(bgr, row, count, moves);
 }
 
-void pack32(const uint8_t* bgr, uint8_t* row, size_t count, const PixelMoves& moves) {
+void from32to16(const uint8_t* from, uint8_t* to, size_t count, const PixelMoves& moves) {
+    const Moves move(moves);
+    for (; count >= block; count -= block, from += 4 * block, to += 2 * block) {
+        store(to, low_words(move(load(from)), move(load(from + 16))));
+        store(to + 16, low_words(move(load(from + 32)), move(load(from + 48))));
+    }
+    pixel_rows_scalar.from32to16(from, to, count, moves);
+}
+
+void from24to32(const uint8_t* bgr, uint8_t* row, size_t count, const PixelMoves& moves) {
     const Moves move(moves);
     for (; count >= block; count -= block, bgr += 3 * block, row += 4 * block) {
         __m128i words[4];
@@ -121,11 +130,25 @@ void pack32(const uint8_t* bgr, uint8_t* row, size_t count, const PixelMoves& mo
         for (int i = 0; i < 4; ++i)
             store(row + 16 * i, move(words[i]));
     }
-    pixel_rows_scalar.pack32(bgr, row, count, moves);
+    pixel_rows_scalar.from24to32(bgr, row, count, moves);
+}
+
+void from16to32(const uint8_t* from, uint8_t* to, size_t count, const PixelMoves& moves) {
+    const Moves move(moves);
+    const __m128i zero = _mm_setzero_si128();
+    for (; count >= block; count -= block, from += 2 * block, to += 4 * block) {
+        for (int half = 0; half < 2; ++half) {
+            const __m128i words = load(from + 16 * half);
+            store(to + 32 * half, move(_mm_unpacklo_epi16(words, zero)));
+            store(to + 32 * half + 16, move(_mm_unpackhi_epi16(words, zero)));
+        }
+    }
+    pixel_rows_scalar.from16to32(from, to, count, moves);
 }
 
 } // namespace
 
-const PixelRows pixel_rows = {unpack16, unpack32, pack16, pack32};
+const PixelRows pixel_rows = {from16to24, from32to24, from24to16,
+                              from32to16, from24to32, from16to32};
 
 } // namespace kirvo::sse2

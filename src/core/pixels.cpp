@@ -22,37 +22,39 @@ const PixelRows& pixel_rows() {
     }
 }
 
-FieldMove move_left(int32_t count, uint32_t keep) {
-    return count >= 0 ? FieldMove{0, static_cast<uint32_t>(count), keep}
-                      : FieldMove{static_cast<uint32_t>(-count), 0, keep};
-}
-
-// Bit of the word blue | green << 8 | red << 16 at which channel c starts.
-constexpr int32_t bgr_bit(int c) { return 16 - 8 * c; }
-
-// Bits to the left that the 8 bits of channel c stand in a pixel word. The bits of a channel that
-// has more or fewer than 8 of them are thereby aligned at its top (16 bits) or bottom (32 bits).
-int32_t word_bit(const PixelFormat& format, int c) {
+// Bit of a pixel word at which the 8 bits of channel c start. Those of a channel that has more or
+// fewer than 8 of them are thereby aligned at its top (16 bits) or bottom (32 bits).
+int32_t channel_bit(const PixelFormat& format, int c) {
+    if (format.bits == 24)
+        return 16 - 8 * c;
     return (format.masks.shift[c] & 31) - (format.bits == 16 ? format.masks.widen[c] : 0);
 }
 
-PixelMoves from_bgr(const PixelFormat& format) {
-    PixelMoves moves;
-    for (int c = 0; c < 3; ++c) {
-        const uint32_t channel = shift_left(0xFF, word_bit(format, c)) & format.masks.mask[c];
-        moves.channel[c] = move_left(word_bit(format, c) - bgr_bit(c), channel);
-    }
-    return moves;
+// What of the 8 bits of a channel a format holds, in its words.
+uint32_t held_bits(const PixelFormat& format, int c, uint32_t channel) {
+    const uint32_t mask = format.bits == 24 ? ~0u : format.masks.mask[c];
+    return shift_left(channel, channel_bit(format, c)) & mask;
 }
 
-// What a row of all-ones pixels gives is what the channel keeps.
-PixelMoves to_bgr(const PixelFormat& format) {
-    PixelMoves moves;
-    for (int c = 0; c < 3; ++c) {
-        const uint32_t channel = format.channel(~0u, c);
-        moves.channel[c] = move_left(bgr_bit(c) - word_bit(format, c), channel << bgr_bit(c));
+// A channel is carried over as 8 bits, so what arrives is what the source gives for a pixel of
+// ones. Where the way is 32 bits or more, nothing does.
+FieldMove move_of(const PixelFormat& from, const PixelFormat& to, int c) {
+    const uint32_t channel = from.bits == 24 ? 0xFF : from.channel(~0u, c);
+    const int32_t left = channel_bit(to, c) - channel_bit(from, c);
+    return {static_cast<uint32_t>(left < 0 ? -left : 0) & 31,
+            static_cast<uint32_t>(left > 0 ? left : 0) & 31, held_bits(to, c, channel)};
+}
+
+PixelRow row_kernel(int32_t from_bits, int32_t to_bits) {
+    const PixelRows& rows = pixel_rows();
+    switch (from_bits) {
+    case 16:
+        return to_bits == 24 ? rows.from16to24 : rows.from16to32;
+    case 24:
+        return to_bits == 16 ? rows.from24to16 : rows.from24to32;
+    default:
+        return to_bits == 16 ? rows.from32to16 : rows.from32to24;
     }
-    return moves;
 }
 
 } // namespace
@@ -86,22 +88,23 @@ void PixelFormat::store(uint8_t* pixel, const Rgb& colour) const {
     }
 }
 
-void unpack_row(const PixelFormat& format, const uint8_t* row, uint8_t* bgr, size_t count) {
-    if (format.bits == 24) {
-        std::memmove(bgr, row, 3 * count);
+void convert_row(const PixelFormat& from_format, const uint8_t* from, const PixelFormat& to_format,
+                 uint8_t* to, size_t count) {
+    if (from_format.bits == to_format.bits) {
+        std::memmove(to, from, from_format.bytes() * count);
         return;
     }
-    const PixelRows& rows = pixel_rows();
-    (format.bits == 16 ? rows.unpack16 : rows.unpack32)(row, bgr, count, to_bgr(format));
+    const PixelMoves moves = {{move_of(from_format, to_format, 0), move_of(from_format, to_format, 1),
+                               move_of(from_format, to_format, 2)}};
+    row_kernel(from_format.bits, to_format.bits)(from, to, count, moves);
+}
+
+void unpack_row(const PixelFormat& format, const uint8_t* row, uint8_t* bgr, size_t count) {
+    convert_row(format, row, format24, bgr, count);
 }
 
 void pack_row(const PixelFormat& format, const uint8_t* bgr, uint8_t* row, size_t count) {
-    if (format.bits == 24) {
-        std::memmove(row, bgr, 3 * count);
-        return;
-    }
-    const PixelRows& rows = pixel_rows();
-    (format.bits == 16 ? rows.pack16 : rows.pack32)(bgr, row, count, from_bgr(format));
+    convert_row(format24, bgr, format, row, count);
 }
 
 } // namespace kirvo

@@ -58,6 +58,13 @@ struct PixelFormat {
 uint32_t load_word(const uint8_t* pixel, size_t bytes);
 void store_word(uint8_t* pixel, uint32_t word, size_t bytes);
 
+constexpr PixelFormat format24 = {24, {}};
+
+// Rows of count pixels from one depth to another; pixels of the same depth are copied as they are.
+// Source and destination must not overlap, except that a row is copied onto itself.
+void convert_row(const PixelFormat& from_format, const uint8_t* from, const PixelFormat& to_format,
+                 uint8_t* to, size_t count);
+
 // Rows of count pixels to and from 24-bit pixels. Source and destination must not overlap, except
 // that a 24-bit format copies onto itself.
 void unpack_row(const PixelFormat& format, const uint8_t* row, uint8_t* bgr, size_t count);

@@ -111,6 +111,46 @@ TEST(PixelRows, UsualMasksOf32BitPixels) { check_all(32, usual32); }
 TEST(PixelRows, UnusualMasksOf16BitPixels) { check_all(16, unusual16); }
 TEST(PixelRows, UnusualMasksOf32BitPixels) { check_all(32, unusual32); }
 
+// From any masks to any masks of the other depth: read as colours, written as pixels.
+void check_across(int from_bits, const uint32_t (&from_masks)[3], int to_bits,
+                  const uint32_t (&to_masks)[3], size_t count, Random& random) {
+    const size_t from_bytes = static_cast<size_t>(from_bits) / 8;
+    const size_t to_bytes = static_cast<size_t>(to_bits) / 8;
+    const size_t offset = static_cast<size_t>(random.between(0, 15));
+    Guarded from(from_bytes * count, offset), to(to_bytes * count, 15 - offset);
+    random.fill(from.data(), from_bytes * count);
+    convert_row(format_of(from_bits, from_masks), from.data(), format_of(to_bits, to_masks),
+                to.data(), count);
+    EXPECT_EQ(to.content(),
+              expected_packed(expected_unpacked(from.content(), from_bits, from_masks), to_bits,
+                              to_masks));
+    EXPECT_TRUE(from.intact() && to.intact());
+}
+
+TEST(PixelRows, Between16And32Bits) {
+    at_every_cpu_level([&](CpuLevel) {
+        Random random(9);
+        for (size_t count = 0; count <= 70; ++count) {
+            check_across(16, usual16[1], 32, usual32[0], count, random);
+            check_across(32, usual32[0], 16, usual16[1], count, random);
+        }
+        for (const auto& masks16 : unusual16)
+            for (const auto& masks32 : unusual32) {
+                check_across(16, masks16, 32, masks32, 45, random);
+                check_across(32, masks32, 16, masks16, 45, random);
+            }
+        for (int i = 0; i < 300; ++i) {
+            uint32_t masks16[3], masks32[3];
+            for (int c = 0; c < 3; ++c) {
+                masks16[c] = (random.next() & random.next()) >> random.between(16, 31);
+                masks32[c] = random.next() >> random.between(0, 31) << random.between(0, 31);
+            }
+            check_across(16, masks16, 32, masks32, 33, random);
+            check_across(32, masks32, 16, masks16, 33, random);
+        }
+    });
+}
+
 TEST(PixelRows, RandomMasks) {
     at_every_cpu_level([&](CpuLevel) {
         Random random(5);
