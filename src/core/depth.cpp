@@ -43,7 +43,7 @@ Status convert(const LockedDib& from, const Depths& depths, int32_t bits, OwnedB
     // An image without a size fails as its copy does, for want of a block.
     if (well_formed(from.whole()) && !holds_rows_after_masks(from, offset))
         return Status::bad_parameter;
-    OwnedBlock made = new_dib(from.width(), from.height(), bits);
+    OwnedBlock made = new_dib(from.width(), from.height(), bits, Content::any);
     if (!made)
         return Status::no_memory;
     const PixelReader reader(from, from.rows_at(offset));

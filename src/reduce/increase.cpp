@@ -63,7 +63,7 @@ Status increase(const LockedDib& from, OwnedBlock& result) {
     // An image without a size fails as its copy does, for want of a block.
     if (well_formed(from.whole()) && !from.holds_rows(RowStart::after_header))
         return Status::bad_parameter;
-    OwnedBlock made = new_dib(from.width(), from.height(), 24);
+    OwnedBlock made = new_dib(from.width(), from.height(), 24, Content::any);
     if (!made)
         return Status::no_memory;
     const LockedDib to(made.get());

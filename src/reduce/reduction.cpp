@@ -15,15 +15,15 @@ uint64_t rows_offset(const LockedDib& dib, ReductionRows rows) {
 
 // Rows of more than 65504 bits overlap. They still end inside the block, since each lies before its
 // place at the full stride.
-ptrdiff_t rows_stride(const LockedDib& dib, ReductionRows rows) {
+int64_t rows_stride(int64_t full_stride, ReductionRows rows) {
     if (rows == ReductionRows::by_header)
-        return static_cast<ptrdiff_t>(dib.stride());
-    return static_cast<uint16_t>(dib.stride() * 8) / 8;
+        return full_stride;
+    return static_cast<uint16_t>(full_stride * 8) / 8;
 }
 
 Rows rows_of(const LockedDib& dib, ReductionRows rows) {
-    return {dib.data() + static_cast<size_t>(rows_offset(dib, rows)), rows_stride(dib, rows),
-            dib.end()};
+    return {dib.data() + static_cast<size_t>(rows_offset(dib, rows)),
+            static_cast<ptrdiff_t>(rows_stride(dib.stride(), rows)), dib.end()};
 }
 
 Status check(const LockedDib& source, ReductionRows rows) {
@@ -38,7 +38,10 @@ Status check(const LockedDib& source, ReductionRows rows) {
 }
 
 OwnedBlock new_indexed_dib(const LockedDib& source, ReductionRows rows, int32_t bits) {
-    OwnedBlock block = new_dib(source.width(), source.height(), bits);
+    const int64_t full_stride = row_stride(source.width(), bits);
+    const bool overlap = rows_stride(full_stride, rows) != full_stride;
+    OwnedBlock block = new_dib(source.width(), source.height(), bits,
+                               overlap ? Content::zero : Content::any);
     if (rows == ReductionRows::counted) {
         const uint32_t colours = 1u << bits;
         LockedDib(block.get())
