@@ -87,7 +87,7 @@ Status duplicate(const LockedDib& from, const Rect& rect, OwnedBlock& result) {
         return Status::bad_parameter;
     if (from.bits() < 8)
         return Status::needs_8_16_24_32;
-    OwnedBlock made = new_dib(rect.width, rect.height, from.bits());
+    OwnedBlock made = new_dib(rect.width, rect.height, from.bits(), Content::any);
     if (!made)
         return Status::no_memory;
     const Status status = copy_rect(LockedDib(made.get()), 0, 0, from, rect);

@@ -88,7 +88,7 @@ Status rotate(HGLOBAL handle, const Rect& rect, int32_t direction, OwnedBlock& r
     const Status status = DibCheckRect8to32(from, rect, start);
     if (status != Status::ok)
         return status;
-    result = new_dib(rect.height, rect.width, from.bits());
+    result = new_dib(rect.height, rect.width, from.bits(), Content::any);
     if (!result)
         return Status::no_memory;
     const LockedDib to(result.get());

@@ -67,7 +67,7 @@ HGLOBAL make_zoomed(HGLOBAL handle, const Rect& rect, const Size& size, Coordina
     const Status check = DibCheckRect8to32(source, rect, RowStart::after_40);
     if (check != Status::ok)
         return fail(check);
-    OwnedBlock result = new_dib(size.width, size.height, source.bits());
+    OwnedBlock result = new_dib(size.width, size.height, source.bits(), Content::any);
     if (!result)
         return fail(Status::no_memory);
     if (size.width == rect.width && size.height == rect.height) {
