@@ -45,7 +45,8 @@ HGLOBAL RectOperation::make(const RowFunction& function, int32_t* status,
 }
 
 RectResult::RectResult(const RectOperation& operation, int32_t bits)
-    : block_(new_dib(operation.rect().width, operation.rect().height, bits)), dib_(block_.get()) {
+    : block_(new_dib(operation.rect().width, operation.rect().height, bits, Content::any)),
+      dib_(block_.get()) {
     if (dib_ && bits == operation.source().bits())
         copy_colour_part(dib_, operation.source());
 }

@@ -111,7 +111,8 @@ class RectOperation {
     Rows rows_;
 };
 
-// A new image of the rectangle's size with the source's masks, freed unless released.
+// A new image of the rectangle's size with the source's masks, freed unless released. Its pixels
+// are anything until they are written.
 class RectResult {
   public:
     RectResult(const RectOperation& operation, int32_t bits);
