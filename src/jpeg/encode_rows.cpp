@@ -112,9 +112,11 @@ void Quantiser::set(const uint8_t* table, int32_t count) {
             ++k;
         const uint32_t rounded_up = ((1u << (15 + k)) + q - 1) / q;
         divisor[n] = static_cast<uint8_t>(q);
-        reciprocal[n] = static_cast<uint16_t>(q == 1 ? 65535 : rounded_up);
-        scale[n] = static_cast<uint16_t>(k > 1 ? 1u << (17 - k) : 65535);
-        bias[n] = static_cast<uint16_t>(q / 2 + (k > 1 ? 0 : q) + (q == 1));
+        for (size_t i = n % 8; i < 8 * group_blocks; i += 8) {
+            reciprocal[n / 8][i] = static_cast<uint16_t>(q == 1 ? 65535 : rounded_up);
+            scale[n / 8][i] = static_cast<uint16_t>(k > 1 ? 1u << (17 - k) : 65535);
+            bias[n / 8][i] = static_cast<uint16_t>(q / 2 + (k > 1 ? 0 : q) + (q == 1));
+        }
     }
 }
 

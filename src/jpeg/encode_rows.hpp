@@ -9,13 +9,18 @@
 
 namespace kirvo {
 
+// Blocks are coded in groups of four that stand side by side.
+constexpr size_t group_blocks = 4;
+
 // A quantiser table as the kernels use it, in natural order. With the magnitude m of a coefficient,
 // (m + bias) * reciprocal >> 16 and then * scale >> 16 is the quotient rounded half up, for every m
 // that a transform can yield.
 struct Quantiser {
-    alignas(64) uint16_t bias[64];
-    alignas(64) uint16_t reciprocal[64];
-    alignas(64) uint16_t scale[64];
+    using Rows = uint16_t[8][8 * group_blocks]; // each row as often as blocks stand side by side
+
+    alignas(64) Rows bias;
+    alignas(64) Rows reciprocal;
+    alignas(64) Rows scale;
     uint8_t divisor[64]; // 0: not coded
 
     // From the first count entries of a table in zigzag order.
@@ -24,9 +29,6 @@ struct Quantiser {
 
 // Levels from -64 to 63 are the bulk of every stream and have a short way to their code words.
 constexpr int small_levels = 64;
-
-// Blocks are coded in groups of four that stand side by side.
-constexpr size_t group_blocks = 4;
 
 struct BlockGroup {
     alignas(64) int16_t level[8][8 * group_blocks]; // in natural order, as the blocks stand

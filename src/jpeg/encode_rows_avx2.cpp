@@ -18,7 +18,7 @@ struct Vector {
 
     static R widen(const int8_t* samples) { return _mm256_cvtepi8_epi16(load16(samples)); }
     static void store(int16_t* to, R x) { avx2::store(to, x); }
-    static R repeat(const uint16_t* eight) { return _mm256_broadcastsi128_si256(load16(eight)); }
+    static R load(const uint16_t* from) { return avx2::load(from); }
     static R set16(int16_t x) { return _mm256_set1_epi16(x); }
     static R set_pair(int16_t first, int16_t second) {
         return _mm256_set1_epi32(static_cast<int>(static_cast<uint16_t>(first) |

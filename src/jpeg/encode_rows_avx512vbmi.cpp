@@ -20,10 +20,7 @@ struct Vector {
             _mm256_loadu_si256(reinterpret_cast<const __m256i*>(samples)));
     }
     static void store(int16_t* to, R x) { avx512::store(to, x); }
-    static R repeat(const uint16_t* eight) {
-        return _mm512_broadcast_i32x4(
-            _mm_load_si128(reinterpret_cast<const __m128i*>(eight)));
-    }
+    static R load(const uint16_t* from) { return avx512::load(from); }
     static R set16(int16_t x) { return _mm512_set1_epi16(x); }
     static R set_pair(int16_t first, int16_t second) {
         return _mm512_set1_epi32(static_cast<int>(static_cast<uint16_t>(first) |
@@ -61,82 +58,85 @@ struct Vector {
     }
 };
 
-// The bytes of 16 pixels, at some place of a vector, to pixels of four bytes. The fourth may be
-// anything: its weights are 0, or it is replaced.
+// Two bytes of each of 16 pixels, or of which the second is left 0, into the halves of a vector.
 struct Spread {
     alignas(64) uint8_t from[64];
 
-    constexpr explicit Spread(int first) : from{} {
+    constexpr explicit Spread(int first_byte) : from{} {
         for (int i = 0; i < 64; ++i)
-            from[i] = static_cast<uint8_t>((first + i / 4 * 3 + i % 4) % 64);
+            from[i] = static_cast<uint8_t>(i % 32 / 2 * 3 + first_byte + i % 2);
     }
 };
-constexpr Spread spread_from_0(0), spread_from_16(16);
+constexpr Spread blue_and_green(0), red(2);
 
-// The four bytes of each pixel summed with weights; of 64 pixels in four vectors, 16 bits each. Y
-// takes its weights as unsigned numbers and bytes less 128, whose sum lacks 128 * 256, so that
-// + 128 and the shift yield Y; the fourth byte, set to 1, brings the 128 in. The chroma weights are
-// negated, since 128 would not do as a signed byte.
+constexpr int pair_of(int first, int second) { return (second & 0xFF) << 8 | (first & 0xFF); }
+
+// 32 pixels as pairs of bytes: blue and green, red and 0.
 struct Pixels {
-    __m512i part[4]; // of 16 pixels each
+    __m512i blue_green, red_zero;
 
-    explicit Pixels(const uint8_t* bgr) {
-        const auto spread = [](const Spread& bytes, const uint8_t* from) {
-            return _mm512_permutexvar_epi8(load(bytes.from), load(from));
-        };
-        part[0] = spread(spread_from_0, bgr);
-        part[1] = spread(spread_from_0, bgr + 48);
-        part[2] = spread(spread_from_0, bgr + 96);
-        part[3] = spread(spread_from_16, bgr + 128);
-    }
-    void store_y(int8_t* to) const {
-        const __m512i weights =
-            _mm512_set1_epi32(static_cast<int>(128u << 24 | 77 << 16 | 150 << 8 | 29));
-        const __m512i signs = _mm512_set1_epi32(0x01808080);
-        const __m512i colour = _mm512_set1_epi32(0x00FFFFFF);
-        __m512i sums[4];
-        for (int i = 0; i < 4; ++i) {
-            // (part & colour) ^ signs
-            const __m512i bytes = _mm512_ternarylogic_epi32(part[i], colour, signs, 0x6A);
-            sums[i] = _mm512_madd_epi16(_mm512_maddubs_epi16(weights, bytes),
-                                        _mm512_set1_epi16(1));
-        }
-        store_high_bytes(to, sums, _mm512_setzero_si512());
-    }
-    void store_chroma(int8_t* to, int negated_weights) const {
-        const __m512i weights = _mm512_set1_epi32(negated_weights);
-        __m512i sums[4];
-        for (int i = 0; i < 4; ++i)
-            sums[i] = _mm512_madd_epi16(_mm512_maddubs_epi16(part[i], weights),
-                                        _mm512_set1_epi16(-1));
-        store_high_bytes(to, sums, _mm512_set1_epi16(127));
+    Pixels(__m512i first16, __m512i next16) {
+        const __mmask64 even = 0x5555555555555555u;
+        const __mmask64 low_half = 0x00000000FFFFFFFFu;
+        const __m512i bg = load(blue_and_green.from), r = load(red.from);
+        blue_green = _mm512_mask_permutexvar_epi8(_mm512_permutexvar_epi8(bg, next16), low_half,
+                                                  bg, first16);
+        red_zero = _mm512_mask_permutexvar_epi8(_mm512_maskz_permutexvar_epi8(even, r, next16),
+                                                even & low_half, r, first16);
     }
 
-  private:
-    // The packs work within lanes, on groups of four pixels: each lane holds one group of every
-    // vector.
-    static void store_high_bytes(int8_t* to, const __m512i (&sums)[4], __m512i bias) {
-        const auto high_bytes = [&](int i) {
-            const __m512i words = _mm512_packs_epi32(sums[i], sums[i + 1]);
-            return _mm512_srai_epi16(_mm512_add_epi16(words, bias), 8);
-        };
-        const __m512i order =
-            _mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15);
-        store(to, _mm512_permutexvar_epi32(order,
-                                           _mm512_packs_epi16(high_bytes(0), high_bytes(2))));
+    // 256 * Y and less than 256 more. The weights of Y are unsigned numbers and its bytes are less
+    // 128, so that the sum lacks 128 * 256, which is the level shift; the bytes beside red become 1
+    // and bring in the 128 that rounds.
+    __m512i y() const {
+        const __m512i blue_green_weights = _mm512_set1_epi16(static_cast<short>(pair_of(29, 150)));
+        const __m512i red_one_weights = _mm512_set1_epi16(static_cast<short>(pair_of(77, 128)));
+        const __m512i level = _mm512_set1_epi8(static_cast<char>(0x80));
+        const __m512i level_and_one = _mm512_set1_epi16(0x0180);
+        return _mm512_add_epi16(
+            _mm512_maddubs_epi16(blue_green_weights, _mm512_xor_si512(blue_green, level)),
+            _mm512_maddubs_epi16(red_one_weights, _mm512_xor_si512(red_zero, level_and_one)));
+    }
+    // 256 * Cb or Cr and less than 256 more. The weights are negated, since 128 would not do as a
+    // signed byte.
+    __m512i chroma(int blue, int green, int red) const {
+        const __m512i blue_green_weights =
+            _mm512_set1_epi16(static_cast<short>(pair_of(-blue, -green)));
+        const __m512i red_weights = _mm512_set1_epi16(static_cast<short>(pair_of(-red, 0)));
+        return _mm512_sub_epi16(
+            _mm512_set1_epi16(127),
+            _mm512_add_epi16(_mm512_maddubs_epi16(blue_green, blue_green_weights),
+                             _mm512_maddubs_epi16(red_zero, red_weights)));
     }
 };
 
-constexpr int cb_weights = 43 << 16 | 85 << 8 | 0x80;
-constexpr int cr_weights = 0x80 << 16 | 107 << 8 | 21;
+// The high bytes of 64 words.
+struct Unzip {
+    alignas(64) uint8_t from[64];
+
+    constexpr Unzip() : from{} {
+        for (int i = 0; i < 64; ++i)
+            from[i] = static_cast<uint8_t>(i < 32 ? 2 * i : 2 * (i - 32) + 1);
+    }
+};
+constexpr Unzip unzip;
+
+void store_high_bytes(int8_t* to, __m512i first, __m512i second) {
+    const __m512i zipped =
+        _mm512_mask_blend_epi8(0xAAAAAAAAAAAAAAAAu, _mm512_srli_epi16(first, 8), second);
+    store(to, _mm512_permutexvar_epi8(load(unzip.from), zipped));
+}
 
 void convert(const uint8_t* bgr, size_t count, int8_t* y, int8_t* cb, int8_t* cr) {
+    const __mmask64 last_48 = 0x0000FFFFFFFFFFFFu;
     size_t i = 0;
     for (; i + 64 <= count; i += 64) {
-        const Pixels pixels(bgr + 3 * i);
-        pixels.store_y(y + i);
-        pixels.store_chroma(cb + i, cb_weights);
-        pixels.store_chroma(cr + i, cr_weights);
+        const uint8_t* from = bgr + 3 * i;
+        const Pixels first(load(from), load(from + 48));
+        const Pixels second(load(from + 96), _mm512_maskz_loadu_epi8(last_48, from + 144));
+        store_high_bytes(y + i, first.y(), second.y());
+        store_high_bytes(cb + i, first.chroma(128, -85, -43), second.chroma(128, -85, -43));
+        store_high_bytes(cr + i, first.chroma(-21, -107, 128), second.chroma(-21, -107, 128));
     }
     avx2::encode_rows.convert(bgr + 3 * i, count - i, y + i, cb + i, cr + i);
 }

@@ -20,7 +20,7 @@ struct Vector {
         return _mm_srai_epi16(_mm_unpacklo_epi8(bytes, bytes), 8);
     }
     static void store(int16_t* to, R x) { sse2::store(to, x); }
-    static R repeat(const uint16_t* eight) { return load(eight); }
+    static R load(const uint16_t* from) { return sse2::load(from); }
     static R set16(int16_t x) { return _mm_set1_epi16(x); }
     static R set_pair(int16_t first, int16_t second) {
         return _mm_setr_epi16(first, second, first, second, first, second, first, second);

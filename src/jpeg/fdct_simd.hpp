@@ -94,9 +94,9 @@ struct SimdTransform {
 
     static R quantise(R coefficient, const Quantiser& quantiser, int row) {
         const R biased = V::add16(V::magnitude(coefficient),
-                                  V::repeat(quantiser.bias + 8 * row));
-        const R scaled = V::mul_high_unsigned(biased, V::repeat(quantiser.reciprocal + 8 * row));
-        return V::with_sign(V::mul_high_unsigned(scaled, V::repeat(quantiser.scale + 8 * row)),
+                                  V::load(quantiser.bias[row]));
+        const R scaled = V::mul_high_unsigned(biased, V::load(quantiser.reciprocal[row]));
+        return V::with_sign(V::mul_high_unsigned(scaled, V::load(quantiser.scale[row])),
                             coefficient);
     }
 

@@ -127,15 +127,21 @@ TEST(EncodeRows, reciprocals_give_the_rounded_quotient_of_every_magnitude) {
         for (size_t n : {size_t{0}, size_t{35}, size_t{62}}) {
             ASSERT_EQ(quantiser.divisor[n], q);
             for (uint32_t magnitude = 0; magnitude < 4096; ++magnitude) {
-                const uint32_t biased = (magnitude + quantiser.bias[n]) & 0xFFFF;
-                const uint32_t level =
-                    (biased * quantiser.reciprocal[n] >> 16) * quantiser.scale[n] >> 16;
+                const uint32_t biased = (magnitude + quantiser.bias[n / 8][n % 8]) & 0xFFFF;
+                const uint32_t level = (biased * quantiser.reciprocal[n / 8][n % 8] >> 16) *
+                                           quantiser.scale[n / 8][n % 8] >>
+                                       16;
                 const auto divisor = static_cast<uint32_t>(q);
                 ASSERT_EQ(level, (magnitude + divisor / 2) / divisor) << q << ' ' << magnitude;
             }
         }
         ASSERT_EQ(quantiser.divisor[63], 0); // the 64th is not coded
-        ASSERT_EQ(quantiser.reciprocal[63], 0);
+        for (size_t block = 0; block < group_blocks; ++block) {
+            ASSERT_EQ(quantiser.reciprocal[7][8 * block + 7], 0);
+            ASSERT_EQ(quantiser.reciprocal[7][8 * block + 6], quantiser.reciprocal[7][6]);
+            ASSERT_EQ(quantiser.scale[7][8 * block + 6], quantiser.scale[7][6]);
+            ASSERT_EQ(quantiser.bias[7][8 * block + 6], quantiser.bias[7][6]);
+        }
     }
 }
 
