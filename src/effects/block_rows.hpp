@@ -7,9 +7,13 @@
 
 namespace kirvo {
 
-// The larger (or smaller) of two rows, element by element.
+// The largest (or smallest) of two rows, element by element.
 template<typename T>
 using PickRow = void (*)(T* to, const T* a, const T* b, size_t count);
+
+// Of four rows, which may overlap each other.
+template<typename T>
+using PickFourRows = void (*)(T* to, const T* a, const T* b, const T* c, const T* d, size_t count);
 
 // Takes a row into the running extreme, which is updated in place; `to` becomes the extreme of that
 // and a further row.
@@ -19,9 +23,10 @@ using PickTwoRows = void (*)(T* to, T* running, const T* row, const T* other, si
 struct BlockRows {
     PickRow<uint8_t> highest8, lowest8;
     PickTwoRows<uint8_t> highest_two8, lowest_two8;
+    PickFourRows<uint8_t> highest_four8, lowest_four8;
     PickRow<uint16_t> highest16;
     PickTwoRows<uint16_t> highest_two16;
-    PickRow<uint32_t> highest32; // of numbers below 2^31
+    PickFourRows<uint32_t> highest_four32; // of numbers below 2^31
     // sums[i] += row[i]
     void (*add)(uint32_t* sums, const uint8_t* row, size_t count);
 };

@@ -98,13 +98,17 @@ Status count_channels(const LockedDib& dib, uint32_t& count) {
         return Status::no_memory;
     const PixelFormat format = PixelFormat::of(dib);
     const Rows rows = dib.rows(RowStart::after_header);
-    for (int32_t row = 0; row < dib.height(); ++row) {
-        read_row(format, rows[row], static_cast<size_t>(dib.width()),
-                 [&](const uint8_t* bgr, size_t pixels) {
-                     for (; pixels != 0; --pixels, bgr += 3)
-                         seen.add(load_word(bgr, 3));
-                 });
-    }
+    uint32_t last = UINT32_MAX; // runs of one colour would wait for each other's stores
+    const auto add = [&](const uint8_t* bgr, size_t pixels) {
+        for (; pixels != 0; --pixels, bgr += 3) {
+            const uint32_t colour = load_word(bgr, 3);
+            if (colour != last)
+                seen.add(colour);
+            last = colour;
+        }
+    };
+    for (int32_t row = 0; row < dib.height(); ++row)
+        read_row(format, rows[row], static_cast<size_t>(dib.width()), add);
     count = seen.count();
     return Status::ok;
 }

@@ -3,10 +3,11 @@
 // A square's extreme is found in two steps: up the columns, then along the row. Up the columns (van
 // Herk, Gil and Werman) the squares of a band of result rows all contain one image row. Each square
 // joins the extreme of its rows up to that one, kept from a walk down, and of its rows after it,
-// which grow by one a result row. Along the row runs are doubled in length until two of them cover
-// the square.
+// which grow by one a result row. Along the row runs grow fourfold until a few of them cover the
+// square.
 //
-// The image is filtered in strips, so that what is kept stays in the second-level cache.
+// Very wide images are filtered in strips, so that what is kept of one stays in the caches. (Narrow
+// strips lose more by reading the image in short pieces than they win.)
 #include "effects/block_rows.hpp"
 #include "effects/filter_rows.hpp"
 #include "effects/frame.hpp"
@@ -17,9 +18,9 @@ using namespace kirvo;
 
 namespace {
 
-constexpr int32_t strip_width = 1024; // of the result
 constexpr int32_t largest_radius = 64;
 constexpr int32_t highest_band = 128;
+constexpr int32_t kept_bytes = 1536 << 10;
 
 // A part of the result, and the image around it that its squares reach. Cells and rows of the reach
 // are counted from its lowest row and leftmost column, whether or not these lie in the image.
@@ -32,15 +33,20 @@ struct Patch {
 // The extreme of `side` cells from each of count cells on. A cell has `step` elements; a and b are
 // working rows as long as the line.
 template<typename T>
-void pick_along(T* to, const T* line, size_t count, size_t step, size_t side, PickRow<T> pick,
-                T* a, T* b) {
+void pick_along(T* to, const T* line, size_t count, size_t step, size_t side,
+                PickFourRows<T> pick_four, T* a, T* b) {
     size_t run = 1;
-    for (; 2 * run <= side; run *= 2) {
+    for (; 4 * run <= side; run *= 4) {
         T* next = line == a ? b : a;
-        pick(next, line, line + step * run, step * (count + side - 2 * run));
+        const size_t one = step * run;
+        pick_four(next, line, line + one, line + 2 * one, line + 3 * one,
+                  step * (count + side - 4 * run));
         line = next;
     }
-    pick(to, line, line + step * (side - run), step * count);
+    // At most four runs cover the side.
+    const size_t last = side - run;
+    pick_four(to, line, line + step * std::min(run, last), line + step * std::min(2 * run, last),
+              line + step * last, step * count);
 }
 
 // What both kinds of the filter work on.
@@ -84,11 +90,13 @@ struct Setting {
 class ChannelKind {
   public:
     using Element = uint8_t;
-    static constexpr size_t elements = 3; // of a cell
+    static constexpr int32_t elements = 3; // of a cell
+    static constexpr int32_t widest_strip = 1 << 14;
 
     ChannelKind(const Setting& setting, size_t cells)
         : pick(setting.maximum ? block_rows().highest8 : block_rows().lowest8),
           pick_two(setting.maximum ? block_rows().highest_two8 : block_rows().lowest_two8),
+          pick_four(setting.maximum ? block_rows().highest_four8 : block_rows().lowest_four8),
           neutral(setting.maximum ? 0 : 255), setting_(setting), cells_(cells),
           memory_(4 * elements * uint64_t{cells}) {}
 
@@ -104,12 +112,13 @@ class ChannelKind {
     void finish(const Patch& patch, int32_t row, const uint8_t* line) const {
         uint8_t* to = setting_.target(patch, row, buffer(3));
         pick_along(to, line, static_cast<size_t>(patch.columns), elements,
-                   static_cast<size_t>(setting_.side()), pick, buffer(1), buffer(2));
+                   static_cast<size_t>(setting_.side()), pick_four, buffer(1), buffer(2));
         setting_.store(patch, row, to);
     }
 
     const PickRow<uint8_t> pick;
     const PickTwoRows<uint8_t> pick_two;
+    const PickFourRows<uint8_t> pick_four;
     const uint8_t neutral;
 
   private:
@@ -128,7 +137,8 @@ class ChannelKind {
 class LuminanceKind {
   public:
     using Element = uint16_t; // score and row
-    static constexpr size_t elements = 1;
+    static constexpr int32_t elements = 1;
+    static constexpr int32_t widest_strip = (1 << 11) - 2 * largest_radius;
 
     LuminanceKind(const Setting& setting, size_t cells)
         : pick(block_rows().highest16), pick_two(block_rows().highest_two16), neutral(0),
@@ -159,7 +169,7 @@ class LuminanceKind {
         for (uint32_t i = 0; i < columns + side - 1; ++i)
             keys[i] = uint32_t{line[i]} << column_bits | (column_mask - i);
         const uint32_t* winners = keys_ + 2 * cells_;
-        pick_along(keys_ + 2 * cells_, keys, columns, 1, side, block_rows().highest32,
+        pick_along(keys_ + 2 * cells_, keys, columns, 1, side, block_rows().highest_four32,
                    keys_ + cells_, keys_);
         uint8_t* to = setting_.target(patch, row, bgr_);
         for (size_t i = 0; i < columns; ++i)
@@ -174,7 +184,7 @@ class LuminanceKind {
   private:
     static constexpr uint32_t column_bits = 11;
     static constexpr uint32_t column_mask = (1u << column_bits) - 1;
-    static_assert(strip_width + 2 * largest_radius <= column_mask + 1);
+    static_assert(widest_strip + 2 * largest_radius <= column_mask + 1);
     static_assert(highest_band + 2 * largest_radius <= 256);
 
     void copy_winner(uint8_t* to, const Patch& patch, uint32_t key) const {
@@ -211,22 +221,35 @@ class ExtremeFilter {
   public:
     explicit ExtremeFilter(const Setting& setting)
         : setting_(setting), side_(setting.side()), band_(std::min(side_, highest_band)),
-          cells_(static_cast<size_t>(std::min(setting.operation.rect().width, strip_width) +
-                                     side_ - 1)),
+          strip_(std::min(kept_bytes / (band_ * Kind::elements * int32_t{sizeof(Element)}),
+                          Kind::widest_strip)),
+          cells_(static_cast<size_t>(std::min(setting.operation.rect().width, strip_) + side_ -
+                                     1)),
+          row_((cells_ * Kind::elements + aligned - 1) / aligned * aligned),
           kind_(setting, cells_),
-          memory_(sizeof(Element) * Kind::elements * uint64_t{cells_} *
-                  static_cast<uint64_t>(band_ + 2)) {}
+          memory_(sizeof(Element) * uint64_t{row_} * static_cast<uint64_t>(band_ + 2) + aligned) {}
 
     explicit operator bool() const { return kind_ && memory_; }
 
+    // Strip by strip, since neighbouring bands read the same rows. The rows that are reported as
+    // done keep pace with the patches.
     void run() const {
         const Rect& rect = setting_.operation.rect();
-        setting_.operation.each_row([&](int32_t row) {
-            if (row % band_ != 0)
-                return;
-            for (int64_t column = 0; column < rect.width; column += strip_width)
-                run_patch(patch_at(row, static_cast<int32_t>(column)));
-        });
+        const int64_t strips = (int64_t{rect.width} + strip_ - 1) / strip_;
+        Progress progress;
+        progress.start();
+        int32_t reported = 0;
+        for (int64_t strip = 0; strip < strips; ++strip) {
+            for (int64_t row = 0; row < rect.height; row += band_) {
+                const int64_t pace = (strip * rect.height + row) / strips;
+                for (; reported <= pace; ++reported)
+                    progress.step(reported, rect.height);
+                run_patch(patch_at(static_cast<int32_t>(row), static_cast<int32_t>(strip * strip_)));
+            }
+        }
+        for (; reported < rect.height; ++reported)
+            progress.step(reported, rect.height);
+        progress.finish();
     }
 
   private:
@@ -234,7 +257,7 @@ class ExtremeFilter {
         const LockedDib& image = setting_.operation.source();
         const Rect& rect = setting_.operation.rect();
         Patch patch = {row, std::min(band_, rect.height - row), column,
-                       std::min(strip_width, rect.width - column), 0, 0, 0, 0};
+                       std::min(strip_, rect.width - column), 0, 0, 0, 0};
         patch.first_row = bottom_row(image.height(), rect) + row - setting_.radius;
         patch.first_column = int64_t{rect.x} + column - setting_.radius;
         const int64_t cells = int64_t{patch.columns} + side_ - 1;
@@ -257,7 +280,7 @@ class ExtremeFilter {
                 copy_or_clear(kept(row), kept(row + 1), count);
         }
         copy_or_clear(running(), nullptr, count);
-        std::fill_n(line(), cells_ * Kind::elements, kind_.neutral);
+        std::fill_n(line(), row_, kind_.neutral);
         Element* inside = line() + skipped;
         for (int32_t row = patch.rows; row < side_; ++row) {
             if (const Element* cells = load(patch, row))
@@ -286,8 +309,12 @@ class ExtremeFilter {
             std::fill_n(to, count, kind_.neutral);
     }
 
+    // Rows start on cache lines.
+    static constexpr size_t aligned = 64;
     Element* memory_row(int32_t i) const {
-        return memory_.as<Element>() + static_cast<size_t>(i) * cells_ * Kind::elements;
+        const auto address = reinterpret_cast<uintptr_t>(memory_.data());
+        uint8_t* first = memory_.data() + (aligned - address % aligned) % aligned;
+        return reinterpret_cast<Element*>(first) + static_cast<size_t>(i) * row_;
     }
     // The extreme of a row of the reach and those up to the shared one.
     Element* kept(int32_t row) const { return memory_row(row); }
@@ -297,8 +324,8 @@ class ExtremeFilter {
     Element* line() const { return memory_row(band_ + 1); }
 
     const Setting& setting_;
-    int32_t side_, band_;
-    size_t cells_;
+    int32_t side_, band_, strip_;
+    size_t cells_, row_; // of a strip's reach: cells and elements of a row
     Kind kind_;
     Scratch memory_;
 };
