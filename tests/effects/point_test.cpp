@@ -62,6 +62,9 @@ Colour one_pixel(const Maker& make, Colour colour) {
     Dib dib = make_dib({1, 1, 24});
     dib.set_pixel(0, 0, pixel_of(colour, 24, {}));
     const Dib result(make(dib, {0, 0, 1, 1}, nullptr));
+    EXPECT_NE(HGLOBAL(result), nullptr);
+    if (HGLOBAL(result) == nullptr)
+        return {};
     return colour_of(result.pixel(0, 0), 24, {});
 }
 
