@@ -44,9 +44,24 @@ HGLOBAL decrease_16(HGLOBAL dib, int32_t* status) {
     return reduction.answer(status);
 }
 
-uint8_t grey_slot(const uint8_t* bgr) {
-    const int32_t grey = (29 * bgr[0] + 150 * bgr[1] + 77 * bgr[2] + 128) >> 8;
+// The pixel is blue | green << 8 | red << 16.
+uint8_t grey_slot(uint32_t pixel) {
+    const uint32_t blue = pixel & 255, green = pixel >> 8 & 255, red = pixel >> 16;
+    const auto grey = static_cast<int32_t>((29 * blue + 150 * green + 77 * red + 128) >> 8);
     return static_cast<uint8_t>(std::max(grey - grey_slot_offset, first_grey_slot));
+}
+
+// By way of whole words, over which the compiler makes a vector loop.
+void grey_row(const uint8_t* bgr, uint8_t* to, size_t width) {
+    constexpr PixelFormat word_format = {32, default_masks32};
+    constexpr size_t chunk = 512;
+    uint32_t words[chunk];
+    for (size_t x = 0; x < width; x += chunk) {
+        const size_t count = std::min(width - x, chunk);
+        pack_row(word_format, bgr + 3 * x, reinterpret_cast<uint8_t*>(words), count);
+        for (size_t i = 0; i < count; ++i)
+            to[x + i] = grey_slot(words[i]);
+    }
 }
 
 HGLOBAL decrease_grey(HGLOBAL dib, int32_t* status) {
@@ -55,8 +70,7 @@ HGLOBAL decrease_grey(HGLOBAL dib, int32_t* status) {
         return reduction.answer(status);
     reduction.set_colours(grey_palette.data());
     reduction.each_row([&](const uint8_t* bgr, uint8_t* to, int32_t) {
-        for (size_t x = 0; x < reduction.width(); ++x)
-            to[x] = grey_slot(bgr + 3 * x);
+        grey_row(bgr, to, reduction.width());
         return Status::ok;
     });
     return reduction.answer(status);

@@ -59,6 +59,12 @@ TEST(Grey, EveryWidthAndKindOfSource) {
         expect_grey(make_random_dib(true_colour_spec(width, 1 + width % 4, random), random));
 }
 
+TEST(Grey, WideImages) {
+    Random random(3);
+    for (const int32_t width : {511, 512, 513, 1024, 1500})
+        expect_grey(make_random_dib({width, 2, 24}, random));
+}
+
 TEST(Grey, RowsWithoutMasksFollowTheHeader) {
     Random random(2);
     expect_grey(make_random_dib({21, 3, 32}, random));
