@@ -18,7 +18,7 @@ class McuReader {
         const Layout& layout = *state.picture.frame.layout;
         for (uint32_t c = 0; c < 3; ++c) {
             const uint32_t table = c == 0 ? 0 : 1;
-            components_[c] = fast_.tables_of(
+            components_[c] = fast_.baseline_tables_of(
                 table, table, coding_of(state, static_cast<int32_t>(c), c + 1, table, table));
         }
         for (int32_t i = 0; i < blocks_; ++i)

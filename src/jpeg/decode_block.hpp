@@ -15,10 +15,13 @@ constexpr size_t block_place_of(size_t vertical, size_t horizontal) {
     return rank[horizontal] / 2 * 16 + rank[vertical] * 2 + rank[horizontal] % 2;
 }
 
-// Place in a Block of each zigzag position.
-inline constexpr std::array<uint8_t, 64> block_place = [] {
-    std::array<uint8_t, 64> places = {};
-    for (size_t k = 0; k < places.size(); ++k)
+// Tables by zigzag position are longer than a block where a run may lead beyond its end.
+constexpr size_t padded_block = 64 + 32;
+
+// Place in a Block of each zigzag position. Beyond the end it is the place of the DC coefficient.
+inline constexpr std::array<uint8_t, padded_block> block_place = [] {
+    std::array<uint8_t, padded_block> places = {};
+    for (size_t k = 0; k < zigzag.size(); ++k)
         places[k] = static_cast<uint8_t>(block_place_of(zigzag[k] / 8, zigzag[k] % 8));
     return places;
 }();

@@ -80,8 +80,9 @@ ALWAYS_INLINE bool refill_for_value(BitBuffer& bits) { return wide_word || refil
     return 0;
 }
 
+// Updates the predictor and gives the coefficient.
 ALWAYS_INLINE bool read_dc(BitBuffer& bits, const FastReader::Tables& tables, int32_t shift,
-                    int16_t* block) {
+                           int16_t& coefficient) {
     if (!refill(bits))
         return false;
     LookupEntry entry = (*tables.dc)[bits.peek(lookup_bits)];
@@ -99,60 +100,93 @@ ALWAYS_INLINE bool read_dc(BitBuffer& bits, const FastReader::Tables& tables, in
     }
     int16_t& predictor = *tables.coding.predictor;
     predictor = wrap16(predictor + difference);
-    block[0] = shift16(wrap16(tables.coding.quantisation[0] * predictor), shift);
+    coefficient = shift16(wrap16(tables.coding.quantisation[0] * predictor), shift);
     return true;
 }
 
-// Coefficients k to end. Where bands may end, eob_run tells for how many blocks more.
-ALWAYS_INLINE bool read_ac(BitBuffer& bits, const FastReader::Tables& tables, int32_t k, int32_t end,
-                    int32_t shift, int16_t* block, int32_t& last, int32_t* eob_run) {
-    const uint16_t* quantisation = tables.coding.quantisation;
-    const auto put = [&](int16_t value) __attribute__((always_inline)) {
-        block[block_place[static_cast<size_t>(k)]] =
-            shift16(wrap16(quantisation[k] * value), shift);
-        last = k++;
-    };
-    while (k <= end) {
-        if (!refill(bits))
+// One AC symbol and what belongs to it, at position k, which moves on; beyond every block at the
+// end of one. Where bands may end, eob_run tells for how many blocks more.
+ALWAYS_INLINE bool read_coefficient(BitBuffer& bits, const FastReader::Tables& tables, int32_t shift,
+                                    int16_t* block, int32_t& k, int32_t* eob_run) {
+    constexpr int32_t past_block = 256;
+    if (!refill(bits))
+        return false;
+    LookupEntry entry = (*tables.ac)[bits.peek(lookup_bits)];
+    if (entry == 0) {
+        entry = walk_code(bits, *tables.coding.ac, ac_row);
+        if (entry == 0)
             return false;
-        LookupEntry entry = (*tables.ac)[bits.peek(lookup_bits)];
-        if (has_ac_value(entry)) {
-            bits.drop(entry_length(entry));
-            k += static_cast<int32_t>(entry_run(entry));
-            if (k > 63)
-                return false;
-            put(entry_value(entry));
-            continue;
-        }
-        if (entry == 0) {
-            entry = walk_code(bits, *tables.coding.ac, ac_row);
-            if (entry == 0)
-                return false;
-        }
-        bits.drop(entry_length(entry));
-        const uint32_t run = entry_run(entry);
+    }
+    bits.drop(entry_length(entry));
+    const uint32_t run = entry_run(entry);
+    int16_t value = entry_value(entry);
+    if (!has_ac_value(entry)) {
         switch (entry_kind(entry)) {
         case EntryKind::value: {
-            const uint32_t size = entry_ac_size(entry);
-            k += static_cast<int32_t>(run);
-            if (k > 63 || !refill_for_value(bits))
+            if (!refill_for_value(bits))
                 return false;
-            put(extend(bits.take(size), size));
+            const uint32_t size = entry_ac_size(entry);
+            value = extend(bits.take(size), size);
             break;
         }
-        case EntryKind::end_of_block:
+        case EntryKind::run_of_16:
+            k += 16;
             return true;
         case EntryKind::end_of_band:
             if (eob_run == nullptr || !refill_for_value(bits))
                 return false;
             *eob_run = static_cast<int32_t>((1u << run) + bits.take(run) - 1);
+            k = past_block;
             return true;
-        case EntryKind::run_of_16:
-            k += 16;
-            break;
+        case EntryKind::end_of_block:
+            k = past_block;
+            return true;
         }
     }
+    k += static_cast<int32_t>(run);
+    if (k > 63)
+        return false;
+    block[block_place[static_cast<size_t>(k)]] =
+        shift16(wrap16(tables.coding.quantisation[k] * value), shift);
+    ++k;
     return true;
+}
+
+// The AC coefficients of a baseline block, and a zigzag position after which they are 0. The DC
+// place may be overwritten.
+ALWAYS_INLINE bool read_ac(BitBuffer& bits, const FastReader::Tables& tables, int16_t* block,
+                           int32_t& last) {
+    constexpr uint32_t lookups_per_refill = BitBuffer::half / lookup_bits;
+    const AcPair* pairs = tables.pairs->entries;
+    const uint16_t* quantisation = tables.coding.quantisation;
+    for (int32_t k = 1;;) {
+        if (!refill(bits))
+            return false;
+        for (uint32_t i = 0; i < lookups_per_refill; ++i) {
+            const AcPair& pair = pairs[bits.peek(lookup_bits)];
+            const int32_t first = k + pair.first;
+            if (first >= 63) { // the first value may be the last of the block
+                if (!read_coefficient(bits, tables, 0, block, k, nullptr))
+                    return false;
+                if (k > 64)
+                    return true; // the end of the block: last is from before
+                last = k - 1;
+                if (k == 64)
+                    return true;
+                break;
+            }
+            bits.drop(pair.length);
+            const int32_t second = k + pair.second;
+            block[block_place[static_cast<size_t>(first)]] =
+                wrap16(quantisation[first] * pair.value[0]);
+            block[block_place[static_cast<size_t>(second)]] =
+                wrap16(quantisation[second] * pair.value[1]);
+            last = k - 1 + pair.last;
+            k += static_cast<int32_t>(pair.advance);
+            if (k > 63)
+                return true;
+        }
+    }
 }
 
 } // namespace
@@ -167,7 +201,16 @@ FastReader::Tables FastReader::tables_of(uint32_t dc, uint32_t ac, const BlockCo
     Lookup& ac_lookup = state_.ac_lookups[ac];
     dc_lookup.prepare_dc(state_.dc_tables[dc]);
     ac_lookup.prepare_ac(state_.ac_tables[ac]);
-    return {&dc_lookup, &ac_lookup, coding};
+    return {&dc_lookup, &ac_lookup, nullptr, coding};
+}
+
+FastReader::Tables FastReader::baseline_tables_of(uint32_t dc, uint32_t ac,
+                                                  const BlockCoding& coding) {
+    Tables tables = tables_of(dc, ac, coding);
+    PairLookup& pairs = state_.pair_lookups[ac];
+    pairs.prepare(*tables.ac);
+    tables.pairs = &pairs;
+    return tables;
 }
 
 void FastReader::enter() {
@@ -217,13 +260,15 @@ bool FastReader::read_mcu(const Tables* const* tables, int32_t count, Block* blo
     std::copy(std::begin(entropy.predictor), std::end(entropy.predictor), predictors);
     for (int32_t i = 0; i < count; ++i) {
         int32_t highest = 0;
-        if (!may_read(bits) || !read_dc(bits, *tables[i], 0, blocks[i]) ||
-            !read_ac(bits, *tables[i], 1, 63, 0, blocks[i], highest, nullptr)) {
+        int16_t dc = 0;
+        if (!may_read(bits) || !read_dc(bits, *tables[i], 0, dc) ||
+            !read_ac(bits, *tables[i], blocks[i], highest)) {
             std::copy(std::begin(predictors), std::end(predictors), entropy.predictor);
             std::memset(blocks, 0, static_cast<size_t>(count) * sizeof(Block));
             return false;
         }
-        last[i] = static_cast<uint8_t>(highest);
+        blocks[i][0] = dc;
+        last[i] = static_cast<uint8_t>(std::min(highest, 63));
     }
     entropy.first_block = count == 1;
     bits_ = bits;
@@ -244,15 +289,15 @@ bool FastReader::read_block(const Tables& tables, Block& block) {
     BitBuffer bits = bits_;
     if (with_dc) {
         const int16_t predictor = *tables.coding.predictor;
-        if (!read_dc(bits, tables, scan.shift, block)) {
+        if (!read_dc(bits, tables, scan.shift, block[0])) {
             *tables.coding.predictor = predictor;
             return false;
         }
     } else {
-        int32_t highest = 0;
-        if (!read_ac(bits, tables, scan.spectral_start, scan.spectral_end, scan.shift, block,
-                     highest, &entropy.eob_run))
-            return false;
+        for (int32_t k = scan.spectral_start; k <= scan.spectral_end;) {
+            if (!read_coefficient(bits, tables, scan.shift, block, k, &entropy.eob_run))
+                return false;
+        }
     }
     bits_ = bits;
     moved_ = true;

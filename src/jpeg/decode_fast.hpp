@@ -41,9 +41,11 @@ class FastReader {
     struct Tables {
         const Lookup* dc;
         const Lookup* ac;
+        const PairLookup* pairs; // prepared for baseline blocks only
         BlockCoding coding;
     };
     Tables tables_of(uint32_t dc, uint32_t ac, const BlockCoding& coding);
+    Tables baseline_tables_of(uint32_t dc, uint32_t ac, const BlockCoding& coding);
 
     // Reads the blocks of a baseline MCU and tells the zigzag position after which each is 0. False
     // when the MCU is for the careful reader, which finds everything as it was but the blocks.

@@ -89,4 +89,61 @@ void Lookup::prepare_dc(const DecodeTable& table) {
     ready = true;
 }
 
+namespace {
+
+constexpr uint32_t past_block = 64;
+
+bool is_whole(LookupEntry entry) {
+    return has_ac_value(entry) ||
+           (entry != 0 && (entry_kind(entry) == EntryKind::end_of_block ||
+                           entry_kind(entry) == EntryKind::run_of_16));
+}
+
+AcPair single(LookupEntry entry) {
+    AcPair pair = {};
+    pair.length = static_cast<uint8_t>(entry_length(entry));
+    if (has_ac_value(entry)) {
+        pair.first = pair.second = static_cast<uint8_t>(entry_run(entry));
+        pair.last = static_cast<uint8_t>(pair.first + 1);
+        pair.advance = pair.first + 1u;
+        pair.value[0] = pair.value[1] = entry_value(entry);
+    } else {
+        pair.advance = entry_kind(entry) == EntryKind::run_of_16 ? 16 : past_block;
+    }
+    return pair;
+}
+
+} // namespace
+
+void PairLookup::prepare(const Lookup& lookup) {
+    if (ready)
+        return;
+    constexpr uint32_t mask = (1u << lookup_bits) - 1;
+    for (uint32_t bits = 0; bits <= mask; ++bits) {
+        const LookupEntry first = lookup[bits];
+        AcPair& pair = entries[bits];
+        if (!is_whole(first)) {
+            pair = {};
+            pair.first = no_pair;
+            continue;
+        }
+        pair = single(first);
+        // The bits after the first symbol, and zeros; they tell the second one when that is no
+        // longer than they are.
+        const LookupEntry second = lookup[bits << pair.length & mask];
+        if (!has_ac_value(first) || !is_whole(second) ||
+            pair.length + entry_length(second) > lookup_bits)
+            continue;
+        const AcPair next = single(second);
+        if (has_ac_value(second)) {
+            pair.second = static_cast<uint8_t>(pair.advance + next.second);
+            pair.last = static_cast<uint8_t>(pair.second + 1);
+            pair.value[1] = next.value[1];
+        }
+        pair.length = static_cast<uint8_t>(pair.length + next.length);
+        pair.advance += next.advance;
+    }
+    ready = true;
+}
+
 } // namespace kirvo

@@ -38,4 +38,27 @@ struct Lookup {
     void prepare_dc(const DecodeTable& table);
 };
 
+// What the next bits say of a baseline block's AC coefficients when up to two symbols with their
+// values lie in them. Both values are always stored: where there is only one, it is there twice;
+// where there is none, a 0 goes to a place that holds 0.
+struct AcPair {
+    uint8_t length;  // bits of all of it
+    uint8_t first;   // the values' distances from position k, where the zeros begin
+    uint8_t second;
+    uint8_t last;    // the distance of the last value that is not 0 from position k - 1
+    uint32_t advance; // of k; beyond the block after an end of block
+    int16_t value[2];
+};
+
+// A first distance that no block has room for: the bits are for a single symbol's lookup.
+constexpr uint8_t no_pair = 63;
+
+struct PairLookup {
+    AcPair entries[1u << lookup_bits];
+    bool ready;
+
+    // From the lookup of the same table.
+    void prepare(const Lookup& lookup);
+};
+
 } // namespace kirvo

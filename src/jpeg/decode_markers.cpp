@@ -131,6 +131,8 @@ bool read_huffman(DecodeState& state, Content content) {
         (ac ? state.ac_tables : state.dc_tables)[number].set(&content[1], content.data() + fixed);
         (ac ? state.ac_defined : state.dc_defined)[number] = true;
         (ac ? state.ac_lookups : state.dc_lookups)[number].ready = false;
+        if (ac)
+            state.pair_lookups[number].ready = false;
         content = content.subspan(fixed + symbols);
     }
     return true;

@@ -4,6 +4,17 @@
 
 namespace kirvo {
 
+namespace {
+
+// Where the next group's pixels of a row will be written, while its bits are being read.
+void prefetch(const uint8_t* bgr) {
+    constexpr ptrdiff_t line = 64, bytes = 3 * group_width;
+    for (ptrdiff_t at = 0; at <= bytes; at += line)
+        __builtin_prefetch(bgr + at, 1);
+}
+
+} // namespace
+
 Renderer::Renderer(const Frame& frame, Rows rows)
     : layout_(*frame.layout), width_(frame.width), height_(frame.height),
       mcus_across_((frame.width + layout_.mcu_width - 1) / layout_.mcu_width), 
@@ -48,6 +59,9 @@ void Renderer::render(int32_t mcu, int32_t count, const Block* blocks, const uin
     const auto pixels = static_cast<size_t>(std::min(count * layout_.mcu_width, width_ - x));
     for (int32_t row = 0; row < rows; ++row)
         write_row(row, rows_[height_ - 1 - y - row] + size_t{3} * static_cast<size_t>(x), pixels);
+    const int32_t next = x + static_cast<int32_t>(pixels);
+    for (int32_t row = 0; row < rows && next < width_; ++row)
+        prefetch(rows_[height_ - 1 - y - row] + size_t{3} * static_cast<size_t>(next));
 }
 
 void Renderer::write_row(int32_t row, uint8_t* bgr, size_t pixels) {

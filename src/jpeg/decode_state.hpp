@@ -4,6 +4,7 @@
 
 #include "core/progress.hpp"
 #include "core/status.hpp"
+#include "jpeg/decode_block.hpp"
 #include "jpeg/decode_input.hpp"
 #include "jpeg/decode_lookup.hpp"
 #include "jpeg/tables.hpp"
@@ -62,9 +63,10 @@ struct Scan {
 };
 
 struct QuantisationTables {
-    bool defined[4];         // by a DQT of this stream
-    bool available;          // widened has been filled, ever
-    uint16_t widened[4][64]; // as the slots stood when the first scan began, in zigzag order
+    bool defined[4]; // by a DQT of this stream
+    bool available;  // widened has been filled, ever
+    // As the slots stood when the first scan began, in zigzag order; then zeros.
+    uint16_t widened[4][padded_block];
 };
 
 constexpr int32_t comment_slots = 5;
@@ -115,6 +117,7 @@ struct DecodeState {
     QuantisationTables quantisation;
     DecodeTable dc_tables[4], ac_tables[4];
     Lookup dc_lookups[4], ac_lookups[4]; // ready: made from the table as it is
+    PairLookup pair_lookups[4];          // of AC tables
     bool dc_defined[4], ac_defined[4]; // in this stream
     uint32_t restart_interval;
     Comments comments;
