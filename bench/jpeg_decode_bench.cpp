@@ -26,8 +26,9 @@ Work turbo(Jpeg kind) {
     const std::vector<uint8_t>& jpeg = photo_jpeg(kind);
     std::vector<uint8_t> pixels(size_t{photo_width} * photo_height * 3);
     return [&jpeg, pixels = std::move(pixels), decoder = tjInitDecompress()]() mutable {
-        tjDecompress2(decoder, jpeg.data(), jpeg.size(), pixels.data(), photo_width, 0, photo_height,
-                      TJPF_BGR, TJFLAG_ACCURATEDCT | TJFLAG_FASTUPSAMPLE | TJFLAG_BOTTOMUP);
+        tjDecompress2(decoder, jpeg.data(), jpeg.size(), pixels.data(), photo_width, 0,
+                      photo_height, TJPF_BGR,
+                      TJFLAG_ACCURATEDCT | TJFLAG_FASTUPSAMPLE | TJFLAG_BOTTOMUP);
     };
 }
 
@@ -39,8 +40,7 @@ const Row ours_444("jpeg/decode 4:4:4/ours", [] { return ours(Jpeg::s444); });
 const Row turbo_444("jpeg/decode 4:4:4/libjpeg-turbo", [] { return turbo(Jpeg::s444); });
 const Row ours_grey("jpeg/decode grey/ours", [] { return ours(Jpeg::grey); });
 const Row turbo_grey("jpeg/decode grey/libjpeg-turbo", [] { return turbo(Jpeg::grey); });
-const Row ours_progressive("jpeg/decode progressive/ours",
-                           [] { return ours(Jpeg::progressive); });
+const Row ours_progressive("jpeg/decode progressive/ours", [] { return ours(Jpeg::progressive); });
 const Row turbo_progressive("jpeg/decode progressive/libjpeg-turbo",
                             [] { return turbo(Jpeg::progressive); });
 

@@ -5,9 +5,9 @@
 
 namespace kirvo {
 
-// 64 coefficients as the inverse transform wants them. It multiplies and adds the frequencies in the
-// pairs 0 and 4, 2 and 6, 1 and 3, 5 and 7: for each such pair of horizontal frequencies stand the
-// pairs of coefficients of the eight vertical frequencies, these in the same order.
+// 64 coefficients as the inverse transform wants them. It multiplies and adds the frequencies in
+// the pairs 0 and 4, 2 and 6, 1 and 3, 5 and 7: for each such pair of horizontal frequencies stand
+// the pairs of coefficients of the eight vertical frequencies, these in the same order.
 using Block = int16_t[64];
 
 constexpr size_t block_place_of(size_t vertical, size_t horizontal) {
@@ -27,7 +27,9 @@ inline constexpr std::array<uint8_t, padded_block> block_place = [] {
 }();
 
 // Integers of 16 bits that wrap.
-constexpr int16_t wrap16(int32_t value) { return static_cast<int16_t>(value); }
+constexpr int16_t wrap16(int32_t value) {
+    return static_cast<int16_t>(value);
+}
 constexpr int16_t shift16(int16_t value, int32_t count) {
     return static_cast<int16_t>(static_cast<uint32_t>(value) << count);
 }

@@ -1,5 +1,5 @@
-// The literal entropy decoder: one bit and one byte at a time, at home with markers, fill bytes, the
-// end of the input and tables of any kind. It defines what the fast one may do.
+// The literal entropy decoder: one bit and one byte at a time, at home with markers, fill bytes,
+// the end of the input and tables of any kind. It defines what the fast one may do.
 #pragma once
 
 #include "jpeg/decode_block.hpp"

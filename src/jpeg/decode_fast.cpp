@@ -61,7 +61,9 @@ ALWAYS_INLINE bool refill(BitBuffer& bits) {
     return true;
 }
 
-ALWAYS_INLINE bool refill_for_value(BitBuffer& bits) { return wide_word || refill(bits); }
+ALWAYS_INLINE bool refill_for_value(BitBuffer& bits) {
+    return wide_word || refill(bits);
+}
 
 // A code that the lookup does not tell: longer, or none.
 [[gnu::noinline]] LookupEntry walk_code(BitBuffer bits, const DecodeTable& table, int32_t row) {
@@ -106,8 +108,8 @@ ALWAYS_INLINE bool read_dc(BitBuffer& bits, const FastReader::Tables& tables, in
 
 // One AC symbol and what belongs to it, at position k, which moves on; beyond every block at the
 // end of one. Where bands may end, eob_run tells for how many blocks more.
-ALWAYS_INLINE bool read_coefficient(BitBuffer& bits, const FastReader::Tables& tables, int32_t shift,
-                                    int16_t* block, int32_t& k, int32_t* eob_run) {
+ALWAYS_INLINE bool read_coefficient(BitBuffer& bits, const FastReader::Tables& tables,
+                                    int32_t shift, int16_t* block, int32_t& k, int32_t* eob_run) {
     constexpr int32_t past_block = 256;
     if (!refill(bits))
         return false;

@@ -74,9 +74,13 @@ int32_t WINAPI JpgDecGetSpec(LPCSTR name, uint32_t* width, uint32_t* height, uin
     return status;
 }
 
-void WINAPI JpgDecGetCommentEnable(int32_t enable) { decode_state.comments.enabled = enable == 1; }
+void WINAPI JpgDecGetCommentEnable(int32_t enable) {
+    decode_state.comments.enabled = enable == 1;
+}
 
-int32_t WINAPI JpgDecCommentCounts(void) { return decode_state.comments.count; }
+int32_t WINAPI JpgDecCommentCounts(void) {
+    return decode_state.comments.count;
+}
 
 HGLOBAL WINAPI JpgDecGetComment(int32_t index) {
     const Comments& comments = decode_state.comments;
@@ -84,7 +88,9 @@ HGLOBAL WINAPI JpgDecGetComment(int32_t index) {
     return there ? comments.stored[index] : nullptr;
 }
 
-void WINAPI JpgDecCommentFree(void) { decode_state.comments.discard(); }
+void WINAPI JpgDecCommentFree(void) {
+    decode_state.comments.discard();
+}
 
 int32_t WINAPI JpgDecGetQtable(uint16_t* luma, uint16_t* chroma) {
     const QuantisationTables& tables = decode_state.quantisation;

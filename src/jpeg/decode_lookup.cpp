@@ -18,7 +18,7 @@ constexpr LookupEntry with_value(LookupEntry entry, int16_t value) {
 
 // Fills the entries of all codes by walking through every sequence of bits up to the lookup's
 // length, as long as the procedure asks for more.
-template <typename FillSymbol>
+template<typename FillSymbol>
 void walk_codes(const DecodeTable& table, int32_t row, SymbolWalk walk, uint32_t prefix,
                 const FillSymbol& fill_symbol) {
     for (uint32_t bit = 0; bit < 2; ++bit) {
@@ -94,9 +94,8 @@ namespace {
 constexpr uint32_t past_block = 64;
 
 bool is_whole(LookupEntry entry) {
-    return has_ac_value(entry) ||
-           (entry != 0 && (entry_kind(entry) == EntryKind::end_of_block ||
-                           entry_kind(entry) == EntryKind::run_of_16));
+    return has_ac_value(entry) || (entry != 0 && (entry_kind(entry) == EntryKind::end_of_block ||
+                                                  entry_kind(entry) == EntryKind::run_of_16));
 }
 
 AcPair single(LookupEntry entry) {

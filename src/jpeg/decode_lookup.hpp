@@ -16,14 +16,28 @@ using LookupEntry = uint32_t;
 
 enum class EntryKind : uint32_t { value, end_of_block, end_of_band, run_of_16 };
 
-constexpr uint32_t entry_length(LookupEntry e) { return e & 63; }
-constexpr EntryKind entry_kind(LookupEntry e) { return static_cast<EntryKind>(e >> 6 & 3); }
-constexpr uint32_t entry_run(LookupEntry e) { return e >> 8 & 15; }
-constexpr uint32_t entry_ac_size(LookupEntry e) { return e >> 12 & 15; }
-constexpr uint32_t entry_dc_size(LookupEntry e) { return e >> 8 & 31; }
-constexpr int16_t entry_value(LookupEntry e) { return static_cast<int16_t>(e >> 16); }
+constexpr uint32_t entry_length(LookupEntry e) {
+    return e & 63;
+}
+constexpr EntryKind entry_kind(LookupEntry e) {
+    return static_cast<EntryKind>(e >> 6 & 3);
+}
+constexpr uint32_t entry_run(LookupEntry e) {
+    return e >> 8 & 15;
+}
+constexpr uint32_t entry_ac_size(LookupEntry e) {
+    return e >> 12 & 15;
+}
+constexpr uint32_t entry_dc_size(LookupEntry e) {
+    return e >> 8 & 31;
+}
+constexpr int16_t entry_value(LookupEntry e) {
+    return static_cast<int16_t>(e >> 16);
+}
 // No AC value is 0, so this tells a value from everything else.
-constexpr bool has_ac_value(LookupEntry e) { return e >> 16 != 0; }
+constexpr bool has_ac_value(LookupEntry e) {
+    return e >> 16 != 0;
+}
 
 // What a symbol without its value bits says; 0 for one that is an error.
 LookupEntry ac_entry(uint32_t symbol, uint32_t length);
@@ -42,10 +56,10 @@ struct Lookup {
 // values lie in them. Both values are always stored: where there is only one, it is there twice;
 // where there is none, a 0 goes to a place that holds 0.
 struct AcPair {
-    uint8_t length;  // bits of all of it
-    uint8_t first;   // the values' distances from position k, where the zeros begin
+    uint8_t length; // bits of all of it
+    uint8_t first;  // the values' distances from position k, where the zeros begin
     uint8_t second;
-    uint8_t last;    // the distance of the last value that is not 0 from position k - 1
+    uint8_t last;     // the distance of the last value that is not 0 from position k - 1
     uint32_t advance; // of k; beyond the block after an end of block
     int16_t value[2];
 };

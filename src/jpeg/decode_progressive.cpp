@@ -137,9 +137,8 @@ Status ProgressiveDecoder::read_component(const Scan::Component& component) {
 }
 
 FastReader::Tables ProgressiveDecoder::tables_of(int32_t component, const Scan::Component& from) {
-    return fast_.tables_of(
-        from.dc_table, from.ac_table,
-        coding_of(state_, component, from.id, from.dc_table, from.ac_table));
+    return fast_.tables_of(from.dc_table, from.ac_table,
+                           coding_of(state_, component, from.id, from.dc_table, from.ac_table));
 }
 
 Status ProgressiveDecoder::read_block(const FastReader::Tables& tables, Block& block) {
@@ -176,8 +175,7 @@ Plane ProgressiveDecoder::plane_of(uint8_t id) const {
 }
 
 // As many blocks of the plane as an MCU has of them.
-Status ProgressiveDecoder::read_from_plane(const FastReader::Tables& tables,
-                                           const Plane& plane) {
+Status ProgressiveDecoder::read_from_plane(const FastReader::Tables& tables, const Plane& plane) {
     int32_t& next = picture_.next_plane_block;
     for (int32_t i = 0; i < plane.across * plane.down && next < plane.width * plane.height;
          ++i, ++next) {

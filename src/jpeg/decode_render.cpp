@@ -17,18 +17,17 @@ void prefetch(const uint8_t* bgr) {
 
 Renderer::Renderer(const Frame& frame, Rows rows)
     : layout_(*frame.layout), width_(frame.width), height_(frame.height),
-      mcus_across_((frame.width + layout_.mcu_width - 1) / layout_.mcu_width), 
-      chroma_height_(layout_.chroma_blocks == 0
-                         ? 0
-                         : 8 * layout_.chroma_blocks / layout_.chroma_across()),
+      mcus_across_((frame.width + layout_.mcu_width - 1) / layout_.mcu_width),
+      chroma_height_(
+          layout_.chroma_blocks == 0 ? 0 : 8 * layout_.chroma_blocks / layout_.chroma_across()),
       rows_(rows), kernels_(decode_rows()), samples_{} {}
 
 void Renderer::transform(const Block* blocks, const uint8_t* last, int32_t count) {
     for (int32_t m = 0; m < count; ++m) {
         for (int32_t i = 0; i < layout_.blocks(); ++i) {
             const int32_t component = component_of(layout_, i);
-            const int32_t slot = component == 0 ? i
-                                                : (i - layout_.luma_blocks) % layout_.chroma_blocks;
+            const int32_t slot =
+                component == 0 ? i : (i - layout_.luma_blocks) % layout_.chroma_blocks;
             const int32_t across = component == 0 ? layout_.luma_across() : layout_.chroma_across();
             const int32_t x = m * across + slot % across, y = slot / across;
             kernels_.inverse_dct(*blocks++, last != nullptr ? *last++ : 63,

@@ -69,14 +69,16 @@ void chroma_terms(const int16_t* cb, const int16_t* cr, ChromaTerms terms, size_
     }
 }
 
-uint8_t clamp8(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
+uint8_t clamp8(int32_t value) {
+    return static_cast<uint8_t>(std::clamp(value, 0, 255));
+}
 
 void grey(const int16_t* y, uint8_t* bgr, size_t count) {
     for (size_t i = 0; i < count; ++i)
         bgr[3 * i] = bgr[3 * i + 1] = bgr[3 * i + 2] = clamp8(y[i] + 128);
 }
 
-template <size_t pixels_per_term>
+template<size_t pixels_per_term>
 void colour(const int16_t* y, ChromaTerms terms, uint8_t* bgr, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const size_t term = i / pixels_per_term;

@@ -1,8 +1,8 @@
-// The inverse transform with 16 x 16 -> 32-bit multiply-adds is exact. The first pass is stated with
-// the factors times 8, in sums that wrap at 32 bits, shifted right by 16. A product of 16-bit values
-// with factors below 2^15 and the sum of two of them fit 32 bits; every further sum wraps as stated,
-// and so does the multiplication of the whole sum by 8 in place of each factor. The shifted result
-// has 16 bits, so the second pass runs on 16-bit values again; it needs no factor of 8.
+// The inverse transform with 16 x 16 -> 32-bit multiply-adds is exact. The first pass is stated
+// with the factors times 8, in sums that wrap at 32 bits, shifted right by 16. A product of 16-bit
+// values with factors below 2^15 and the sum of two of them fit 32 bits; every further sum wraps as
+// stated, and so does the multiplication of the whole sum by 8 in place of each factor. The shifted
+// result has 16 bits, so the second pass runs on 16-bit values again; it needs no factor of 8.
 #include "jpeg/decode_rows.hpp"
 
 #include <cstring>
@@ -17,9 +17,15 @@ constexpr int c1 = 32137, c2 = 30272, c3 = 27244, c4 = 23169, c5 = 18204, c6 = 1
 __m256i pair(int first, int second) {
     return _mm256_set1_epi32((first & 0xFFFF) | second << 16);
 }
-__m256i add(__m256i a, __m256i b) { return _mm256_add_epi32(a, b); }
-__m256i sub(__m256i a, __m256i b) { return _mm256_sub_epi32(a, b); }
-__m256i madd(__m256i a, __m256i b) { return _mm256_madd_epi16(a, b); }
+__m256i add(__m256i a, __m256i b) {
+    return _mm256_add_epi32(a, b);
+}
+__m256i sub(__m256i a, __m256i b) {
+    return _mm256_sub_epi32(a, b);
+}
+__m256i madd(__m256i a, __m256i b) {
+    return _mm256_madd_epi16(a, b);
+}
 
 // Eight one-dimensional transforms side by side. in: the pairs of inputs 0 and 4, 2 and 6, 1 and 3,
 // 5 and 7; out: the sums of outputs 0 to 7, bias added.
@@ -67,7 +73,8 @@ __m256i shuffle_words(__m256i a, __m256i b, int odd) {
     }
 }
 
-[[gnu::always_inline]] inline void store_rows(const __m256i sums[8], int16_t* samples, ptrdiff_t stride) {
+[[gnu::always_inline]] inline void store_rows(const __m256i sums[8], int16_t* samples,
+                                              ptrdiff_t stride) {
 #pragma GCC unroll 8
     for (int y = 0; y < 8; y += 2) {
         const __m256i both = _mm256_permute4x64_epi64(
@@ -111,10 +118,9 @@ void chroma_terms(const int16_t* cb_row, const int16_t* cr_row, ChromaTerms term
     for (size_t i = 0; i < count; i += 16) {
         const __m256i cb = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(cb_row + i));
         const __m256i cr = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(cr_row + i));
-        const __m256i blue = _mm256_add_epi16(
-            _mm256_add_epi16(cb, cb), _mm256_mulhi_epi16(cb, _mm256_set1_epi16(-15073)));
-        const __m256i red =
-            _mm256_add_epi16(cr, _mm256_mulhi_epi16(cr, _mm256_set1_epi16(26345)));
+        const __m256i blue = _mm256_add_epi16(_mm256_add_epi16(cb, cb),
+                                              _mm256_mulhi_epi16(cb, _mm256_set1_epi16(-15073)));
+        const __m256i red = _mm256_add_epi16(cr, _mm256_mulhi_epi16(cr, _mm256_set1_epi16(26345)));
         const __m256i low = madd(_mm256_unpacklo_epi16(cb, cr), green_factors);
         const __m256i high = madd(_mm256_unpackhi_epi16(cb, cr), green_factors);
         const __m256i green = _mm256_sub_epi16(
@@ -173,11 +179,13 @@ constexpr Places places = [] {
 }();
 
 inline __m256i placed(__m256i values, int part, int channel) {
-    return _mm256_shuffle_epi8(values, *reinterpret_cast<const __m256i*>(places.from[part][channel]));
+    return _mm256_shuffle_epi8(values,
+                               *reinterpret_cast<const __m256i*>(places.from[part][channel]));
 }
 
 // 32 pixels of three channels, 16 in each half of the vectors.
-[[gnu::always_inline]] inline void store_pixels(__m256i blue, __m256i green, __m256i red, uint8_t* bgr) {
+[[gnu::always_inline]] inline void store_pixels(__m256i blue, __m256i green, __m256i red,
+                                                uint8_t* bgr) {
 #pragma GCC unroll 3
     for (int part = 0; part < 3; ++part) {
         const __m256i bytes = _mm256_or_si256(
@@ -191,7 +199,7 @@ inline __m256i placed(__m256i values, int part, int channel) {
 constexpr size_t step = 32;
 
 // Whole steps straight into the row, the last pixels by way of a buffer.
-template <typename Convert>
+template<typename Convert>
 [[gnu::always_inline]] inline void for_steps(uint8_t* bgr, size_t count, const Convert& convert) {
     size_t i = 0;
     for (; i + step <= count; i += step)

@@ -1,4 +1,5 @@
-// Why the transform is exact: see decode_rows_avx2.cpp, of which this is the same on half the width.
+// Why the transform is exact: see decode_rows_avx2.cpp, of which this is the same on half the
+// width.
 #include "jpeg/decode_rows.hpp"
 
 #include <cstring>
@@ -16,10 +17,18 @@ __m128i load(const int16_t* from) {
 void store(int16_t* to, __m128i values) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), values);
 }
-__m128i pair(int first, int second) { return _mm_set1_epi32((first & 0xFFFF) | second << 16); }
-__m128i add(__m128i a, __m128i b) { return _mm_add_epi32(a, b); }
-__m128i sub(__m128i a, __m128i b) { return _mm_sub_epi32(a, b); }
-__m128i madd(__m128i a, __m128i b) { return _mm_madd_epi16(a, b); }
+__m128i pair(int first, int second) {
+    return _mm_set1_epi32((first & 0xFFFF) | second << 16);
+}
+__m128i add(__m128i a, __m128i b) {
+    return _mm_add_epi32(a, b);
+}
+__m128i sub(__m128i a, __m128i b) {
+    return _mm_sub_epi32(a, b);
+}
+__m128i madd(__m128i a, __m128i b) {
+    return _mm_madd_epi16(a, b);
+}
 
 // Four one-dimensional transforms side by side. in: the pairs of inputs 0 and 4, 2 and 6, 1 and 3,
 // 5 and 7; out: the sums of outputs 0 to 7, bias added.
@@ -105,8 +114,8 @@ void chroma_terms(const int16_t* cb_row, const int16_t* cr_row, ChromaTerms term
         const __m128i red = _mm_add_epi16(cr, _mm_mulhi_epi16(cr, _mm_set1_epi16(26345)));
         const __m128i low = madd(_mm_unpacklo_epi16(cb, cr), green_factors);
         const __m128i high = madd(_mm_unpackhi_epi16(cb, cr), green_factors);
-        const __m128i green = _mm_sub_epi16(
-            _mm_packs_epi32(_mm_srai_epi32(low, 16), _mm_srai_epi32(high, 16)), cr);
+        const __m128i green =
+            _mm_sub_epi16(_mm_packs_epi32(_mm_srai_epi32(low, 16), _mm_srai_epi32(high, 16)), cr);
         store(terms.blue + i, _mm_add_epi16(blue, middle));
         store(terms.green + i, _mm_add_epi16(green, middle));
         store(terms.red + i, _mm_add_epi16(red, middle));
@@ -123,7 +132,8 @@ __m128i close_up(__m128i pixels) {
 }
 
 // 16 pixels of three channels.
-[[gnu::always_inline]] inline void store_pixels(__m128i blue, __m128i green, __m128i red, uint8_t* bgr) {
+[[gnu::always_inline]] inline void store_pixels(__m128i blue, __m128i green, __m128i red,
+                                                uint8_t* bgr) {
     const __m128i zero = _mm_setzero_si128();
     const __m128i blue_green[2] = {_mm_unpacklo_epi8(blue, green), _mm_unpackhi_epi8(blue, green)};
     const __m128i red_zero[2] = {_mm_unpacklo_epi8(red, zero), _mm_unpackhi_epi8(red, zero)};
@@ -135,10 +145,10 @@ __m128i close_up(__m128i pixels) {
     }
     auto* to = reinterpret_cast<__m128i*>(bgr);
     _mm_storeu_si128(to, _mm_or_si128(twelve[0], _mm_slli_si128(twelve[1], 12)));
-    _mm_storeu_si128(to + 1, _mm_or_si128(_mm_srli_si128(twelve[1], 4),
-                                          _mm_slli_si128(twelve[2], 8)));
-    _mm_storeu_si128(to + 2, _mm_or_si128(_mm_srli_si128(twelve[2], 8),
-                                          _mm_slli_si128(twelve[3], 4)));
+    _mm_storeu_si128(to + 1,
+                     _mm_or_si128(_mm_srli_si128(twelve[1], 4), _mm_slli_si128(twelve[2], 8)));
+    _mm_storeu_si128(to + 2,
+                     _mm_or_si128(_mm_srli_si128(twelve[2], 8), _mm_slli_si128(twelve[3], 4)));
 }
 
 // Samples or terms of 16 pixels.
@@ -146,7 +156,9 @@ struct Samples {
     __m128i first, second;
 };
 
-Samples load_each(const int16_t* from) { return {load(from), load(from + 8)}; }
+Samples load_each(const int16_t* from) {
+    return {load(from), load(from + 8)};
+}
 
 Samples load_wide(const int16_t* from) {
     const __m128i terms = load(from);
@@ -161,7 +173,7 @@ __m128i channel(const Samples& y, const Samples& terms) {
 constexpr size_t step = 16;
 
 // Whole steps straight into the row, the last pixels by way of a buffer.
-template <typename Convert>
+template<typename Convert>
 [[gnu::always_inline]] inline void for_steps(uint8_t* bgr, size_t count, const Convert& convert) {
     size_t i = 0;
     for (; i + step <= count; i += step)

@@ -22,8 +22,8 @@ void measure(Picture& picture, const Frame& frame) {
     const Layout& layout = *frame.layout;
     picture.frame = frame;
     picture.mcus_across = (frame.width + layout.mcu_width - 1) / layout.mcu_width;
-    picture.mcus = picture.mcus_across *
-                   ((frame.height + layout.mcu_height - 1) / layout.mcu_height);
+    picture.mcus =
+        picture.mcus_across * ((frame.height + layout.mcu_height - 1) / layout.mcu_height);
     picture.next_mcu = 0;
     picture.coverage = 0;
 }

@@ -43,7 +43,9 @@ void Picture::discard() {
     discard_coefficients();
 }
 
-void Picture::discard_coefficients() { discard_block(coefficients); }
+void Picture::discard_coefficients() {
+    discard_block(coefficients);
+}
 
 void DecodeState::reset() {
     header = HeaderState::seeking_start;

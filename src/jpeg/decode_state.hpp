@@ -118,7 +118,7 @@ struct DecodeState {
     DecodeTable dc_tables[4], ac_tables[4];
     Lookup dc_lookups[4], ac_lookups[4]; // ready: made from the table as it is
     PairLookup pair_lookups[4];          // of AC tables
-    bool dc_defined[4], ac_defined[4]; // in this stream
+    bool dc_defined[4], ac_defined[4];   // in this stream
     uint32_t restart_interval;
     Comments comments;
     struct {
