@@ -36,10 +36,19 @@ void compose_24(Mode mode, uint8_t* to, const uint8_t* from, size_t count) {
     }
 }
 
+// Result channels go to their shifts with all 8 bits: a sum that a narrow mask cannot hold reaches
+// into the bits above.
+PixelFormat whole_channels(PixelFormat format) {
+    for (int c = 0; c < 3; ++c)
+        format.masks.mask[c] = 0xFFu << (format.masks.shift[c] & 31);
+    return format;
+}
+
 // The source pixels are read before any of the destination is written, since both may be parts of
 // one row.
 void compose_chunk(Mode mode, const PixelFormat& format, uint8_t* to, const uint8_t* from,
                    size_t count) {
+    const PixelFormat result = whole_channels(format);
     uint8_t source[3 * pixels_at_once], words[4 * pixels_at_once];
     unpack_row(format, from, source, count);
     if (format.bits == 24)
@@ -48,9 +57,9 @@ void compose_chunk(Mode mode, const PixelFormat& format, uint8_t* to, const uint
         uint8_t target[3 * pixels_at_once];
         unpack_row(format, to, target, count);
         compose_24(mode, target, source, count);
-        return pack_row(format, target, to, count);
+        return pack_row(result, target, to, count);
     }
-    pack_row(format, source, words, count);
+    pack_row(result, source, words, count);
     for (size_t i = 0; i < count; ++i)
         if (std::memcmp(source + 3 * i, key_of(mode), 3) != 0)
             std::memcpy(to + 4 * i, words + 4 * i, 4);

@@ -20,6 +20,9 @@ struct Channel {
             ++shift;
     }
     int read(uint32_t pixel) const { return static_cast<int>(((pixel & mask) >> shift) & 0xFF); }
+    uint32_t place(int value) const { // beyond the mask if need be
+        return mask == 0 ? 0 : static_cast<uint32_t>(value) << shift;
+    }
     uint32_t write(int value) const { return (static_cast<uint32_t>(value) << shift) & mask; }
 };
 
@@ -50,7 +53,7 @@ uint32_t composed(int mode, uint32_t s, uint32_t d, const Channel (&channels)[3]
         return d;
     uint32_t pixel = 0;
     for (int c = 0; c < 3; ++c)
-        pixel |= channels[c].write(blend(mode, from[c], to[c]));
+        pixel |= channels[c].place(blend(mode, from[c], to[c]));
     return pixel;
 }
 
@@ -158,6 +161,15 @@ TEST(Compose, ClearsBitsOutsideTheMasksInWrittenPixelsOnly) {
     EXPECT_EQ(composed_pixel(0xAA010203, 0xBB010000, 4, 32), 0xAA010203u);
     EXPECT_EQ(composed_pixel(0xAA010203, 0xBB000001, 4, 32), 0x00000001u);
     SetKeyColorDib24Add(0);
+}
+
+TEST(Compose, SumBeyondANarrowMaskReachesIntoTheBitsAbove) {
+    Dib to = make_dib({1, 1, 32, Masks{0x1F, 0x7E0, 0xF800}});
+    Dib from = make_dib({1, 1, 32, Masks{0x1F, 0x7E0, 0xF800}});
+    to.set_pixel(0, 0, 0x0000001F);   // red 31
+    from.set_pixel(0, 0, 0x00000021); // red 1, green 1
+    ASSERT_EQ(Dib24Add(to, 0, 0, from, 0, 0, 1, 1, 0), 0);
+    EXPECT_EQ(to.pixel(0, 0), 0x00000020u); // 32 | 1 << 5
 }
 
 TEST(Compose, TakesTheMasksOfTheSourceForBothImages) {
