@@ -11,6 +11,7 @@
 #include "jpeg/encode_settings.hpp"
 #include "jpeg/tables.hpp"
 
+#include <algorithm>
 #include <cstring>
 
 namespace kirvo {
@@ -43,7 +44,10 @@ struct Tile {
 // The samples of each index of an 8-bit image.
 struct IndexSamples {
     int8_t y[256], cb[256], cr[256];
+    bool plain_grey; // Y is the index but for the level shift
 };
+
+int8_t shifted(uint8_t grey) { return static_cast<int8_t>(grey - 128); }
 
 constexpr size_t staging_threshold = 4000;
 
@@ -108,14 +112,15 @@ Status check(const EncodeRequest& request, const LockedDib& dib) {
 void prepare_index_samples(const EncodeRequest& request, const LockedDib& dib) {
     IndexSamples& samples = encoder.index_samples;
     const ColourTable table(dib, dib.header.biSize);
-    for (size_t i = 0; i < 256; ++i) {
+    samples.plain_grey = true;
+    for (int32_t i = 0; i < 256; ++i) {
+        const auto index = static_cast<uint8_t>(i);
         const RGBQUAD& entry = table.entry[i];
         const uint8_t bgr[] = {entry.rgbBlue, entry.rgbGreen, entry.rgbRed};
         encoder.rows->convert(bgr, 1, samples.y + i, samples.cb + i, samples.cr + i);
-        if (is_grey(request.family)) {
-            const auto grey = static_cast<int32_t>(request.grey_from_table ? entry.rgbBlue : i);
-            samples.y[i] = static_cast<int8_t>(grey - 128);
-        }
+        if (is_grey(request.family))
+            samples.y[i] = shifted(request.grey_from_table ? entry.rgbBlue : index);
+        samples.plain_grey = samples.plain_grey && samples.y[i] == shifted(index);
     }
 }
 
@@ -187,6 +192,11 @@ Status fail(Status status) {
     return status;
 }
 
+void look_up(const int8_t* samples, const uint8_t* indexes, size_t count, int8_t* out) {
+    for (size_t i = 0; i < count; ++i)
+        out[i] = samples[indexes[i]];
+}
+
 // Samples of the picture row y (from the region's top), columns from x on, into row i of the tile.
 void sample_row(int32_t x, int32_t y, size_t i, size_t count) {
     Tile& tile = encoder.tile;
@@ -197,25 +207,28 @@ void sample_row(int32_t x, int32_t y, size_t i, size_t count) {
         return;
     }
     const IndexSamples& samples = encoder.index_samples;
-    for (size_t j = 0; j < count; ++j)
-        tile.y[i][j] = samples.y[row[static_cast<size_t>(x) + j]];
-    if (is_grey(encoder.family))
-        return;
-    for (size_t j = 0; j < count; ++j) {
-        tile.cb[i][j] = samples.cb[row[static_cast<size_t>(x) + j]];
-        tile.cr[i][j] = samples.cr[row[static_cast<size_t>(x) + j]];
+    const uint8_t* indexes = row + x;
+    if (samples.plain_grey)
+        std::transform(indexes, indexes + count, tile.y[i], shifted);
+    else
+        look_up(samples.y, indexes, count, tile.y[i]);
+    if (!is_grey(encoder.family)) {
+        look_up(samples.cb, indexes, count, tile.cb[i]);
+        look_up(samples.cr, indexes, count, tile.cr[i]);
     }
 }
 
 // Columns past the region repeat its last one.
 void extend_row(size_t i, size_t count, size_t padded) {
-    for (auto* plane : {encoder.tile.y, encoder.tile.cb, encoder.tile.cr})
-        std::memset(plane[i] + count, plane[i][count - 1], padded - count);
+    Tile& tile = encoder.tile;
+    for (int8_t* row : {tile.y[i], tile.cb[i], tile.cr[i]})
+        std::memset(row + count, row[count - 1], padded - count);
 }
 
 // Rows past the region repeat its last one.
 void repeat_row(size_t i, size_t padded) {
-    for (auto* plane : {encoder.tile.y, encoder.tile.cb, encoder.tile.cr})
+    Tile& tile = encoder.tile;
+    for (auto* plane : {tile.y, tile.cb, tile.cr})
         std::memcpy(plane[i], plane[i - 1], padded);
 }
 
@@ -224,7 +237,8 @@ void sample_tile(int32_t x, int32_t y, size_t padded) {
     for (int32_t i = 0; i < encoder.mcu.height; ++i) {
         if (i < encoder.region.height - y) {
             sample_row(x, y + i, static_cast<size_t>(i), count);
-            extend_row(static_cast<size_t>(i), count, padded);
+            if (count < padded)
+                extend_row(static_cast<size_t>(i), count, padded);
         } else {
             repeat_row(static_cast<size_t>(i), padded);
         }
