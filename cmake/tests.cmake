@@ -95,3 +95,10 @@ foreach(check IN LISTS checks)
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/interface/check.py ${check}
                      ${PROJECT_BINARY_DIR}/interface.json)
 endforeach()
+
+# What other programs have encoded, against what they decode.
+if(NOT WIN32 AND NOT KIRVO_SANITIZE)
+    add_test(NAME kirvo_jpeg_real_files
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/jpeg/real_files.py
+                     $<TARGET_FILE:kirvo> $<TARGET_FILE:kirvo_sample>)
+endif()
