@@ -57,45 +57,63 @@ class McuReader {
     const FastReader::Tables* tables_[most_blocks];
 };
 
-// The MCUs that have been read and not yet rendered.
-struct Group {
-    Block blocks[most_group_blocks];
-    uint8_t last[most_group_blocks];
-    int32_t first; // of the image
-    int32_t count;
-
-    void render(Renderer& renderer) {
-        renderer.render(first, count, blocks, last);
-        std::memset(blocks, 0, sizeof blocks);
-        first += count;
-        count = 0;
+// MCUs of one MCU row that have been read and not yet rendered.
+class Group {
+  public:
+    Group(const Picture& picture, Renderer& renderer)
+        : renderer_(renderer), blocks_of_mcu_(picture.frame.layout->blocks()),
+          across_(picture.mcus_across), first_(picture.next_mcu) {
+        open();
     }
+
+    Block* next_blocks() { return &blocks_[count_ * blocks_of_mcu_]; }
+    uint8_t* next_last() { return &last_[count_ * blocks_of_mcu_]; }
+    // The next MCU has been read.
+    void add() {
+        if (++count_ == room_)
+            render();
+    }
+    void render() {
+        if (count_ == 0)
+            return;
+        renderer_.render(first_, count_, blocks_, last_);
+        std::memset(blocks_, 0, sizeof blocks_);
+        first_ += count_;
+        open();
+    }
+
+  private:
+    void open() {
+        count_ = 0;
+        room_ = std::min(renderer_.group_mcus(), across_ - first_ % across_);
+    }
+
+    Renderer& renderer_;
+    Block blocks_[most_group_blocks] = {};
+    uint8_t last_[most_group_blocks];
+    const int32_t blocks_of_mcu_, across_;
+    int32_t first_; // of the image
+    int32_t count_, room_;
 };
 
 } // namespace
 
 Step decode_baseline(DecodeState& state, Renderer& renderer) {
     Picture& picture = state.picture;
-    const int32_t blocks = picture.frame.layout->blocks();
     McuReader reader(state);
-    Group group = {};
-    group.first = picture.next_mcu;
+    Group group(picture, renderer);
     for (;;) {
-        const int32_t at = group.count * blocks;
-        const Step step = reader.read(&group.blocks[at], &group.last[at]);
+        const Step step = reader.read(group.next_blocks(), group.next_last());
         if (step.kind != Step::done) {
-            if (group.count != 0)
-                group.render(renderer);
+            group.render();
             return step;
         }
-        ++group.count;
+        group.add();
         ++picture.next_mcu;
-        const bool row_ends = picture.next_mcu % picture.mcus_across == 0;
-        if (row_ends || group.count == renderer.group_mcus())
-            group.render(renderer);
         if (picture.next_mcu == picture.mcus)
             return finish_picture(state);
-        state.progress.update(picture.next_mcu * 100 / picture.mcus);
+        if (progress_enabled())
+            state.progress.update(picture.next_mcu * 100 / picture.mcus);
     }
 }
 

@@ -20,19 +20,23 @@ Renderer::Renderer(const Frame& frame, Rows rows)
       mcus_across_((frame.width + layout_.mcu_width - 1) / layout_.mcu_width),
       chroma_height_(
           layout_.chroma_blocks == 0 ? 0 : 8 * layout_.chroma_blocks / layout_.chroma_across()),
-      rows_(rows), kernels_(decode_rows()), samples_{} {}
+      rows_(rows), kernels_(decode_rows()), samples_{} {
+    for (int32_t i = 0; i < layout_.blocks(); ++i) {
+        const int32_t component = component_of(layout_, i);
+        const int32_t place =
+            component == 0 ? i : (i - layout_.luma_blocks) % layout_.chroma_blocks;
+        const int32_t across = component == 0 ? layout_.luma_across() : layout_.chroma_across();
+        slots_[i] = {&samples_[component][(place / across * group_width + place % across) * 8],
+                     8 * across};
+    }
+}
 
 void Renderer::transform(const Block* blocks, const uint8_t* last, int32_t count) {
+    const int32_t blocks_of_mcu = layout_.blocks();
     for (int32_t m = 0; m < count; ++m) {
-        for (int32_t i = 0; i < layout_.blocks(); ++i) {
-            const int32_t component = component_of(layout_, i);
-            const int32_t slot =
-                component == 0 ? i : (i - layout_.luma_blocks) % layout_.chroma_blocks;
-            const int32_t across = component == 0 ? layout_.luma_across() : layout_.chroma_across();
-            const int32_t x = m * across + slot % across, y = slot / across;
+        for (int32_t i = 0; i < blocks_of_mcu; ++i)
             kernels_.inverse_dct(*blocks++, last != nullptr ? *last++ : 63,
-                                 &samples_[component][(y * group_width + x) * 8], group_width);
-        }
+                                 slots_[i].samples + m * slots_[i].step, group_width);
     }
 }
 
@@ -65,7 +69,7 @@ void Renderer::render(int32_t mcu, int32_t count, const Block* blocks, const uin
 
 void Renderer::write_row(int32_t row, uint8_t* bgr, size_t pixels) {
     const int16_t* luma = &samples_[0][row * group_width];
-    const ChromaTerms terms = terms_of(row * chroma_height_ / layout_.mcu_height);
+    const ChromaTerms terms = terms_of(chroma_height_ == layout_.mcu_height ? row : row / 2);
     if (chroma_height_ == 0)
         kernels_.grey(luma, bgr, pixels);
     else if (layout_.luma_across() == layout_.chroma_across())

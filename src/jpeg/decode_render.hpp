@@ -33,6 +33,10 @@ class Renderer {
     const int32_t chroma_height_; // of an MCU
     const Rows rows_;
     const DecodeRows& kernels_;
+    struct Slot {
+        int16_t* samples; // of the group's first MCU
+        int32_t step;     // to the next MCU
+    } slots_[most_blocks];
     alignas(64) int16_t samples_[3][16 * group_width]; // rows of group_width
     alignas(64) int16_t terms_[3][16 * group_width];
 };
