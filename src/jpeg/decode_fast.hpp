@@ -5,6 +5,7 @@
 #pragma once
 
 #include "jpeg/decode_careful.hpp"
+#include "jpeg/decode_lookup.hpp"
 
 namespace kirvo {
 

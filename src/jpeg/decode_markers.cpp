@@ -1,5 +1,7 @@
 #include "jpeg/decode_markers.hpp"
 
+#include "jpeg/decode_lookup.hpp"
+
 #include <cstring>
 #include <optional>
 #include <span>
@@ -132,9 +134,9 @@ bool read_huffman(DecodeState& state, Content content) {
             return false;
         (ac ? state.ac_tables : state.dc_tables)[number].set(&content[1], content.data() + fixed);
         (ac ? state.ac_defined : state.dc_defined)[number] = true;
-        (ac ? state.ac_lookups : state.dc_lookups)[number].ready = false;
+        (ac ? decode_lookups.ac : decode_lookups.dc)[number].ready = false;
         if (ac)
-            state.pair_lookups[number].ready = false;
+            decode_lookups.ac_pairs[number].ready = false;
         content = content.subspan(fixed + symbols);
     }
     return true;

@@ -6,7 +6,7 @@
 #include "core/status.hpp"
 #include "jpeg/decode_block.hpp"
 #include "jpeg/decode_input.hpp"
-#include "jpeg/decode_lookup.hpp"
+#include "jpeg/decode_huffman.hpp"
 #include "jpeg/tables.hpp"
 
 namespace kirvo {
@@ -116,9 +116,7 @@ struct DecodeState {
     uint8_t quantisation_of[4]; // by component id
     QuantisationTables quantisation;
     DecodeTable dc_tables[4], ac_tables[4];
-    Lookup dc_lookups[4], ac_lookups[4]; // ready: made from the table as it is
-    PairLookup pair_lookups[4];          // of AC tables
-    bool dc_defined[4], ac_defined[4];   // in this stream
+    bool dc_defined[4], ac_defined[4]; // in this stream
     uint32_t restart_interval;
     Comments comments;
     struct {
