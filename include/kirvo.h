@@ -767,25 +767,25 @@ KIRVO_API uint16_t WINAPI JpgDecGetLastUexMarker(uint32_t* position);
  *  over the stored rows, and start at the bottom row.
  *
  *  Sources have 24 bits, or 32 bits with any masks. Decrease256Fast and the exact conversions find
- *  their rows at biSize + 4 * biClrUsed bytes, at 32 bits another 12 bytes further on whether or not
- *  there are masks (missing pixels at the end read as 0). They keep 16 bits of the number of bits in
- *  a row, in the source and in the result: rows of more than 65504 bits (2729 pixels of 24 bits, 2047
- *  of 32 bits, 8188 of the 8-bit result, 16376 of the 4-bit one) overlap.
+ *  their rows at biSize + 4 * biClrUsed bytes, at 32 bits another 12 bytes further on whether or
+ *  not there are masks (missing pixels at the end read as 0). They keep 16 bits of the number of
+ *  bits in a row, in the source and in the result: rows of more than 65504 bits (2729 pixels of 24
+ *  bits, 2047 of 32 bits, 8188 of the 8-bit result, 16376 of the 4-bit one) overlap.
  *
  *  Each status parameter may be null and receives, besides what the function says,
  *  #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for a source of another depth;
- *  #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY, also for an image
- *  without width or height. On failure the result is null.
+ *  #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY, also for an
+ *  image without width or height. On failure the result is null.
  *  @{ */
 
 /** Makes an 8-bit image with error diffusion to 256 fixed colours.
  *
  *  The palette is a cube of 7 levels of green (0, 64, 96, 128, 160, 192, 255) and 6 of blue and red
- *  (0, 64, 96, 128, 192, 255), with the 20 system colours in slots 0-9 and 246-255. A channel goes up
- *  to the level above it: to 64 from 32 on, to each further level from the one below it on. Rows are
- *  scanned right to left and left to right in turn, the bottom row right to left. What is left over of
- *  each channel goes on, in halves rounded down: 1/2 to the next pixel in scan direction, 1/4 below
- *  it, 1/8 below and ahead, 1/16 below and behind.
+ *  (0, 64, 96, 128, 192, 255), with the 20 system colours in slots 0-9 and 246-255. A channel goes
+ *  up to the level above it: to 64 from 32 on, to each further level from the one below it on. Rows
+ *  are scanned right to left and left to right in turn, the bottom row right to left. What is left
+ *  over of each channel goes on, in halves rounded down: 1/2 to the next pixel in scan direction,
+ *  1/4 below it, 1/8 below and ahead, 1/16 below and behind.
  *  @param dib packed DIB of 24 or 32 bits
  *  @param[out] status see above
  *  @return the new image, owned by the caller, or null */
@@ -793,9 +793,10 @@ KIRVO_API HGLOBAL WINAPI DecreaseColor256(HGLOBAL dib, int32_t* status);
 
 /** Makes a 4-bit image with error diffusion, as DecreaseColor256 spreads it, to 16 fixed colours.
  *
- *  Where any channel is above 128, each channel above 128 becomes 255 and the others 0 (colours 8 to
- *  15, counting red 1, green 2, blue 4); elsewhere each channel above 64 becomes 128 and the others
- *  0 (colours 0 to 6, and 8 for all three). Colour 7 (192, 192, 192) is in the palette but not used.
+ *  Where any channel is above 128, each channel above 128 becomes 255 and the others 0 (colours 8
+ *  to 15, counting red 1, green 2, blue 4); elsewhere each channel above 64 becomes 128 and the
+ *  others 0 (colours 0 to 6, and 8 for all three). Colour 7 (192, 192, 192) is in the palette but
+ *  not used.
  *  @param dib packed DIB of 24 or 32 bits
  *  @param[out] status see above
  *  @return the new image, owned by the caller, or null */
@@ -803,18 +804,18 @@ KIRVO_API HGLOBAL WINAPI DecreaseColor16(HGLOBAL dib, int32_t* status);
 
 /** Makes an 8-bit grey image, without diffusion.
  *
- *  The palette has the 20 system colours in slots 0-9 and 246-255 and greys 20 to 255 in slots 10 to
- *  245. A pixel of luminance Y = (77 red + 150 green + 29 blue + 128) / 256 gets slot Y - 10, and no
- *  slot below 10.
+ *  The palette has the 20 system colours in slots 0-9 and 246-255 and greys 20 to 255 in slots 10
+ *  to 245. A pixel of luminance Y = (77 red + 150 green + 29 blue + 128) / 256 gets slot Y - 10,
+ *  and no slot below 10.
  *  @param dib packed DIB of 24 or 32 bits
  *  @param[out] status see above
  *  @return the new image, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI DecreaseColorMono256(HGLOBAL dib, int32_t* status);
 
-/** Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered dither of 8 x 8 pixels
- *  over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255: a channel value v becomes level
- *  v / 51, one more where v mod 51 is above the dither's threshold. The four cube colours that the
- *  palette lacks become pure green or pure blue.
+/** Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered dither of 8 x 8
+ *  pixels over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255: a channel value v becomes
+ *  level v / 51, one more where v mod 51 is above the dither's threshold. The four cube colours
+ *  that the palette lacks become pure green or pure blue.
  *  @param dib packed DIB of 24 or 32 bits
  *  @param[out] status see above
  *  @return the new image (biClrUsed 256), owned by the caller, or null */
@@ -839,8 +840,8 @@ KIRVO_API HGLOBAL WINAPI Decrease256PaletteEx(HGLOBAL dib, int32_t mode, int32_t
 KIRVO_API HGLOBAL WINAPI Decrease256Palette(HGLOBAL dib, int32_t* status);
 
 /** Makes a 4-bit image with exactly the colours of the source. In mode 0 only the 16 system colours
- *  are accepted: black, the six dark primaries, (128, 128, 128) in slot 7, (192, 192, 192) in slot 8,
- *  the six bright ones and white. In mode 1 any 16 colours receive slots in the order of their
+ *  are accepted: black, the six dark primaries, (128, 128, 128) in slot 7, (192, 192, 192) in slot
+ *  8, the six bright ones and white. In mode 1 any 16 colours receive slots in the order of their
  *  appearance, row by row from the bottom left.
  *  @param dib packed DIB of 24 or 32 bits
  *  @param mode 0 or 1

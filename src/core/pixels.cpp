@@ -94,7 +94,8 @@ void convert_row(const PixelFormat& from_format, const uint8_t* from, const Pixe
         std::memmove(to, from, from_format.bytes() * count);
         return;
     }
-    const PixelMoves moves = {{move_of(from_format, to_format, 0), move_of(from_format, to_format, 1),
+    const PixelMoves moves = {{move_of(from_format, to_format, 0),
+                               move_of(from_format, to_format, 1),
                                move_of(from_format, to_format, 2)}};
     row_kernel(from_format.bits, to_format.bits)(from, to, count, moves);
 }

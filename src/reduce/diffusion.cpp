@@ -9,10 +9,10 @@ namespace kirvo {
 
 namespace {
 
-// Values that can occur: a pixel's channel and the errors that reach it. These are at most the sum of
-// a half, a quarter, an eighth and a sixteenth of the largest error that a quantiser leaves, so the
-// values stay in bounds: -60 to 281 for the errors -64 to 31 of the cube, -119 to 375 for the errors
-// -126 to 128 of the 16 colours. Cells hold them above 0.
+// Values that can occur: a pixel's channel and the errors that reach it. These are at most the sum
+// of a half, a quarter, an eighth and a sixteenth of the largest error that a quantiser leaves, so
+// the values stay in bounds: -60 to 281 for the errors -64 to 31 of the cube, -119 to 375 for the
+// errors -126 to 128 of the 16 colours. Cells hold them above 0.
 constexpr int32_t lowest_value = -128, highest_value = 383;
 constexpr uint32_t value_count = highest_value - lowest_value + 1;
 

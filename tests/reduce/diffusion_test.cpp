@@ -241,7 +241,8 @@ TEST(Diffusion, LastRowMayLackItsPadding) {
 TEST(Diffusion, ChannelsGoUpToTheNextLevel) {
     EXPECT_EQ(run(DecreaseColor256, flat(1, 1, 128, 128, 128)).pixel(0, 0), 172u);
     EXPECT_EQ(run(DecreaseColor256, flat(1, 1, 192, 192, 192)).pixel(0, 0), 255u);
-    EXPECT_EQ(run(DecreaseColor256, flat(1, 1, 100, 0, 0)).pixel(0, 0), 1u); // 128, slot of position 3
+    EXPECT_EQ(run(DecreaseColor256, flat(1, 1, 100, 0, 0)).pixel(0, 0),
+              1u); // 128, slot of position 3
     EXPECT_EQ(run(DecreaseColor256, flat(1, 1, 31, 31, 31)).pixel(0, 0), 0u);
     EXPECT_EQ(run(DecreaseColor256, flat(1, 1, 0, 32, 0)).pixel(0, 0), 36u);
     EXPECT_EQ(run(DecreaseColor256, flat(1, 1, 0, 0, 32)).pixel(0, 0), 126u);
@@ -249,7 +250,8 @@ TEST(Diffusion, ChannelsGoUpToTheNextLevel) {
 
 TEST(Diffusion, ErrorsOfTheFirstPixelReachItsNeighbours) {
     // The bottom row runs right to left. 128 becomes 192 and leaves -64: the left neighbour loses
-    // 32; above, the same column loses 16, the left one 8 (and 16 for its own -32), the right one 4.
+    // 32; above, the same column loses 16, the left one 8 (and 16 for its own -32), the right
+    // one 4.
     Dib from = make_dib({3, 2, 24});
     from.set_pixel(1, 1, 0x800000);
     from.set_pixel(0, 1, 0x3F0000); // 63 - 32 = 31: black, leaves 31
@@ -303,7 +305,8 @@ TEST(Diffusion, SystemColoursStandInTheirSlots) {
     const Dib result = run(DecreaseColor256, flat(1, 1, 0, 0, 0));
     const std::vector<uint8_t> block = block_bytes(result);
     const auto colour = [&](size_t slot) {
-        return block[40 + 4 * slot + 2] << 16 | block[40 + 4 * slot + 1] << 8 | block[40 + 4 * slot];
+        return block[40 + 4 * slot + 2] << 16 | block[40 + 4 * slot + 1] << 8 |
+               block[40 + 4 * slot];
     };
     constexpr int low[] = {0x000000, 0x800000, 0x008000, 0x808000, 0x000080,
                            0x800080, 0x008080, 0xC0C0C0, 0xC0DCC0, 0xA4C8F0};

@@ -13,8 +13,12 @@ HGLOBAL WINAPI exact256_0(HGLOBAL dib, int32_t* status) {
 HGLOBAL WINAPI exact256_1(HGLOBAL dib, int32_t* status) {
     return Decrease256PaletteEx(dib, 1, status);
 }
-HGLOBAL WINAPI exact16_0(HGLOBAL dib, int32_t* status) { return Decrease16PaletteEx(dib, 0, status); }
-HGLOBAL WINAPI exact16_1(HGLOBAL dib, int32_t* status) { return Decrease16PaletteEx(dib, 1, status); }
+HGLOBAL WINAPI exact16_0(HGLOBAL dib, int32_t* status) {
+    return Decrease16PaletteEx(dib, 0, status);
+}
+HGLOBAL WINAPI exact16_1(HGLOBAL dib, int32_t* status) {
+    return Decrease16PaletteEx(dib, 1, status);
+}
 
 struct Kind {
     Reduce reduce;
@@ -122,7 +126,8 @@ std::vector<uint32_t> colours_with_presets(size_t count, bool presets, Random& r
 Dib row_of_distinct(int n) {
     Dib dib = make_dib({n, 1, 24});
     for (int x = 0; x < n; ++x)
-        dib.set_pixel(x, 0, 0x010203u + 0x000700u * uint32_t(x % 16) + 0x050000u * uint32_t(x / 16));
+        dib.set_pixel(x, 0,
+                      0x010203u + 0x000700u * uint32_t(x % 16) + 0x050000u * uint32_t(x / 16));
     return dib;
 }
 

@@ -8,7 +8,9 @@ namespace {
 HGLOBAL WINAPI exact256_1(HGLOBAL dib, int32_t* status) {
     return Decrease256PaletteEx(dib, 1, status);
 }
-HGLOBAL WINAPI exact16_1(HGLOBAL dib, int32_t* status) { return Decrease16PaletteEx(dib, 1, status); }
+HGLOBAL WINAPI exact16_1(HGLOBAL dib, int32_t* status) {
+    return Decrease16PaletteEx(dib, 1, status);
+}
 
 constexpr Reduce from_true_colour[] = {DecreaseColor256,  DecreaseColor16,   DecreaseColorMono256,
                                        Decrease256Fast,   Decrease256Palette, exact256_1,
@@ -19,7 +21,8 @@ struct Source {
     int bits;
 };
 std::vector<Source> sources() {
-    std::vector<Source> list = {{IncreaseColor16M, 1}, {IncreaseColor16M, 4}, {IncreaseColor16M, 8}};
+    std::vector<Source> list = {
+        {IncreaseColor16M, 1}, {IncreaseColor16M, 4}, {IncreaseColor16M, 8}};
     for (const Reduce reduce : from_true_colour) {
         list.push_back({reduce, 24});
         list.push_back({reduce, 32});

@@ -8,7 +8,8 @@ namespace {
 std::vector<Colour> grey_palette() {
     std::vector<Colour> palette(256);
     for (int k = 0; k < 7; ++k)
-        palette[size_t(k)] = {uint8_t(k % 2 * 128), uint8_t(k / 2 % 2 * 128), uint8_t(k > 3 ? 128 : 0)};
+        palette[size_t(k)] = {uint8_t(k % 2 * 128), uint8_t(k / 2 % 2 * 128),
+                              uint8_t(k > 3 ? 128 : 0)};
     palette[7] = {192, 192, 192};
     palette[8] = {192, 220, 192};
     palette[9] = {164, 200, 240};
