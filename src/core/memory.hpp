@@ -70,10 +70,12 @@ class LockedBlock {
     size_t size_;
 };
 
-// Working memory for the length of a call: zeroed, and gone with the object.
+// Working memory for the length of a call: zeroed, and gone with the object. None at all is as good
+// as some: Windows does not lock a block of no bytes, so there is always one.
 class Scratch {
   public:
-    explicit Scratch(uint64_t bytes) : block_(allocate_block(bytes)), lock_(block_.get()) {}
+    explicit Scratch(uint64_t bytes)
+        : block_(allocate_block(bytes != 0 ? bytes : 1)), lock_(block_.get()) {}
 
     explicit operator bool() const { return static_cast<bool>(lock_); }
     uint8_t* data() const { return lock_.data(); }
