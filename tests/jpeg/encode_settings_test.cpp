@@ -24,13 +24,38 @@ class EncoderSettings : public Encoding {
     }();
 };
 
+// Made when the program starts, before any setting is touched.
+struct FreshProcess {
+    Dib picture;
+    std::vector<uint8_t> untouched, level_0;
+
+    FreshProcess() {
+        Random random(17);
+        picture = make_random_dib({20, 18, 24}, random);
+        untouched = stream();
+        JpgCodSetQEx(0);
+        level_0 = stream();
+        JpgCodSetQEx(4);
+    }
+    std::vector<uint8_t> stream() const {
+        uint32_t length = 0;
+        HGLOBAL block = JpgCodMainHGLOBAL(picture, 0, 0, 20, 18, &length, nullptr);
+        return take_stream(block, length);
+    }
+};
+const FreshProcess fresh;
+
 bool has_comment(const std::vector<uint8_t>& stream) { return stream[21] == 0xFE; }
 
 } // namespace
 
-TEST_F(EncoderSettings, defaults_are_level_4_and_mode_4) {
-    // The fixture sets the same; the frame's tests run this in a fresh process too.
-    EXPECT_EQ(stream_of(picture), expected(picture, 4, 4));
+TEST_F(EncoderSettings, defaults_are_level_4_mode_4_and_custom_tables_of_ones) {
+    EXPECT_EQ(fresh.untouched, expected(fresh.picture, 4, 4));
+    ReferenceJob job = colour_job(fresh.picture, whole(fresh.picture));
+    job.level = 0;
+    job.luminance.fill(1);
+    job.chrominance.fill(1);
+    EXPECT_EQ(fresh.level_0, reference_stream(job));
 }
 
 TEST_F(EncoderSettings, modes_are_1_2_and_4) {
