@@ -59,7 +59,7 @@ class ResultRow {
   public:
     ResultRow(const RectOperation& operation, const RectResult& result)
         : result_(result), format_(operation.format()), width_(operation.width()),
-          buffer_(format_.bits == 24 ? 1 : 3 * uint64_t{width_}) {} // an empty block has no address
+          buffer_(format_.bits == 24 ? 0 : 3 * uint64_t{width_}) {}
 
     explicit operator bool() const { return static_cast<bool>(buffer_); }
 
