@@ -8,6 +8,8 @@ namespace {
 constexpr int variants = 50000;
 
 void alter(Bytes& stream, Random& random) {
+    if (stream.empty())
+        return;
     const auto anywhere = [&] {
         return static_cast<size_t>(random.between(0, static_cast<int32_t>(stream.size()) - 1));
     };
