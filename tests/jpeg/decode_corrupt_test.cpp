@@ -5,7 +5,7 @@ using namespace kirvo_test;
 
 namespace {
 
-constexpr int variants = 50000;
+constexpr int variants = 84000;
 
 void alter(Bytes& stream, Random& random) {
     if (stream.empty())

@@ -1,9 +1,11 @@
 // The command line, run as a user runs it. Its results are held against the library's own calls.
+#include "formats/made_elsewhere.hpp"
 #include "support/dib_builder.hpp"
 #include "support/temp_file.hpp"
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 
 using namespace kirvo_test;
@@ -165,6 +167,53 @@ TEST(Tool, TargaThereAndBack) {
     ASSERT_EQ(kirvo("convert " + photo.name() + " " + targa.name()).code, 0);
     ASSERT_EQ(kirvo(std::string("convert ") + targa.name() + " " + back.name()).code, 0);
     EXPECT_EQ(read(back).bytes(), photo.dib.bytes());
+}
+
+TEST(Tool, ReadsIconsAndSavesTheirMasks) {
+    const TempFile icon(".ico", made_elsewhere::icon_four_colours), out(".bmp"), mask(".bmp");
+    const Outcome info = kirvo(std::string("info ") + icon.name());
+    EXPECT_EQ(info.code, 0);
+    EXPECT_TRUE(contains(info.text, "format: icon")) << info.text;
+    EXPECT_TRUE(contains(info.text, "index 0, width 12, height 5")) << info.text;
+    ASSERT_EQ(kirvo(std::string("convert --index 0 --mask ") + mask.name() + " " + icon.name() +
+                    " " + out.name())
+                  .code,
+              0);
+    EXPECT_EQ(read(out).width(), 12);
+    EXPECT_EQ(read(mask).bits(), 1);
+    EXPECT_EQ(read(mask).pixel(2, 2), 1u); // transparent
+    EXPECT_EQ(read(mask).pixel(3, 2), 0u);
+    const Outcome beyond =
+        kirvo(std::string("convert --index 9 ") + icon.name() + " " + out.name());
+    EXPECT_EQ(beyond.code, 1);
+    EXPECT_TRUE(contains(beyond.text, "status -1")) << beyond.text;
+}
+
+TEST(Tool, ReadsTargaRawAndQ0) {
+    const TempFile out(".bmp"), targa(".tga", made_elsewhere::targa_top_left);
+    ASSERT_EQ(kirvo(std::string("convert ") + targa.name() + " " + out.name()).code, 0);
+    EXPECT_EQ(read(out).pixel(3, 2), made_elsewhere::targa_pixel(3, 2));
+
+    const std::vector<uint8_t> pixels = {1, 2, 3, 4, 5, 6}; // two pixels of red, green, blue
+    std::vector<uint8_t> raw_file(32);
+    std::copy_n("mhwanh", 6, raw_file.begin());
+    raw_file[9] = 2;
+    raw_file[11] = 1;
+    raw_file.insert(raw_file.end(), pixels.begin(), pixels.end());
+    const TempFile raw(".raw", raw_file);
+    ASSERT_EQ(kirvo(std::string("convert ") + raw.name() + " " + out.name()).code, 0);
+    EXPECT_EQ(read(out).pixel(0, 0), 0x010203u);
+
+    const TempFile q0(".q0", pixels);
+    const std::string name = q0.name();
+    const std::string companion = name.substr(0, name.size() - 3) + ".IPR";
+    EXPECT_EQ(kirvo("convert " + name + " " + out.name()).code, 1); // no companion yet
+    std::ofstream(companion) << "1 2\n";
+    const Outcome info = kirvo("info " + name);
+    EXPECT_TRUE(contains(info.text, "format: Q0")) << info.text;
+    ASSERT_EQ(kirvo("convert " + name + " " + out.name()).code, 0);
+    EXPECT_EQ(read(out).pixel(0, 1), 0x040506u);
+    std::filesystem::remove(companion);
 }
 
 TEST(Tool, EffectsAreTheLibrarysOperations) {
