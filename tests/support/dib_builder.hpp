@@ -82,7 +82,7 @@ class Dib {
 
 // Everything zero but the header and the masks.
 Dib make_dib(const DibSpec& spec);
-// Colour table and pixels random, padding as the spec says.
+// Colour table and pixels random, padding as described.
 Dib make_random_dib(const DibSpec& spec, Random& random);
 Dib copy_of(const Dib& dib);
 
