@@ -74,14 +74,21 @@ class Spares {
             madvise(memory.address, memory.mapped, MADV_FREE);
             memory.zero = false;
             const kirvo::SpinGuard guard(lock_);
-            std::swap(memory, kept_[next_++ % count]);
+            std::swap(memory, *place());
         }
         if (memory.mapped != 0)
             munmap(memory.address, memory.mapped);
     }
 
   private:
-    static constexpr size_t largest = size_t{64} << 20;
+    // An empty place, else that of each in turn.
+    Memory* place() {
+        Memory* const empty = std::find_if(kept_, kept_ + count,
+                                           [](const Memory& spare) { return spare.mapped == 0; });
+        return empty != kept_ + count ? empty : &kept_[next_++ % count];
+    }
+
+    static constexpr size_t largest = size_t{128} << 20;
     static constexpr uint32_t count = 4;
 
     Memory kept_[count] = {};
@@ -96,6 +103,17 @@ Memory acquire(size_t bytes) {
         return {std::calloc(1, bytes == 0 ? 1 : bytes), 0, true};
     const Memory spare = spares.take(bytes);
     return spare.mapped != 0 ? spare : map_huge(bytes);
+}
+
+// Clearing much memory that may never be touched takes longer than mapping it.
+Memory acquire_zeroed(size_t bytes) {
+    constexpr size_t cleared_at_most = size_t{64} << 20;
+    if (bytes > cleared_at_most && bytes < SIZE_MAX / 2)
+        return map_huge(bytes);
+    const Memory memory = acquire(bytes);
+    if (memory.address != nullptr && !memory.zero)
+        std::memset(memory.address, 0, bytes);
+    return memory;
 }
 
 void release(const Memory& memory) {
@@ -119,10 +137,7 @@ HGLOBAL add_block(const Memory& memory, size_t bytes) {
 HGLOBAL WINAPI GlobalAlloc(UINT flags, SIZE_T bytes) {
     if ((flags & GMEM_MOVEABLE) == 0)
         return nullptr;
-    const Memory memory = acquire(bytes);
-    if (memory.address != nullptr && !memory.zero)
-        std::memset(memory.address, 0, bytes);
-    return add_block(memory, bytes);
+    return add_block(acquire_zeroed(bytes), bytes);
 }
 
 HGLOBAL kirvo::allocate_unfilled(SIZE_T bytes) { return add_block(acquire(bytes), bytes); }
