@@ -7,15 +7,21 @@ add_executable(kirvo_sample tools/sample/main.cpp)
 target_compile_options(kirvo_sample PRIVATE -Wall -Wextra -Wconversion)
 target_link_libraries(kirvo_sample PRIVATE kirvo_scene)
 
+# The tool needs libraries of headers only; the library itself does without them.
+foreach(header IN ITEMS CLI/CLI.hpp nlohmann/json.hpp)
+    cmake_path(GET header PARENT_PATH folder)
+    find_path(KIRVO_${folder}_INCLUDE ${header} HINTS /usr/include NO_CMAKE_FIND_ROOT_PATH)
+endforeach()
+if(NOT KIRVO_CLI_INCLUDE OR NOT KIRVO_nlohmann_INCLUDE)
+    message(WARNING "The command line is not built: it needs libcli11-dev and nlohmann-json3-dev")
+    return()
+endif()
+
 file(GLOB tool_sources CONFIGURE_DEPENDS tools/*.cpp)
 if(tool_sources)
-    # Libraries of headers only. Links to their folders keep the rest of the system's headers away
-    # from the cross compilers.
+    # Links to their folders keep the rest of the system's headers away from the cross compilers.
     file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/include)
-    foreach(header IN ITEMS CLI/CLI.hpp nlohmann/json.hpp)
-        cmake_path(GET header PARENT_PATH folder)
-        find_path(KIRVO_${folder}_INCLUDE ${header} HINTS /usr/include NO_CMAKE_FIND_ROOT_PATH
-                  REQUIRED)
+    foreach(folder IN ITEMS CLI nlohmann)
         file(CREATE_LINK ${KIRVO_${folder}_INCLUDE}/${folder} ${PROJECT_BINARY_DIR}/include/${folder}
              SYMBOLIC)
     endforeach()
