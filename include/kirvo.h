@@ -54,49 +54,50 @@ extern "C" {
 #ifndef _WIN32
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup platform Win32 names away from Windows
+ *  @ingroup memory
  *  The types and functions of <windows.h> that a caller of this library needs, declared only when
  *  not building for Windows. Handles are pointers; every integer has its Windows width.
  *  @{ */
 
-#define WINAPI
+#define WINAPI /**< calling convention of the library's functions: stdcall on 32-bit Windows */
 
-typedef int32_t BOOL;
-typedef uint8_t BYTE;
-typedef uint16_t WORD;
-typedef uint32_t DWORD;
-typedef uint32_t UINT;
-typedef int32_t LONG;
-typedef uint32_t COLORREF;
-typedef size_t SIZE_T;
-typedef uintptr_t WPARAM;
-typedef intptr_t LPARAM;
-typedef intptr_t LRESULT;
-typedef void* LPVOID;
-typedef const char* LPCSTR;
-typedef void* HANDLE;
-typedef void* HGLOBAL;
-typedef void* HGDIOBJ;
+typedef int32_t BOOL;                /**< truth value: 0 or not 0 */
+typedef uint8_t BYTE;                /**< 8 bits */
+typedef uint16_t WORD;               /**< 16 bits */
+typedef uint32_t DWORD;              /**< 32 bits */
+typedef uint32_t UINT;               /**< 32 bits */
+typedef int32_t LONG;                /**< 32 bits with a sign, also where long has 64 */
+typedef uint32_t COLORREF;           /**< a colour, 0x00BBGGRR */
+typedef size_t SIZE_T;               /**< number of bytes */
+typedef uintptr_t WPARAM;            /**< first value of a message */
+typedef intptr_t LPARAM;             /**< second value of a message */
+typedef intptr_t LRESULT;            /**< what a window answers to a message */
+typedef void* LPVOID;                /**< address of anything */
+typedef const char* LPCSTR;          /**< text that ends with a zero byte */
+typedef void* HANDLE;                /**< any handle */
+typedef void* HGLOBAL;               /**< a movable block of memory: GlobalAlloc, GlobalLock */
+typedef void* HGDIOBJ;               /**< an object of the graphics interface: DeleteObject */
 typedef struct HWND__* HWND;         /**< a window; what it points at is the window host's */
 typedef struct HPALETTE__* HPALETTE; /**< a logical palette */
 
 #ifndef TRUE
-#define TRUE 1
-#define FALSE 0
+#define TRUE 1  /**< yes */
+#define FALSE 0 /**< no */
 #endif
 
-#define GMEM_MOVEABLE 0x0002u
-#define GMEM_ZEROINIT 0x0040u
-#define GHND (GMEM_MOVEABLE | GMEM_ZEROINIT)
+#define GMEM_MOVEABLE 0x0002u                /**< GlobalAlloc: the block is known by a handle */
+#define GMEM_ZEROINIT 0x0040u                /**< GlobalAlloc: the block is zero */
+#define GHND (GMEM_MOVEABLE | GMEM_ZEROINIT) /**< GlobalAlloc: both */
 
-#define BI_RGB 0
-#define BI_BITFIELDS 3
+#define BI_RGB 0       /**< biCompression: plain pixels */
+#define BI_BITFIELDS 3 /**< biCompression: plain pixels under three masks */
 
-#define WM_COMMAND 0x0111
+#define WM_COMMAND 0x0111 /**< the message that carries progress */
 
-#define SM_CYMENU 15
-#define SM_CXFRAME 32
-#define SWP_NOMOVE 0x0002u
-#define SWP_NOZORDER 0x0004u
+#define SM_CYMENU 15         /**< GetSystemMetrics: height of a menu bar */
+#define SM_CXFRAME 32        /**< GetSystemMetrics: width of a window's frame */
+#define SWP_NOMOVE 0x0002u   /**< SetWindowPos: the position stays */
+#define SWP_NOZORDER 0x0004u /**< SetWindowPos: the order of windows stays */
 
 /** Header of a device-independent bitmap, as in Win32. */
 typedef struct BITMAPINFOHEADER {
@@ -188,46 +189,101 @@ KIRVO_API void WINAPI KirvoSetWindowHost(const KirvoWindowHost* host);
 
 /** What a call answers. */
 typedef enum KirvoStatus {
-    KIRVO_OK = 0,                    /**< success */
-    KIRVO_BAD_PARAMETER = -1,        /**< bad rectangle, value out of range, bad size */
-    KIRVO_NO_MEMORY = -2,            /**< memory could not be allocated */
-    KIRVO_NULL_HANDLE = -3,          /**< null handle or null data */
-    KIRVO_CANNOT_OPEN = -4,          /**< file could not be opened or created */
-    KIRVO_READ_ERROR = -5,           /**< read error or file too short */
-    KIRVO_WRITE_ERROR = -6,          /**< write error */
-    KIRVO_JPEG_NO_SOI = -10,         /**< JPEG: no start of image */
-    KIRVO_JPEG_MARKER = -11,         /**< JPEG: unexpected marker in entropy-coded data */
-    KIRVO_JPEG_EARLY_EOI = -12,      /**< JPEG: end of image before the first scan */
-    KIRVO_JPEG_HEADER = -13,         /**< JPEG: bad or unsupported header */
-    KIRVO_JPEG_HUFFMAN = -14,        /**< JPEG: Huffman code error or undefined table */
-    KIRVO_JPEG_CATEGORY = -15,       /**< JPEG encoder: coefficient category above 11 */
-    KIRVO_ABANDONED = -16,           /**< piecewise codec operation abandoned by the caller */
-    KIRVO_BUSY = -17,                /**< another codec operation is in progress */
-    KIRVO_JPEG_FRAME = -19,          /**< JPEG: unsupported frame type */
-    KIRVO_NOT_BMP = -20,             /**< not a BMP file, or unsupported BMP depth */
-    KIRVO_NEEDS_8 = -21,             /**< grey JPEG encoder needs an 8-bit image */
-    KIRVO_NEEDS_24 = -22,            /**< image must be 24 bits */
-    KIRVO_NOT_TARGA = -25,           /**< not an uncompressed 24-bit Targa file */
-    KIRVO_Q0_SIZE = -26,             /**< Q0 companion file missing, or Q0 file too short */
-    KIRVO_NOT_RAW = -27,             /**< RAW magic wrong, or file too short */
-    KIRVO_RAW_PALETTE = -28,         /**< RAW palette size is not 0 */
-    KIRVO_MORE_THAN_256 = -30,       /**< more than 256 distinct colours */
-    KIRVO_MORE_THAN_16 = -31,        /**< more than 16 distinct colours */
-    KIRVO_NOT_ICON = -35,            /**< not an icon or cursor file */
-    KIRVO_NEEDS_8_16_24_32 = -40,    /**< image must be 8, 16, 24 or 32 bits */
-    KIRVO_NEEDS_16_24_32 = -41,      /**< image must be 16, 24 or 32 bits */
-    KIRVO_NEEDS_24_32 = -42,         /**< image must be 24 or 32 bits */
-    KIRVO_NEEDS_8_24_32 = -43,       /**< image must be 8, 24 or 32 bits */
-    KIRVO_NEEDS_16_32 = -44,         /**< image must be 16 or 32 bits */
-    KIRVO_NEEDS_1_4_8 = -45,         /**< image must be 1, 4 or 8 bits */
-    KIRVO_NEEDS_8_24 = -46,          /**< image must be 8 or 24 bits */
-    KIRVO_NEEDS_16_24 = -47          /**< image must be 16 or 24 bits */
+    /** Success. */
+    KIRVO_OK = 0,
+    /** A rectangle that is empty, negative or outside the image, a value out of its range, or a
+     *  block of memory smaller than its header says. Hold the arguments against the image's width
+     *  and height; of an image from a file also GlobalSize against the header. */
+    KIRVO_BAD_PARAMETER = -1,
+    /** Memory could not be allocated, or the result would have no pixels or more than 2^31 - 1
+     *  bytes, or a JPEG stream has outgrown its block. Free images that are no longer needed, work
+     *  in smaller rectangles, or encode at a coarser level. */
+    KIRVO_NO_MEMORY = -2,
+    /** Null handle, null data, or a handle that is freed or invented. Look at what the call that
+     *  should have made the image answered. */
+    KIRVO_NULL_HANDLE = -3,
+    /** A file could not be opened or created. Look at its name, its folder and its permissions. */
+    KIRVO_CANNOT_OPEN = -4,
+    /** A read error, or a file that is too short. The file is damaged or still being written. */
+    KIRVO_READ_ERROR = -5,
+    /** A write error: the disk is full or was taken away. Delete the part that was written. */
+    KIRVO_WRITE_ERROR = -6,
+    /** JPEG: no start of image. The data is no JPEG stream. */
+    KIRVO_JPEG_NO_SOI = -10,
+    /** JPEG: a marker that does not belong into the entropy-coded data. The stream is damaged or
+     *  cut; JpgDecGetLastUexMarker tells which marker and where. */
+    KIRVO_JPEG_MARKER = -11,
+    /** JPEG: end of image before the first scan. The stream holds tables only, or is damaged. */
+    KIRVO_JPEG_EARLY_EOI = -12,
+    /** JPEG: a header that is damaged, incomplete, or asks for what the decoder does not offer.
+     *  Have it saved with 1 or 3 components of 8 bits and a common sampling. */
+    KIRVO_JPEG_HEADER = -13,
+    /** JPEG: a Huffman code that does not exist, or a table that was not defined. The stream is
+     *  damaged. */
+    KIRVO_JPEG_HUFFMAN = -14,
+    /** JPEG encoder: a coefficient that has no code. Only own tables with very small quantisers
+     *  lead here: enlarge them. */
+    KIRVO_JPEG_CATEGORY = -15,
+    /** The caller has abandoned a piecewise encode or decode. */
+    KIRVO_ABANDONED = -16,
+    /** Another encode or decode is in progress. Finish or abandon it first. */
+    KIRVO_BUSY = -17,
+    /** JPEG: a frame type other than baseline and progressive Huffman coding. Another program has
+     *  to save the picture as one of these. */
+    KIRVO_JPEG_FRAME = -19,
+    /** Not a BMP file, or a depth that BMP files do not have. Try the reader of another format, or
+     *  convert the image to a depth of 1, 4, 8, 16, 24 or 32 bits. */
+    KIRVO_NOT_BMP = -20,
+    /** The grey JPEG encoder takes 8 bits: DecreaseColorMono256 makes them. */
+    KIRVO_NEEDS_8 = -21,
+    /** The image must have 24 bits: IncreaseColor16M and DibConvert24bit make them. */
+    KIRVO_NEEDS_24 = -22,
+    /** Not an uncompressed 24-bit Targa file. Save it without compression, alpha and palette. */
+    KIRVO_NOT_TARGA = -25,
+    /** The companion file of a Q0 file is missing or holds no size, or the Q0 file is too short for
+     *  it. Put a text file beside it, with width and height, of its name and the extension .IPR. */
+    KIRVO_Q0_SIZE = -26,
+    /** Not a RAW file, or one too short for its size. It is damaged or of another kind. */
+    KIRVO_NOT_RAW = -27,
+    /** A RAW file with a palette, which the reader does not offer. Save it in true colour. */
+    KIRVO_RAW_PALETTE = -28,
+    /** More than 256 different colours (239 and the system colours in mode 0). Reduce them with
+     *  DecreaseColor256 or Decrease256Fast. */
+    KIRVO_MORE_THAN_256 = -30,
+    /** More than 16 different colours, or in mode 0 others than the system colours. Reduce them
+     *  with DecreaseColor16. */
+    KIRVO_MORE_THAN_16 = -31,
+    /** Not an icon or cursor file. Icons inside programs have to be taken out first. */
+    KIRVO_NOT_ICON = -35,
+    /** The image must have 8, 16, 24 or 32 bits: IncreaseColor16M makes 24 of fewer. Also two
+     *  images of different depths, where they must agree. */
+    KIRVO_NEEDS_8_16_24_32 = -40,
+    /** The image must have 16, 24 or 32 bits: IncreaseColor16M makes 24 of fewer. */
+    KIRVO_NEEDS_16_24_32 = -41,
+    /** The image must have 24 or 32 bits: DibConvert24bit and IncreaseColor16M make 24. Also two
+     *  images of different depths, where they must agree. */
+    KIRVO_NEEDS_24_32 = -42,
+    /** The image must have 8, 24 or 32 bits. No function answers this. */
+    KIRVO_NEEDS_8_24_32 = -43,
+    /** The image must have 16 or 32 bits. One of 24 needs no conversion; IncreaseColor16M takes
+     *  fewer. */
+    KIRVO_NEEDS_16_32 = -44,
+    /** The image must have 1, 4 or 8 bits. One of 24 needs no conversion; DibConvert24bit takes 16
+     *  and 32. */
+    KIRVO_NEEDS_1_4_8 = -45,
+    /** The image must have 8 or 24 bits: IncreaseColor16M and DibConvert24bit make 24. */
+    KIRVO_NEEDS_8_24 = -46,
+    /** The image must have 16 or 24 bits. One of 32 needs no conversion; IncreaseColor16M makes 24
+     *  of fewer. */
+    KIRVO_NEEDS_16_24 = -47
 } KirvoStatus;
 
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
-/** @defgroup frame Images, progress, version
+/** @defgroup frame Images
+ *  @ingroup memory
+ *  A new image, and what the header of an image says.
  *  @{ */
 
 /** Version of the library.
@@ -235,6 +291,7 @@ typedef enum KirvoStatus {
 KIRVO_API uint32_t WINAPI GetVerKirvoDll(void);
 
 /** Registers for progress messages of the next long operation.
+ *  @ingroup progress
  *
  *  A watched operation sends WM_COMMAND to the window with SendMessageA: wParam is the command id,
  *  lParam the percentage. It sends 0 when its work begins, then each percentage that is at least 5
@@ -255,8 +312,8 @@ KIRVO_API uint16_t WINAPI DibNumColors(const void* header);
 
 /** Size of the colour part of an image.
  *  @param header locked header of a packed DIB
- *  @return DibNumColors × 4 bytes, or × 3 when biSize is 12; low 16 bits. Pixel rows start at
- *          biSize + PaletteSize. */
+ *  @return DibNumColors × 4 bytes, or × 3 when biSize is 12; low 16 bits; 0 for a null pointer.
+ *          Pixel rows start at biSize + PaletteSize. */
 KIRVO_API uint16_t WINAPI PaletteSize(const void* header);
 
 /** Depth of an image.
@@ -265,6 +322,7 @@ KIRVO_API uint16_t WINAPI PaletteSize(const void* header);
 KIRVO_API int32_t WINAPI DibQueryBitCount(HGLOBAL dib);
 
 /** Sets one colour-table entry; its reserved byte stays as it is.
+ *  @ingroup palette
  *  @param dib packed DIB with a 40-byte header
  *  @param index entry, 0 to 255 and below DibNumColors
  *  @param colour 0x00BBGGRR
@@ -274,6 +332,7 @@ KIRVO_API int32_t WINAPI XPaletteQuad(HGLOBAL dib, int32_t index, uint32_t colou
 
 /** Makes a logical palette of the library's fixed 256 colours: the 20 system colours at 0-9 and
  *  246-255, between them colour-cube and grey entries flagged PC_NOCOLLAPSE.
+ *  @ingroup palette
  *  @return the palette, which the caller frees with DeleteObject; null on failure */
 KIRVO_API HPALETTE WINAPI KirvoCreatePalette(void);
 
@@ -290,7 +349,8 @@ KIRVO_API HGLOBAL WINAPI DibMemAllocEx(uint32_t width, int32_t height, uint32_t 
 
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup pixel Single pixels and lines
- *  Work on images with a 40-byte header. No progress is reported.
+ *  @ingroup memory
+ *  One pixel or one line of an image with a 40-byte header. No progress is reported.
  *  @{ */
 
 /** Reads one pixel of an image of any depth.
@@ -300,8 +360,8 @@ KIRVO_API HGLOBAL WINAPI DibMemAllocEx(uint32_t width, int32_t height, uint32_t 
  *  @param x column from the left
  *  @param y row from the top
  *  @param[out] colour 0x00BBGGRR; left alone on failure
- *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image or
- *          another depth */
+ *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image, another
+ *          depth or a block too small */
 KIRVO_API int32_t WINAPI DibGetPixelColor(HGLOBAL dib, int32_t x, int32_t y, uint32_t* colour);
 
 /** Writes one pixel of a direct-colour image. Channels are narrowed by truncation.
@@ -309,8 +369,8 @@ KIRVO_API int32_t WINAPI DibGetPixelColor(HGLOBAL dib, int32_t x, int32_t y, uin
  *  @param x column from the left
  *  @param y row from the top
  *  @param colour 0x00BBGGRR
- *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for a null handle or a pixel outside the image;
- *          #KIRVO_NEEDS_16_24_32 for another depth */
+ *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image or a block
+ *          too small; #KIRVO_NEEDS_16_24_32 for another depth */
 KIRVO_API int32_t WINAPI DibSetPixelColor(HGLOBAL dib, int32_t x, int32_t y, uint32_t colour);
 
 /** Fills the pixels x0 to x1 (inclusive) of one row with a colour. Nothing is written, and the
@@ -320,8 +380,8 @@ KIRVO_API int32_t WINAPI DibSetPixelColor(HGLOBAL dib, int32_t x, int32_t y, uin
  *  @param x1 last column
  *  @param y row from the top
  *  @param colour 0x00BBGGRR
- *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for a null handle or a pixel outside the image;
- *          #KIRVO_NEEDS_16_24_32 for another depth */
+ *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image or a block
+ *          too small; #KIRVO_NEEDS_16_24_32 for another depth */
 KIRVO_API int32_t WINAPI DibSetLineColor(HGLOBAL dib, int32_t x0, int32_t x1, int32_t y,
                                          uint32_t colour);
 
@@ -329,6 +389,8 @@ KIRVO_API int32_t WINAPI DibSetLineColor(HGLOBAL dib, int32_t x0, int32_t x1, in
 
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup bmp BMP files
+ *  @ingroup files
+ *  Pictures of every depth, whole or a rectangle. No progress is reported.
  *  @{ */
 
 /** Reads a BMP file of any depth. The block returned is the file without its first 14 bytes:
@@ -347,7 +409,9 @@ KIRVO_API HGLOBAL WINAPI DibReadEx(LPCSTR name, uint32_t* width, uint32_t* heigh
  *  @param name file name
  *  @param[out] width biWidth
  *  @param[out] height biHeight
- *  @param[out] status as DibReadEx, and #KIRVO_NEEDS_24 for another depth
+ *  @param[out] status #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_READ_ERROR for a file below 14 bytes or
+ *              a short read; #KIRVO_NOT_BMP for another signature or depth; #KIRVO_NO_MEMORY;
+ *              #KIRVO_NEEDS_24 for a BMP file of another depth
  *  @return the image, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI Dib24Read(LPCSTR name, uint32_t* width, uint32_t* height,
                                    int32_t* status);
@@ -359,10 +423,10 @@ KIRVO_API HGLOBAL WINAPI Dib24Read(LPCSTR name, uint32_t* width, uint32_t* heigh
  *  @param name file name; an existing file is replaced
  *  @param dib packed DIB of 1, 4, 8, 16, 24 or 32 bits
  *  @param x,y,width,height rectangle in the picture
- *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for a null handle, a negative x or y, a rectangle
- *          outside the image or a block smaller than its header says; #KIRVO_NULL_HANDLE for a
- *          handle that cannot be locked; #KIRVO_NOT_BMP for another depth; #KIRVO_CANNOT_OPEN;
- *          #KIRVO_WRITE_ERROR */
+ *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for a null handle or a negative x or y;
+ *          #KIRVO_NULL_HANDLE for a handle that cannot be locked; #KIRVO_NOT_BMP for another depth;
+ *          #KIRVO_BAD_PARAMETER for a rectangle that is empty or outside the image, or a block
+ *          smaller than its header says; #KIRVO_CANNOT_OPEN; #KIRVO_WRITE_ERROR */
 KIRVO_API int32_t WINAPI DibWriteEx(LPCSTR name, HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                     int32_t height);
 
@@ -370,8 +434,10 @@ KIRVO_API int32_t WINAPI DibWriteEx(LPCSTR name, HGLOBAL dib, int32_t x, int32_t
  *  @param name file name
  *  @param dib packed DIB of 24 bits
  *  @param x,y,width,height as for DibWriteEx
- *  @return #KIRVO_NULL_HANDLE for a null handle, #KIRVO_NEEDS_24 for another depth, else as
- *          DibWriteEx */
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE for a null handle (where DibWriteEx answers
+ *          #KIRVO_BAD_PARAMETER); #KIRVO_NEEDS_24 for another depth; #KIRVO_BAD_PARAMETER for a
+ *          rectangle that is empty or outside the image, or a block smaller than its header says;
+ *          #KIRVO_CANNOT_OPEN; #KIRVO_WRITE_ERROR */
 KIRVO_API int32_t WINAPI Dib24Write(LPCSTR name, HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                     int32_t height);
 
@@ -379,6 +445,7 @@ KIRVO_API int32_t WINAPI Dib24Write(LPCSTR name, HGLOBAL dib, int32_t x, int32_t
 
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup depth Depth conversion
+ *  @ingroup colours
  *  Between 16, 24 and 32 bits, into a new image of the same size. Channels are narrowed by
  *  truncation and widened with zero low bits. The conversions report progress over the rows;
  *  DibCutDepth reports none.
@@ -401,7 +468,8 @@ KIRVO_API HGLOBAL WINAPI DibConvert24bit(HGLOBAL dib, int32_t* status);
  *  and 0x001F: (red & 0xF8) << 8 | (green & 0xFC) << 3 | blue >> 3.
  *  @param dib packed DIB of 24 or 32 bits
  *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
- *              #KIRVO_BAD_PARAMETER and #KIRVO_NO_MEMORY as for DibConvert24bit
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height
  *  @return the new image, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI DibConvert16bit(HGLOBAL dib, int32_t* status);
 
@@ -409,7 +477,8 @@ KIRVO_API HGLOBAL WINAPI DibConvert16bit(HGLOBAL dib, int32_t* status);
  *  0x000000FF: red << 16 | green << 8 | blue.
  *  @param dib packed DIB of 16 or 24 bits; a 16-bit one without masks is read as 5-5-5
  *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_16_24 for another depth;
- *              #KIRVO_BAD_PARAMETER and #KIRVO_NO_MEMORY as for DibConvert24bit
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height
  *  @return the new image, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI DibConvert32bit(HGLOBAL dib, int32_t* status);
 
@@ -429,6 +498,8 @@ KIRVO_API HGLOBAL WINAPI DibCutDepth(HGLOBAL dib, int32_t red_bits, int32_t gree
 
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup window Window fitting
+ *  @ingroup memory
+ *  A window as large as its picture.
  *  @{ */
 
 /** Resizes a window so that its client area shows an image at a whole scale; FitWindowToImage is
@@ -448,30 +519,9 @@ KIRVO_API void WINAPI FitWindowToImage(HWND window, HGLOBAL dib);
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
-/** @defgroup jpegenc JPEG encoder
- *  Baseline JPEG streams (ITU-T T.81) with a JFIF 1.00 header and Huffman coding in one scan, from
- *  a rectangle of an image.
- *
- *  The colour family (JpgCodFirst, JpgCodNext, JpgCodMainEx, JpgCodMainHGLOBAL) takes 24-bit and
- *  8-bit images and writes Y, Cb and Cr; the grey family (the same names with _M) takes 8-bit images
- *  and writes one component. One call encodes into a file or a memory block; First and Next encode
- *  in slices:
- *  @code
- *     int32_t status;
- *     uint32_t length;
- *     HGLOBAL block = JpgCodFirst(dib, 0, 0, width, height, 100, &status);
- *     if (block) {
- *         int32_t result;
- *         do result = JpgCodNext(0, &length); while (result == 0);
- *         // result 1: the stream is the first length bytes of block, which is the caller's now;
- *         // below 0: the encode has ended and block is freed
- *     }
- *  @endcode
- *  Only one encode or decode can be in progress; others are refused with #KIRVO_BUSY. The settings
- *  hold for all encodes that start later, until they are changed. Progress counts MCUs.
- *
- *  Between First and the last Next the image and the output block stay locked: neither may be freed
- *  or resized.
+/** @defgroup jpegset JPEG encoder settings
+ *  @ingroup jpeg
+ *  They belong to the process and hold for all encodes that start later, until they are changed.
  *  @{ */
 
 /** Sets how colour streams sample chroma. The default is 4.
@@ -503,7 +553,8 @@ KIRVO_API int32_t WINAPI JpgCodSetQtable(const int16_t* luminance, const int16_t
  *  @param luminance as JpgCodSetQtable
  *  @param chrominance as JpgCodSetQtable
  *  @param count 1 to 64 coefficients in zigzag order, the others become 0; any other value means 64
- *  @return as JpgCodSetQtable */
+ *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for a quantiser out of range or a null pointer (both
+ *          tables stay, and the number of coefficients) */
 KIRVO_API int32_t WINAPI JpgCodSetQtableEx(const int16_t* luminance, const int16_t* chrominance,
                                            int32_t count);
 
@@ -512,6 +563,41 @@ KIRVO_API int32_t WINAPI JpgCodSetQtableEx(const int16_t* luminance, const int16
  *  @param length their number; 0: none. Above 65533 the length field of the segment wraps, so that
  *         decoders take the rest of the comment for other segments */
 KIRVO_API void WINAPI JpgCodSetComment(const uint8_t* text, uint32_t length);
+
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup jpegenc JPEG encoder
+ *  @ingroup jpeg
+ *  Baseline JPEG streams (ITU-T T.81) with a JFIF 1.00 header and Huffman coding in one scan, from
+ *  a rectangle of an image.
+ *
+ *  The colour family (JpgCodFirst, JpgCodNext, JpgCodMainEx, JpgCodMainHGLOBAL) takes 24-bit and
+ *  8-bit images and writes Y, Cb and Cr; the grey family (the same names with _M) takes 8-bit images
+ *  and writes one component. One call encodes into a file or a memory block; First and Next encode
+ *  in slices:
+ *  @code
+ *     int32_t status;
+ *     uint32_t length;
+ *     HGLOBAL block = JpgCodFirst(dib, 0, 0, width, height, 100, &status);
+ *     if (block) {
+ *         int32_t result;
+ *         do result = JpgCodNext(0, &length); while (result == 0);
+ *         // result 1: the stream is the first length bytes of block, which is the caller's now;
+ *         // below 0: the encode has ended and block is freed
+ *     }
+ *  @endcode
+ *  Only one encode or decode can be in progress; others are refused with #KIRVO_BUSY. Progress
+ *  counts MCUs.
+ *
+ *  Between First and the last Next the image and the output block stay locked: neither may be freed
+ *  or resized.
+ *
+ *  The output block has a fixed size: width × height × 3 bytes at levels 0 and 1, of that 4/7 at
+ *  level 2, 4/15 at 3, 4/25 at 4 and 4/40 at 5, a third of it in the grey family, at least 32768;
+ *  and 1024 bytes and the comment more. A noisy picture can outgrow it at a fine level; the encode
+ *  then ends with #KIRVO_NO_MEMORY, and a coarser level helps.
+ *  @{ */
 
 /** Sizes of the most recent encode. Either pointer may be null.
  *  @param[out] source_bytes size of the pixels encoded, without padding
@@ -525,9 +611,10 @@ KIRVO_API uint32_t WINAPI JpgCodGetStatus(uint32_t* source_bytes, uint32_t* outp
  *  @param mcus_per_call number of MCUs (blocks of 8 x 8, 16 x 8 or 16 x 16 pixels by sampling mode)
  *         that each JpgCodNext encodes; -1: all. With 0 or less than -1 no call gets on
  *  @param[out] status #KIRVO_OK; #KIRVO_BUSY while an encode or decode is in progress;
- *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for an empty or negative rectangle, or one
- *              outside the image, or a block smaller than its header says; #KIRVO_NEEDS_8_24;
- *              #KIRVO_NO_MEMORY; #KIRVO_ABANDONED when a progress handler has ended the encode
+ *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for an empty or negative rectangle;
+ *              #KIRVO_NEEDS_8_24 for another depth; #KIRVO_BAD_PARAMETER for a rectangle outside
+ *              the image, or a block smaller than its header says; #KIRVO_NO_MEMORY;
+ *              #KIRVO_ABANDONED when a progress handler has ended the encode
  *  @return the block that receives the stream; it is the encoder's until JpgCodNext returns 1. Null
  *          on failure */
 KIRVO_API HGLOBAL WINAPI JpgCodFirst(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
@@ -548,8 +635,12 @@ KIRVO_API int32_t WINAPI JpgCodNext(int32_t control, uint32_t* stream_bytes);
  *  @param dib packed DIB of 24 or 8 bits
  *  @param left,top,width,height rectangle in the picture
  *  @param unused1,unused2 ignored
- *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for an empty path; the codes of JpgCodFirst and
- *          JpgCodNext; #KIRVO_CANNOT_OPEN; #KIRVO_WRITE_ERROR */
+ *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for an empty path; #KIRVO_BUSY while an encode or decode
+ *          is in progress; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle that is empty
+ *          or outside the image, or a block smaller than its header says; #KIRVO_NEEDS_8_24 for
+ *          another depth; #KIRVO_NO_MEMORY, also for a stream that outgrows its block;
+ *          #KIRVO_JPEG_CATEGORY; #KIRVO_ABANDONED when a progress handler has ended the encode;
+ *          #KIRVO_CANNOT_OPEN; #KIRVO_WRITE_ERROR */
 KIRVO_API int32_t WINAPI JpgCodMainEx(LPCSTR path, HGLOBAL dib, int32_t left, int32_t top,
                                       int32_t width, int32_t height, int32_t unused1,
                                       int32_t unused2);
@@ -558,7 +649,11 @@ KIRVO_API int32_t WINAPI JpgCodMainEx(LPCSTR path, HGLOBAL dib, int32_t left, in
  *  @param dib packed DIB of 24 or 8 bits
  *  @param left,top,width,height rectangle in the picture
  *  @param[out] stream_bytes length of the stream; the block is larger, and zero after it
- *  @param[out] status the codes of JpgCodFirst and JpgCodNext
+ *  @param[out] status #KIRVO_OK; #KIRVO_BUSY while an encode or decode is in progress;
+ *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle that is empty or outside
+ *              the image, or a block smaller than its header says; #KIRVO_NEEDS_8_24 for another
+ *              depth; #KIRVO_NO_MEMORY, also for a stream that outgrows its block;
+ *              #KIRVO_JPEG_CATEGORY; #KIRVO_ABANDONED when a progress handler has ended the encode
  *  @return the block, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI JpgCodMainHGLOBAL(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
                                            int32_t height, uint32_t* stream_bytes,
@@ -570,7 +665,11 @@ KIRVO_API HGLOBAL WINAPI JpgCodMainHGLOBAL(HGLOBAL dib, int32_t left, int32_t to
  *  @param grey_mode 1: a pixel's grey level is the blue byte of its colour-table entry; any other
  *         value: the pixel itself
  *  @param mcus_per_call as JpgCodFirst, of 8 x 8 pixels
- *  @param[out] status as JpgCodFirst, with #KIRVO_NEEDS_8 for another depth
+ *  @param[out] status #KIRVO_OK; #KIRVO_BUSY while an encode or decode is in progress;
+ *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for an empty or negative rectangle;
+ *              #KIRVO_NEEDS_8 for another depth; #KIRVO_BAD_PARAMETER for a rectangle outside the
+ *              image, or a block smaller than its header says; #KIRVO_NO_MEMORY; #KIRVO_ABANDONED
+ *              when a progress handler has ended the encode
  *  @return as JpgCodFirst */
 KIRVO_API HGLOBAL WINAPI JpgCodFirst_M(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
                                        int32_t height, int32_t grey_mode, int32_t mcus_per_call,
@@ -579,7 +678,11 @@ KIRVO_API HGLOBAL WINAPI JpgCodFirst_M(HGLOBAL dib, int32_t left, int32_t top, i
 /** Goes on with the encode that JpgCodFirst_M has started.
  *  @param control as JpgCodNext
  *  @param[out] stream_bytes as JpgCodNext
- *  @return as JpgCodNext */
+ *  @return 1: done, the block of JpgCodFirst_M is the caller's; 0: call again (a call that has
+ *          encoded its number of MCUs answers 0 even if none is left); #KIRVO_ABANDONED after
+ *          control -1; #KIRVO_JPEG_CATEGORY for a coefficient that has no code; #KIRVO_NO_MEMORY
+ *          when the stream would outgrow its block; #KIRVO_BAD_PARAMETER without an encode of this
+ *          family. After an error the block has been freed */
 KIRVO_API int32_t WINAPI JpgCodNext_M(int32_t control, uint32_t* stream_bytes);
 
 /** Encodes a rectangle as a grey stream into a file.
@@ -587,7 +690,12 @@ KIRVO_API int32_t WINAPI JpgCodNext_M(int32_t control, uint32_t* stream_bytes);
  *  @param dib packed DIB of 8 bits
  *  @param left,top,width,height rectangle in the picture
  *  @param grey_mode as JpgCodFirst_M
- *  @return as JpgCodMainEx, with #KIRVO_NEEDS_8 for another depth */
+ *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for an empty path; #KIRVO_BUSY while an encode or decode
+ *          is in progress; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle that is empty
+ *          or outside the image, or a block smaller than its header says; #KIRVO_NEEDS_8 for
+ *          another depth; #KIRVO_NO_MEMORY, also for a stream that outgrows its block;
+ *          #KIRVO_JPEG_CATEGORY; #KIRVO_ABANDONED when a progress handler has ended the encode;
+ *          #KIRVO_CANNOT_OPEN; #KIRVO_WRITE_ERROR */
 KIRVO_API int32_t WINAPI JpgCodMainEx_M(LPCSTR path, HGLOBAL dib, int32_t left, int32_t top,
                                         int32_t width, int32_t height, int32_t grey_mode);
 
@@ -596,7 +704,11 @@ KIRVO_API int32_t WINAPI JpgCodMainEx_M(LPCSTR path, HGLOBAL dib, int32_t left, 
  *  @param left,top,width,height rectangle in the picture
  *  @param grey_mode as JpgCodFirst_M
  *  @param[out] stream_bytes as JpgCodMainHGLOBAL
- *  @param[out] status as JpgCodMainHGLOBAL, with #KIRVO_NEEDS_8 for another depth
+ *  @param[out] status #KIRVO_OK; #KIRVO_BUSY while an encode or decode is in progress;
+ *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle that is empty or outside
+ *              the image, or a block smaller than its header says; #KIRVO_NEEDS_8 for another
+ *              depth; #KIRVO_NO_MEMORY, also for a stream that outgrows its block;
+ *              #KIRVO_JPEG_CATEGORY; #KIRVO_ABANDONED when a progress handler has ended the encode
  *  @return the block, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI JpgCodMainHGLOBAL_M(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
                                              int32_t height, int32_t grey_mode,
@@ -606,11 +718,13 @@ KIRVO_API HGLOBAL WINAPI JpgCodMainHGLOBAL_M(HGLOBAL dib, int32_t left, int32_t 
 
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup jpegdec JPEG decoder
+ *  @ingroup jpeg
  *  Decodes ITU-T T.81 streams of one or three 8-bit components, Huffman-coded, baseline or
  *  progressive, into packed DIBs of 24 bits. Grey streams give pixels with equal channels. Of a
  *  progressive stream the first pass of each spectral band is used; refinement is left away.
- *  Accepted samplings (luma; both chroma components): 1x1; 1x1 - 2x1; 1x1 - 1x2; 1x1 - 2x2; 1x1 -
- *  2x2; 2x1 - 2x2; 1x2, and 1x1 of a single component. Chroma is enlarged by replication.
+ *
+ *  Accepted samplings: one component of 1x1; luma of 1x1, 2x1 or 1x2 with both chroma components of
+ *  1x1; luma of 2x2 with both of 1x1, 2x1 or 1x2. Chroma is enlarged by replication.
  *
  *  Where the inverse transform yields Y, Cb and Cr, all centred on 0, a pixel is, rounded towards
  *  minus infinity and clamped to 0..255,
@@ -656,31 +770,38 @@ typedef struct JpgDecSpec {
  *          #KIRVO_BUSY while another encode or decode is under way; #KIRVO_NULL_HANDLE;
  *          #KIRVO_BAD_PARAMETER for a size below 0 or above the block's; #KIRVO_NO_MEMORY;
  *          #KIRVO_JPEG_EARLY_EOI; #KIRVO_JPEG_HEADER; #KIRVO_JPEG_FRAME; #KIRVO_JPEG_MARKER (see
- *          JpgDecGetLastUexMarker); #KIRVO_JPEG_HUFFMAN */
+ *          JpgDecGetLastUexMarker); #KIRVO_JPEG_HUFFMAN; #KIRVO_ABANDONED when a progress handler
+ *          has ended the decode */
 KIRVO_API int32_t WINAPI JpgDecFirst(HGLOBAL data, int32_t size, HGLOBAL* image);
 
 /** Goes on with a decode that JpgDecFirst has begun. After any negative result the decode is over
- *  and its memory is free.
+ *  and its memory is free. To a progress handler of the decode the answer is #KIRVO_BUSY, and the
+ *  decode goes on; but with final -1 it ends as soon as the handler returns.
  *  @param data block that holds the next bytes, which are copied; may be null with final 1
  *  @param size number of bytes
  *  @param final 0: more is to come; 1: this is the last piece; -1: the decode is abandoned. Another
  *         value also has everything decoded, but reports a header's errors as while more may come.
  *  @param[out] image the image with the result 1, else null
  *  @return 1: finished, the image is the caller's (also when the decode had finished before: the
- *          same image); 0: more input is wanted; #KIRVO_ABANDONED with final -1;
- *          #KIRVO_NULL_HANDLE without data when final is not 1, for a handle that cannot be
- *          locked, and when no decode is under way; #KIRVO_BAD_PARAMETER for a size below 0 or
- *          above the block's; #KIRVO_JPEG_NO_SOI when the stream has ended without a start of
- *          image; #KIRVO_JPEG_HEADER for every fault of the header once final is 1; otherwise as
- *          JpgDecFirst */
+ *          same image); 0: more input is wanted; #KIRVO_ABANDONED with final -1, or when a progress
+ *          handler has ended the decode; #KIRVO_NULL_HANDLE without data when final is not 1, for a
+ *          handle that cannot be locked, and when no decode is under way; #KIRVO_BAD_PARAMETER for a
+ *          size below 0 or above the block's; #KIRVO_NO_MEMORY; #KIRVO_JPEG_NO_SOI when the stream
+ *          has ended without a start of image; #KIRVO_JPEG_HEADER for every fault of the header once
+ *          final is 1; #KIRVO_JPEG_EARLY_EOI and #KIRVO_JPEG_FRAME while more may come;
+ *          #KIRVO_JPEG_MARKER (see JpgDecGetLastUexMarker); #KIRVO_JPEG_HUFFMAN; #KIRVO_BUSY to a
+ *          progress handler of the decode */
 KIRVO_API int32_t WINAPI JpgDecNext(HGLOBAL data, int32_t size, int32_t final, HGLOBAL* image);
 
 /** Decodes a file.
  *  @param name file name
  *  @param[out] width pixels, written on success
  *  @param[out] height pixels, written on success
- *  @param[out] error #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_READ_ERROR; or as JpgDecFirst and
- *              JpgDecNext with final 1
+ *  @param[out] error #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_NO_MEMORY; #KIRVO_READ_ERROR;
+ *              #KIRVO_BUSY while another encode or decode is under way; #KIRVO_JPEG_NO_SOI;
+ *              #KIRVO_JPEG_EARLY_EOI; #KIRVO_JPEG_HEADER; #KIRVO_JPEG_FRAME; #KIRVO_JPEG_MARKER
+ *              (see JpgDecGetLastUexMarker); #KIRVO_JPEG_HUFFMAN; #KIRVO_ABANDONED when a progress
+ *              handler has ended the decode
  *  @return the image, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI JpgDecMainEx(LPCSTR name, uint32_t* width, uint32_t* height,
                                       int32_t* error);
@@ -690,7 +811,11 @@ KIRVO_API HGLOBAL WINAPI JpgDecMainEx(LPCSTR name, uint32_t* width, uint32_t* he
  *  @param size number of bytes
  *  @param[out] width pixels, written on success
  *  @param[out] height pixels, written on success
- *  @param[out] error #KIRVO_OK, or as JpgDecFirst and JpgDecNext with final 1
+ *  @param[out] error #KIRVO_OK; #KIRVO_BUSY while another encode or decode is under way;
+ *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a size below 0 or above the block's;
+ *              #KIRVO_NO_MEMORY; #KIRVO_JPEG_NO_SOI; #KIRVO_JPEG_EARLY_EOI; #KIRVO_JPEG_HEADER;
+ *              #KIRVO_JPEG_FRAME; #KIRVO_JPEG_MARKER (see JpgDecGetLastUexMarker);
+ *              #KIRVO_JPEG_HUFFMAN; #KIRVO_ABANDONED when a progress handler has ended the decode
  *  @return the image, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI JpgDecMainHGLOBAL(HGLOBAL data, int32_t size, uint32_t* width,
                                            uint32_t* height, int32_t* error);
@@ -704,7 +829,8 @@ KIRVO_API void WINAPI JpgDecSetNoblock(int32_t a, int32_t b, int32_t c);
  *  @param name file name
  *  @param[out] spec written on success
  *  @return #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_NO_MEMORY; #KIRVO_READ_ERROR; #KIRVO_JPEG_NO_SOI;
- *          #KIRVO_JPEG_HEADER for any other fault */
+ *          #KIRVO_JPEG_HEADER for any other fault; #KIRVO_BUSY to a progress handler of a
+ *          decode */
 KIRVO_API int32_t WINAPI JpgDecGetSpecEx(LPCSTR name, JpgDecSpec* spec);
 
 /** The first four values of JpgDecGetSpecEx.
@@ -713,7 +839,9 @@ KIRVO_API int32_t WINAPI JpgDecGetSpecEx(LPCSTR name, JpgDecSpec* spec);
  *  @param[out] height pixels
  *  @param[out] components 1 or 3
  *  @param[out] lumaBlocks luma blocks in an MCU: 1, 2 or 4
- *  @return as JpgDecGetSpecEx; the values are written only with #KIRVO_OK */
+ *  @return #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_NO_MEMORY; #KIRVO_READ_ERROR; #KIRVO_JPEG_NO_SOI;
+ *          #KIRVO_JPEG_HEADER for any other fault; #KIRVO_BUSY to a progress handler of a decode. The
+ *          values are written only with #KIRVO_OK */
 KIRVO_API int32_t WINAPI JpgDecGetSpec(LPCSTR name, uint32_t* width, uint32_t* height,
                                        uint32_t* components, uint32_t* lumaBlocks);
 
@@ -721,8 +849,9 @@ KIRVO_API int32_t WINAPI JpgDecGetSpec(LPCSTR name, uint32_t* width, uint32_t* h
  *  @param enable 1 on, any other value off */
 KIRVO_API void WINAPI JpgDecGetCommentEnable(int32_t enable);
 
-/** @return how many comments that are not empty the last stream had before its image data, stored
- *          or not; at most 5 */
+/** Counts the comments of the last stream: those before its image data that are not empty, stored or
+ *  not.
+ *  @return 0 to 5 */
 KIRVO_API int32_t WINAPI JpgDecCommentCounts(void);
 
 /** A stored comment: its bytes and a zero byte. The block stays the library's and lasts until
@@ -745,8 +874,8 @@ KIRVO_API int32_t WINAPI JpgDecGetQtable(uint16_t* luma, uint16_t* chroma);
 /** One quantisation table of the last decode.
  *  @param number 0 to 3
  *  @param[out] table 64 values, row by row
- *  @return 0; -2 when no decode has reached its image data yet; -1 for another number; -3 for a
- *          table that the stream did not define */
+ *  @return numbers of its own: 0; -1 for another number; -2 when no decode has reached its image
+ *          data yet; -3 for a table that the stream did not define */
 KIRVO_API int32_t WINAPI JpgDecGetQtableEx(int32_t number, uint16_t* table);
 
 /** The marker that ended the last decode with #KIRVO_JPEG_MARKER. The record is kept until the next
@@ -761,6 +890,7 @@ KIRVO_API uint16_t WINAPI JpgDecGetLastUexMarker(uint32_t* position);
 
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup reduce Colour reduction
+ *  @ingroup colours
  *  True colour to a colour table and back, always into a new image that the caller owns. The three
  *  DecreaseColor functions bring fixed palettes of their own; Decrease256Fast dithers to the
  *  library's palette; the exact conversions collect the colours of the image. All report progress
@@ -772,10 +902,7 @@ KIRVO_API uint16_t WINAPI JpgDecGetLastUexMarker(uint32_t* position);
  *  bits in a row, in the source and in the result: rows of more than 65504 bits (2729 pixels of 24
  *  bits, 2047 of 32 bits, 8188 of the 8-bit result, 16376 of the 4-bit one) overlap.
  *
- *  Each status parameter may be null and receives, besides what the function says,
- *  #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for a source of another depth;
- *  #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY, also for an
- *  image without width or height. On failure the result is null.
+ *  On failure the result is null. The status may be null.
  *  @{ */
 
 /** Makes an 8-bit image with error diffusion to 256 fixed colours.
@@ -787,7 +914,9 @@ KIRVO_API uint16_t WINAPI JpgDecGetLastUexMarker(uint32_t* position);
  *  over of each channel goes on, in halves rounded down: 1/2 to the next pixel in scan direction,
  *  1/4 below it, 1/8 below and ahead, 1/16 below and behind.
  *  @param dib packed DIB of 24 or 32 bits
- *  @param[out] status see above
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height
  *  @return the new image, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI DecreaseColor256(HGLOBAL dib, int32_t* status);
 
@@ -798,7 +927,9 @@ KIRVO_API HGLOBAL WINAPI DecreaseColor256(HGLOBAL dib, int32_t* status);
  *  others 0 (colours 0 to 6, and 8 for all three). Colour 7 (192, 192, 192) is in the palette but
  *  not used.
  *  @param dib packed DIB of 24 or 32 bits
- *  @param[out] status see above
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height
  *  @return the new image, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI DecreaseColor16(HGLOBAL dib, int32_t* status);
 
@@ -808,7 +939,9 @@ KIRVO_API HGLOBAL WINAPI DecreaseColor16(HGLOBAL dib, int32_t* status);
  *  to 245. A pixel of luminance Y = (77 red + 150 green + 29 blue + 128) / 256 gets slot Y - 10,
  *  and no slot below 10.
  *  @param dib packed DIB of 24 or 32 bits
- *  @param[out] status see above
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height
  *  @return the new image, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI DecreaseColorMono256(HGLOBAL dib, int32_t* status);
 
@@ -817,7 +950,9 @@ KIRVO_API HGLOBAL WINAPI DecreaseColorMono256(HGLOBAL dib, int32_t* status);
  *  level v / 51, one more where v mod 51 is above the dither's threshold. The four cube colours
  *  that the palette lacks become pure green or pure blue.
  *  @param dib packed DIB of 24 or 32 bits
- *  @param[out] status see above
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height
  *  @return the new image (biClrUsed 256), owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI Decrease256Fast(HGLOBAL dib, int32_t* status);
 
@@ -828,14 +963,19 @@ KIRVO_API HGLOBAL WINAPI Decrease256Fast(HGLOBAL dib, int32_t* status);
  *  mode 1 all 256 are. Slots not used are black.
  *  @param dib packed DIB of 24 or 32 bits
  *  @param mode 0 or 1
- *  @param[out] status see above; #KIRVO_BAD_PARAMETER for another mode (before the handle is looked
- *              at); #KIRVO_MORE_THAN_256 when the free slots do not suffice
+ *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for another mode, before the handle is looked
+ *              at; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth; #KIRVO_BAD_PARAMETER
+ *              for a block smaller than its header says; #KIRVO_NO_MEMORY, also for an image
+ *              without width or height; #KIRVO_MORE_THAN_256 when the free slots do not suffice
  *  @return the new image (biClrUsed 256), owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI Decrease256PaletteEx(HGLOBAL dib, int32_t mode, int32_t* status);
 
 /** Decrease256PaletteEx with mode 0.
  *  @param dib packed DIB of 24 or 32 bits
- *  @param[out] status as Decrease256PaletteEx
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height; #KIRVO_MORE_THAN_256 when the free slots
+ *              do not suffice
  *  @return the new image, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI Decrease256Palette(HGLOBAL dib, int32_t* status);
 
@@ -845,14 +985,19 @@ KIRVO_API HGLOBAL WINAPI Decrease256Palette(HGLOBAL dib, int32_t* status);
  *  appearance, row by row from the bottom left.
  *  @param dib packed DIB of 24 or 32 bits
  *  @param mode 0 or 1
- *  @param[out] status see above; #KIRVO_BAD_PARAMETER for another mode (before the handle is looked
- *              at); #KIRVO_MORE_THAN_16 when the slots do not suffice
+ *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for another mode, before the handle is looked
+ *              at; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth; #KIRVO_BAD_PARAMETER
+ *              for a block smaller than its header says; #KIRVO_NO_MEMORY, also for an image
+ *              without width or height; #KIRVO_MORE_THAN_16 when the slots do not suffice
  *  @return the new image (biClrUsed 16), owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI Decrease16PaletteEx(HGLOBAL dib, int32_t mode, int32_t* status);
 
 /** Decrease16PaletteEx with mode 0.
  *  @param dib packed DIB of 24 or 32 bits
- *  @param[out] status as Decrease16PaletteEx
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height; #KIRVO_MORE_THAN_16 for a colour that is
+ *              not of the 16
  *  @return the new image, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI Decrease16Palette(HGLOBAL dib, int32_t* status);
 
@@ -862,14 +1007,17 @@ KIRVO_API HGLOBAL WINAPI Decrease16Palette(HGLOBAL dib, int32_t* status);
  *  index is not compared with the number of colours.
  *  @param dib packed DIB of 1, 4 or 8 bits
  *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_1_4_8 for another depth;
- *              #KIRVO_BAD_PARAMETER and #KIRVO_NO_MEMORY as for the others
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height
  *  @return the new image, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI IncreaseColor16M(HGLOBAL dib, int32_t* status);
 
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
-/** @defgroup copy Copy and composition
+/** @defgroup copy Copy and compose
+ *  Rectangles copied into other images or new ones, and images laid upon each other. Copies report
+ *  no progress.
  *  @{ */
 
 /** Copies a rectangle into an image that was made of exactly its size. The destination's own
@@ -900,7 +1048,10 @@ KIRVO_API int32_t WINAPI Dib24Copy(HGLOBAL to, HGLOBAL from, int32_t left, int32
  *  @param from packed DIB of 8, 16, 24 or 32 bits
  *  @param from_left,from_top corner of the rectangle in the source
  *  @param width,height size of the rectangle
- *  @return as Dib24Copy; the rectangle must lie inside both images */
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a negative coordinate or a width
+ *          or height below 1; #KIRVO_NEEDS_8_16_24_32 for another depth or two different ones;
+ *          #KIRVO_BAD_PARAMETER for a rectangle outside either image or a block that is too small.
+ *          Checked in this order, before anything is written. */
 KIRVO_API int32_t WINAPI Dib24CopyEx(HGLOBAL to, int32_t to_left, int32_t to_top, HGLOBAL from,
                                      int32_t from_left, int32_t from_top, int32_t width,
                                      int32_t height);
@@ -926,6 +1077,7 @@ KIRVO_API HGLOBAL WINAPI Dib24DupEx(HGLOBAL from, int32_t left, int32_t top, int
  *
  *  At 32 bits the source's masks serve for both images, and bits outside them are cleared in every
  *  pixel written. When both are one image, each row works as if its source were copied first.
+ *  Reports progress per row.
  *  @param to packed DIB of the source's depth, changed in place
  *  @param to_left,to_top corner of the rectangle in the destination
  *  @param from packed DIB of 24 or 32 bits
@@ -947,43 +1099,48 @@ KIRVO_API void WINAPI SetKeyColorDib24Add(uint32_t colour);
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
-/** @defgroup turn Flip, mirror, rotation
+/** @defgroup turn Flip, mirror, turn
+ *  @ingroup geometry
+ *  In place, but for the quarter turn, which makes a new image.
  *  @{ */
 
 /** Turns a rectangle upside down, in place. A row of working memory is taken whatever the height.
+ *  Reports progress per pair of rows.
  *  @param dib packed DIB of 8, 16, 24 or 32 bits
  *  @param left,top,width,height rectangle in the picture
- *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle outside the image or
- *          a block that is too small; #KIRVO_NEEDS_8_16_24_32 for another depth;
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_8_16_24_32 for another depth;
+ *          #KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
  *          #KIRVO_NO_MEMORY */
 KIRVO_API int32_t WINAPI Dib24Flip(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
                                    int32_t height);
 
-/** Exchanges left and right in a rectangle, in place.
+/** Exchanges left and right in a rectangle, in place. Reports progress per row.
  *  @param dib packed DIB of 8, 16, 24 or 32 bits
  *  @param left,top,width,height rectangle in the picture
- *  @return as Dib24Flip, which alone needs memory */
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_8_16_24_32 for another depth;
+ *          #KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small */
 KIRVO_API int32_t WINAPI Dib24Mirror(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
                                      int32_t height);
 
 /** Turns a rectangle by 180 degrees, in place. A row of working memory is taken whatever the
- *  height.
+ *  height. Reports progress per pair of rows.
  *  @param dib packed DIB of 8, 16, 24 or 32 bits
  *  @param left,top,width,height rectangle in the picture
- *  @return as Dib24Flip */
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_8_16_24_32 for another depth;
+ *          #KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
+ *          #KIRVO_NO_MEMORY */
 KIRVO_API int32_t WINAPI Dib24FlipMirror(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
                                          int32_t height);
 
 /** Turns a rectangle by 90 degrees into a new image of height x width pixels, with the source's
- *  colour table or masks.
+ *  colour table or masks. Reports progress per row of the source.
  *  @param dib packed DIB of 8, 16, 24 or 32 bits
  *  @param left,top,width,height rectangle in the picture
  *  @param direction 0 clockwise: the top left corner goes to the top right; 1 counter-clockwise: it
  *         goes to the bottom left
  *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for another direction, before all else;
- *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle outside the image or a
- *              block that is too small; #KIRVO_NEEDS_8_16_24_32 for another depth;
- *              #KIRVO_NO_MEMORY
+ *              #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_8_16_24_32 for another depth; #KIRVO_BAD_PARAMETER
+ *              for a rectangle outside the image or a block that is too small; #KIRVO_NO_MEMORY
  *  @return the image, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI Dib24Rotate(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
                                      int32_t height, int32_t direction, int32_t* status);
@@ -992,6 +1149,8 @@ KIRVO_API HGLOBAL WINAPI Dib24Rotate(HGLOBAL dib, int32_t left, int32_t top, int
 
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup zoom Zoom
+ *  @ingroup geometry
+ *  By the nearest pixel, or by averages where a picture becomes smaller.
  *  @{ */
 
 /** Resizes a rectangle into a new image by taking the nearest pixel.
@@ -999,16 +1158,17 @@ KIRVO_API HGLOBAL WINAPI Dib24Rotate(HGLOBAL dib, int32_t left, int32_t top, int
  *  With sx = new_width / width and sy = new_height / height in double precision, destination pixel
  *  (i, j) is source pixel (trunc(i / sx + left), top + trunc(j / sy)). Both coordinates are cut to
  *  signed 16 bits, so that images above 32767 pixels give wrong columns or rows; those that fall
- *  outside the picture take its nearest edge.
+ *  outside the picture take its nearest edge. Reports progress per row of the result; a copy, when
+ *  the size stays, reports none.
  *  @param dib packed DIB of 8, 16, 24 or 32 bits
  *  @param left,top,width,height rectangle in the picture
  *  @param new_width,new_height size of the result, at least 1
  *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for a new size below 1, before all else;
- *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle outside the image or a
- *              block that is too small; #KIRVO_NEEDS_8_16_24_32 for another depth;
- *              #KIRVO_NO_MEMORY, also for a result above 2^31 - 1 bytes. When the new size equals
- *              the rectangle's, the result is a copy made by Dib24Copy and the status is written
- *              only when its memory fails.
+ *              #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_8_16_24_32 for another depth; #KIRVO_BAD_PARAMETER
+ *              for a rectangle outside the image or a block that is too small; #KIRVO_NO_MEMORY,
+ *              also for a result above 2^31 - 1 bytes. When the new size equals the rectangle's,
+ *              the result is a copy made by Dib24Copy and the status is written only when its
+ *              memory fails.
  *  @return the image, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI Dib24ZoomEx(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
                                      int32_t height, int32_t new_width, int32_t new_height,
@@ -1020,12 +1180,18 @@ KIRVO_API HGLOBAL WINAPI Dib24ZoomEx(HGLOBAL dib, int32_t left, int32_t top, int
  *  With smoothing, 16, 24 or 32 bits and no enlargement in either direction, a destination pixel
  *  is the truncated mean of each channel over the box of ceil(width / new_width) x
  *  ceil(height / new_height) source pixels that begins at its nearest pixel and extends right and
- *  down.
+ *  down, beyond the rectangle too. The box ends at the bottom of the image; at its right edge
+ *  padding that has room for a pixel counts as one. Reports progress as Dib24ZoomEx.
  *  @param dib packed DIB of 8, 16, 24 or 32 bits
  *  @param left,top,width,height rectangle in the picture
  *  @param new_width,new_height size of the result, at least 1
- *  @param[out] status as Dib24ZoomEx
- *  @param smooth 1 switches smoothing on
+ *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for a new size below 1, before all else;
+ *              #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_8_16_24_32 for another depth; #KIRVO_BAD_PARAMETER
+ *              for a rectangle outside the image or a block that is too small; #KIRVO_NO_MEMORY,
+ *              also for a result above 2^31 - 1 bytes. When the new size equals the rectangle's,
+ *              the result is a copy made by Dib24Copy and the status is written only when its
+ *              memory fails.
+ *  @param smooth 1 switches smoothing on, any other value off
  *  @return the image, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI Dib24ZoomEx2(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
                                       int32_t height, int32_t new_width, int32_t new_height,
@@ -1034,7 +1200,7 @@ KIRVO_API HGLOBAL WINAPI Dib24ZoomEx2(HGLOBAL dib, int32_t left, int32_t top, in
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
-/** @defgroup point Point operations
+/** @defgroup point Tone
  *  Each channel of a pixel becomes something that depends on that pixel alone. All work on a
  *  rectangle (x, y, width, height) of a packed DIB and report progress per row. Two change the
  *  image in place; the others return a new image of the rectangle's size, at the source's depth
@@ -1044,17 +1210,15 @@ KIRVO_API HGLOBAL WINAPI Dib24ZoomEx2(HGLOBAL dib, int32_t left, int32_t top, in
  *  16-bit pixels are widened to 8 bits and narrowed again by truncation. Bits outside the masks are
  *  0 in a new image, whose masks are the source's.
  *
- *  Status codes of all: #KIRVO_OK; #KIRVO_NULL_HANDLE for a null or invalid handle;
- *  #KIRVO_BAD_PARAMETER for a rectangle that is empty or not inside the image, or a block smaller
- *  than its header says; the code of the depths, named at each; #KIRVO_NO_MEMORY when a new image
- *  cannot be allocated. The rectangle is tested before the other parameters.
+ *  The depth and the rectangle are tested before the other parameters, unless said otherwise.
  *  @{ */
 
 /** Inverts a rectangle in place: 255 - channel. At 16 and 32 bits the bits under the masks flip
  *  and all others stay.
  *  @param dib packed DIB of 16, 24 or 32 bits with a 40-byte header
  *  @param x,y,width,height rectangle
- *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER; #KIRVO_NEEDS_16_24_32 */
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_16_24_32 for another depth;
+ *          #KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small */
 KIRVO_API int32_t WINAPI Dib24Negative(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                        int32_t height);
 
@@ -1066,7 +1230,8 @@ KIRVO_API int32_t WINAPI Dib24Negative(HGLOBAL dib, int32_t x, int32_t y, int32_
  *         green; 5 blue, green, red
  *  @param x,y,width,height rectangle
  *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for another mode, before anything else is looked at;
- *          #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER; #KIRVO_NEEDS_24_32 */
+ *          #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth; #KIRVO_BAD_PARAMETER for a
+ *          rectangle outside the image or a block that is too small */
 KIRVO_API int32_t WINAPI Dib24RGBChange(HGLOBAL dib, int32_t mode, int32_t x, int32_t y,
                                         int32_t width, int32_t height);
 
@@ -1076,8 +1241,9 @@ KIRVO_API int32_t WINAPI Dib24RGBChange(HGLOBAL dib, int32_t mode, int32_t x, in
  *  @param dib packed DIB of 24 or 32 bits
  *  @param x,y,width,height rectangle
  *  @param level -100 to 100
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER, also for another level;
- *              #KIRVO_NEEDS_24_32; #KIRVO_NO_MEMORY
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a rectangle outside the image, another level or a block
+ *              that is too small; #KIRVO_NO_MEMORY
  *  @return the new image, or null */
 KIRVO_API HGLOBAL WINAPI Dib24Brightness(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                          int32_t height, int32_t level, int32_t* status);
@@ -1087,8 +1253,9 @@ KIRVO_API HGLOBAL WINAPI Dib24Brightness(HGLOBAL dib, int32_t x, int32_t y, int3
  *  @param dib packed DIB of 24 or 32 bits
  *  @param x,y,width,height rectangle
  *  @param level -100 (all grey) to 100 (2 * channel - 128)
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER, also for another level;
- *              #KIRVO_NEEDS_24_32; #KIRVO_NO_MEMORY
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a rectangle outside the image, another level or a block
+ *              that is too small; #KIRVO_NO_MEMORY
  *  @return the new image, or null */
 KIRVO_API HGLOBAL WINAPI Dib24Contrast(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                        int32_t height, int32_t level, int32_t* status);
@@ -1096,7 +1263,8 @@ KIRVO_API HGLOBAL WINAPI Dib24Contrast(HGLOBAL dib, int32_t x, int32_t y, int32_
 /** Turns a rectangle to grey: (77 red + 150 green + 29 blue + 128) / 256 in all three channels.
  *  @param dib packed DIB of 24 or 32 bits with a 40-byte header
  *  @param x,y,width,height rectangle
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER; #KIRVO_NEEDS_24_32;
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
  *              #KIRVO_NO_MEMORY
  *  @return a new 24-bit image, or null */
 KIRVO_API HGLOBAL WINAPI Dib24Monochrome(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
@@ -1105,20 +1273,22 @@ KIRVO_API HGLOBAL WINAPI Dib24Monochrome(HGLOBAL dib, int32_t x, int32_t y, int3
 /** Halves the intensity: channel / 2.
  *  @param dib packed DIB of 24 or 32 bits
  *  @param x,y,width,height rectangle
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER; #KIRVO_NEEDS_24_32;
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
  *              #KIRVO_NO_MEMORY
  *  @return the new image, or null */
 KIRVO_API HGLOBAL WINAPI Dib24HalfTone(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                        int32_t height, int32_t* status);
 
-/** Multiplies all channels by a fraction: channel * numerator / denominator, truncated, at most
- *  255. With a denominator of 0 every channel but 0 becomes 255.
+/** Multiplies all channels by a fraction: channel * numerator / denominator, truncated, 255 at
+ *  most. With a denominator of 0 every channel but 0 becomes 255.
  *  @param dib packed DIB of 24 or 32 bits
  *  @param x,y,width,height rectangle
  *  @param numerator 1 to 255
  *  @param denominator 0 or more
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER, also for another
- *              fraction; #KIRVO_NEEDS_24_32; #KIRVO_NO_MEMORY
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a rectangle outside the image, another fraction or a block
+ *              that is too small; #KIRVO_NO_MEMORY
  *  @return the new image, or null */
 KIRVO_API HGLOBAL WINAPI Dib24ToneCtrl(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                        int32_t height, int32_t numerator, int32_t denominator,
@@ -1129,8 +1299,9 @@ KIRVO_API HGLOBAL WINAPI Dib24ToneCtrl(HGLOBAL dib, int32_t x, int32_t y, int32_
  *  @param dib packed DIB of 24 or 32 bits
  *  @param x,y,width,height rectangle
  *  @param red,green,blue factors, 0 or more
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER, also for a factor that
- *              is negative or not a number; #KIRVO_NEEDS_24_32; #KIRVO_NO_MEMORY
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a rectangle outside the image, a factor that is negative or
+ *              not a number or a block that is too small; #KIRVO_NO_MEMORY
  *  @return the new image, or null */
 KIRVO_API HGLOBAL WINAPI Dib24ToneCtrlEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                          int32_t height, double red, double green, double blue,
@@ -1141,8 +1312,9 @@ KIRVO_API HGLOBAL WINAPI Dib24ToneCtrlEx(HGLOBAL dib, int32_t x, int32_t y, int3
  *  @param dib packed DIB of 24 bits
  *  @param x,y,width,height rectangle
  *  @param gamma 0 or more
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER, also for a gamma that is
- *              negative or not a number; #KIRVO_NEEDS_24; #KIRVO_NO_MEMORY
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a rectangle outside the image, a gamma that is negative or
+ *              not a number or a block that is too small; #KIRVO_NO_MEMORY
  *  @return the new image, or null */
 KIRVO_API HGLOBAL WINAPI Dib24Gamma(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                     int32_t height, double gamma, int32_t* status);
@@ -1153,8 +1325,9 @@ KIRVO_API HGLOBAL WINAPI Dib24Gamma(HGLOBAL dib, int32_t x, int32_t y, int32_t w
  *  @param dib packed DIB of 8, 16, 24 or 32 bits
  *  @param x,y,width,height rectangle
  *  @param red,green,blue gammas, 0 or more
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER, also for a gamma that is
- *              negative or not a number; #KIRVO_NEEDS_8_16_24_32; #KIRVO_NO_MEMORY
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_8_16_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a rectangle outside the image, a gamma that is negative or
+ *              not a number or a block that is too small; #KIRVO_NO_MEMORY
  *  @return the new image, or null */
 KIRVO_API HGLOBAL WINAPI DibGammaEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                     int32_t height, double red, double green, double blue,
@@ -1166,7 +1339,8 @@ KIRVO_API HGLOBAL WINAPI DibGammaEx(HGLOBAL dib, int32_t x, int32_t y, int32_t w
  *  @param x,y,width,height rectangle
  *  @param[out] red,green,blue the images, owned by the caller; all null on failure. An image whose
  *              pointer is null is not kept.
- *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER; #KIRVO_NEEDS_24_32;
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *          #KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
  *          #KIRVO_NO_MEMORY */
 KIRVO_API int32_t WINAPI Dib24Separate(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                        int32_t height, HGLOBAL* red, HGLOBAL* green,
@@ -1178,8 +1352,9 @@ KIRVO_API int32_t WINAPI Dib24Separate(HGLOBAL dib, int32_t x, int32_t y, int32_
  *  @param dib packed DIB of 8, 16, 24 or 32 bits
  *  @param x,y,width,height rectangle
  *  @param table 256 bytes
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER, also for a null table;
- *              #KIRVO_NEEDS_8_16_24_32; #KIRVO_NO_MEMORY
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_8_16_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a rectangle outside the image, a null table or a block that
+ *              is too small; #KIRVO_NO_MEMORY
  *  @return the new image, or null */
 KIRVO_API HGLOBAL WINAPI DibColorMapEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                        int32_t height, const uint8_t* table, int32_t* status);
@@ -1237,8 +1412,9 @@ KIRVO_API int32_t WINAPI DibModifyHue(HGLOBAL dib, int32_t mode, int32_t value);
  *  @param x,y,width,height rectangle
  *  @param mode as for DibModifyHue
  *  @param value degrees, 0 to 359 for every mode
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a bad rectangle, then
- *              for another mode or value; #KIRVO_NEEDS_16_24_32; #KIRVO_NO_MEMORY
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_16_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small,
+ *              then for another mode or value; #KIRVO_NO_MEMORY
  *  @return the new image, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI DibModifyHueEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                         int32_t height, int32_t mode, int32_t value,
@@ -1247,7 +1423,8 @@ KIRVO_API HGLOBAL WINAPI DibModifyHueEx(HGLOBAL dib, int32_t x, int32_t y, int32
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
-/** @defgroup filter Neighbourhood filters
+/** @defgroup filter Filters
+ *  A pixel becomes something that depends on its neighbours or on ranges of values.
  *  @{ */
 
 /** Blurs a rectangle with a fixed 3 × 3 kernel. Each channel becomes
@@ -1316,7 +1493,8 @@ KIRVO_API int32_t WINAPI Dib24Mix3X3(HGLOBAL dib, int32_t x, int32_t y);
 /** Draws the 5 × 5 neighbours of one pixel towards its colour, in place: as Dib24Mix3X3.
  *  @param dib packed DIB of 16, 24 or 32 bits
  *  @param x,y the centre
- *  @return as Dib24Mix3X3 */
+ *  @return #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_16_24_32; #KIRVO_BAD_PARAMETER for a point
+ *          outside the image or a block too small */
 KIRVO_API int32_t WINAPI Dib24Mix5X5(HGLOBAL dib, int32_t x, int32_t y);
 
 /** Sharpens a rectangle, or shows its edges in grey.
@@ -1349,7 +1527,8 @@ KIRVO_API HGLOBAL WINAPI Dib24Sharpen(HGLOBAL dib, int32_t x, int32_t y, int32_t
  *  @param dib packed DIB of 24 bits
  *  @param x,y,width,height rectangle in the picture
  *  @param strength 0 (divides by 8) to 3 (by 2); any other value acts as 0
- *  @param[out] status as Dib24Sharpen, without the mode
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24; #KIRVO_BAD_PARAMETER for a
+ *              rectangle outside the image or a block too small; #KIRVO_NO_MEMORY
  *  @return a new 24-bit image of the rectangle, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI Dib24SharpenEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                         int32_t height, int32_t strength, int32_t* status);
@@ -1427,7 +1606,9 @@ KIRVO_API HGLOBAL WINAPI Dib24Filter(HGLOBAL dib, int32_t x, int32_t y, int32_t 
  *  @param range0,range1,range2,range3,range4 the record
  *  @param[out] status #KIRVO_OK; first of all #KIRVO_BAD_PARAMETER for other flags, a bound above
  *              255 (above 359 for a hue), a lower bound above its upper one, or a test above 2
- *              (negative bounds are accepted); then as Dib24Filter
+ *              (negative bounds are accepted); #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32;
+ *              #KIRVO_BAD_PARAMETER for a rectangle outside the image or a block too small;
+ *              #KIRVO_NO_MEMORY
  *  @return a new image of the rectangle with the source's depth and masks, owned by the caller, or
  *          null */
 KIRVO_API HGLOBAL WINAPI Dib24FilterEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
@@ -1438,14 +1619,17 @@ KIRVO_API HGLOBAL WINAPI Dib24FilterEx(HGLOBAL dib, int32_t x, int32_t y, int32_
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
-/** @defgroup pattern Mosaics, blocks and patterns
+/** @defgroup pattern Patterns, mosaics and histograms
+ *  Blocks, plain and graded pictures, and the counting of colours.
  *  @{ */
 
 /** Mosaic of a 24-bit image: DibMosaicEx for that depth alone.
  *  @param dib packed DIB of 24 bits
  *  @param x,y,width,height rectangle in the picture
  *  @param block size of the blocks in pixels, at least 1
- *  @param[out] status as DibMosaicEx, but #KIRVO_NEEDS_24 for another depth
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24; #KIRVO_BAD_PARAMETER for a
+ *              rectangle outside the image, a block of memory too small or a block size below 1;
+ *              #KIRVO_NO_MEMORY
  *  @return a new 24-bit image of the rectangle, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI Dib24Mosaic(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                      int32_t height, int32_t block, int32_t* status);
@@ -1475,7 +1659,9 @@ KIRVO_API HGLOBAL WINAPI DibMosaicEx(HGLOBAL dib, int32_t x, int32_t y, int32_t 
  *  @param dib packed DIB of 8, 16, 24 or 32 bits
  *  @param x,y,width,height rectangle in the picture
  *  @param block size of the blocks in pixels, 1 to 1024
- *  @param[out] status as DibMosaicEx; #KIRVO_BAD_PARAMETER also for a block size above 1024
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_8_16_24_32; #KIRVO_BAD_PARAMETER
+ *              for a rectangle outside the image, a block of memory too small or a block size
+ *              outside 1 to 1024; #KIRVO_NO_MEMORY
  *  @return a new image of the rectangle with the source's depth, masks and colour table, owned by
  *          the caller, or null */
 KIRVO_API HGLOBAL WINAPI DibMosaicEx2(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
@@ -1571,6 +1757,7 @@ KIRVO_API HGLOBAL WINAPI Dib24Gradation3(int32_t width, int32_t height, int32_t 
  *  Unlike elsewhere, y1 and y2 count stored rows, from the *bottom* of the picture. The padding of a
  *  24-bit result carries the bytes that follow the region in the source (0 past the end of its
  *  block). Reports progress per pair of rows.
+ *  @ingroup copy
  *  @param first packed DIB of 24 or 32 bits
  *  @param x1,y1 left column and lowest row of its region
  *  @param second packed DIB of the same depth
@@ -1594,6 +1781,7 @@ KIRVO_API HGLOBAL WINAPI Dib24InterLeave(HGLOBAL first, int32_t x1, int32_t y1, 
  *  lowest on screen, then the leftmost. The search starts with black at 0 (white at 255) and only a
  *  larger (smaller) Y replaces it, so that a square whose Y is 0 throughout gives black and one
  *  whose Y is 255 throughout white. Reports progress per row.
+ *  @ingroup filter
  *  @param dib packed DIB of 16, 24 or 32 bits
  *  @param x,y,width,height rectangle in the picture
  *  @param radius 1 to 64
@@ -1612,6 +1800,8 @@ KIRVO_API HGLOBAL WINAPI DibBlockMxM(HGLOBAL dib, int32_t x, int32_t y, int32_t 
 
 /* ------------------------------------------------------------------------------------------- */
 /** @defgroup formats Targa, Q0, RAW, Photo CD and icon files
+ *  @ingroup files
+ *  All but icons become 24-bit images.
  *  @{ */
 
 /** Reads an uncompressed 24-bit Targa file (image type 2), with either origin. The pixels are taken
@@ -1711,7 +1901,9 @@ KIRVO_API int32_t WINAPI IcoGetInfo(LPCSTR name, void* records, uint32_t size);
  *  @param name file name
  *  @param[out] records filled as above; null asks for the count
  *  @param size number of records wanted × 6; 0 asks for the count
- *  @return as IcoGetInfo */
+ *  @return the number of images that the file declares, whether or not they fitted;
+ *          #KIRVO_CANNOT_OPEN; #KIRVO_READ_ERROR for a file shorter than its header or the entries
+ *          listed; #KIRVO_NOT_ICON */
 KIRVO_API int32_t WINAPI IcoGetInfoEx(LPCSTR name, void* records, uint32_t size);
 
 /** Reads one image of an icon or cursor file, and its transparency mask.

@@ -134,7 +134,7 @@ Status write_image(const char* name, HGLOBAL handle, Rect rect) {
         write_file_header(file, colour_part, image) &&
         (whole ? write_span(file, dib, 0, info_header_bytes + colour_part + image)
                : write_rectangle(file, dib, rect, colour_part, stride));
-    return written ? Status::ok : Status::write_error;
+    return written && file.close() ? Status::ok : Status::write_error;
 }
 
 } // namespace

@@ -130,6 +130,10 @@ OwnedBlock new_dib(int64_t width, int64_t height, int32_t bits, Content content)
     if (static_cast<uint64_t>(height) > max_block_bytes / stride)
         return {};
     const uint64_t image = stride * static_cast<uint64_t>(height);
+    // So much memory comes fresh from the system: clearing any of it would only take time early.
+    constexpr uint64_t fresh = uint64_t{128} << 20;
+    if (image > fresh)
+        content = Content::zero;
     OwnedBlock block(allocate_block(info_header_bytes + colour_part + image, content));
     const LockedBlock lock(block.get());
     if (!lock)

@@ -1,10 +1,13 @@
 #include "core/memory.hpp"
 
+#include <algorithm>
+
 namespace kirvo {
 
 namespace {
 
 uint32_t allocations_until_failure = 0;
+uint64_t largest_block = max_block_bytes;
 
 bool told_to_fail() {
     return allocations_until_failure != 0 && --allocations_until_failure == 0;
@@ -14,8 +17,10 @@ bool told_to_fail() {
 
 void fail_allocation(uint32_t n) { allocations_until_failure = n; }
 
+void limit_allocation(uint64_t bytes) { largest_block = std::min(bytes, max_block_bytes); }
+
 HGLOBAL allocate_block(uint64_t bytes, Content content) {
-    if (bytes > max_block_bytes || told_to_fail())
+    if (bytes > largest_block || told_to_fail())
         return nullptr;
     compact_memory(bytes);
     if (content == Content::any)

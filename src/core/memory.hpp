@@ -17,6 +17,9 @@ HGLOBAL allocate_block(uint64_t bytes, Content content = Content::zero);
 // For tests: makes the n-th allocation from now (1 is the next) fail once; 0 switches off.
 void fail_allocation(uint32_t n);
 
+// For tests: no block above so many bytes can be had from now on.
+void limit_allocation(uint64_t bytes);
+
 // A block that is freed unless it is handed over.
 class OwnedBlock {
   public:
@@ -51,8 +54,7 @@ class LockedBlock {
   public:
     explicit LockedBlock(HGLOBAL handle)
         : handle_(handle),
-          data_(handle != nullptr ? static_cast<uint8_t*>(GlobalLock(handle)) : nullptr),
-          size_(data_ != nullptr ? GlobalSize(handle) : 0) {}
+          data_(handle != nullptr ? static_cast<uint8_t*>(lock_block(handle, size_)) : nullptr) {}
     LockedBlock(const LockedBlock&) = delete;
     LockedBlock& operator=(const LockedBlock&) = delete;
     ~LockedBlock() {
@@ -66,8 +68,8 @@ class LockedBlock {
 
   private:
     HGLOBAL handle_;
+    size_t size_ = 0;
     uint8_t* data_;
-    size_t size_;
 };
 
 // Working memory for the length of a call: zeroed, and gone with the object. None at all is as good
@@ -82,6 +84,11 @@ class Scratch {
     template <typename T>
     T* as() const {
         return reinterpret_cast<T*>(lock_.data());
+    }
+    // What begins so many bytes on; null when there is no memory.
+    template <typename T>
+    T* part(uint64_t offset) const {
+        return lock_ ? reinterpret_cast<T*>(lock_.data() + static_cast<size_t>(offset)) : nullptr;
     }
 
   private:

@@ -43,8 +43,8 @@ void Progress::step(int32_t i, int32_t n, int32_t base, int32_t share) {
 void Progress::update(int32_t percent) {
     if (!progress_enabled() || percent < next_due())
         return;
+    last_sent_ = percent; // first, since a handler may begin something else with this object
     send(percent);
-    last_sent_ = percent;
 }
 
 void Progress::finish() {

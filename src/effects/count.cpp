@@ -101,7 +101,8 @@ Status count_channels(const LockedDib& dib, uint32_t& count) {
     uint32_t last = UINT32_MAX; // runs of one colour would wait for each other's stores
     const auto add = [&](const uint8_t* bgr, size_t pixels) {
         for (; pixels != 0; --pixels, bgr += 3) {
-            const uint32_t colour = load_word(bgr, 3);
+            const uint32_t colour =
+                bgr[0] | static_cast<uint32_t>(bgr[1]) << 8 | static_cast<uint32_t>(bgr[2]) << 16;
             if (colour != last)
                 seen.add(colour);
             last = colour;

@@ -6,8 +6,8 @@
 // which grow by one a result row. Along the row runs grow fourfold until a few of them cover the
 // square.
 //
-// Very wide images are filtered in strips, so that what is kept of one stays in the caches. (Narrow
-// strips lose more by reading the image in short pieces than they win.)
+// Wide images are filtered in strips, so that what is kept of one and the image beneath it stay in
+// the caches. (Narrow strips lose more by reading the image in short pieces than they win.)
 #include "effects/block_rows.hpp"
 #include "effects/filter_rows.hpp"
 #include "effects/frame.hpp"
@@ -20,7 +20,28 @@ namespace {
 
 constexpr int32_t largest_radius = 64;
 constexpr int32_t highest_band = 128;
-constexpr int32_t kept_bytes = 1536 << 10;
+constexpr int32_t kept_bytes = 768 << 10;
+
+// Rows of as many elements that start on cache lines.
+template<typename T>
+class LineRows {
+  public:
+    LineRows(uint64_t rows, size_t count)
+        : row_((count + in_line - 1) / in_line * in_line),
+          memory_(rows * row_ * sizeof(T) + line_bytes) {}
+
+    explicit operator bool() const { return static_cast<bool>(memory_); }
+    T* operator[](int32_t i) const {
+        const auto address = reinterpret_cast<uintptr_t>(memory_.data());
+        uint8_t* first = memory_.data() + (line_bytes - address % line_bytes) % line_bytes;
+        return reinterpret_cast<T*>(first) + static_cast<size_t>(i) * row_;
+    }
+
+  private:
+    static constexpr size_t line_bytes = 64, in_line = line_bytes / sizeof(T);
+    size_t row_;
+    Scratch memory_;
+};
 
 // A part of the result, and the image around it that its squares reach. Cells and rows of the reach
 // are counted from its lowest row and leftmost column, whether or not these lie in the image.
@@ -97,22 +118,21 @@ class ChannelKind {
         : pick(setting.maximum ? block_rows().highest8 : block_rows().lowest8),
           pick_two(setting.maximum ? block_rows().highest_two8 : block_rows().lowest_two8),
           pick_four(setting.maximum ? block_rows().highest_four8 : block_rows().lowest_four8),
-          neutral(setting.maximum ? 0 : 255), setting_(setting), cells_(cells),
-          memory_(4 * elements * uint64_t{cells}) {}
+          neutral(setting.maximum ? 0 : 255), setting_(setting), buffers_(4, elements * cells) {}
 
-    explicit operator bool() const { return static_cast<bool>(memory_); }
+    explicit operator bool() const { return static_cast<bool>(buffers_); }
 
     // The cells of a row of the reach that lie in the image.
     const uint8_t* load(const Patch& patch, int32_t row) const {
         return setting_.bgr(patch.first_row + row,
                             patch.first_column + static_cast<int64_t>(patch.begin),
-                            patch.end - patch.begin, buffer(0));
+                            patch.end - patch.begin, buffers_[0]);
     }
     // Ends a row of the patch from the extremes of its columns.
     void finish(const Patch& patch, int32_t row, const uint8_t* line) const {
-        uint8_t* to = setting_.target(patch, row, buffer(3));
+        uint8_t* to = setting_.target(patch, row, buffers_[3]);
         pick_along(to, line, static_cast<size_t>(patch.columns), elements,
-                   static_cast<size_t>(setting_.side()), pick_four, buffer(1), buffer(2));
+                   static_cast<size_t>(setting_.side()), pick_four, buffers_[1], buffers_[2]);
         setting_.store(patch, row, to);
     }
 
@@ -122,11 +142,8 @@ class ChannelKind {
     const uint8_t neutral;
 
   private:
-    uint8_t* buffer(size_t i) const { return memory_.data() + i * elements * cells_; }
-
     const Setting& setting_;
-    size_t cells_;
-    Scratch memory_;
+    LineRows<uint8_t> buffers_;
 };
 
 // The whole colour of the brightest or darkest pixel, of several the first in the order of storage.
@@ -144,8 +161,8 @@ class LuminanceKind {
         : pick(block_rows().highest16), pick_two(block_rows().highest_two16), neutral(0),
           setting_(setting), memory_((3 * sizeof(uint32_t) + sizeof(uint16_t) + 3 + 1) *
                                      uint64_t{cells}),
-          keys_(memory_.as<uint32_t>()), row_keys_(reinterpret_cast<uint16_t*>(keys_ + 3 * cells)),
-          bgr_(reinterpret_cast<uint8_t*>(row_keys_ + cells)), luminance_(bgr_ + 3 * cells),
+          keys_(memory_.part<uint32_t>(0)), row_keys_(memory_.part<uint16_t>(12 * cells)),
+          bgr_(memory_.part<uint8_t>(14 * cells)), luminance_(memory_.part<uint8_t>(17 * cells)),
           cells_(cells) {}
 
     explicit operator bool() const { return static_cast<bool>(memory_); }
@@ -225,11 +242,10 @@ class ExtremeFilter {
                           Kind::widest_strip)),
           cells_(static_cast<size_t>(std::min(setting.operation.rect().width, strip_) + side_ -
                                      1)),
-          row_((cells_ * Kind::elements + aligned - 1) / aligned * aligned),
           kind_(setting, cells_),
-          memory_(sizeof(Element) * uint64_t{row_} * static_cast<uint64_t>(band_ + 2) + aligned) {}
+          rows_(static_cast<uint64_t>(band_ + 2), cells_ * Kind::elements) {}
 
-    explicit operator bool() const { return kind_ && memory_; }
+    explicit operator bool() const { return kind_ && rows_; }
 
     // Strip by strip, since neighbouring bands read the same rows. The rows that are reported as
     // done keep pace with the patches.
@@ -280,7 +296,7 @@ class ExtremeFilter {
                 copy_or_clear(kept(row), kept(row + 1), count);
         }
         copy_or_clear(running(), nullptr, count);
-        std::fill_n(line(), row_, kind_.neutral);
+        std::fill_n(line(), cells_ * Kind::elements, kind_.neutral);
         Element* inside = line() + skipped;
         for (int32_t row = patch.rows; row < side_; ++row) {
             if (const Element* cells = load(patch, row))
@@ -309,25 +325,18 @@ class ExtremeFilter {
             std::fill_n(to, count, kind_.neutral);
     }
 
-    // Rows start on cache lines.
-    static constexpr size_t aligned = 64;
-    Element* memory_row(int32_t i) const {
-        const auto address = reinterpret_cast<uintptr_t>(memory_.data());
-        uint8_t* first = memory_.data() + (aligned - address % aligned) % aligned;
-        return reinterpret_cast<Element*>(first) + static_cast<size_t>(i) * row_;
-    }
     // The extreme of a row of the reach and those up to the shared one.
-    Element* kept(int32_t row) const { return memory_row(row); }
+    Element* kept(int32_t row) const { return rows_[row]; }
     // The extreme of the rows after the shared one, so far.
-    Element* running() const { return memory_row(band_); }
+    Element* running() const { return rows_[band_]; }
     // The extremes of the columns of a row of squares.
-    Element* line() const { return memory_row(band_ + 1); }
+    Element* line() const { return rows_[band_ + 1]; }
 
     const Setting& setting_;
     int32_t side_, band_, strip_;
-    size_t cells_, row_; // of a strip's reach: cells and elements of a row
+    size_t cells_; // in a row of a strip's reach
     Kind kind_;
-    Scratch memory_;
+    LineRows<Element> rows_;
 };
 
 template<typename Kind>

@@ -43,9 +43,9 @@ constexpr Pass sharpen_passes[] = {{0, 30}, {30, 40}, {70, 30}};
 // Working rows, all of the rectangle's width in pixels.
 struct WorkRows {
     explicit WorkRows(size_t width)
-        : buffer(uint64_t{width} * (2 + 1 + 1 + 3 + 3)), slope(buffer.as<int16_t>()),
-          first(buffer.data() + 2 * width), second(first + width), first3(second + width),
-          second3(first3 + 3 * width) {}
+        : buffer(uint64_t{width} * (2 + 1 + 1 + 3 + 3)), slope(buffer.part<int16_t>(0)),
+          first(buffer.part<uint8_t>(2 * width)), second(buffer.part<uint8_t>(3 * width)),
+          first3(buffer.part<uint8_t>(4 * width)), second3(buffer.part<uint8_t>(7 * width)) {}
     explicit operator bool() const { return static_cast<bool>(buffer); }
 
     Scratch buffer;

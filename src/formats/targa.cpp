@@ -87,7 +87,7 @@ Status write_image(const char* name, HGLOBAL handle, Rect rect) {
     OutputFile file;
     if (!file.create(name))
         return Status::cannot_open;
-    return write_rectangle(file, dib, rect) ? Status::ok : Status::write_error;
+    return write_rectangle(file, dib, rect) && file.close() ? Status::ok : Status::write_error;
 }
 
 } // namespace

@@ -44,7 +44,7 @@ void end_decode(DecodeState& state) {
     state.input.discard();
     if (!state.picture.done)
         state.picture.discard();
-    state.under_way = false;
+    state.under_way = state.abandoned = false;
     codec_busy = false;
 }
 
@@ -54,11 +54,9 @@ int32_t end_with(DecodeState& state, Status status) {
 }
 
 int32_t advance(DecodeState& state, HGLOBAL* image) {
-    Step step;
-    {
-        const LockedInput lock(state.input);
-        step = decode_phases(state);
-    }
+    state.running = true;
+    const Step step = decode_phases(state);
+    state.running = false;
     if (step.kind == Step::need_more)
         return 0;
     if (step.kind == Step::failed)
@@ -83,6 +81,14 @@ void begin_decode(DecodeState& state) {
     state.input.discard();
     state.picture.discard();
     state.final = 0;
+}
+
+// A progress handler may end the decode that it is told of, once that looks, and nothing else.
+int32_t answer_handler(DecodeState& state, int32_t final) {
+    if (final != abandon)
+        return code(Status::busy);
+    state.abandoned = true;
+    return code(Status::abandoned);
 }
 
 // Goes on to the end after a First call; the size is reported with the image.
@@ -124,6 +130,8 @@ int32_t WINAPI JpgDecFirst(HGLOBAL data, int32_t size, HGLOBAL* image) {
 int32_t WINAPI JpgDecNext(HGLOBAL data, int32_t size, int32_t final, HGLOBAL* image) {
     DecodeState& state = decode_state;
     report(image, HGLOBAL{nullptr});
+    if (state.running)
+        return answer_handler(state, final);
     if (final == abandon)
         return end_with(state, Status::abandoned);
     if (state.picture.done) {

@@ -25,17 +25,22 @@ class McuReader {
             tables_[i] = &components_[component_of(layout, i)];
     }
 
-    // Need_more when an MCU may not be begun.
-    Step read(Block* blocks, uint8_t* last) {
-        if (fast_.read_mcu(tables_, blocks_, blocks, last))
-            return Step::finished();
+    // How much input is left is known exactly once the fast reader has given back what it holds.
+    bool may_begin() {
+        if (fast_.ahead() >= input_reserve || state_.final != 0)
+            return true;
         fast_.leave();
-        if (!may_go_on(state_))
-            return Step::starved();
+        fast_.enter();
+        return may_go_on(state_);
+    }
+    Status read(Block* blocks, uint8_t* last) {
+        if (fast_.read_mcu(tables_, blocks_, blocks, last))
+            return Status::ok;
+        fast_.leave();
         const Status status = read_carefully(blocks);
         std::fill_n(last, blocks_, uint8_t{63});
         fast_.enter();
-        return status == Status::ok ? Step::finished() : Step::failure(status);
+        return status;
     }
 
   private:
@@ -57,42 +62,49 @@ class McuReader {
     const FastReader::Tables* tables_[most_blocks];
 };
 
+// What waits to be rendered; from one piece of the stream to the next, so that small pieces cost no
+// more than large ones.
+constinit Block group_blocks[most_group_blocks] = {};
+constinit uint8_t group_last[most_group_blocks] = {};
+
 // MCUs of one MCU row that have been read and not yet rendered.
 class Group {
   public:
-    Group(const Picture& picture, Renderer& renderer)
-        : renderer_(renderer), blocks_of_mcu_(picture.frame.layout->blocks()),
-          across_(picture.mcus_across), first_(picture.next_mcu) {
-        open();
+    Group(Picture& picture, Renderer& renderer)
+        : picture_(picture), renderer_(renderer), blocks_of_mcu_(picture.frame.layout->blocks()),
+          count_(picture.next_mcu - picture.rendered_mcus) {
+        find_room();
     }
 
-    Block* next_blocks() { return &blocks_[count_ * blocks_of_mcu_]; }
-    uint8_t* next_last() { return &last_[count_ * blocks_of_mcu_]; }
+    // Empty blocks.
+    Block* next_blocks() {
+        Block* const next = &group_blocks[count_ * blocks_of_mcu_];
+        std::memset(next, 0, static_cast<size_t>(blocks_of_mcu_) * sizeof(Block));
+        return next;
+    }
+    uint8_t* next_last() { return &group_last[count_ * blocks_of_mcu_]; }
     // The next MCU has been read.
     void add() {
+        ++picture_.next_mcu;
         if (++count_ == room_)
             render();
     }
-    void render() {
-        if (count_ == 0)
-            return;
-        renderer_.render(first_, count_, blocks_, last_);
-        std::memset(blocks_, 0, sizeof blocks_);
-        first_ += count_;
-        open();
-    }
 
   private:
-    void open() {
+    void find_room() {
+        const int32_t across = picture_.mcus_across;
+        room_ = std::min(renderer_.group_mcus(), across - picture_.rendered_mcus % across);
+    }
+    void render() {
+        renderer_.render(picture_.rendered_mcus, count_, group_blocks, group_last);
+        picture_.rendered_mcus = picture_.next_mcu;
         count_ = 0;
-        room_ = std::min(renderer_.group_mcus(), across_ - first_ % across_);
+        find_room();
     }
 
+    Picture& picture_;
     Renderer& renderer_;
-    Block blocks_[most_group_blocks] = {};
-    uint8_t last_[most_group_blocks];
-    const int32_t blocks_of_mcu_, across_;
-    int32_t first_; // of the image
+    const int32_t blocks_of_mcu_;
     int32_t count_, room_;
 };
 
@@ -103,17 +115,18 @@ Step decode_baseline(DecodeState& state, Renderer& renderer) {
     McuReader reader(state);
     Group group(picture, renderer);
     for (;;) {
-        const Step step = reader.read(group.next_blocks(), group.next_last());
-        if (step.kind != Step::done) {
-            group.render();
-            return step;
-        }
+        if (!reader.may_begin())
+            return Step::starved();
+        const Status status = reader.read(group.next_blocks(), group.next_last());
+        if (status != Status::ok)
+            return Step::failure(status);
         group.add();
-        ++picture.next_mcu;
         if (picture.next_mcu == picture.mcus)
             return finish_picture(state);
         if (progress_enabled())
             state.progress.update(picture.next_mcu * 100 / picture.mcus);
+        if (state.abandoned)
+            return Step::failure(Status::abandoned);
     }
 }
 

@@ -4,65 +4,61 @@
 #include <cstring>
 
 #define ALWAYS_INLINE [[gnu::always_inline]] inline
+#if __SIZEOF_POINTER__ == 8
+#define PAIR_LOOP ALWAYS_INLINE
+#else
+#define PAIR_LOOP [[gnu::noinline]]
+#endif
 
 namespace kirvo {
 
 namespace {
 
-// A block takes at most 32 bits for its DC and 31 for each other coefficient, twice as much when
-// every byte is stuffed; and a word may be read ahead.
-constexpr std::ptrdiff_t longest_block = 2 * (64 * 32 / 8) + 16;
+static_assert(sizeof(uint32_t) <= DecodeInput::tail_bytes);
 
-constexpr bool wide_word = BitBuffer::width == 64;
-using Half = std::conditional_t<wide_word, uint32_t, uint16_t>;
-
-Half load_big_endian(const uint8_t* from) {
-    Half value;
+uint32_t load_big_endian(const uint8_t* from) {
+    uint32_t value;
     std::memcpy(&value, from, sizeof value);
-    if constexpr (wide_word)
-        return __builtin_bswap32(value);
-    else
-        return __builtin_bswap16(value);
+    return __builtin_bswap32(value);
 }
 
 // Never misses one.
-bool may_hold_ff(Half value) {
-    constexpr Half ones = static_cast<Half>(~Half{0}) / 255, highs = ones * 128;
-    return (static_cast<Half>(~value - ones) & value & highs) != 0;
-}
+bool may_hold_ff(uint32_t value) { return ((~value - 0x01010101) & value & 0x80808080) != 0; }
 
-// A byte at a time up to a marker or a fill byte. By value, so that the fast path can keep its
-// buffer in registers.
+// A byte at a time up to a marker or a fill byte, as which the input ends. By value, so that the
+// fast path can keep its buffer in registers.
 [[gnu::noinline]] BitBuffer refill_bytes(BitBuffer bits) {
-    while (bits.count <= BitBuffer::width - 8) {
+    while (bits.count < BitBuffer::half) {
         const uint8_t byte = bits.next[0];
         if (byte == 0xFF && bits.next[1] != 0)
             break;
         bits.next += byte == 0xFF ? 2 : 1;
-        bits.word |= BitBuffer::Word{byte} << (BitBuffer::width - 8 - bits.count);
+        bits.window.append(uint32_t{byte} << 24, bits.count);
         bits.count += 8;
     }
     return bits;
 }
 
-// Makes half a word of bits available, a symbol and its value on 64 bits, one of them on 32. False
-// when the data ends before that.
-ALWAYS_INLINE bool refill(BitBuffer& bits) {
+// Makes half a word of bits available, enough for a symbol and its value. False when the next bytes
+// must be looked at one by one.
+ALWAYS_INLINE bool refill_word(BitBuffer& bits) {
     if (bits.count >= BitBuffer::half)
         return true;
-    const Half ahead = load_big_endian(bits.next);
-    if (may_hold_ff(ahead)) {
-        bits = refill_bytes(bits);
-        return bits.count >= BitBuffer::half;
-    }
-    bits.word |= BitBuffer::Word{ahead} << (BitBuffer::half - bits.count);
+    const uint32_t ahead = load_big_endian(bits.next);
+    if (may_hold_ff(ahead))
+        return false;
+    bits.window.append(ahead, bits.count);
     bits.count += BitBuffer::half;
     bits.next += sizeof ahead;
     return true;
 }
 
-ALWAYS_INLINE bool refill_for_value(BitBuffer& bits) {
-    return wide_word || refill(bits);
+// False when the data ends before that.
+ALWAYS_INLINE bool refill(BitBuffer& bits) {
+    if (refill_word(bits))
+        return true;
+    bits = refill_bytes(bits);
+    return bits.count >= BitBuffer::half;
 }
 
 // A code that the lookup does not tell: longer, or none.
@@ -96,8 +92,6 @@ ALWAYS_INLINE bool read_dc(BitBuffer& bits, const FastReader::Tables& tables, in
     bits.drop(entry_length(entry));
     int16_t difference = entry_value(entry);
     if (const uint32_t size = entry_dc_size(entry)) {
-        if (!refill_for_value(bits))
-            return false;
         difference = extend(bits.take(size), size);
     }
     int16_t& predictor = *tables.coding.predictor;
@@ -125,8 +119,6 @@ ALWAYS_INLINE bool read_coefficient(BitBuffer& bits, const FastReader::Tables& t
     if (!has_ac_value(entry)) {
         switch (entry_kind(entry)) {
         case EntryKind::value: {
-            if (!refill_for_value(bits))
-                return false;
             const uint32_t size = entry_ac_size(entry);
             value = extend(bits.take(size), size);
             break;
@@ -135,7 +127,7 @@ ALWAYS_INLINE bool read_coefficient(BitBuffer& bits, const FastReader::Tables& t
             k += 16;
             return true;
         case EntryKind::end_of_band:
-            if (eob_run == nullptr || !refill_for_value(bits))
+            if (eob_run == nullptr)
                 return false;
             *eob_run = static_cast<int32_t>((1u << run) + bits.take(run) - 1);
             k = past_block;
@@ -154,41 +146,60 @@ ALWAYS_INLINE bool read_coefficient(BitBuffer& bits, const FastReader::Tables& t
     return true;
 }
 
-// The AC coefficients of a baseline block, and a zigzag position after which they are 0. The DC
-// place may be overwritten.
-ALWAYS_INLINE bool read_ac(BitBuffer& bits, const FastReader::Tables& tables, int16_t* block,
-                           int32_t& last) {
+// Reads pairs of symbols as long as lookups tell them and no byte ahead may be stuffed. False when
+// that is over before the block is, with all places before k done with. In 32-bit code a function
+// that calls none has a register more.
+PAIR_LOOP bool read_pairs(BitBuffer& stream, const FastReader::Tables& tables, int16_t* block,
+                          int32_t& position, int32_t& last) {
     constexpr uint32_t lookups_per_refill = BitBuffer::half / lookup_bits;
     const AcPair* pairs = tables.pairs->entries;
     const uint16_t* quantisation = tables.coding.quantisation;
-    for (int32_t k = 1;;) {
-        if (!refill(bits))
-            return false;
-        for (uint32_t i = 0; i < lookups_per_refill; ++i) {
+    BitBuffer bits = stream; // in registers
+    int32_t k = position;
+    bool ended = false;
+    while (!ended && refill_word(bits)) {
+        uint32_t lookups = lookups_per_refill;
+        do {
             const AcPair& pair = pairs[bits.peek(lookup_bits)];
             const int32_t first = k + pair.first;
-            if (first >= 63) { // the first value may be the last of the block
-                if (!read_coefficient(bits, tables, 0, block, k, nullptr))
-                    return false;
-                if (k > 64)
-                    return true; // the end of the block: last is from before
-                last = k - 1;
-                if (k == 64)
-                    return true;
-                break;
-            }
+            if (first >= 63) // the first value may be the last of the block
+                goto over;
             bits.drop(pair.length);
             const int32_t second = k + pair.second;
             block[block_place[static_cast<size_t>(first)]] =
                 wrap16(quantisation[first] * pair.value[0]);
             block[block_place[static_cast<size_t>(second)]] =
                 wrap16(quantisation[second] * pair.value[1]);
-            last = k - 1 + pair.last;
             k += static_cast<int32_t>(pair.advance);
-            if (k > 63)
-                return true;
-        }
+            if (k > 63) {
+                last = k - 1 - static_cast<int32_t>(pair.advance - pair.last);
+                ended = true;
+                break;
+            }
+        } while (--lookups != 0);
     }
+over:
+    stream = bits;
+    position = k;
+    return ended;
+}
+
+// The AC coefficients of a baseline block, and a zigzag position after which they are 0. The DC
+// place may be overwritten.
+ALWAYS_INLINE bool read_ac(BitBuffer& bits, const FastReader::Tables& tables, int16_t* block,
+                           int32_t& last) {
+    int32_t k = 1;
+    while (!read_pairs(bits, tables, block, k, last)) {
+        last = k - 1;
+        if (!read_coefficient(bits, tables, 0, block, k, nullptr))
+            return false;
+        if (k > 64)
+            return true; // the end of the block
+        last = k - 1;
+        if (k == 64)
+            return true;
+    }
+    return true;
 }
 
 } // namespace
@@ -223,13 +234,14 @@ void FastReader::enter() {
     usable_ = !entropy.pending_ff && state_.scan.refined_from == 0;
     const uint32_t used = static_cast<uint32_t>(entropy.bit_position);
     bits_.count = 8 - used;
-    bits_.word = used == 8 ? 0
-                           : static_cast<BitBuffer::Word>(entropy.current)
-                                 << (BitBuffer::width - 8 + used);
+    bits_.window = {};
+    if (used != 8)
+        bits_.window.append(static_cast<uint32_t>(entropy.current) << (24 + used), 0);
     bits_.next = entered_;
 }
 
-// Gives back the bytes of which no bit has been taken. The last bit taken lies in the current byte.
+// Gives back the bytes of which no bit has been taken; never that which was the current one when it
+// took over. The last bit taken lies in the current byte.
 void FastReader::leave() {
     if (!moved_)
         return;
@@ -237,17 +249,14 @@ void FastReader::leave() {
         return at - (at[-1] == 0 && at - entered_ > 1 && at[-2] == 0xFF ? 2 : 1);
     };
     const uint8_t* next = bits_.next;
-    for (uint32_t unread = bits_.count / 8; unread != 0; --unread)
+    uint32_t unread = bits_.count / 8;
+    for (; unread != 0 && next != entered_; --unread)
         next = before(next);
     EntropyState& entropy = state_.entropy;
-    entropy.bit_position = static_cast<int32_t>(8 - bits_.count % 8);
+    entropy.bit_position = static_cast<int32_t>(8 - bits_.count % 8 - 8 * unread);
     entropy.current = next == entered_ ? entered_byte_ : *before(next);
     state_.input.position = static_cast<size_t>(next - state_.input.bytes);
     moved_ = false;
-}
-
-bool FastReader::may_read(const BitBuffer& bits) const {
-    return end_ - bits.next >= longest_block;
 }
 
 bool FastReader::read_mcu(const Tables* const* tables, int32_t count, Block* blocks,
@@ -263,8 +272,7 @@ bool FastReader::read_mcu(const Tables* const* tables, int32_t count, Block* blo
     for (int32_t i = 0; i < count; ++i) {
         int32_t highest = 0;
         int16_t dc = 0;
-        if (!may_read(bits) || !read_dc(bits, *tables[i], 0, dc) ||
-            !read_ac(bits, *tables[i], blocks[i], highest)) {
+        if (!read_dc(bits, *tables[i], 0, dc) || !read_ac(bits, *tables[i], blocks[i], highest)) {
             std::copy(std::begin(predictors), std::end(predictors), entropy.predictor);
             std::memset(blocks, 0, static_cast<size_t>(count) * sizeof(Block));
             return false;
@@ -286,7 +294,7 @@ bool FastReader::read_block(const Tables& tables, Block& block) {
         --entropy.eob_run;
         return true;
     }
-    if (!usable_ || !may_read(bits_) || with_dc != (scan.spectral_end == 0))
+    if (!usable_ || with_dc != (scan.spectral_end == 0))
         return false;
     BitBuffer bits = bits_;
     if (with_dc) {

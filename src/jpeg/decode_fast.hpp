@@ -9,19 +9,47 @@
 
 namespace kirvo {
 
+// Sixty-four bits, the next one highest.
+#if __SIZEOF_POINTER__ == 8
+struct BitWindow {
+    uint64_t word;
+
+    // Of 1 to 32 bits.
+    uint32_t peek(uint32_t bits) const { return static_cast<uint32_t>(word >> (64 - bits)); }
+    void drop(uint32_t bits) { word <<= bits; }
+    // Puts a 32-bit value behind the first `count` bits, which are at most 32.
+    void append(uint32_t value, uint32_t count) { word |= uint64_t{value} << (32 - count); }
+};
+#else
+// In two registers, which the compiler would rather have in memory as one number.
+struct BitWindow {
+    uint32_t high, low;
+
+    uint32_t peek(uint32_t bits) const { return high >> (32 - bits); }
+    // Less than 32 bits.
+    void drop(uint32_t bits) {
+        __asm__("shldl %b2, %1, %0" : "+r"(high) : "r"(low), "c"(bits) : "cc");
+        low <<= bits;
+    }
+    void append(uint32_t value, uint32_t count) {
+        high |= count < 32 ? value >> count : 0;
+        low |= count != 0 ? value << (32 - count) : 0;
+    }
+};
+#endif
+
 // Bits taken ahead from the input.
 struct BitBuffer {
-    using Word = size_t;
-    static constexpr uint32_t width = sizeof(Word) * 8;
-    static constexpr uint32_t half = width / 2;
+    static constexpr uint32_t width = 64;
+    static constexpr uint32_t half = 32;
 
-    Word word;      // the next bit is its highest
+    BitWindow window;
     uint32_t count; // of its bits that are there; those below are 0
     const uint8_t* next;
 
-    uint32_t peek(uint32_t bits) const { return static_cast<uint32_t>(word >> (width - bits)); }
+    uint32_t peek(uint32_t bits) const { return window.peek(bits); }
     void drop(uint32_t bits) {
-        word <<= bits;
+        window.drop(bits);
         count -= bits;
     }
     uint32_t take(uint32_t bits) {
@@ -38,6 +66,9 @@ class FastReader {
     void enter();
     // Hands back to it.
     void leave();
+
+    // Bytes of input that it has not looked at yet.
+    size_t ahead() const { return static_cast<size_t>(end_ - bits_.next); }
 
     // How the blocks of a component are read.
     struct Tables {
@@ -57,8 +88,6 @@ class FastReader {
     bool read_block(const Tables& tables, Block& block);
 
   private:
-    bool may_read(const BitBuffer& bits) const;
-
     DecodeState& state_;
     BitBuffer bits_;
     const uint8_t* end_;

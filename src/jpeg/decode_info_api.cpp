@@ -7,7 +7,6 @@ namespace {
 
 // The input is the whole file.
 Status read_stream_information(DecodeState& state) {
-    const LockedInput lock(state.input);
     if (!find_start_of_image(state))
         return Status::jpeg_no_soi;
     state.header = HeaderState::reading_segments;
@@ -44,6 +43,8 @@ using namespace kirvo;
 // A decode under way shares the state, and loses it.
 int32_t WINAPI JpgDecGetSpecEx(LPCSTR name, JpgDecSpec* spec) {
     DecodeState& state = decode_state;
+    if (state.running)
+        return code(Status::busy);
     state.reset();
     state.input.discard();
     if (!state.picture.done)

@@ -1,33 +1,63 @@
 #include "jpeg/decode_input.hpp"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
 namespace kirvo {
 
-bool DecodeInput::append(const uint8_t* more, size_t count) {
+// Moves the unconsumed bytes to where count more fit behind them; false when there is no memory. A
+// move costs as much as there is room afterwards, so many small pieces cost no more than one.
+bool DecodeInput::make_room(size_t count) {
+    constexpr size_t least_spare = 2048, most_spare = size_t{16} << 20;
     const size_t kept = remaining();
-    OwnedBlock joined;
-    if (uint64_t{kept} + count != 0) {
-        joined = OwnedBlock(allocate_block(uint64_t{kept} + count, Content::any));
-        if (!joined)
-            return false;
-        const LockedBlock to(joined.get());
-        if (kept != 0)
-            std::memcpy(to.data(), LockedBlock(block).data() + position, kept);
-        if (count != 0)
-            std::memcpy(to.data() + kept, more, count);
+    const uint64_t needed = uint64_t{kept} + count + tail_bytes;
+    if (needed + kept <= capacity) {
+        std::memmove(start, bytes + position, kept);
+        set(start, kept);
+        return true;
     }
-    replace(std::move(joined), kept + count);
+    const uint64_t spare = kept != 0 ? std::clamp(kept, least_spare, most_spare) : 0;
+    OwnedBlock larger(allocate_block(needed + spare, Content::any));
+    if (!larger)
+        return false;
+    if (kept != 0)
+        std::memcpy(LockedBlock(larger.get()).data(), bytes + position, kept);
+    replace(std::move(larger), kept);
+    return true;
+}
+
+void DecodeInput::set(uint8_t* from, size_t count) {
+    static constexpr uint8_t nothing[tail_bytes] = {tail, tail, tail, tail, tail, tail, tail, tail};
+    bytes = from != nullptr ? from : nothing;
+    size = count;
+    position = 0;
+    if (from != nullptr)
+        std::memset(from + count, tail, tail_bytes);
+}
+
+bool DecodeInput::append(const uint8_t* more, size_t count) {
+    const auto used = block != nullptr ? static_cast<size_t>(bytes - start) + size : 0;
+    if (used + uint64_t{count} + tail_bytes > capacity && !make_room(count))
+        return false;
+    uint8_t* const from = start + (bytes - start) + position;
+    const size_t kept = remaining();
+    if (count == 1) // not worth a call
+        from[kept] = *more;
+    else
+        std::memcpy(from + kept, more, count);
+    set(from, kept + count);
     return true;
 }
 
 void DecodeInput::replace(OwnedBlock own, size_t count) {
-    OwnedBlock old(block);
+    const OwnedBlock old(block);
+    if (block != nullptr)
+        GlobalUnlock(block);
     block = own.release();
-    bytes = nullptr;
-    size = count;
-    position = 0;
+    start = block != nullptr ? static_cast<uint8_t*>(GlobalLock(block)) : nullptr;
+    capacity = block != nullptr ? GlobalSize(block) : 0;
+    set(start, count);
 }
 
 Status read_file(const char* name, OwnedBlock& block, uint32_t& size) {
@@ -35,7 +65,7 @@ Status read_file(const char* name, OwnedBlock& block, uint32_t& size) {
     if (!file.open(name))
         return Status::cannot_open;
     const uint64_t file_bytes = file.size();
-    block = OwnedBlock(allocate_block(file_bytes));
+    block = OwnedBlock(allocate_block(file_bytes + DecodeInput::tail_bytes));
     if (!block)
         return Status::no_memory;
     size = static_cast<uint32_t>(file_bytes); // a block is smaller than 2 GB

@@ -7,33 +7,37 @@
 namespace kirvo {
 
 struct DecodeInput {
-    HGLOBAL block;
-    const uint8_t* bytes; // while locked
+    // Stands behind the bytes, so that reading a word ahead stays inside the block and finds the
+    // end of the entropy-coded data there.
+    static constexpr size_t tail_bytes = 8;
+    static constexpr uint8_t tail = 0xFF;
+
+    HGLOBAL block; // locked
+    uint8_t* start;
+    size_t capacity;
+    const uint8_t* bytes; // in the block, where positions count from
     size_t size;
-    size_t position; // bytes consumed of this block
+    size_t position; // bytes consumed
 
     size_t remaining() const { return size - position; }
     bool empty() const { return position == size; }
     uint8_t take() { return bytes[position++]; }
 
     // Goes on with the unconsumed bytes and then count more; the position starts again at 0. False
-    // when there is no memory, which changes nothing.
+    // when there is no memory, which changes nothing. Takes time for the new bytes only, on
+    // average.
     bool append(const uint8_t* more, size_t count);
-    // Goes on with the count bytes of a block, which becomes the input's own.
+    // Goes on with the first count bytes of a block, which becomes the input's own and has room for
+    // the tail.
     void replace(OwnedBlock own, size_t count);
     void discard() { replace({}, 0); }
-};
-
-// Makes the bytes readable for as long as the object lives.
-class LockedInput {
-  public:
-    explicit LockedInput(DecodeInput& input) : lock_(input.block) { input.bytes = lock_.data(); }
 
   private:
-    LockedBlock lock_;
+    bool make_room(size_t count);
+    void set(uint8_t* from, size_t count);
 };
 
-// A whole file in a block of its size: -4, -2 or -5 when that fails.
+// A whole file in a block with room for the tail: -4, -2 or -5 when that fails.
 Status read_file(const char* name, OwnedBlock& block, uint32_t& size);
 
 } // namespace kirvo

@@ -15,6 +15,8 @@ namespace {
 struct Plane {
     int32_t width, height;            // in blocks
     int32_t first_slot, across, down; // its blocks in an MCU
+
+    int32_t blocks() const { return width * height; }
 };
 
 class ProgressiveDecoder {
@@ -28,6 +30,9 @@ class ProgressiveDecoder {
 
   private:
     Step begin_next_scan();
+    void pass_over_idle_mcus();
+    int64_t idle_blocks() const;
+    int64_t blocks_of_mcu() const;
     Status read_mcu();
     Status read_component(const Scan::Component& component);
     Status read_blocks(const FastReader::Tables& tables, int32_t first_slot, int32_t count);
@@ -65,6 +70,7 @@ Step ProgressiveDecoder::decode() {
                 return step;
         }
         if (picture_.next_mcu < picture_.mcus) {
+            pass_over_idle_mcus();
             const Status status = read_mcu();
             if (status != Status::ok)
                 return Step::failure(status);
@@ -78,6 +84,8 @@ Step ProgressiveDecoder::decode() {
             picture_.coverage += scan_.spectral_end - scan_.spectral_start + 1;
         const int64_t percent = std::min<int64_t>(picture_.coverage * 100 / 64, 100);
         state_.progress.update(static_cast<int32_t>(percent));
+        if (state_.abandoned)
+            return Step::failure(Status::abandoned);
     }
 }
 
@@ -97,6 +105,52 @@ Step ProgressiveDecoder::begin_next_scan() {
         return Step::finished();
     }
     return state_.is_final() ? Step::failure(Status::jpeg_header) : step;
+}
+
+// MCUs for which no bit is read cost nothing: an end of band may stand for many, and a scan without
+// a component or without a band for all of them. The first and the last are read like any other.
+void ProgressiveDecoder::pass_over_idle_mcus() {
+    const int64_t idle = idle_blocks();
+    const int64_t left = picture_.mcus - 1 - picture_.next_mcu;
+    if (idle == 0 || left <= 0 || picture_.next_mcu == 0 || state_.stop)
+        return;
+    const int64_t blocks = blocks_of_mcu();
+    const int64_t mcus = blocks == 0 ? left : std::min(left, idle / blocks);
+    int64_t passed = mcus * blocks;
+    if (scan_.count == 1 && is_plane_scan(scan_.components[0].id)) {
+        const int32_t all = plane_of(scan_.components[0].id).blocks();
+        passed = std::min<int64_t>(passed, all - picture_.next_plane_block);
+        picture_.next_plane_block += static_cast<int32_t>(passed);
+    }
+    if (state_.entropy.eob_run > 0)
+        state_.entropy.eob_run -= static_cast<int32_t>(passed);
+    picture_.next_mcu += static_cast<int32_t>(mcus);
+}
+
+// Blocks of the scan, from the next one on, for which no bit is read.
+int64_t ProgressiveDecoder::idle_blocks() const {
+    constexpr int64_t all = INT64_MAX;
+    const auto end = scan_.components + scan_.count;
+    const bool grey = picture_.frame.components == 1;
+    if (std::all_of(scan_.components, end, [=](const auto& c) { return !grey && c.id == 0; }))
+        return all;
+    if (scan_.spectral_start == 0)
+        return 0;
+    if (state_.entropy.eob_run > 0)
+        return state_.entropy.eob_run;
+    return scan_.spectral_start > scan_.spectral_end ? all : 0;
+}
+
+int64_t ProgressiveDecoder::blocks_of_mcu() const {
+    if (picture_.frame.components == 1)
+        return 1;
+    int64_t blocks = 0;
+    for (int32_t i = 0; i < scan_.count; ++i) {
+        const uint8_t id = scan_.components[i].id;
+        if (id != 0)
+            blocks += id == 1 ? layout_.luma_blocks : layout_.chroma_blocks;
+    }
+    return blocks;
 }
 
 Status ProgressiveDecoder::read_mcu() {
@@ -177,8 +231,7 @@ Plane ProgressiveDecoder::plane_of(uint8_t id) const {
 // As many blocks of the plane as an MCU has of them.
 Status ProgressiveDecoder::read_from_plane(const FastReader::Tables& tables, const Plane& plane) {
     int32_t& next = picture_.next_plane_block;
-    for (int32_t i = 0; i < plane.across * plane.down && next < plane.width * plane.height;
-         ++i, ++next) {
+    for (int32_t i = 0; i < plane.across * plane.down && next < plane.blocks(); ++i, ++next) {
         const int32_t x = next % plane.width, y = next / plane.width;
         const int32_t mcu = y / plane.down * picture_.mcus_across + x / plane.across;
         const int32_t slot = plane.first_slot + y % plane.down * plane.across + x % plane.across;

@@ -6,6 +6,11 @@ namespace kirvo {
 
 namespace {
 
+// Rows of a group. Not made anew for each piece of a stream.
+using Plane = int16_t[16 * group_width];
+alignas(64) constinit Plane samples[3] = {};
+alignas(64) constinit Plane terms[3] = {};
+
 // Where the next group's pixels of a row will be written, while its bits are being read.
 void prefetch(const uint8_t* bgr) {
     constexpr ptrdiff_t line = 64, bytes = 3 * group_width;
@@ -20,13 +25,13 @@ Renderer::Renderer(const Frame& frame, Rows rows)
       mcus_across_((frame.width + layout_.mcu_width - 1) / layout_.mcu_width),
       chroma_height_(
           layout_.chroma_blocks == 0 ? 0 : 8 * layout_.chroma_blocks / layout_.chroma_across()),
-      rows_(rows), kernels_(decode_rows()), samples_{} {
+      rows_(rows), kernels_(decode_rows()) {
     for (int32_t i = 0; i < layout_.blocks(); ++i) {
         const int32_t component = component_of(layout_, i);
         const int32_t place =
             component == 0 ? i : (i - layout_.luma_blocks) % layout_.chroma_blocks;
         const int32_t across = component == 0 ? layout_.luma_across() : layout_.chroma_across();
-        slots_[i] = {&samples_[component][(place / across * group_width + place % across) * 8],
+        slots_[i] = {&samples[component][(place / across * group_width + place % across) * 8],
                      8 * across};
     }
 }
@@ -42,20 +47,19 @@ void Renderer::transform(const Block* blocks, const uint8_t* last, int32_t count
 
 ChromaTerms Renderer::terms_of(int32_t row) {
     const int32_t at = row * group_width;
-    return {&terms_[0][at], &terms_[1][at], &terms_[2][at]};
+    return {&terms[0][at], &terms[1][at], &terms[2][at]};
 }
 
-void Renderer::find_terms() {
-    const size_t width = static_cast<size_t>(group_width / layout_.luma_across()) *
-                         static_cast<size_t>(layout_.chroma_across());
+void Renderer::find_terms(int32_t count) {
+    const auto width = static_cast<size_t>(8 * count * layout_.chroma_across());
     for (int32_t row = 0; row < chroma_height_; ++row)
-        kernels_.chroma_terms(&samples_[1][row * group_width], &samples_[2][row * group_width],
+        kernels_.chroma_terms(&samples[1][row * group_width], &samples[2][row * group_width],
                               terms_of(row), width);
 }
 
 void Renderer::render(int32_t mcu, int32_t count, const Block* blocks, const uint8_t* last) {
     transform(blocks, last, count);
-    find_terms();
+    find_terms(count);
     const int32_t x = mcu % mcus_across_ * layout_.mcu_width;
     const int32_t y = mcu / mcus_across_ * layout_.mcu_height;
     const int32_t rows = std::min(layout_.mcu_height, height_ - y);
@@ -68,14 +72,14 @@ void Renderer::render(int32_t mcu, int32_t count, const Block* blocks, const uin
 }
 
 void Renderer::write_row(int32_t row, uint8_t* bgr, size_t pixels) {
-    const int16_t* luma = &samples_[0][row * group_width];
-    const ChromaTerms terms = terms_of(chroma_height_ == layout_.mcu_height ? row : row / 2);
+    const int16_t* luma = &samples[0][row * group_width];
+    const ChromaTerms chroma = terms_of(chroma_height_ == layout_.mcu_height ? row : row / 2);
     if (chroma_height_ == 0)
         kernels_.grey(luma, bgr, pixels);
     else if (layout_.luma_across() == layout_.chroma_across())
-        kernels_.colour(luma, terms, bgr, pixels);
+        kernels_.colour(luma, chroma, bgr, pixels);
     else
-        kernels_.colour_wide(luma, terms, bgr, pixels);
+        kernels_.colour_wide(luma, chroma, bgr, pixels);
 }
 
 } // namespace kirvo

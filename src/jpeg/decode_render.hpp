@@ -24,7 +24,7 @@ class Renderer {
 
   private:
     void transform(const Block* blocks, const uint8_t* last, int32_t count);
-    void find_terms();
+    void find_terms(int32_t count);
     void write_row(int32_t row, uint8_t* bgr, size_t pixels);
     ChromaTerms terms_of(int32_t row);
 
@@ -37,8 +37,6 @@ class Renderer {
         int16_t* samples; // of the group's first MCU
         int32_t step;     // to the next MCU
     } slots_[most_blocks];
-    alignas(64) int16_t samples_[3][16 * group_width]; // rows of group_width
-    alignas(64) int16_t terms_[3][16 * group_width];
 };
 
 } // namespace kirvo

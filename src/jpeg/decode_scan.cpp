@@ -24,7 +24,7 @@ void measure(Picture& picture, const Frame& frame) {
     picture.mcus_across = (frame.width + layout.mcu_width - 1) / layout.mcu_width;
     picture.mcus =
         picture.mcus_across * ((frame.height + layout.mcu_height - 1) / layout.mcu_height);
-    picture.next_mcu = 0;
+    picture.next_mcu = picture.rendered_mcus = 0;
     picture.coverage = 0;
 }
 
@@ -35,10 +35,13 @@ void widen_quantisation(QuantisationTables& tables) {
     tables.available = true;
 }
 
-// A 0xFF says nothing without the byte after it.
-bool first_byte_is_here(const DecodeInput& input) {
-    const uint8_t* end = input.bytes + input.size;
-    return std::any_of(input.bytes + input.position, end, [](uint8_t b) { return b != 0xFF; });
+// A 0xFF says nothing without the byte after it. What has been looked at is not looked at again.
+bool first_byte_is_here(DecodeState& state) {
+    const DecodeInput& input = state.input;
+    size_t& fill = state.leading_fill;
+    while (fill < input.remaining() && input.bytes[input.position + fill] == 0xFF)
+        ++fill;
+    return fill < input.remaining();
 }
 
 Step failed(DecodeState& state, Status status) {
@@ -51,7 +54,7 @@ Step failed(DecodeState& state, Status status) {
 Step start_decoding(DecodeState& state) {
     Picture& picture = state.picture;
     picture.discard();
-    if (state.final == 0 && !first_byte_is_here(state.input))
+    if (state.final == 0 && !first_byte_is_here(state))
         return Step::starved();
     if (state.frame.width == 0 || state.frame.height == 0)
         return Step::failure(Status::jpeg_header);
@@ -65,7 +68,7 @@ Step start_decoding(DecodeState& state) {
         return failed(state, status);
     state.header = HeaderState::decoding;
     state.progress.start();
-    return Step::finished();
+    return state.abandoned ? failed(state, Status::abandoned) : Step::finished();
 }
 
 Step decode_scans(DecodeState& state) {
@@ -78,8 +81,10 @@ Step decode_scans(DecodeState& state) {
 }
 
 Step finish_picture(DecodeState& state) {
-    state.picture.done = true;
     state.progress.finish();
+    if (state.abandoned)
+        return Step::failure(Status::abandoned);
+    state.picture.done = true;
     return Step::finished();
 }
 

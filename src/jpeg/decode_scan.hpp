@@ -18,9 +18,10 @@ Step decode_baseline(DecodeState& state, Renderer& renderer);
 Step decode_progressive(DecodeState& state, Renderer& renderer);
 
 // Nothing waits inside an MCU, so decoding goes on only while plenty of input is there, or all.
+constexpr size_t input_reserve = 512;
+
 inline bool may_go_on(const DecodeState& state) {
-    constexpr size_t reserve = 512;
-    return state.final != 0 || state.input.remaining() >= reserve;
+    return state.final != 0 || state.input.remaining() >= input_reserve;
 }
 
 // The image is complete.

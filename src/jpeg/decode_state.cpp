@@ -50,6 +50,7 @@ void Picture::discard_coefficients() {
 void DecodeState::reset() {
     header = HeaderState::seeking_start;
     start_prefix = marker_prefix = false;
+    leading_fill = 0;
     frame = {0, 0, frame.components, FrameMode::none, initial_layout};
     restart_interval = 0;
     entropy.predictor[0] = entropy.predictor[1] = entropy.predictor[2] = 0;

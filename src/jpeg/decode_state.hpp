@@ -96,6 +96,7 @@ struct Picture {
     Frame frame;
     int32_t mcus_across, mcus;
     int32_t next_mcu;         // of the image, or of the scan
+    int32_t rendered_mcus;    // baseline: the rest up to next_mcu waits to be
     int32_t next_plane_block; // progressive: in a scan of one component
     int64_t coverage;         // progressive: luma positions that finished scans have covered
     bool done;                // the image is complete and the caller's
@@ -111,6 +112,7 @@ struct DecodeState {
     HeaderState header;
     bool start_prefix;  // the byte before was 0xFF: while seeking the start of image,
     bool marker_prefix; // and while reading segments
+    size_t leading_fill; // bytes of 0xFF, known to begin the first scan
     Frame frame;
     Scan scan;
     uint8_t quantisation_of[4]; // by component id
@@ -129,6 +131,8 @@ struct DecodeState {
     Picture picture;
     Progress progress;
     bool under_way; // between First and the end of a decode
+    bool running;   // a call is decoding, so that what is called now comes from a progress handler
+    bool abandoned; // ... which has ended the decode
     int32_t final;  // the caller's word that no input follows
 
     // Before a stream is read. The tables stay as they are.

@@ -60,8 +60,8 @@ Status write_stream(const char* path, const OwnedBlock& stream) {
     if (!file.create(path))
         return Status::cannot_open;
     const LockedBlock bytes(stream.get());
-    return bytes && file.write(bytes.data(), encode_settings.output_bytes) ? Status::ok
-                                                                           : Status::write_error;
+    const bool written = bytes && file.write(bytes.data(), encode_settings.output_bytes);
+    return written && file.close() ? Status::ok : Status::write_error;
 }
 
 int32_t encode_to_file(const char* path, const EncodeRequest& request) {

@@ -1,5 +1,7 @@
 #include "jpeg/encode_entropy.hpp"
 
+#include <bit>
+
 namespace kirvo {
 
 namespace {
@@ -41,11 +43,12 @@ struct AcValues {
     const BlockGroup& group;
     size_t block;
     const EntropyCodes& codes;
-    uint64_t left;
+    size_t left = 0;  // a bit each for values of a word's worth of places,
+    size_t start = 0; // from this one on
     size_t last = 0;
 
     [[gnu::always_inline]] bool put_next(BitWriter& writer) {
-        const auto position = static_cast<size_t>(__builtin_ctzll(left));
+        const size_t position = start + static_cast<size_t>(std::countr_zero(left));
         left &= left - 1;
         size_t distance = position - last; // one more than the run of zeros
         last = position;
@@ -74,13 +77,17 @@ struct AcValues {
         return false;
     predictor = dc;
     writer.flush();
-    AcValues values = {group, block, codes, group.nonzero[block] & ~uint64_t{1}};
-    while (values.left != 0) {
-        if (!values.put_next(writer))
-            return false;
-        if (room_for_two && values.left != 0 && !values.put_next(writer))
-            return false;
-        writer.flush();
+    const uint64_t nonzero = group.nonzero[block] & ~uint64_t{1};
+    AcValues values = {group, block, codes};
+    for (; values.start < 64; values.start += BitWriter::word_bits) {
+        values.left = static_cast<size_t>(nonzero >> values.start);
+        while (values.left != 0) {
+            if (!values.put_next(writer))
+                return false;
+            if (room_for_two && values.left != 0 && !values.put_next(writer))
+                return false;
+            writer.flush();
+        }
     }
     if (values.last != 63) {
         writer.put(codes.ac[end_of_block]);

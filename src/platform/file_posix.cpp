@@ -14,13 +14,22 @@ int descriptor(intptr_t value) {
     return static_cast<int>(value);
 }
 
+// A pipe to which nobody writes is a file of no bytes, one from which nobody reads cannot be opened:
+// nothing waits for somebody to come.
+int open_at_once(const char* name, int flags) {
+    const int file = ::open(name, flags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
+    if (file != -1)
+        fcntl(file, F_SETFL, flags & O_ACCMODE);
+    return file;
+}
+
 } // namespace
 
 bool InputFile::open(const char* name, Share) {
     close();
     if (name == nullptr)
         return false;
-    handle_ = ::open(name, O_RDONLY | O_CLOEXEC);
+    handle_ = open_at_once(name, O_RDONLY);
     struct stat info;
     if (handle_ != -1 && (fstat(descriptor(handle_), &info) != 0 || S_ISDIR(info.st_mode)))
         close();
@@ -63,7 +72,7 @@ void InputFile::close() {
 bool OutputFile::create(const char* name) {
     close();
     if (name != nullptr)
-        handle_ = ::open(name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+        handle_ = open_at_once(name, O_WRONLY | O_CREAT | O_TRUNC);
     return handle_ != -1;
 }
 
@@ -81,10 +90,11 @@ bool OutputFile::write(const void* bytes, uint32_t count) {
     return true;
 }
 
-void OutputFile::close() {
-    if (handle_ != -1)
-        ::close(descriptor(handle_));
+// An error of writing may show late, on disks in a network and at quotas.
+bool OutputFile::close() {
+    const bool closed = handle_ == -1 || ::close(descriptor(handle_)) == 0 || errno == EINTR;
     handle_ = -1;
+    return closed;
 }
 
 bool file_title(const char* path, char* title, uint16_t room) {

@@ -71,10 +71,10 @@ bool OutputFile::write(const void* bytes, uint32_t count) {
                                  static_cast<long>(count)) == static_cast<long>(count);
 }
 
-void OutputFile::close() {
-    if (handle_ != -1)
-        _lclose(static_cast<HFILE>(handle_));
+bool OutputFile::close() {
+    const bool closed = handle_ == -1 || _lclose(static_cast<HFILE>(handle_)) != HFILE_ERROR;
     handle_ = -1;
+    return closed;
 }
 
 bool file_title(const char* path, char* title, uint16_t room) {
@@ -83,6 +83,13 @@ bool file_title(const char* path, char* title, uint16_t room) {
 
 HGLOBAL allocate_unfilled(SIZE_T bytes) {
     return GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, bytes);
+}
+
+void* lock_block(HGLOBAL block, size_t& size) {
+    void* const address = GlobalLock(block);
+    if (address != nullptr)
+        size = GlobalSize(block);
+    return address;
 }
 
 void compact_memory(uint64_t bytes) {

@@ -6,22 +6,27 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <sys/single_threaded.h>
 
 namespace kirvo {
 
-// Holds a lock for a few instructions.
+// Holds a lock for a few instructions; a program of one thread needs none.
 class SpinGuard {
   public:
-    explicit SpinGuard(std::atomic_flag& flag) : flag_(flag) {
-        while (flag_.test_and_set(std::memory_order_acquire)) {
+    explicit SpinGuard(std::atomic_flag& flag) : flag_(flag), alone_(__libc_single_threaded != 0) {
+        while (!alone_ && flag_.test_and_set(std::memory_order_acquire)) {
         }
     }
-    ~SpinGuard() { flag_.clear(std::memory_order_release); }
+    ~SpinGuard() {
+        if (!alone_)
+            flag_.clear(std::memory_order_release);
+    }
     SpinGuard(const SpinGuard&) = delete;
     SpinGuard& operator=(const SpinGuard&) = delete;
 
   private:
     std::atomic_flag& flag_;
+    const bool alone_;
 };
 
 template <typename Object>
@@ -37,8 +42,7 @@ class HandleTable {
         if (free_ != none)
             free_ = slot->next_free;
         slot->object = object;
-        slot->live = true;
-        return handle_of(index, slot->generation);
+        return slot->handle = handle_of(index, slot->generation);
     }
 
     // Calls use(object) for a live handle; false for any other.
@@ -59,11 +63,21 @@ class HandleTable {
         if (slot == nullptr)
             return false;
         object = slot->object;
-        slot->live = false;
+        slot->handle = nullptr;
         slot->generation = (slot->generation + 1) & 0x7FFFFFFF;
         slot->next_free = free_;
         free_ = index_of(handle);
         return true;
+    }
+
+    // Calls see(object) for every live handle.
+    template <typename See>
+    void each(See see) {
+        const SpinGuard guard(lock_);
+        for (uint32_t index = 0; index < used_; ++index) {
+            if (at(index)->handle != nullptr)
+                see(at(index)->object);
+        }
     }
 
   private:
@@ -73,9 +87,9 @@ class HandleTable {
 
     struct Slot {
         Object object;
+        void* handle; // null when free
         uint32_t generation;
         uint32_t next_free;
-        bool live;
     };
 
     // Odd values, so that no handle looks like the address of anything aligned.
@@ -88,11 +102,13 @@ class HandleTable {
     }
     Slot* at(uint32_t index) { return &chunks_[index / chunk_slots][index % chunk_slots]; }
     Slot* find(const void* handle) {
+        if (handle == nullptr)
+            return nullptr;
         const uint32_t index = index_of(handle);
         if (index >= used_)
             return nullptr;
         Slot* slot = at(index);
-        return slot->live && handle_of(index, slot->generation) == handle ? slot : nullptr;
+        return slot->handle == handle ? slot : nullptr;
     }
     Slot* grow() {
         const uint32_t chunk = used_ / chunk_slots;

@@ -29,6 +29,12 @@ struct Block {
 
 kirvo::HandleTable<Block> blocks;
 
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer) // clang's way of saying so
+#define __SANITIZE_ADDRESS__ 1
+#endif
+#endif
+
 // Sanitizers see overruns of heap blocks only, and take long to prepare huge ones.
 #if defined(__SANITIZE_ADDRESS__)
 constexpr size_t mapped_from = size_t{8} << 20;
@@ -140,15 +146,39 @@ HGLOBAL WINAPI GlobalAlloc(UINT flags, SIZE_T bytes) {
     return add_block(acquire_zeroed(bytes), bytes);
 }
 
-HGLOBAL kirvo::allocate_unfilled(SIZE_T bytes) { return add_block(acquire(bytes), bytes); }
+kirvo::BlockCount kirvo::count_blocks() {
+    BlockCount count = {};
+    blocks.each([&](const Block& block) {
+        ++count.blocks;
+        count.locks += block.locks;
+    });
+    return count;
+}
 
-LPVOID WINAPI GlobalLock(HGLOBAL block) {
+HGLOBAL kirvo::allocate_unfilled(SIZE_T bytes) {
+    const Memory memory = acquire(bytes);
+#if defined(__SANITIZE_ADDRESS__)
+    // Something else each time, so that nothing can depend on it unseen.
+    static uint8_t filling = 0x5A;
+    if (memory.address != nullptr)
+        std::memset(memory.address, filling += 0x3B, bytes);
+#endif
+    return add_block(memory, bytes);
+}
+
+void* kirvo::lock_block(HGLOBAL block, size_t& size) {
     void* address = nullptr;
     blocks.with(block, [&](Block& b) {
         ++b.locks;
         address = b.memory.address;
+        size = b.size;
     });
     return address;
+}
+
+LPVOID WINAPI GlobalLock(HGLOBAL block) {
+    size_t size;
+    return kirvo::lock_block(block, size);
 }
 
 BOOL WINAPI GlobalUnlock(HGLOBAL block) {

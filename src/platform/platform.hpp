@@ -25,12 +25,25 @@ BOOL GetClientRect(HWND window, RECT* rect);
 BOOL SetWindowPos(HWND window, HWND after, int x, int y, int width, int height, UINT flags);
 int GetSystemMetrics(int index);
 
+namespace kirvo {
+
+// For tests: the movable blocks that there are, and the locks on them.
+struct BlockCount {
+    uint32_t blocks, locks;
+};
+BlockCount count_blocks();
+
+} // namespace kirvo
+
 #endif
 
 namespace kirvo {
 
 // A movable block whose bytes may be anything, where the system has such a thing; else zero.
 HGLOBAL allocate_unfilled(SIZE_T bytes);
+
+// GlobalLock, and GlobalSize when that succeeds.
+void* lock_block(HGLOBAL block, size_t& size);
 
 // Asks the system to make room for a large block, where it knows such a thing.
 void compact_memory(uint64_t bytes);
@@ -75,7 +88,8 @@ class OutputFile {
     bool create(const char* name);
     // True when all count bytes went.
     bool write(const void* bytes, uint32_t count);
-    void close();
+    // False when what was written has not arrived after all.
+    bool close();
 
   private:
     intptr_t handle_ = -1;

@@ -141,7 +141,8 @@ constexpr size_t cells(size_t width) { return 3 * (width + 2); }
 
 ErrorDiffusion::ErrorDiffusion(size_t width)
     : width_(width), scratch_(2 * sizeof(int16_t) * 3 * (uint64_t{width} + 2)),
-      values_(scratch_.as<int16_t>() + 3), errors_(values_ + cells(width)) {}
+      values_(scratch_.part<int16_t>(3 * sizeof(int16_t))),
+      errors_(scratch_.part<int16_t>((3 + cells(width)) * sizeof(int16_t))) {}
 
 void ErrorDiffusion::to_256(const uint8_t* bgr, uint8_t* indices) {
     quantise_row<CubeQuantiser>(bgr, indices);
