@@ -7,6 +7,11 @@ if(NOT EXISTS ${KIRVO_GTEST_SOURCE}/CMakeLists.txt)
     message(WARNING "The tests are not built: they need Debian's googletest package")
     return()
 endif()
+find_package(Python3 COMPONENTS Interpreter)
+if(NOT Python3_FOUND)
+    message(WARNING "The tests are not built: they need Debian's python3 package")
+    return()
+endif()
 set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 set(gtest_disable_pthreads ${WIN32} CACHE BOOL "" FORCE)
@@ -18,6 +23,8 @@ endif()
 set(KIRVO_TEST_FLAGS -O1 -Wall -Wextra)
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/reports)
 
+include(${CMAKE_CURRENT_LIST_DIR}/export_list.cmake)
+
 # The helpers of the tests, once for each side of the library's interface.
 file(GLOB support_sources CONFIGURE_DEPENDS tests/support/*.cpp)
 foreach(side IN ITEMS public internal)
@@ -25,13 +32,16 @@ foreach(side IN ITEMS public internal)
     target_include_directories(kirvo_${side}_test_support PUBLIC tests)
     target_compile_options(kirvo_${side}_test_support PRIVATE ${KIRVO_TEST_FLAGS})
     target_precompile_headers(kirvo_${side}_test_support PRIVATE <gtest/gtest.h> <kirvo.h>)
-    target_link_libraries(kirvo_${side}_test_support PUBLIC gtest)
+    target_link_libraries(kirvo_${side}_test_support PUBLIC gtest kirvo_export_list)
 endforeach()
 target_link_libraries(kirvo_public_test_support PUBLIC kirvo)
 target_link_libraries(kirvo_internal_test_support PUBLIC kirvo_objects)
 
 # Each folder with a *_test.cpp in it is one program and one CTest test.
 file(GLOB_RECURSE test_sources CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} tests/*_test.cpp)
+if(NOT TARGET kirvo_tool)
+    list(FILTER test_sources EXCLUDE REGEX "^tests/tool/")
+endif()
 foreach(source IN LISTS test_sources)
     cmake_path(GET source PARENT_PATH folder)
     string(REGEX REPLACE "^tests/" "" name ${folder})
@@ -53,9 +63,22 @@ foreach(source IN LISTS test_sources)
     endif()
     target_sources(${program} PRIVATE ${source})
 endforeach()
-if(TARGET kirvo_tool_tests)
+if(TARGET kirvo_tool)
     add_dependencies(kirvo_tool_tests kirvo_tool) # which they run
 endif()
+
+# Many operations in one process.
+add_executable(kirvo_soak tests/soak/soak.cpp)
+target_compile_options(kirvo_soak PRIVATE ${KIRVO_TEST_FLAGS})
+target_precompile_headers(kirvo_soak REUSE_FROM kirvo_public_test_support)
+target_link_libraries(kirvo_soak PRIVATE kirvo_public_test_support)
+set(soak_count 20000)
+if(KIRVO_SANITIZE OR CMAKE_SIZEOF_VOID_P EQUAL 8 AND WIN32)
+    set(soak_count 4000)
+endif()
+add_test(NAME kirvo_soak COMMAND kirvo_soak ${soak_count} WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
+set_tests_properties(kirvo_soak PROPERTIES
+    TIMEOUT 900 ENVIRONMENT "ASAN_OPTIONS=allocator_may_return_null=1")
 
 # Stand-ins for the external Photo CD library, one with a single function. Each lies in a folder of
 # its own, away from the programs, so that a test decides which one is there, if any.
@@ -75,10 +98,10 @@ endforeach()
 target_compile_definitions(kirvo_photo_cd_incomplete PRIVATE PHOTO_CD_INCOMPLETE)
 
 # What was built, held against what was declared.
-find_package(Python3 REQUIRED COMPONENTS Interpreter)
 file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/interface.json CONTENT "{
     \"source\": \"${PROJECT_SOURCE_DIR}\",
     \"system\": \"${CMAKE_SYSTEM_NAME}\",
+    \"pointer_bytes\": \"${CMAKE_SIZEOF_VOID_P}\",
     \"library\": \"$<TARGET_FILE:kirvo>\",
     \"c_compiler\": \"${CMAKE_C_COMPILER}\",
     \"cpp_compiler\": \"${CMAKE_CXX_COMPILER}\",
@@ -87,12 +110,15 @@ file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/interface.json CONTENT "{
     \"objects\": [\"$<JOIN:$<TARGET_OBJECTS:kirvo_objects>,\", \">\"]
 }
 ")
-set(checks header_c99 header_cpp17 exports imports)
+set(checks header_c99 header_cpp17 exports names types imports)
 if(NOT KIRVO_SANITIZE)
     list(APPEND checks baseline)
 endif()
 if(WIN32)
     list(APPEND checks size version)
+    if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+        list(APPEND checks stdcall)
+    endif()
 endif()
 foreach(check IN LISTS checks)
     add_test(NAME kirvo_check_${check}
@@ -100,9 +126,69 @@ foreach(check IN LISTS checks)
                      ${PROJECT_BINARY_DIR}/interface.json)
 endforeach()
 
+# The declarations for other languages, where there are compilers.
+set(checks current python csharp pascal basic)
+if(WIN32)
+    set(checks pascal)
+elseif(KIRVO_SANITIZE)
+    set(checks)
+endif()
+foreach(check IN LISTS checks)
+    add_test(NAME kirvo_bindings_${check}
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/bindings/check.py
+                     ${check} ${PROJECT_BINARY_DIR}/interface.json)
+    set_tests_properties(kirvo_bindings_${check} PROPERTIES SKIP_RETURN_CODE 77)
+endforeach()
+
 # What other programs have encoded, against what they decode.
 if(NOT WIN32 AND NOT KIRVO_SANITIZE)
     add_test(NAME kirvo_jpeg_real_files
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/jpeg/real_files.py
                      $<TARGET_FILE:kirvo> $<TARGET_FILE:kirvo_sample>)
+endif()
+
+# The command line in a terminal.
+set(terminal ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/terminal.py)
+if(TARGET kirvo_tool AND WIN32)
+    add_test(NAME kirvo_tool_interruption
+             COMMAND ${terminal} WindowsInterruption ${CMAKE_CROSSCOMPILING_EMULATOR}
+                     $<TARGET_FILE:kirvo_tool>)
+elseif(TARGET kirvo_tool AND NOT KIRVO_SANITIZE)
+    foreach(group IN ITEMS Interruption ProgressBar Colours Completions ManualPage)
+        string(TOLOWER ${group} name)
+        add_test(NAME kirvo_tool_${name} COMMAND ${terminal} ${group} $<TARGET_FILE:kirvo_tool>)
+    endforeach()
+    add_test(NAME kirvo_readme
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/readme.py
+                     $<TARGET_FILE:kirvo_tool> $<TARGET_FILE:kirvo_sample>)
+endif()
+
+# The guide's examples: each is a program that tests itself.
+file(GLOB guide_examples CONFIGURE_DEPENDS docs/snippets/*.c docs/snippets/*.cpp)
+if(WIN32)
+    list(FILTER guide_examples EXCLUDE REGEX "_posix\\.c")
+else()
+    list(FILTER guide_examples EXCLUDE REGEX "_win32\\.c")
+endif()
+foreach(example IN LISTS guide_examples)
+    cmake_path(GET example FILENAME name)
+    string(REPLACE "." "_" name ${name})
+    add_executable(kirvo_guide_${name} ${example})
+    target_compile_options(kirvo_guide_${name} PRIVATE ${KIRVO_TEST_FLAGS})
+    target_link_libraries(kirvo_guide_${name} PRIVATE kirvo)
+    add_test(NAME kirvo_guide_${name} COMMAND kirvo_guide_${name}
+             WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
+endforeach()
+
+# The examples, on real pictures.
+if(KIRVO_EXAMPLES)
+    set(examples convert pieces thumbnails vignette)
+    if(WIN32)
+        list(APPEND examples window)
+    endif()
+    foreach(example IN LISTS examples)
+        add_test(NAME kirvo_example_${example}
+                 COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/examples/check.py
+                         ${example} ${PROJECT_BINARY_DIR}/examples ${CMAKE_CROSSCOMPILING_EMULATOR})
+    endforeach()
 endif()

@@ -370,4 +370,11 @@ TEST(ZoomBox, HoldsSumsOfLargeBoxes) {
     EXPECT_EQ(Dib(zoom2(white, {0, 0, 4000, 4300}, 1, 20, 1)).pixel(0, 7), 0xFFFFFFu);
 }
 
+// 33000 x 257 x 255 is a little more than 2^31.
+TEST(ZoomBox, HoldsSumsOfWideBoxesOfFewRows) {
+    Dib white = make_dib({33000, 257, 24});
+    white.write(40, std::vector<uint8_t>(size_t{33000} * 3 * 257, 0xFF));
+    EXPECT_EQ(Dib(zoom2(white, {0, 0, 33000, 257}, 1, 1, 1)).pixel(0, 0), 0xFFFFFFu);
+}
+
 } // namespace

@@ -1,8 +1,10 @@
 // What a caller may bring along: a stack aligned to 4 bytes only (on 32 bits; elsewhere the calling
-// convention sees to it) and a floating-point unit set to less precision. Each call is made in every
-// such state and must answer as it does in the usual one.
+// convention sees to it) and floating-point units set to less precision, to no denormals, to traps
+// or to another rounding. Each call is made in every such state, must answer as it does in the usual
+// one (but for the rounding), and must leave the state as it was.
 
 #include "support/dib_builder.hpp"
+#include "support/valid_calls.hpp"
 
 #include <cstring>
 #include <gtest/gtest.h>
@@ -15,15 +17,30 @@ using namespace kirvo_test;
 struct CallerState {
     uint32_t shift;    // the stack pointer is so many bytes below a multiple of 16
     uint16_t x87_word; // control word of the x87 unit
+    uint32_t mxcsr;    // control word of the SSE unit
+    const char* name;
 };
 
-constexpr uint16_t x87_extended = 0x37F, x87_double = 0x27F, x87_single = 0x07F;
+constexpr uint16_t x87_usual = 0x37F;
+constexpr uint32_t sse_usual = 0x1F80;
 
 constexpr CallerState states[] = {
-    {0, x87_extended},  {0, x87_double}, {0, x87_single},
+    {0, x87_usual, sse_usual, "usual"},
+    {0, 0x27F, sse_usual, "x87_double"},
+    {0, 0x07F, sse_usual, "x87_single"},
+    {0, 0x1372, 0x1900, "traps"}, // for invalid operations, divisions by zero and overflow
+    {0, x87_usual, 0x9FC0, "no_denormals"},
 #ifdef __i386__
-    {4, x87_extended},  {8, x87_extended}, {12, x87_extended},
+    {4, x87_usual, sse_usual, "stack_4"},
+    {8, x87_usual, sse_usual, "stack_8"},
+    {12, x87_usual, sse_usual, "stack_12"},
 #endif
+};
+
+// In these, results may be others.
+constexpr CallerState rounding_states[] = {
+    {0, 0x77F, 0x3F80, "rounds_down"},
+    {0, 0xF7F, 0x7F80, "truncates"},
 };
 
 #ifdef __i386__
@@ -64,7 +81,20 @@ Result call_shifted(uint32_t shift, Result(WINAPI* function)(Arguments...),
     return result;
 }
 
+Value call_shifted(uint32_t shift, Call& call) {
+    uint32_t words[2 * Export::most_parameters];
+    uint32_t count = 0;
+    for (size_t i = 0; i < call.what().parameters.size(); ++i) {
+        const uint32_t bytes = call.what().parameters[i].width;
+        std::memcpy(words + count, &call.argument(i), bytes);
+        count += (bytes + 3) / 4;
+    }
+    return {call_words(reinterpret_cast<void*>(call.what().function), words, count, shift)};
+}
+
 #else
+
+Value call_shifted(uint32_t, Call& call) { return call.what().call(&call.argument(0)); }
 
 template<typename Result, typename... Arguments>
 Result call_shifted(uint32_t, Result(WINAPI* function)(Arguments...), Arguments... arguments) {
@@ -73,20 +103,76 @@ Result call_shifted(uint32_t, Result(WINAPI* function)(Arguments...), Arguments.
 
 #endif
 
-void set_x87_word(uint16_t word) { asm volatile("fldcw %0" : : "m"(word)); }
+// The state of the floating-point units, set for as long as the object lives.
+class FloatingPoint {
+  public:
+    explicit FloatingPoint(const CallerState& state) {
+        before_ = {x87_word(), mxcsr()};
+        set({state.x87_word, state.mxcsr});
+    }
+    ~FloatingPoint() { set(before_); }
+    FloatingPoint(const FloatingPoint&) = delete;
+    FloatingPoint& operator=(const FloatingPoint&) = delete;
+
+    static uint16_t x87_word() {
+        uint16_t word;
+        asm volatile("fnstcw %0" : "=m"(word));
+        return word;
+    }
+    // Without the flags of what has happened.
+    static uint32_t mxcsr() {
+        uint32_t word;
+        asm volatile("stmxcsr %0" : "=m"(word));
+        return word & ~0x3Fu;
+    }
+    // A bit pair for each x87 register: 3 is empty.
+    static uint16_t x87_tags() {
+        struct {
+            uint16_t control, unused, status, unused2, tags, unused3[9];
+        } environment;
+        asm volatile("fnstenv %0\n\tfldenv %0" : "+m"(environment));
+        return environment.tags;
+    }
+
+  private:
+    struct Words {
+        uint16_t x87;
+        uint32_t sse;
+    };
+    static void set(const Words& words) {
+        asm volatile("fnclex\n\tfldcw %0\n\tldmxcsr %1" : : "m"(words.x87), "m"(words.sse));
+    }
+    Words before_;
+};
+
+// Everything that a call has left in the pool and in the memory of its arguments.
+std::vector<uint8_t> outcome(Call& call, const Pool& pool) {
+    std::vector<uint8_t> all;
+    const auto append = [&](const void* bytes, size_t count) {
+        const auto* from = static_cast<const uint8_t*>(bytes);
+        all.insert(all.end(), from, from + count);
+    };
+    for (HGLOBAL block : pool.owned()) {
+        append(GlobalLock(block), GlobalSize(block));
+        GlobalUnlock(block);
+    }
+    for (size_t i = 0; i < call.what().parameters.size(); ++i) {
+        if (call.what().parameters[i].kind == Kind::output)
+            append(call.argument(i).pointer, call.what().parameters[i].bytes);
+    }
+    const auto result = static_cast<uint32_t>(call.result().number);
+    if (call.what().result == kirvo_test::Result::code)
+        append(&result, sizeof result);
+    return all;
+}
 
 class CallerStates : public testing::TestWithParam<CallerState> {
   protected:
     template<typename Result, typename... Arguments>
     Result call(Result(WINAPI* function)(Arguments...),
                 std::type_identity_t<Arguments>... arguments) {
-        uint16_t usual;
-        asm volatile("fnstcw %0" : "=m"(usual));
-        set_x87_word(GetParam().x87_word);
-        const Result result = call_shifted<Result, Arguments...>(GetParam().shift, function,
-                                                                 arguments...);
-        set_x87_word(usual);
-        return result;
+        const FloatingPoint state(GetParam());
+        return call_shifted<Result, Arguments...>(GetParam().shift, function, arguments...);
     }
 
     // A function that makes an image: its arguments without the final status pointer.
@@ -119,15 +205,8 @@ class CallerStates : public testing::TestWithParam<CallerState> {
         {.width = width, .height = height, .bits = 32, .masks = masks_888}, random);
 };
 
-std::string name_of(const testing::TestParamInfo<CallerState>& info) {
-    const CallerState& state = info.param;
-    return "shift_" + std::to_string(state.shift) + "_x87_" +
-           (state.x87_word == x87_extended ? "extended"
-            : state.x87_word == x87_double ? "double"
-                                           : "single");
-}
-
-INSTANTIATE_TEST_SUITE_P(All, CallerStates, testing::ValuesIn(states), name_of);
+INSTANTIATE_TEST_SUITE_P(All, CallerStates, testing::ValuesIn(states),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 TEST_P(CallerStates, version) { EXPECT_EQ(call(GetVerKirvoDll), 0x01000402u); }
 
@@ -203,6 +282,59 @@ TEST_P(CallerStates, jpeg) {
     EXPECT_EQ(image.bytes(), usual_image.bytes());
     GlobalFree(stream);
     GlobalFree(usual);
+}
+
+// A way to make each export work at each depth.
+const std::vector<Plan>& all_plans(const Samples& samples) {
+    static const std::vector<Plan> plans = [&] {
+        std::vector<Plan> all;
+        for (const Export& what : exports()) {
+            const std::vector<Plan> its = plans_for(what, samples, true);
+            all.insert(all.end(), its.begin(), its.end());
+        }
+        return all;
+    }();
+    return plans;
+}
+
+// Calls every export in a state, which must be left as it was.
+void call_all(const CallerState& state, bool same_results) {
+    static const Samples samples;
+    ASSERT_GT(all_plans(samples).size(), exports().size());
+    for (const Plan& plan : all_plans(samples)) {
+        Pool usual_pool, pool;
+        Call usual = plan.prepare(usual_pool, samples);
+        usual.make();
+        const std::vector<uint8_t> usual_outcome = outcome(usual, usual_pool);
+        discard_leftovers();
+
+        Call call = plan.prepare(pool, samples);
+        Value result;
+        uint16_t x87_word, x87_tags;
+        uint32_t mxcsr;
+        {
+            const FloatingPoint units(state);
+            result = call_shifted(state.shift, call);
+            x87_word = FloatingPoint::x87_word();
+            x87_tags = FloatingPoint::x87_tags();
+            mxcsr = FloatingPoint::mxcsr();
+        }
+        call.made(result);
+        EXPECT_EQ(x87_word, state.x87_word) << plan.name();
+        EXPECT_EQ(mxcsr, state.mxcsr) << plan.name();
+        EXPECT_EQ(x87_tags, 0xFFFF) << plan.name();
+        if (same_results) {
+            EXPECT_EQ(outcome(call, pool), usual_outcome) << plan.name();
+        }
+        discard_leftovers();
+    }
+}
+
+TEST_P(CallerStates, every_export) { call_all(GetParam(), true); }
+
+TEST(RoundingStates, every_export) {
+    for (const CallerState& state : rounding_states)
+        call_all(state, false);
 }
 
 } // namespace

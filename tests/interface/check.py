@@ -9,6 +9,11 @@ import re
 import subprocess
 import sys
 
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(pathlib.Path(__file__).parents[2] / "interface"))
+from description import Description, Function
+from header import Header
+
 CONFIG = json.loads(pathlib.Path(sys.argv[2]).read_text())
 SOURCE = pathlib.Path(CONFIG["source"])
 LIBRARY = pathlib.Path(CONFIG["library"])
@@ -33,16 +38,6 @@ def same(what, left, right):
     assert left, f"{what}: empty"
 
 
-def declared():
-    """Functions that kirvo.h declares, for Windows and elsewhere."""
-    text = (SOURCE / "include/kirvo.h").read_text()
-    text = re.sub(r"/\*.*?\*/", "", text, flags=re.DOTALL)
-    names = re.findall(r"^KIRVO_API\s[^;(]*?\bWINAPI\s+(\w+)\s*\(", text, re.MULTILINE)
-    count = len(re.findall(r"^KIRVO_API\b", text, re.MULTILINE))
-    assert count == len(names), f"{count} times KIRVO_API, but {len(names)} functions: no WINAPI?"
-    return names
-
-
 def module_definition(name):
     lines = (SOURCE / name).read_text().splitlines()
     lines = [line.split(";")[0].strip() for line in lines]
@@ -58,11 +53,79 @@ def exported():
 
 
 def check_exports():
-    """Header, module definition and symbols of the built library agree."""
-    names = module_definition("kirvo.def")
-    standins = module_definition("cmake/standins.def")
-    same("kirvo.h against kirvo.def", declared(), names + standins)
-    same("exported against kirvo.def", exported(), names if WINDOWS else names + standins)
+    """Description, header, module definition and symbols of the built library agree."""
+    functions = Description().functions
+    library = [function.name for function in functions if function.home == "Kirvo"]
+    everywhere = [function.name for function in functions]
+    same("kirvo.h against the description", list(Header().parameters), everywhere)
+    same("kirvo.def against the description", module_definition("kirvo.def"), library)
+    same("standins.def against the description",
+         module_definition("kirvo.def") + module_definition("cmake/standins.def"), everywhere)
+    same("exported against the description", exported(), library if WINDOWS else everywhere)
+
+
+def check_names():
+    """Description and header have the same groups, names of numbers, structures and parameters."""
+    description, header = Description(), Header()
+    same("groups", list(header.titles), [group.name for group in description.groups])
+    same("numbers", header.constants, list(description.constants))
+    same("structures", header.structures, [structure.name for structure in description.structures])
+    for group in description.groups:
+        for function in group.functions:
+            name = function.name
+            assert header.groups[name] == group.name, f"{name}: in {header.groups[name]}"
+            parameters = [parameter.name for parameter in function.parameters]
+            assert header.parameters[name] == parameters, f"{name}: {header.parameters[name]}"
+
+
+def type_assertions(description):
+    """C statements that compile when kirvo.h has the described types, sizes and numbers."""
+    def assert_type(what, c):
+        return f'_Static_assert(__builtin_types_compatible_p(__typeof__({what}), {c}), "{what}");'
+
+    for function in description.functions:
+        if WINDOWS and not function.home:
+            continue
+        parameters = ", ".join(function.c_parameters) or "void"
+        yield f"typedef {function.c_result} WINAPI of_{function.name}({parameters});"
+        yield assert_type(function.name, f"of_{function.name}")
+    for structure in description.structures:
+        if WINDOWS and structure.is_table:
+            continue
+        members = []
+        for field in structure.fields:
+            if isinstance(field, Function):
+                parameters = ", ".join(field.c_parameters)
+                members.append(f"{field.c_result} (*{field.name})({parameters});")
+            else:
+                members.append(f"{field.c} {field.name};")
+        name = structure.name
+        yield f"struct of_{name} {{ {' '.join(members)} }};"
+        yield f'_Static_assert(sizeof(struct of_{name}) == sizeof({name}), "{name}");'
+        for field in structure.fields:
+            yield assert_type(f"(({name}*)0)->{field.name}",
+                              f"__typeof__(((struct of_{name}*)0)->{field.name})")
+            yield (f"_Static_assert(__builtin_offsetof(struct of_{name}, {field.name}) == "
+                   f'__builtin_offsetof({name}, {field.name}), "{name}.{field.name}");')
+    for name, value in description.constants.items():
+        yield f'_Static_assert({name} == {value}, "{name}");'
+
+
+def check_types():
+    """The C compiler finds the described types in kirvo.h."""
+    source = "\n".join(["#include <kirvo.h>", *type_assertions(Description())])
+    subprocess.run([CONFIG["c_compiler"], "-Wall", "-Werror", "-fsyntax-only", "-std=c11", "-x", "c",
+                    f"-I{SOURCE}/include", "-"], check=True, text=True, input=source)
+
+
+def check_stdcall():
+    """The compiler's decorated names show the described bytes of arguments."""
+    symbols = run(CONFIG["nm"], "--extern-only", "--defined-only", *CONFIG["objects"])
+    built = dict(re.findall(r" T _(\w+)@(\d+)$", symbols, re.MULTILINE))
+    for function in Description().functions:
+        if function.home == "Kirvo":
+            assert built.get(function.name) == str(function.stack_bytes), \
+                f"{function.name}: {function.stack_bytes} described, {built.get(function.name)} built"
 
 
 def compile_header(compiler, language, standard):

@@ -2,6 +2,8 @@
 #include "jpeg/decode_lockstep.hpp"
 #include "support/temp_file.hpp"
 
+#include <functional>
+
 using namespace kirvo_test;
 
 namespace {
@@ -289,6 +291,64 @@ TEST(DecodeCalls, AHandlerMaySilenceTheRest) {
     EXPECT_EQ(decode_next({}, 1, &image), 1);
     GlobalFree(image);
     EXPECT_EQ(recorder.percents(), (std::vector{0, 5, 10, 15, 20}));
+}
+
+// Both kinds of stream, and what a handler does at each percentage of its decode.
+void decode_told(const std::function<void(const ProgressMessage&)>& handler,
+                 const std::function<void(int32_t result, HGLOBAL image)>& expect) {
+    for (const bool progressive : {false, true}) {
+        Random random(405);
+        JpegPlan plan;
+        plan.width = plan.height = 80;
+        if (progressive)
+            plan.scans = {{{1, 2, 3}, 0, 0}, {{1}, 1, 63}};
+        ProgressRecorder recorder;
+        recorder.watch();
+        recorder.on_message = handler;
+        HGLOBAL image = nullptr;
+        int32_t result = decode_first(build_jpeg(plan, random), &image);
+        if (result == 0)
+            result = decode_next({}, 1, &image);
+        expect(result, image);
+        GlobalFree(image);
+    }
+}
+
+TEST(DecodeCalls, AHandlerThatAbandonsEndsTheDecode) {
+    for (const int at : {0, 5, 50, 100}) {
+        const auto abandon = [&](const ProgressMessage& message) {
+            HGLOBAL image = &image;
+            if (message.percent >= at) {
+                EXPECT_EQ(JpgDecNext(nullptr, 0, -1, &image), KIRVO_ABANDONED);
+                EXPECT_EQ(image, nullptr);
+                EXPECT_EQ(decode_first({0xFF}, &image), KIRVO_BUSY); // until the handler returns
+            }
+        };
+        decode_told(abandon, [](int32_t result, HGLOBAL image) {
+            EXPECT_EQ(result, KIRVO_ABANDONED);
+            EXPECT_EQ(image, nullptr);
+        });
+        HGLOBAL image = nullptr;
+        EXPECT_EQ(decode_first({0xFF}, &image), 0); // not busy
+        EXPECT_EQ(decode_next({}, -1, &image), KIRVO_ABANDONED);
+    }
+}
+
+TEST(DecodeCalls, AHandlerIsRefusedAnythingElse) {
+    const TempFile file(".jpg", sample(16, 16, Sampling::grey));
+    const auto disturb = [&](const ProgressMessage&) {
+        HGLOBAL image = nullptr;
+        EXPECT_EQ(decode_first({0xFF}, &image), KIRVO_BUSY);
+        EXPECT_EQ(decode_next({0xFF}, 0, &image), KIRVO_BUSY);
+        EXPECT_EQ(JpgDecNext(nullptr, 0, 1, &image), KIRVO_BUSY);
+        JpgDecSpec spec;
+        EXPECT_EQ(JpgDecGetSpecEx(file.name(), &spec), KIRVO_BUSY);
+        EXPECT_EQ(JpgDecMainEx(file.name(), nullptr, nullptr, nullptr), nullptr);
+    };
+    decode_told(disturb, [](int32_t result, HGLOBAL image) {
+        EXPECT_EQ(result, 1);
+        EXPECT_NE(image, nullptr);
+    });
 }
 
 // A scan header with Ah above 0 ends the gathering: only its first MCU is still read.

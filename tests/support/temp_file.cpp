@@ -16,8 +16,8 @@ namespace kirvo_test {
 
 std::string temp_folder() {
 #ifndef _WIN32
-    // In memory, where there is such a folder.
-    if (std::filesystem::is_directory("/dev/shm"))
+    // In memory, where there is such a folder, unless the user wants it elsewhere.
+    if (std::getenv("TMPDIR") == nullptr && std::filesystem::is_directory("/dev/shm"))
         return "/dev/shm";
 #endif
     return std::filesystem::temp_directory_path().string();

@@ -93,7 +93,7 @@ TEST_P(DecodeWithoutMemory, FurtherPieces) {
     HGLOBAL image = nullptr;
     EXPECT_EQ(JpgDecFirst(data, 10, &image), 0);
     kirvo::fail_allocation(1);
-    EXPECT_EQ(JpgDecNext(data, 10, 0, &image), -2);
+    EXPECT_EQ(JpgDecNext(data, static_cast<int32_t>(stream.size()), 0, &image), -2);
     EXPECT_EQ(JpgDecFirst(data, 10, &image), 0); // not busy
     EXPECT_EQ(JpgDecNext(nullptr, 0, -1, &image), -16);
 }

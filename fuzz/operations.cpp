@@ -1,0 +1,109 @@
+// Any exports in any order, with hostile images and arguments (support/calls.hpp). What they answer
+// is documented, and the same at the highest level of the processor as in scalar code.
+#include "core/cpu.hpp"
+#include "jpeg.hpp"
+
+#include <cstdio>
+
+using namespace kirvo_fuzz;
+using kirvo_test::Call;
+using kirvo_test::Export;
+
+namespace {
+
+// Settings outlive a case.
+void reset_settings() {
+    static constexpr int32_t mask3[] = {9, 8, 9, 8, 10, 8, 9, 8, 9};
+    static constexpr int32_t mask5[] = {5, 6, 7, 6, 5, 6, 8, 9, 8, 6, 7, 9, 10,
+                                        9, 7, 6, 8, 9, 8, 6, 5, 6, 7, 6, 5};
+    static const std::vector<int16_t> ones(64, 1);
+    SetFilter3x3(1, 2, 1, 2, 4, 2, 1, 2, 1, 16);
+    Dib24Mix3X3SetMask(mask3);
+    Dib24Mix5X5SetMask(mask5);
+    SetKeyColorDib24Add(0);
+    JpgCodSetSubsample(4);
+    JpgCodSetQEx(4);
+    JpgCodSetQtableEx(ones.data(), ones.data(), 64);
+    reset_decoder();
+    JpgDecGetCommentEnable(0);
+}
+
+// Of a picture of 20 x 20 pixels, in colour and in grey.
+std::vector<Bytes> make_streams() {
+    std::vector<Bytes> streams;
+    for (const bool grey : {false, true}) {
+        const kirvo::OwnedBlock image(DibMemAllocEx(20, 20, 8));
+        {
+            const kirvo::LockedBlock block(image.get());
+            for (size_t i = 40; i < block.size(); ++i)
+                block.data()[i] = static_cast<uint8_t>(i * i >> 3);
+        }
+        uint32_t length = 0;
+        int32_t status;
+        const kirvo::OwnedBlock stream(
+            grey ? JpgCodMainHGLOBAL_M(image.get(), 0, 0, 20, 20, 0, &length, &status)
+                 : JpgCodMainHGLOBAL(image.get(), 0, 0, 20, 20, &length, &status));
+        streams.push_back(bytes_of(stream.get()));
+        streams.back().resize(length);
+    }
+    return streams;
+}
+
+// What calls have answered and what they have left in blocks.
+struct Answers {
+    std::vector<int32_t> codes;
+    std::vector<Bytes> blocks;
+
+    bool operator==(const Answers&) const = default;
+};
+
+void check(const Call& call) {
+    const std::string problem = call.problem();
+    if (!problem.empty())
+        std::fprintf(stderr, "%s gives %d\n", call.text().c_str(), call.status());
+    require(problem.empty(), problem.c_str());
+}
+
+// May an allocation fail, the answers are none.
+Answers make_calls(Input input, kirvo::CpuLevel level) {
+    static const File in("in.jpg"), out("out");
+    reset_settings();
+    static const std::vector<Bytes> streams = make_streams();
+    in.write(streams[0]);
+    out.write({});
+    kirvo_test::Pool pool;
+    pool.streams = streams;
+    pool.files_read = {in.name(), out.name(), "/", "/missing"};
+    pool.files_written = {out.name(), "/dev/full", "/"};
+    pool.windows = {reinterpret_cast<HWND>(&pool)};
+
+    const bool may_fail = draw_surroundings(input);
+    kirvo::fail_allocation(0);
+    kirvo::lower_cpu_level(level);
+    Answers answers;
+    for (uint32_t left = input.below(6) + 1; left != 0; --left) {
+        const auto all = kirvo_test::exports();
+        Call call(all[input.below(static_cast<uint32_t>(all.size()))], pool);
+        call.draw(input);
+        kirvo::fail_allocation(may_fail ? input.below(8) : 0);
+        call.make();
+        kirvo::fail_allocation(0);
+        check(call);
+        answers.codes.push_back(call.status());
+    }
+    for (HGLOBAL block : pool.handles()) {
+        look_at(block);
+        answers.blocks.push_back(bytes_of(block));
+    }
+    return may_fail ? Answers{} : answers;
+}
+
+} // namespace
+
+static void run(Input& input) {
+    const Answers highest = make_calls(input, kirvo::CpuLevel::avx512);
+    require(highest == make_calls(input, kirvo::CpuLevel::scalar),
+            "scalar code gives what the highest level gives");
+}
+
+static const Target target("operations", run);

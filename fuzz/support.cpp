@@ -1,0 +1,151 @@
+#include "support.hpp"
+
+#include "core/cpu.hpp"
+#include "core/dib.hpp"
+#include "jpeg/codec.hpp"
+#include "support/temp_folder.hpp"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <unistd.h>
+
+// A block that cannot be had is an answer to be tested, not a finding.
+extern "C" __attribute__((visibility("default"))) const char* __asan_default_options() {
+    return "allocator_may_return_null=1:detect_stack_use_after_return=1";
+}
+
+namespace kirvo_fuzz {
+
+namespace {
+
+// A header may claim any size; no case works on more than this.
+constexpr uint64_t largest_block = 256 * 1024;
+
+int32_t last_percent = -1;
+
+LRESULT receive_progress(HWND, UINT, WPARAM, LPARAM percent) {
+    const auto now = static_cast<int32_t>(percent);
+    require(now >= 0 && now <= 100, "a percentage is from 0 to 100");
+    require(now == 0 || now == 100 || now >= last_percent + 5, "percentages rise by 5 and more");
+    last_percent = now;
+    return 0;
+}
+
+int lowest_free_descriptor() {
+    const int descriptor = dup(STDERR_FILENO);
+    close(descriptor);
+    return descriptor;
+}
+
+void stand_as_at_first() {
+    kirvo::fail_allocation(0);
+    kirvo::lower_cpu_level(kirvo::CpuLevel::avx512);
+    KirvoSetProcess(nullptr, 0, 0);
+    JpgDecGetCommentEnable(0);
+    JpgDecCommentFree();
+    JpgCodSetComment(nullptr, 0);
+}
+
+} // namespace
+
+Target::Target(const char* name, Run run) : name_(name), run_(run) {
+    all().push_back(this);
+}
+
+std::vector<const Target*>& Target::all() {
+    static std::vector<const Target*> targets;
+    return targets;
+}
+
+void Target::run_case(const uint8_t* bytes, size_t size) const {
+    static const bool prepared = [] {
+        static constexpr KirvoWindowHost host = {receive_progress, nullptr, nullptr, nullptr,
+                                                 nullptr};
+        KirvoSetWindowHost(&host);
+        kirvo::limit_allocation(largest_block);
+        return true;
+    }();
+    require(prepared, "the process is prepared");
+    const int free_descriptor = lowest_free_descriptor();
+
+    Input input(bytes, size);
+    run_(input);
+
+    stand_as_at_first();
+    require(!kirvo::codec_busy, "no encode or decode is left under way");
+    const kirvo::BlockCount left = kirvo::count_blocks();
+    require(left.locks == 0, "no lock is left");
+    require(left.blocks == 0, "no block is left");
+    require(lowest_free_descriptor() == free_descriptor, "no file is left open");
+}
+
+const char* current_case = "the input";
+
+void require(bool condition, const char* what) {
+    if (condition)
+        return;
+    std::fprintf(stderr, "%s: not so: %s\n", current_case, what);
+    std::abort();
+}
+
+bool draw_surroundings(Input& input) {
+    const uint32_t memory = input.below(256);
+    const bool may_fail = memory >= 192;
+    kirvo::fail_allocation(may_fail ? memory - 191 : 0);
+    const uint32_t rest = input.below(8);
+    kirvo::lower_cpu_level(static_cast<kirvo::CpuLevel>(3 - rest % 4));
+    last_percent = -1;
+    if (rest >= 4)
+        KirvoSetProcess(reinterpret_cast<HWND>(&last_percent), 1, 1);
+    return may_fail;
+}
+
+kirvo::OwnedBlock block_of(const Bytes& bytes) {
+    kirvo::OwnedBlock block(GlobalAlloc(GHND, bytes.size()));
+    if (!bytes.empty())
+        std::memcpy(kirvo::LockedBlock(block.get()).data(), bytes.data(), bytes.size());
+    return block;
+}
+
+Bytes bytes_of(HGLOBAL block) {
+    const kirvo::LockedBlock locked(block);
+    return {locked.data(), locked.data() + locked.size()};
+}
+
+void look_at(HGLOBAL image) {
+    if (image == nullptr)
+        return;
+    BITMAPINFOHEADER header = kirvo::LockedDib(image).header;
+    header.biWidth = std::max(header.biWidth, 1);
+    header.biHeight = std::max(header.biHeight, 1);
+    const int32_t right = header.biWidth - 1, bottom = header.biHeight - 1;
+    for (const int32_t y : {0, 1, bottom / 3, bottom / 2, bottom - 1, bottom}) {
+        for (const int32_t x : {0, 1, right / 3, right / 2, right - 1, right}) {
+            uint32_t colour;
+            DibGetPixelColor(image, x, y, &colour);
+        }
+    }
+}
+
+void check_answer(HGLOBAL image, const int32_t& status) {
+    const kirvo::OwnedBlock owner(image);
+    require(owner ? status == KIRVO_OK : status < 0, "an image or a code");
+    look_at(image);
+}
+
+File::File(const char* title) {
+    static const kirvo_test::TempFolder folder;
+    name_ = folder.path(title);
+}
+
+void File::write(const Bytes& bytes) const {
+    std::FILE* file = std::fopen(name(), "wb");
+    require(file != nullptr, "a file can be written");
+    if (!bytes.empty())
+        std::fwrite(bytes.data(), 1, bytes.size(), file);
+    std::fclose(file);
+}
+
+} // namespace kirvo_fuzz

@@ -1,0 +1,72 @@
+// What every fuzz target stands on. A target is a function over an input, registered by name:
+//
+//     static void run(Input& input) { ... require(condition, "what must hold"); }
+//     static const Target target("jpeg_whole", run);
+//
+// Before each case the library stands as it does in a fresh process, or is told to; afterwards
+// nothing of the case may be left: no block, no lock, no operation under way, no open file.
+#pragma once
+
+#include "core/memory.hpp"
+#include "support/calls.hpp"
+
+#include <string>
+#include <vector>
+
+namespace kirvo_fuzz {
+
+using Bytes = std::vector<uint8_t>;
+
+// The bytes of a case: choices from its end on, the most usual possibility where there are none.
+using Input = kirvo_test::InputChoices;
+
+class Target {
+  public:
+    using Run = void (*)(Input& input);
+
+    Target(const char* name, Run run);
+    const char* name() const { return name_; }
+    // Ends the process when anything is wrong.
+    void run_case(const uint8_t* bytes, size_t size) const;
+
+    // All that are linked in.
+    static std::vector<const Target*>& all();
+
+  private:
+    const char* name_;
+    Run run_;
+};
+
+// What the case is called in messages, where it has a name.
+extern const char* current_case;
+
+// Ends the process unless a condition holds.
+void require(bool condition, const char* what);
+
+// Draws what surrounds calls: a failing allocation, the level of the processor, a watching window.
+// True when an allocation may fail.
+bool draw_surroundings(Input& input);
+
+// A block with these bytes and no others, not subject to failing allocations.
+kirvo::OwnedBlock block_of(const Bytes& bytes);
+// A copy of a whole block; none of a null one.
+Bytes bytes_of(HGLOBAL block);
+// Reads pixels all over an image, wherever its header says that they are.
+void look_at(HGLOBAL image);
+
+// What a reader answers: an image with success, or a code without one. Frees the image.
+void check_answer(HGLOBAL image, const int32_t& status);
+
+// A file in memory whose content is replaced at will.
+class File {
+  public:
+    // A title in a folder of the process's own.
+    explicit File(const char* title);
+    const char* name() const { return name_.c_str(); }
+    void write(const Bytes& bytes) const;
+
+  private:
+    std::string name_;
+};
+
+} // namespace kirvo_fuzz
