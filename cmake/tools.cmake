@@ -31,5 +31,28 @@ if(tool_sources)
     target_include_directories(kirvo_tool SYSTEM PRIVATE ${PROJECT_BINARY_DIR}/include)
     target_compile_options(kirvo_tool PRIVATE -Wall -Wextra)
     target_link_libraries(kirvo_tool PRIVATE kirvo)
+    # An installed tool finds the library beside it, wherever that is.
+    set_target_properties(kirvo_tool PROPERTIES INSTALL_RPATH $ORIGIN/../${CMAKE_INSTALL_LIBDIR})
     install(TARGETS kirvo_tool)
+
+    # The manual page and the completions, which the tool writes itself, under the names that
+    # the shells look for.
+    if(NOT CMAKE_CROSSCOMPILING)
+        set(papers ${PROJECT_BINARY_DIR}/papers)
+        file(MAKE_DIRECTORY ${papers})
+        add_custom_command(
+            OUTPUT ${papers}/kirvo.1 ${papers}/kirvo ${papers}/_kirvo ${papers}/kirvo.fish
+            COMMAND kirvo_tool --man >${papers}/kirvo.1
+            COMMAND kirvo_tool --completions bash >${papers}/kirvo
+            COMMAND kirvo_tool --completions zsh >${papers}/_kirvo
+            COMMAND kirvo_tool --completions fish >${papers}/kirvo.fish
+            DEPENDS kirvo_tool)
+        add_custom_target(kirvo_papers ALL DEPENDS ${papers}/kirvo.1)
+        install(FILES ${papers}/kirvo.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+        install(FILES ${papers}/kirvo
+                DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+        install(FILES ${papers}/_kirvo DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+        install(FILES ${papers}/kirvo.fish
+                DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+    endif()
 endif()

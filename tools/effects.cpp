@@ -79,17 +79,35 @@ Image change_depth(Image image, const Arguments& a) {
 
 bool smooth_resizing = false;
 
-Image resize(Image image, const Arguments& a) {
+struct Size {
+    int32_t width, height;
+};
+
+Size size_value(const Arguments& a) {
     std::string size = a.text(0);
     const size_t by = size.find('x');
     if (by == std::string::npos)
         a.wrong("a size is written WxH");
     size[by] = ',';
-    const Arguments numbers("--resize", size);
-    const int32_t width = numbers.integer(0), height = numbers.integer(1);
-    return make(std::move(image), "--resize", [=](HGLOBAL h, int32_t w, int32_t hh, int32_t* s) {
-        return Dib24ZoomEx2(h, 0, 0, w, hh, width, height, s, smooth_resizing ? 1 : 0);
+    const Arguments numbers(a.option(), size);
+    return {numbers.integer(0), numbers.integer(1)};
+}
+
+Image resized(Image image, Size to, bool smooth) {
+    return make(std::move(image), "resizing", [=](HGLOBAL h, int32_t w, int32_t hh, int32_t* s) {
+        return Dib24ZoomEx2(h, 0, 0, w, hh, to.width, to.height, s, smooth ? 1 : 0);
     });
+}
+
+Image resize(Image image, const Arguments& a) {
+    return resized(std::move(image), size_value(a), smooth_resizing);
+}
+
+Image fit(Image image, const Arguments& a) {
+    const Size room = size_value(a);
+    if (room.width < 1 || room.height < 1)
+        a.wrong("at least 1x1");
+    return fitted(std::move(image), room.width, room.height);
 }
 
 Image rotate(Image image, const Arguments& a) {
@@ -170,16 +188,34 @@ Image direct_colour(Image image) {
                                                     : to_24_bits(std::move(image));
 }
 
-Image compose(Image image, const Arguments& a) {
+// Calls lay(image, other, width, height) for another picture with its corner at (x, y); what hangs
+// over the edge is left out.
+template <typename Lay>
+Image lay_on(Image image, const char* option, const std::string& file, int32_t x, int32_t y,
+             Lay lay) {
     image = direct_colour(std::move(image));
-    const Image other = partner(a.text(0), image);
-    const int32_t x = a.integer(2, 0), y = a.integer(3, 0);
-    // What hangs over the edge is left out.
+    const Image other = partner(file, image);
     const int32_t width = std::min(other.width(), image.width() - x);
     const int32_t height = std::min(other.height(), image.height() - y);
-    return change(std::move(image), "--compose", [&](HGLOBAL h, int32_t, int32_t) {
-        return Dib24Add(h, x, y, other.handle(), 0, 0, width, height, a.integer(1));
+    return change(std::move(image), option, [&](HGLOBAL h, int32_t, int32_t) {
+        return lay(h, other.handle(), width, height);
     });
+}
+
+Image compose(Image image, const Arguments& a) {
+    const int32_t x = a.integer(2, 0), y = a.integer(3, 0);
+    return lay_on(std::move(image), "--compose", a.text(0), x, y,
+                  [&](HGLOBAL h, HGLOBAL other, int32_t width, int32_t height) {
+                      return Dib24Add(h, x, y, other, 0, 0, width, height, a.integer(1));
+                  });
+}
+
+Image paste(Image image, const Arguments& a) {
+    const int32_t x = a.integer(1, 0), y = a.integer(2, 0);
+    return lay_on(std::move(image), "--paste", a.text(0), x, y,
+                  [&](HGLOBAL h, HGLOBAL other, int32_t width, int32_t height) {
+                      return Dib24CopyEx(h, x, y, other, 0, 0, width, height);
+                  });
 }
 
 Image interleave(Image image, const Arguments& a) {
@@ -243,16 +279,16 @@ Image extreme(Image image, const char* what, int32_t radius, int32_t maximum) {
     });
 }
 
-Image print_histogram(Image image, const Arguments&) {
-    static uint32_t red[256], green[256], blue[256];
+std::function<void(const Histogram&)> histogram_receiver;
+
+Image count_colours(Image image, const Arguments&) {
+    static Histogram counts;
     image = change(std::move(image), "--histogram", [](HGLOBAL h, int32_t w, int32_t hh) {
-        return DibHistgram(h, 0, 0, w, hh, red, green, blue);
+        return DibHistgram(h, 0, 0, w, hh, counts.red, counts.green, counts.blue);
     });
-    uint32_t colours = 0;
-    DibCountColors(image.handle(), &colours);
-    std::printf("%u colours\nvalue red green blue\n", colours);
-    for (int i = 0; i < 256; ++i)
-        std::printf("%d %u %u %u\n", i, red[i], green[i], blue[i]);
+    DibCountColors(image.handle(), &counts.colours);
+    if (histogram_receiver)
+        histogram_receiver(counts);
     return image;
 }
 
@@ -297,14 +333,17 @@ const std::vector<Effect>& effects() {
          }},
         {"--resize", "WxH", "at least 1x1", "Resizes; with --smooth, reductions are averaged", "",
          resize},
-        {"--rotate", "DEGREES", "90, 180 or 270", "Turns clockwise", "90", rotate},
+        {"--fit", "WxH", "at least 1x1", "Reduces to fit, with the proportions kept", "240x240",
+         fit},
+        {"--rotate", "90|180|270", "", "Turns clockwise by degrees", "90", rotate},
         {"--flip", "", "", "Turns upside down", "", IN_PLACE("--flip", Dib24Flip(h, 0, 0, w, hh))},
         {"--mirror", "", "", "Exchanges left and right", "",
          IN_PLACE("--mirror", Dib24Mirror(h, 0, 0, w, hh))},
         {"--compose", "FILE,MODE[,X,Y]",
          "MODE: 0 add, 1 average, 2 leave out black, 3 subtract, 4 leave out the key colour",
          "Lays another picture on this one", "", compose},
-        {"--key", "RRGGBB", "a colour", "Sets the key colour of --compose FILE,4", "",
+        {"--paste", "FILE[,X,Y]", "", "Copies another picture into this one", "", paste},
+        {"--key", "RRGGBB", "", "Sets the key colour of --compose FILE,4", "",
          [](Image image, const Arguments& a) {
              SetKeyColorDib24Add(colour_value(a, 0));
              return image;
@@ -329,11 +368,11 @@ const std::vector<Effect>& effects() {
         {"--swap-channels", "N", "0 to 5: RGB becomes RGB, RBG, GBR, GRB, BRG, BGR",
          "Permutes the channels", "5",
          IN_PLACE("--swap-channels", Dib24RGBChange(h, a.integer(0), 0, 0, w, hh))},
-        {"--channel", "NAME", "red, green or blue", "Keeps one channel", "red", one_channel},
+        {"--channel", "red|green|blue", "", "Keeps one channel", "red", one_channel},
         {"--hue", "MODE,VALUE", "MODE: 0 set, 1 set and fade, 2 turn; VALUE: 0 to 359 degrees",
          "Sets or turns the hue", "2,120",
          NEW_IMAGE("--hue", DibModifyHueEx(h, 0, 0, w, hh, a.integer(0), a.integer(1), s))},
-        {"--xor", "RRGGBB", "a colour", "Exclusive or with a colour", "FF8000",
+        {"--xor", "RRGGBB", "", "Exclusive or with a colour", "FF8000",
          IN_PLACE("--xor", Dib24XOR(h, 0, 0, w, hh, colour_value(a, 0)))},
 
         {"--blur", "", "", "Blurs softly", "",
@@ -367,11 +406,10 @@ const std::vector<Effect>& effects() {
          }},
         {"--brush", "X,Y[,SIZE]", "a point of the picture; SIZE 3 or 5",
          "Pulls the neighbours of a point towards its colour", "", brush},
-        {"--histogram", "", "", "Prints colours and channel values", "", print_histogram},
+        {"--histogram", "", "", "Prints colours and channel values", "", count_colours},
 
-        {"--palette", "KIND", "256, 16, grey, fast, exact256 or exact16", "Reduces the colours",
-         "16", reduce},
-        {"--depth", "BITS", "16, 24 or 32", "Changes the depth", "16", change_depth},
+        {"--palette", "256|16|grey|fast|exact256|exact16", "", "Reduces the colours", "16", reduce},
+        {"--depth", "16|24|32", "", "Changes the bits of a pixel", "16", change_depth},
         {"--bits", "R,G,B", "0 to 8 each", "Keeps that many bits of each channel", "3,3,2",
          NEW_IMAGE("--bits",
                    ((void)w, (void)hh,
@@ -382,14 +420,20 @@ const std::vector<Effect>& effects() {
 
 void set_smooth_resizing(bool smooth) { smooth_resizing = smooth; }
 
-void print_effects() {
-    for (const Effect& effect : effects()) {
-        const std::string call = std::string(effect.option) + " " + effect.parameters;
-        std::printf("%-34s %s\n", call.c_str(), effect.summary);
-        if (effect.ranges[0] != '\0')
-            std::printf("%-34s   %s\n", "", effect.ranges);
-    }
-    std::printf("%-34s %s\n", "--smooth", "Averages where --resize reduces");
+void set_histogram_receiver(std::function<void(const Histogram&)> receiver) {
+    histogram_receiver = std::move(receiver);
+}
+
+Image fitted(Image image, int32_t width, int32_t height) {
+    const double factor =
+        std::min({1.0, double(width) / image.width(), double(height) / image.height()});
+    if (factor == 1.0)
+        return image;
+    const auto scaled = [&](int32_t length) {
+        return std::max(1, static_cast<int32_t>(length * factor));
+    };
+    const Size size = {scaled(image.width()), scaled(image.height())};
+    return resized(std::move(image), size, true);
 }
 
 Arguments::Arguments(std::string option, const std::string& text) : option_(std::move(option)) {

@@ -1,5 +1,7 @@
 #include "files.hpp"
 
+#include "settings.hpp"
+#include "streams.hpp"
 #include "watch.hpp"
 
 #include <algorithm>
@@ -9,16 +11,6 @@
 #include <fstream>
 
 namespace {
-
-std::string extension(const std::string& path) {
-    const size_t dot = path.find_last_of("./\\");
-    if (dot == std::string::npos || path[dot] != '.')
-        return "";
-    std::string result = path.substr(dot + 1);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return result;
-}
 
 using Head = std::array<unsigned char, 18>;
 
@@ -95,14 +87,70 @@ int32_t write_jpeg(const std::string& path, Image image, const WriteOptions& opt
     image = to_24_bits(std::move(image));
     if (options.grey)
         image = luminance(image);
-    const Watch watch("encoding");
     const int32_t width = image.width(), height = image.height();
     return options.grey
                ? JpgCodMainEx_M(path.c_str(), image.handle(), 0, 0, width, height, 0)
                : JpgCodMainEx(path.c_str(), image.handle(), 0, 0, width, height, 0, 0);
 }
 
+Image read_photo_cd(const std::string& path, uint32_t* width, uint32_t* height) {
+    int32_t status = 0;
+    HGLOBAL handle = PcdRead(path.c_str(), 3, 0, width, height, &status);
+    if (handle == nullptr)
+        throw Failure(path, "status " + std::to_string(status) +
+                                (status == -1 ? ": PCDLIB32.DLL is not here or failed"
+                                              : ": PCDLIB32.DLL refused the file"));
+    return Image(handle);
+}
+
+Image read_file(const std::string& path, const ReadOptions& options) {
+    const FileFormat format = recognise(path);
+    uint32_t width, height, bits;
+    int32_t status = 0;
+    const char* name = path.c_str();
+    switch (format) {
+    case FileFormat::bmp:
+        return checked(DibReadEx(name, &width, &height, &bits, &status), path, status);
+    case FileFormat::jpeg:
+        return checked(JpgDecMainEx(name, &width, &height, &status), path, status);
+    case FileFormat::targa:
+        return checked(Targa24Read(name, &width, &height, &status), path, status);
+    case FileFormat::q0:
+        return checked(Q0Read(name, &width, &height, &bits, &status), path, status);
+    case FileFormat::raw:
+        return checked(RawRead(name, &width, &height, &bits, &status), path, status);
+    case FileFormat::photo_cd:
+        return read_photo_cd(path, &width, &height);
+    case FileFormat::icon:
+        return read_icon(path, options);
+    case FileFormat::unknown:
+        break;
+    }
+    throw Failure(path, "not a picture of a known format");
+}
+
+int32_t write_file(const std::string& path, const std::string& ending, Image image,
+                   const WriteOptions& options) {
+    if (ending == "bmp")
+        return DibWriteEx(path.c_str(), image.handle(), 0, 0, -1, -1);
+    if (ending == "tga") {
+        image = to_24_bits(std::move(image));
+        return Targa24Write(path.c_str(), image.handle(), 0, 0, -1, -1);
+    }
+    return write_jpeg(path, std::move(image), options);
+}
+
 } // namespace
+
+std::string extension(const std::string& path) {
+    const size_t dot = path.find_last_of("./\\");
+    if (dot == std::string::npos || path[dot] != '.')
+        return "";
+    std::string result = path.substr(dot + 1);
+    std::transform(result.begin(), result.end(), result.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return result;
+}
 
 const char* format_name(FileFormat format) {
     switch (format) {
@@ -138,37 +186,15 @@ FileFormat recognise(const std::string& path) {
     return FileFormat::unknown;
 }
 
-Image read_image(const std::string& path, const ReadOptions& options) {
-    const FileFormat format = recognise(path);
-    uint32_t width, height, bits;
-    int32_t status = 0;
-    const char* name = path.c_str();
+Image read_image(const std::string& name, const ReadOptions& options) {
     const Watch watch("reading");
-    switch (format) {
-    case FileFormat::bmp:
-        return checked(DibReadEx(name, &width, &height, &bits, &status), path, status);
-    case FileFormat::jpeg:
-        return checked(JpgDecMainEx(name, &width, &height, &status), path, status);
-    case FileFormat::targa:
-        return checked(Targa24Read(name, &width, &height, &status), path, status);
-    case FileFormat::q0:
-        return checked(Q0Read(name, &width, &height, &bits, &status), path, status);
-    case FileFormat::raw:
-        return checked(RawRead(name, &width, &height, &bits, &status), path, status);
-    case FileFormat::photo_cd: {
-        HGLOBAL handle = PcdRead(name, 3, 0, &width, &height, &status);
-        if (handle == nullptr)
-            throw Failure(path + ": status " + std::to_string(status) +
-                          (status == -1 ? ": PCDLIB32.DLL is not here or failed"
-                                        : ": PCDLIB32.DLL refused the file"));
-        return Image(handle);
+    const Input input(name);
+    try {
+        return read_file(input.path(), options);
+    } catch (const Failure& failure) {
+        throw failure.subject() == input.path() ? failure.about(shown(name, "standard input"))
+                                                : failure;
     }
-    case FileFormat::icon:
-        return read_icon(path, options);
-    case FileFormat::unknown:
-        break;
-    }
-    throw Failure(path + ": not a picture of a known format");
 }
 
 Image copy_at_24_bits(const Image& image) {
@@ -185,24 +211,22 @@ Image to_24_bits(Image image) {
     return image.bits() == 24 ? std::move(image) : copy_at_24_bits(image);
 }
 
-void check_writable(const std::string& path) {
-    const std::string ending = extension(path);
+void check_writable(const std::string& path, const std::string& to) {
+    if (path == "-" && to.empty())
+        throw UsageError("standard output has no extension: name the format with --to");
+    const std::string ending = to.empty() ? extension(path) : to;
     if (ending != "bmp" && ending != "jpg" && ending != "jpeg" && ending != "tga")
         throw UsageError(path + ": the output's extension must be .bmp, .jpg or .tga");
 }
 
 void write_image(const std::string& path, Image image, const WriteOptions& options) {
-    check_writable(path);
-    const std::string ending = extension(path);
-    int32_t status;
-    if (ending == "bmp") {
-        status = DibWriteEx(path.c_str(), image.handle(), 0, 0, -1, -1);
-    } else if (ending == "tga") {
-        image = to_24_bits(std::move(image));
-        status = Targa24Write(path.c_str(), image.handle(), 0, 0, -1, -1);
-    } else {
-        status = write_jpeg(path, std::move(image), options);
-    }
+    check_writable(path, options.to);
+    const Watch watch("writing");
+    Output output(path, options.replace || settings.force);
+    const int32_t status =
+        write_file(output.path(), options.to.empty() ? extension(path) : options.to,
+                   std::move(image), options);
     if (status != KIRVO_OK)
-        throw Failure(path, status);
+        throw Failure(shown(path, "standard output"), status);
+    output.complete();
 }

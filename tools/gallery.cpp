@@ -4,6 +4,10 @@
 #include "files.hpp"
 #include "lettering.hpp"
 #include "make.hpp"
+#include "records.hpp"
+#include "settings.hpp"
+#include "streams.hpp"
+#include "watch.hpp"
 
 #include <algorithm>
 #include <cstdio>
@@ -47,6 +51,7 @@ std::vector<Exhibit> exhibits(const Image& picture, const std::string& other) {
         {"--resize", {std::to_string((w + 1) / 2) + "x" + std::to_string(h)}},
         {"--rotate", {"90", "180", "270"}},
         {"--compose", {other + ",0", other + ",1", other + ",3", other + ",4"}},
+        {"--paste", {}},     // needs a smaller picture
         {"--key", {}},       // shows in --compose
         {"--histogram", {}}, // prints
         {"--interleave", {other}},
@@ -82,20 +87,6 @@ std::vector<Exhibit> exhibits(const Image& picture, const std::string& other) {
     return all;
 }
 
-Image fitted(Image image, int32_t width, int32_t height) {
-    const double factor =
-        std::min({1.0, double(width) / image.width(), double(height) / image.height()});
-    const auto scaled = [&](int32_t length) {
-        return std::max(1, static_cast<int32_t>(length * factor));
-    };
-    int32_t status = 0;
-    Image result(Dib24ZoomEx2(image.handle(), 0, 0, image.width(), image.height(),
-                              scaled(image.width()), scaled(image.height()), &status, 1));
-    if (!result)
-        throw Failure("resizing", status);
-    return result;
-}
-
 // One picture above its name.
 void mount(const Image& sheet, size_t place, const Image& picture, const std::string& name) {
     const auto at = static_cast<int32_t>(place);
@@ -122,8 +113,9 @@ std::string escaped(const std::string& text) {
     return result;
 }
 
-void write_page(const fs::path& folder, const std::vector<Exhibit>& all) {
-    std::ofstream page(folder / "index.html");
+void write_page(const std::string& name, const std::vector<Exhibit>& all) {
+    Output output(name, true);
+    std::ofstream page(path_of(output.path()));
     page << "<!doctype html>\n<html lang=\"en\">\n<meta charset=\"utf-8\">\n"
             "<meta name=\"viewport\" content=\"width=device-width\">\n<title>Kirvo: every effect"
             "</title>\n<style>\nbody{font:15px/1.4 sans-serif;margin:2em;background:#f4f4f4;"
@@ -136,37 +128,62 @@ void write_page(const fs::path& folder, const std::vector<Exhibit>& all) {
     for (const Exhibit& e : all) {
         page << "<figure><a href=\"" << e.file << "\"><img loading=\"lazy\" src=\"" << e.file
              << "\" alt=\"" << escaped(e.command()) << "\"></a><figcaption><b>"
-             << escaped(effect_of(e.option).summary) << "</b><code>kirvo convert 00-original.jpg "
-             << e.file << ' ' << escaped(e.command()) << "</code></figcaption></figure>\n";
+             << escaped(effect_of(e.option).summary)
+             << "</b><code>kirvo convert --force 00-original.jpg " << e.file << ' '
+             << escaped(e.command()) << "</code></figcaption></figure>\n";
     }
     page << "</main>\n</html>\n";
+    page.close();
     if (!page)
-        throw Failure((folder / "index.html").string(), KIRVO_WRITE_ERROR);
+        throw Failure(name, KIRVO_WRITE_ERROR);
+    output.complete();
+}
+
+void prepare(const fs::path& folder) {
+    std::error_code error;
+    fs::create_directories(folder, error);
+    if (!fs::is_directory(folder, error))
+        throw Failure(text_of(folder), "the folder cannot be made");
+    if (!settings.force && !fs::is_empty(folder, error))
+        throw Failure(text_of(folder), "the folder is not empty; --force writes into it");
+}
+
+void report(const std::string& folder, size_t pictures) {
+    if (settings.json)
+        print_json({{"folder", json_name(folder)}, {"pictures", pictures}});
+    else if (!settings.quiet)
+        std::printf("%zu pictures, contact-sheet.jpg and index.html in %s\n", pictures,
+                    folder.c_str());
 }
 
 } // namespace
 
 void make_gallery(const std::string& input, const std::string& folder_name) {
-    const fs::path folder = folder_name;
-    std::error_code error;
-    fs::create_directories(folder, error);
-    const auto inside = [&](const std::string& name) { return (folder / name).string(); };
+    const fs::path folder = path_of(folder_name);
+    prepare(folder);
+    const auto inside = [&](const std::string& name) { return text_of(folder / name); };
 
     WriteOptions fine;
     fine.quality = 2;
+    fine.replace = true;
     write_image(inside("00-original.jpg"),
                 fitted(to_24_bits(read_image(input)), picture_width, picture_width), fine);
     const Image picture = read_image(inside("00-original.jpg"));
     const std::string gradient = inside("gradient.bmp");
-    write_image(gradient, make_gradient(picture.width(), picture.height(),
-                                        {0x000000, 0x004080, 0x804000, 0xC0C0C0}));
+    write_image(
+        gradient,
+        make_gradient(picture.width(), picture.height(), {0x000000, 0x004080, 0x804000, 0xC0C0C0}),
+        fine);
 
     std::vector<Exhibit> all = exhibits(picture, gradient);
     const Image sheet = blank_sheet(all.size() + 1);
     mount(sheet, 0, picture, "original");
+    expect_work(all.size());
     for (size_t i = 0; i < all.size(); ++i) {
         Exhibit& e = all[i];
-        Image result = effect_of(e.option).apply(copy_at_24_bits(picture), Arguments(e.option, e.value));
+        const Watch watch(e.option.substr(2));
+        Image result =
+            effect_of(e.option).apply(copy_at_24_bits(picture), Arguments(e.option, e.value));
         // The page's commands are run beside the gradient.
         if (const size_t at = e.value.find(gradient); at != std::string::npos)
             e.value.replace(at, gradient.size(), "gradient.bmp");
@@ -174,7 +191,6 @@ void make_gallery(const std::string& input, const std::string& folder_name) {
         write_image(inside(e.file), std::move(result), fine);
     }
     write_image(inside("contact-sheet.jpg"), copy_at_24_bits(sheet), fine);
-    write_page(folder, all);
-    std::printf("%zu pictures, contact-sheet.jpg and index.html in %s\n", all.size() + 1,
-                folder_name.c_str());
+    write_page(inside("index.html"), all);
+    report(folder_name, all.size() + 1);
 }

@@ -42,8 +42,14 @@ std::string meaning(int32_t status) {
     }
 }
 
-Failure::Failure(const std::string& what, int32_t status)
-    : std::runtime_error(what + ": status " + std::to_string(status) + ": " + meaning(status)) {}
+Failure::Failure(const std::string& subject, int32_t status)
+    : Failure(subject, status, meaning(status)) {}
+
+Failure::Failure(const std::string& subject, int32_t status, const std::string& reason)
+    : std::runtime_error(subject + ": " +
+                         (status != KIRVO_OK ? "status " + std::to_string(status) + ": " : "") +
+                         reason),
+      subject_(subject), reason_(reason), status_(status) {}
 
 BITMAPINFOHEADER Image::header() const {
     BITMAPINFOHEADER header = {};

@@ -11,9 +11,23 @@
 // An operation that did not work: the program ends with exit code 1.
 class Failure : public std::runtime_error {
   public:
-    using std::runtime_error::runtime_error;
     // "photo.jpg: status -13: bad or unsupported JPEG header"
-    Failure(const std::string& what, int32_t status);
+    Failure(const std::string& subject, int32_t status);
+    // "photo.jpg: not a picture of a known format"
+    Failure(const std::string& subject, const std::string& reason)
+        : Failure(subject, KIRVO_OK, reason) {}
+
+    const std::string& subject() const { return subject_; }
+    const std::string& reason() const { return reason_; }
+    int32_t status() const { return status_; } // KIRVO_OK when the library has not been asked
+    // The same of something else.
+    Failure about(const std::string& subject) const { return Failure(subject, status_, reason_); }
+
+  private:
+    Failure(const std::string& subject, int32_t status, const std::string& reason);
+
+    std::string subject_, reason_;
+    int32_t status_;
 };
 
 // A command that makes no sense: exit code 2.

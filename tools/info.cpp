@@ -1,17 +1,17 @@
 #include "info.hpp"
 
 #include "files.hpp"
+#include "records.hpp"
+#include "settings.hpp"
+#include "streams.hpp"
+#include "terminal.hpp"
 #include "watch.hpp"
 
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
-#include <nlohmann/json.hpp>
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 // Text of an image file is in no known encoding: what is not ASCII becomes '?'.
 std::string printable(const std::string& text) {
@@ -157,19 +157,30 @@ void describe_icon(Json& out, const std::string& path) {
     out["images"] = images;
 }
 
-Json describe(const std::string& path) {
-    const FileFormat format = recognise(path);
-    Json out;
-    out["file"] = path;
-    out["format"] = format_name(format);
-    out["bytes"] = std::filesystem::file_size(path);
+void describe_content(Json& out, FileFormat format, const std::string& path) {
     if (format == FileFormat::jpeg)
         describe_jpeg(out, path);
     else if (format == FileFormat::icon)
         describe_icon(out, path);
     else
         describe_image(out, read_image(path));
-    return out;
+}
+
+Json describe(const std::string& name) {
+    const Watch watch("reading");
+    const Input input(name);
+    const std::string& path = input.path();
+    try {
+        const FileFormat format = recognise(path);
+        Json out;
+        out["file"] = json_name(name);
+        out["format"] = format_name(format);
+        out["bytes"] = std::filesystem::file_size(path_of(path));
+        describe_content(out, format, path);
+        return out;
+    } catch (const Failure& failure) {
+        throw failure.about(shown(name, "standard input"));
+    }
 }
 
 std::string plain(const Json& value) {
@@ -215,22 +226,22 @@ void print_text(const Json& description) {
 
 } // namespace
 
-bool print_info(const std::vector<std::string>& paths, bool json) {
+bool print_info(const std::vector<std::string>& names) {
+    expect_work(names.size());
     Json all = Json::array();
     bool good = true;
-    for (const std::string& path : paths) {
+    for (const std::string& name : names) {
         try {
-            const Json description = describe(path);
-            if (json)
-                all.push_back(description);
-            else
-                print_text(description);
+            all.push_back(describe(name));
+            if (!settings.json)
+                print_text(all.back());
         } catch (const std::exception& error) {
-            std::fprintf(stderr, "kirvo: %s\n", error.what());
+            complain(error.what());
+            all.push_back(error_record(name, error));
             good = false;
         }
     }
-    if (json)
-        std::printf("%s\n", all.dump(2).c_str());
+    if (settings.json)
+        print_json(all);
     return good;
 }

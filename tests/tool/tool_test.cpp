@@ -2,41 +2,13 @@
 #include "formats/made_elsewhere.hpp"
 #include "support/dib_builder.hpp"
 #include "support/temp_file.hpp"
+#include "tool/run.hpp"
 
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 
 using namespace kirvo_test;
 
 namespace {
-
-#ifdef _WIN32
-constexpr const char* program = "kirvo.exe";
-int exit_code(int result) { return result; }
-#else
-constexpr const char* program = "./kirvo";
-int exit_code(int result) { return WIFEXITED(result) ? WEXITSTATUS(result) : -1; }
-#endif
-
-struct Outcome {
-    int code;
-    std::string text; // what it wrote to both streams
-};
-
-Outcome kirvo(const std::string& arguments) {
-    const TempFile output(".txt");
-    const std::string command =
-        std::string(program) + " " + arguments + " >" + output.name() + " 2>&1";
-    const int code = exit_code(std::system(command.c_str()));
-    const std::vector<uint8_t> bytes = output.read();
-    return {code, std::string(bytes.begin(), bytes.end())};
-}
-
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
 
 // A small picture in a file.
 struct Photo {
@@ -184,7 +156,7 @@ TEST(Tool, ReadsIconsAndSavesTheirMasks) {
     EXPECT_EQ(read(mask).pixel(2, 2), 1u); // transparent
     EXPECT_EQ(read(mask).pixel(3, 2), 0u);
     const Outcome beyond =
-        kirvo(std::string("convert --index 9 ") + icon.name() + " " + out.name());
+        kirvo(std::string("convert --force --index 9 ") + icon.name() + " " + out.name());
     EXPECT_EQ(beyond.code, 1);
     EXPECT_TRUE(contains(beyond.text, "status -1")) << beyond.text;
 }
@@ -201,7 +173,7 @@ TEST(Tool, ReadsTargaRawAndQ0) {
     raw_file[11] = 1;
     raw_file.insert(raw_file.end(), pixels.begin(), pixels.end());
     const TempFile raw(".raw", raw_file);
-    ASSERT_EQ(kirvo(std::string("convert ") + raw.name() + " " + out.name()).code, 0);
+    ASSERT_EQ(kirvo(std::string("convert -f ") + raw.name() + " " + out.name()).code, 0);
     EXPECT_EQ(read(out).pixel(0, 0), 0x010203u);
 
     const TempFile q0(".q0", pixels);
@@ -211,7 +183,7 @@ TEST(Tool, ReadsTargaRawAndQ0) {
     std::ofstream(companion) << "1 2\n";
     const Outcome info = kirvo("info " + name);
     EXPECT_TRUE(contains(info.text, "format: Q0")) << info.text;
-    ASSERT_EQ(kirvo("convert " + name + " " + out.name()).code, 0);
+    ASSERT_EQ(kirvo("convert -f " + name + " " + out.name()).code, 0);
     EXPECT_EQ(read(out).pixel(0, 1), 0x040506u);
     std::filesystem::remove(companion);
 }
@@ -284,6 +256,8 @@ TEST(Tool, EffectsInPlaceAndInTheOrderGiven) {
               changed([](HGLOBAL h) { return Dib24Mix5X5(h, 5, 6); }));
     EXPECT_EQ(converted(photo, "--compose " + photo.name() + ",3").bytes(),
               changed([&](HGLOBAL h) { return Dib24Add(h, 0, 0, photo.dib, 0, 0, 40, 30, 3); }));
+    EXPECT_EQ(converted(photo, "--paste " + photo.name() + ",7,5").bytes(),
+              changed([&](HGLOBAL h) { return Dib24CopyEx(h, 7, 5, photo.dib, 0, 0, 33, 25); }));
 
     int32_t s = 0;
     const auto brightness = [&](HGLOBAL h, int32_t n) {
@@ -348,5 +322,9 @@ TEST(Tool, GalleryShowsEveryEffect) {
     for (const auto& entry : std::filesystem::directory_iterator(folder))
         pictures += entry.path().extension() == ".jpg";
     EXPECT_GT(pictures, 60u);
+    const Outcome again = kirvo("gallery " + photo.name() + " " + folder);
+    EXPECT_EQ(again.code, 1);
+    EXPECT_TRUE(contains(again.text, "--force")) << again.text;
+    EXPECT_EQ(kirvo("gallery --force " + photo.name() + " " + folder).code, 0);
     std::filesystem::remove_all(folder);
 }

@@ -55,7 +55,8 @@ int main(int argc, char** argv) {
     const int width = argc > 3 ? std::atoi(argv[2]) : 4000;
     const int height = argc > 3 ? std::atoi(argv[3]) : 3000;
     const auto seed = static_cast<uint32_t>(argc > 4 ? std::atoi(argv[4]) : 1);
-    if (argc < 2 || argc == 3 || width < 1 || height < 1 || width > 30000 || height > 20000) {
+    const bool is_named = argc > 1 && argv[1][0] != '-';
+    if (!is_named || argc == 3 || width < 1 || height < 1 || width > 30000 || height > 20000) {
         std::fprintf(stderr, "usage: kirvo_sample FILE.bmp [WIDTH HEIGHT [SEED]]\n");
         return 2;
     }

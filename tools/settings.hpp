@@ -1,0 +1,10 @@
+// What holds for the whole run: the options that may stand anywhere on the command line.
+#pragma once
+
+struct Settings {
+    bool quiet = false; // no progress bar, no messages but errors
+    bool json = false;  // results as JSON
+    bool force = false; // files that exist are replaced
+};
+
+inline Settings settings;
