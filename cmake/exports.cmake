@@ -21,6 +21,20 @@ if(WIN32)
         COMMAND ${CMAKE_DLLTOOL} --kill-at --input-def ${exports} --dllname $<TARGET_FILE_NAME:kirvo>
                 --output-lib $<TARGET_LINKER_FILE:kirvo>
         VERBATIM)
+
+    # The same in the form of Microsoft's linker.
+    find_program(KIRVO_LLVM_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14)
+    if(KIRVO_LLVM_DLLTOOL)
+        set(machine i386)
+        if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+            set(machine i386:x86-64)
+        endif()
+        add_custom_command(
+            TARGET kirvo POST_BUILD
+            COMMAND ${KIRVO_LLVM_DLLTOOL} -k -m ${machine} -d ${exports} -D $<TARGET_FILE_NAME:kirvo>
+                    -l ${PROJECT_BINARY_DIR}/Kirvo.lib
+            VERBATIM)
+    endif()
 else()
     # A linker script that names what is exported and hides the rest, template instances of the
     # standard library included.

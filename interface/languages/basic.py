@@ -1,0 +1,79 @@
+"""Visual Basic 6 and VBA."""
+from languages import comment, escaped, listed, numbers, plain, statuses, title
+
+PATH = "vb/Kirvo.bas"
+NEWLINE = "\r\n"  # the editor reads no other
+
+TYPES = {
+    "status": "Long", "int": "Long", "uint": "Long", "int16": "Integer", "uint16": "Integer",
+    "byte": "Byte", "double": "Double", "bool": "Long", "colour": "Long", "image": "LongPtr",
+    "block": "LongPtr", "header": "LongPtr", "file": "String", "window": "LongPtr",
+    "palette": "LongPtr", "object": "LongPtr", "address": "LongPtr", "size": "LongPtr",
+    "uintptr": "LongPtr", "any": "Any", "WORD": "Integer", "DWORD": "Long", "LONG": "Long",
+    "BYTE": "Byte",
+}
+# Names that the language keeps to itself.
+RESERVED = {"to", "end", "object", "scale", "error"}
+
+
+def type_of(kind, pointer):
+    name = kind if isinstance(kind, str) else TYPES[kind.name]
+    return pointer if name == "LongPtr" else name
+
+
+def parameter(given, pointer):
+    """Arrays are given by their first element, nothing by ByVal 0&."""
+    kind = "Any" if given.nullable else type_of(given.kind, pointer)
+    way = "ByRef" if given.way else "ByVal"
+    return f"{way} {escaped(given.name, RESERVED)} As {kind}"
+
+
+def declaration(function, safe, pointer):
+    word = "Function" if function.result else "Sub"
+    library = {"Kirvo": "Kirvo.dll"}.get(function.home, function.home)
+    head = f'Public Declare {safe}{word} {function.name} Lib "{library}" ('
+    result = f") As {type_of(function.result, pointer)}" if function.result else ")"
+    parameters = [parameter(given, pointer) for given in function.parameters]
+    return listed(head, parameters or [""], result, continued=" _")
+
+
+def declarations(description, header, safe, pointer):
+    for group in description.groups:
+        functions = [function for function in group.functions if function.home]
+        if functions:
+            yield from ["", f"' {title(group, header)}"]
+        for function in functions:
+            yield ""
+            yield from comment(header.comments[function.name].brief, "' ")
+            yield from declaration(function, safe, pointer)
+
+
+def structure(given, header):
+    yield ""
+    yield from comment(header.comments[given.name].sentence, "' ")
+    yield f"Public Type {given.name}"
+    for field in given.fields:
+        meaning = plain(header.comments[field.name].sentence)
+        yield f"    {field.name} As {type_of(field.kind, 'LongPtr')} ' {meaning}"
+    yield "End Type"
+
+
+def sections(description, header):
+    made = {"statuses": [], "constants": [], "structures": [], "messages": []}
+    for group, names in numbers(description):
+        for name, value in names.items():
+            place = "statuses" if "KirvoStatus" in group.enums else "constants"
+            indent = "    " if place == "statuses" else ""
+            made[place] += comment(header.comments[name].sentence, "' ", indent=indent)
+            made[place].append(f"    {name} = {value}" if place == "statuses" else
+                               f"Public Const {name} As Long = &H{value:X}&")
+        for one in group.structures:
+            if not one.is_table:
+                made["structures"] += structure(one, header)
+    made["safe_functions"] = list(declarations(description, header, "PtrSafe ", "LongPtr"))
+    made["functions"] = list(declarations(description, header, "", "Long"))
+    for name in statuses(description):
+        text = plain(header.comments[name].sentence).replace('"', '""')
+        made["messages"].append(f"    Case {name}")
+        made["messages"].append(f'        KirvoMessage = "{name}: {text}"')
+    return made

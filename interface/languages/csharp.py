@@ -1,0 +1,113 @@
+"""C#."""
+import textwrap
+
+from description import Function
+from languages import escaped, listed, numbers, plain, title
+
+PATH = "csharp/Kirvo.cs"
+NEWLINE = "\n"
+
+TYPES = {
+    "status": "KirvoStatus", "int": "int", "uint": "uint", "int16": "short", "uint16": "ushort",
+    "byte": "byte", "double": "double", "bool": "bool", "colour": "uint", "image": "IntPtr",
+    "block": "IntPtr", "header": "IntPtr", "file": "string", "window": "IntPtr",
+    "palette": "IntPtr", "object": "IntPtr", "address": "IntPtr", "size": "UIntPtr",
+    "uintptr": "UIntPtr", "intptr": "IntPtr", "any": "byte", "WORD": "ushort", "DWORD": "uint",
+    "LONG": "int", "BYTE": "byte",
+}
+RESERVED = {"object"}
+IMPORT = "[DllImport({}, ExactSpelling = true{})]"
+TEXT = ", BestFitMapping = false, ThrowOnUnmappableChar = true"
+LIBRARIES = {"Kirvo": "Library", "kernel32": '"kernel32.dll"', "gdi32": '"gdi32.dll"',
+             "": "Library"}
+
+
+def type_of(kind):
+    return kind if isinstance(kind, str) else TYPES[kind.name]
+
+
+def parameter(given, pointer=False):
+    name = escaped(given.name, RESERVED)
+    kind = type_of(given.kind)
+    if given.count is not None:
+        return f"[{given.way.capitalize()}] {kind}[] {name}"
+    if given.nullable and given.way == "in":
+        return f"{kind} {name}"  # a class: an address that may be null
+    if given.nullable and pointer:
+        return f"IntPtr {name}"
+    if kind == "string":
+        return f"[MarshalAs(UnmanagedType.LPStr)] string {name}"
+    return f"{given.way} {kind} {name}".lstrip()
+
+
+def documentation(tag, text, indent="        "):
+    text = plain(text).replace("&", "&amp;").replace("<", "&lt;").replace(">", "&gt;")
+    close = tag.split()[0]
+    lines = textwrap.wrap(f"<{tag}>{text}</{close}>", 96 - len(indent), break_on_hyphens=False)
+    return [f"{indent}/// {line}" for line in lines]
+
+
+def function_documentation(function, header):
+    comment = header.comments[function.name]
+    yield ""
+    yield from documentation("summary", comment.sentence)
+    if comment.details:
+        yield from documentation("remarks", comment.details)
+    for given in function.parameters:
+        yield from documentation(f'param name="{escaped(given.name, RESERVED)}"',
+                                 comment.parameters[given.name])
+    if comment.result:
+        yield from documentation("returns", comment.result)
+
+
+def declarations(function, header):
+    text = TEXT if any(type_of(given.kind) == "string" for given in function.parameters) else ""
+    result = type_of(function.result) if function.result else "void"
+    variables = [parameter(given) for given in function.parameters]
+    addresses = [parameter(given, pointer=True) for given in function.parameters]
+    for overload in [variables] if variables == addresses else [variables, addresses]:
+        yield from function_documentation(function, header)
+        yield "        " + IMPORT.format(LIBRARIES[function.home], text)
+        head = f"        public static extern {result} {function.name}("
+        yield from listed(head, overload or [""], ");", indent=" " * 12)
+
+
+def structure(given, header):
+    yield ""
+    yield from documentation("summary", header.comments[given.name].sentence, "    ")
+    word = "sealed class" if given.is_table else "struct"
+    yield "    [StructLayout(LayoutKind.Sequential)]"
+    yield f"    public {word} {given.name}"
+    yield "    {"
+    for field in given.fields:
+        yield from documentation("summary", header.comments[field.name].sentence)
+        if isinstance(field, Function):
+            yield f"        public {field.name}Function {field.name};"
+        else:
+            yield f"        public {type_of(field.kind)} {field.name};"
+    for field in given.fields:
+        if isinstance(field, Function):
+            yield ""
+            yield from documentation("summary", f"Type of {field.name}.")
+            yield "        [UnmanagedFunctionPointer(CallingConvention.Winapi)]"
+            head = f"        public delegate {type_of(field.result)} {field.name}Function("
+            yield from listed(head, [parameter(one) for one in field.parameters], ");",
+                              indent=" " * 12)
+    yield "    }"
+
+
+def sections(description, header):
+    made = {"statuses": [], "constants": [], "structures": [], "functions": []}
+    for group, names in numbers(description):
+        for name, value in names.items():
+            place = "statuses" if "KirvoStatus" in group.enums else "constants"
+            made[place] += documentation("summary", header.comments[name].sentence)
+            made[place].append(f"        {name} = {value}," if place == "statuses" else
+                               f"        public const int {name} = {value};")
+        for one in group.structures:
+            made["structures"] += structure(one, header)
+        if group.functions:
+            made["functions"] += ["", f"        // {title(group, header)}"]
+        for function in group.functions:
+            made["functions"] += declarations(function, header)
+    return made

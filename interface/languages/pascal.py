@@ -1,0 +1,103 @@
+"""Delphi and Free Pascal."""
+import itertools
+import textwrap
+
+from description import Function
+from languages import comment, escaped, listed, numbers, plain, statuses, title
+
+PATH = "pascal/Kirvo.pas"
+NEWLINE = "\n"
+
+TYPES = {
+    "status": "LongInt", "int": "LongInt", "uint": "LongWord", "int16": "SmallInt",
+    "uint16": "Word", "byte": "Byte", "double": "Double", "bool": "LongBool",
+    "colour": "LongWord", "image": "HGLOBAL", "block": "HGLOBAL", "header": "Pointer",
+    "file": "PAnsiChar", "window": "HWND", "palette": "HPALETTE", "object": "THandle",
+    "address": "Pointer", "size": "KirvoUIntPtr", "uintptr": "KirvoUIntPtr",
+    "intptr": "KirvoIntPtr", "WORD": "Word", "DWORD": "LongWord", "LONG": "LongInt", "BYTE": "Byte",
+}
+POINTERS = {"int": "PInteger", "uint": "PKirvoLongWord", "int16": "PSmallInt", "uint16": "PWord",
+            "byte": "PByte", "any": "Pointer", "image": "PKirvoHandle"}
+RESERVED = {"to", "end", "object", "final"}
+
+
+def type_of(kind):
+    return "T" + kind if isinstance(kind, str) else TYPES[kind.name]
+
+
+def pointer_to(kind):
+    return "P" + kind if isinstance(kind, str) else POINTERS[kind.name]
+
+
+def parameter(given):
+    """What stands before and behind the name."""
+    if given.way and (given.count is not None or given.nullable):
+        return "", pointer_to(given.kind)
+    return {"": "", "out": "out ", "in": "const "}[given.way], type_of(given.kind)
+
+
+def signature(head, function, tail, indent):
+    """A heading: neighbours of one type share it."""
+    groups = []
+    for (way, kind), given in itertools.groupby(function.parameters, parameter):
+        names = ", ".join(escaped(one.name, RESERVED) for one in given)
+        groups.append(f"{way}{names}: {kind}")
+    result = f": {type_of(function.result)};" if function.result else ";"
+    head = f"{'function' if function.result else 'procedure'}{head}"
+    if not groups:
+        return [head + result + tail]
+    return listed(head + "(", groups, ")" + result + tail, ";", indent)
+
+
+def declaration(function, header):
+    yield from comment(header.comments[function.name].brief, "{ ", " }")
+    yield from signature(" " + function.name, function, "", "  ")
+    convention = "{$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF}"
+    if function.home != "Kirvo":
+        convention = "cdecl;"
+    yield f"  {convention} external KirvoLibrary name '{function.name}';"
+
+
+def record(structure, header):
+    yield ""
+    yield from comment(header.comments[structure.name].brief, "{ ", " }", "  ")
+    yield f"  T{structure.name} = record"
+    for field in structure.fields:
+        meaning = "".join(comment(header.comments[field.name].sentence, "// "))
+        if isinstance(field, Function):
+            yield "    " + meaning
+            lines = signature("", field, " cdecl;", "      ")
+            yield f"    {field.name}:"
+            yield from ["      " + line for line in lines]
+        else:
+            yield f"    {field.name}: {type_of(field.kind)}; {meaning}"
+    yield "  end;"
+    yield f"  P{structure.name} = ^T{structure.name};"
+
+
+def constants(group, names, header):
+    for name, value in names.items():
+        yield from comment(header.comments[name].sentence, "// ", indent="  ")
+        yield f"  {name} = {value};" if value < 0x40 else f"  {name} = ${value:04X};"
+
+
+def sections(description, header):
+    made = {"constants": [], "platform_constants": [], "records": [], "platform_records": [],
+            "functions": [], "platform_functions": []}
+    for group, names in numbers(description):
+        place = "platform_" if group.name == "platform" else ""
+        made[place + "constants"] += constants(group, names, header)
+        for structure in group.structures:
+            made[place + "records"] += record(structure, header)
+        if group.functions:
+            made[place + "functions"] += ["", f"// {title(group, header)}"]
+        for function in group.functions:
+            made[place + "functions"] += ["", *declaration(function, header)]
+    made["messages"] = []
+    for name in statuses(description):
+        text = plain(header.comments[name].sentence).replace("'", "''")
+        first, *rest = textwrap.wrap(text, 88, drop_whitespace=False)
+        made["messages"] += [f"    {name}:", f"      Result := '{name}: ' +"]
+        made["messages"] += listed("        ", [f"'{line}'" for line in (first, *rest)], ";", " +",
+                                   "        ")
+    return made

@@ -1,0 +1,81 @@
+"""Python, by ctypes."""
+from description import Function
+from languages import comment, listed, numbers, plain, statuses, title
+
+PATH = "python/kirvo.py"
+NEWLINE = "\n"
+
+TYPES = {
+    "status": "c_int32", "int": "c_int32", "uint": "c_uint32", "int16": "c_int16",
+    "uint16": "c_uint16", "byte": "c_uint8", "double": "c_double", "bool": "c_int32",
+    "colour": "c_uint32", "image": "HANDLE", "block": "HANDLE", "header": "c_void_p",
+    "file": "FileName", "window": "HANDLE", "palette": "HANDLE", "object": "HANDLE",
+    "address": "c_void_p", "size": "c_size_t", "uintptr": "c_size_t", "intptr": "c_ssize_t",
+    "WORD": "c_uint16", "DWORD": "c_uint32", "LONG": "c_int32", "BYTE": "c_uint8",
+}
+
+
+def type_of(kind):
+    return kind if isinstance(kind, str) else TYPES[kind.name]
+
+
+def parameter(given):
+    if not given.way:
+        return type_of(given.kind)
+    return "c_void_p" if getattr(given.kind, "name", "") == "any" else \
+        f"POINTER({type_of(given.kind)})"
+
+
+def shown(given):
+    """A parameter as the documentation names it."""
+    count = "" if given.count is None else f"[{given.count}]"
+    return f"{given.way} {given.name}{count}".lstrip()
+
+
+def declaration(function, header):
+    call = f"{function.name}({', '.join(map(shown, function.parameters))})"
+    text = plain(header.comments[function.name].brief)
+    result = type_of(function.result) if function.result else "None"
+    yield ""
+    yield f"{function.name} = _declare("
+    library = "_kirvo" if function.home in ("Kirvo", "") else f"_{function.home}"
+    yield from listed(f"    {library}, ", [result, *map(parameter, function.parameters)], ",")
+    yield f'    usage="{call}",'
+    yield f'    summary="{text}")'
+
+
+def structure(given, header):
+    yield ""
+    yield ""
+    yield f"class {given.name}(Structure):"
+    yield f'    """{plain(header.comments[given.name].sentence)}"""'
+    if given.is_table:
+        for field in given.fields:
+            yield from listed(f"    {field.name}Function = CFUNCTYPE(",
+                              [type_of(field.result), *map(parameter, field.parameters)], ")",
+                              indent=" " * 8)
+    yield "    _fields_ = ["
+    for field in given.fields:
+        kind = f"{field.name}Function" if isinstance(field, Function) else type_of(field.kind)
+        yield f'        ("{field.name}", {kind}),'
+    yield "    ]"
+
+
+def sections(description, header):
+    made = {"constants": [], "statuses": [], "structures": [], "functions": []}
+    for group, names in numbers(description):
+        if "KirvoStatus" not in group.enums:
+            for name, value in names.items():
+                made["constants"] += comment(header.comments[name].sentence, "# ")
+                made["constants"].append(f"{name} = {value:#x}" if value > 32 else
+                                         f"{name} = {value}")
+        for one in group.structures:
+            made["structures"] += structure(one, header)
+        if group.functions:
+            made["functions"] += ["", "", f"# {title(group, header)}"]
+        for function in group.functions:
+            made["functions"] += declaration(function, header)
+    for name, value in statuses(description).items():
+        text = plain(header.comments[name].sentence)
+        made["statuses"].append(f'    {name} = {value}, "{text}"')
+    return made
