@@ -1,0 +1,111 @@
+#!/usr/bin/env python3
+"""Doxygen's input filter: annotate.py FILE
+
+Makes names of functions links, shows the pictures of effects before their parameters, gives each
+status code its number and the functions that answer it, and lists all effects where a page says
+@effects. Line numbers of warnings stay true: every block of comment keeps its number of lines.
+"""
+import html
+import pathlib
+import re
+import sys
+
+import pictures
+
+HEADER = pathlib.Path(__file__).parent.parent / "include/kirvo.h"
+DOCUMENTED = re.compile(r"/\*\*((?:(?!\*/).)*)\*/\s*KIRVO_API\s[^;(]*?\bWINAPI\s+(\w+)\s*\(",
+                        re.DOTALL)
+
+CODE = re.compile(r"/\*\*((?:(?!\*/).)*)\*/\s*(KIRVO_\w+) = (-?\d+)", re.DOTALL)
+
+
+def functions():
+    """Every function of the header with its comment."""
+    return {name: comment for comment, name in DOCUMENTED.findall(HEADER.read_text())}
+
+
+def codes():
+    """Comment, name and number of every status code."""
+    return CODE.findall(HEADER.read_text())
+
+
+def linked(text, names):
+    """Functions become links, apart from code and what is a link already."""
+    keep = r"@code.*?@endcode|@f\$.*?@f\$|^```.*?^```|`[^`\n]*`|\[[^]\n]*\]\([^)\n]*\)|^#+ .*?$|^@?\\?snippet .*?$|\S*[\\@/#]\w+"
+    word = rf"({keep})|(?<![\w.])({'|'.join(names)})\b(?!\()"
+    return re.sub(word, lambda m: m[1] or "#" + m[2], text, flags=re.DOTALL | re.MULTILINE)
+
+
+def figure(file, caption):
+    return (f'<figure><img src="{file}" alt="{html.escape(caption)}"/>'
+            f"<figcaption>{html.escape(caption)}</figcaption></figure>")
+
+
+def shown(effect):
+    """One line that shows what a function does; empty for one without pictures."""
+    own = [picture for picture in pictures.pictures() if picture.function == effect]
+    if not own:
+        return ""
+    before = [] if pictures.made(own[0]) else [figure("before.jpg", "before")]
+    figures = before + [figure(picture.file, f"{picture.options}") for picture in own]
+    return f'@htmlonly[block] <div class="shown">{"".join(figures)}</div> @endhtmlonly'
+
+
+def with_pictures(text):
+    def add(match):
+        block = shown(match[2])
+        if not block:
+            return match[0]
+        # where the description ends
+        comment, count = re.subn(r"\n \*  @(param|ingroup|return)",
+                                 lambda m: f" <br class=\"end\"/>{block}{m[0]}", match[1], count=1)
+        assert count, match[2]
+        return f"/**{comment}*/{match[0].split('*/', 1)[1]}"
+
+    return DOCUMENTED.sub(add, text)
+
+
+def with_numbers(text, comments):
+    def add(match):
+        comment, name, number = match.groups()
+        who = sorted(f for f, words in comments.items()
+                     if re.search(rf"@(return|param\[out\] (status|error))[^@]*#{name}\b", words))
+        answered = ""
+        if who and name != "KIRVO_OK":
+            answered = ("@htmlonly <details><summary>answered by "
+                        f"{len(who)} function{'s' if len(who) > 1 else ''}</summary>@endhtmlonly "
+                        + ", ".join("#" + f for f in who) + " @htmlonly </details>@endhtmlonly ")
+        sign = number.replace("-", "−")
+        return (f'/** <span class="code">{sign}</span> @htmlonly <a id="{name}"></a>@endhtmlonly '
+                f"{comment.strip()} {answered}*/\n    {name} = {number}")
+
+    return CODE.sub(add, text)
+
+
+def gallery():
+    cells = []
+    for picture in pictures.pictures():
+        cells.append(f'<div class="effect"><img src="{picture.file}" '
+                     f'alt="{html.escape(picture.options)}"/> #{picture.function} '
+                     '@htmlonly <span class="options">'
+                     f"{html.escape(picture.options)}</span>@endhtmlonly</div>")
+    return f'<div class="effects">{"".join(cells)}</div>'
+
+
+def main():
+    path = pathlib.Path(sys.argv[1])
+    text = path.read_text()
+    comments = functions()
+    names = sorted(comments, key=len, reverse=True)
+    if path.suffix == ".h":
+        unknown = {picture.function for picture in pictures.pictures()} - comments.keys()
+        assert not unknown, f"pictures of functions that do not exist: {unknown}"
+        text = re.sub(r"/\*\*.*?\*/", lambda m: linked(m[0], names), text, flags=re.DOTALL)
+        text = with_numbers(with_pictures(text), comments)
+    else:
+        text = linked(text, names).replace("@effects", gallery())
+    sys.stdout.write(text)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,61 @@
+#!/usr/bin/env python3
+"""Makes the pictures of the reference with the command line: pictures.py PROGRAMS FOLDER
+
+PROGRAMS holds kirvo and kirvo_sample; pictures.txt says which pictures.
+"""
+import collections
+import pathlib
+import subprocess
+import sys
+
+LIST = pathlib.Path(__file__).with_name("pictures.txt")
+Picture = collections.namedtuple("Picture", "function file options")
+
+
+def pictures():
+    count = collections.Counter()
+    for line in LIST.read_text().splitlines():
+        if line and not line.startswith("#"):
+            function, options = line.split(maxsplit=1)
+            count[function] += 1
+            # dithered pictures are larger as JPEG files, and no longer what they were
+            kind = "bmp" if options.startswith("--palette") else "jpg"
+            yield Picture(function, f"{function}-{count[function]}.{kind}", options)
+
+
+def made(picture):
+    """Pictures that have no picture before them."""
+    return picture.options.startswith("make ")
+
+
+def make_all(programs, folder):
+    def run(program, *arguments):
+        subprocess.run([programs / program, *arguments], check=True, cwd=folder,
+                       stdout=subprocess.DEVNULL)
+
+    def convert(source, target, *options):
+        run("kirvo", "--quiet", "--force", "convert", source, target, *options)
+
+    fine = ["--quality", "2", "--subsample", "1"]
+    run("kirvo_sample", "scene.bmp", "1200", "800")
+    run("kirvo_sample", "scene2.bmp", "1200", "800", "2")
+    convert("scene.bmp", "before.bmp", "--resize", "240x160", "--smooth")
+    convert("before.bmp", "before.jpg", *fine)
+    convert("scene2.bmp", "other.bmp", "--resize", "240x160", "--smooth")
+    convert("scene2.bmp", "small.bmp", "--resize", "120x80", "--smooth")
+    convert("other.bmp", "parts.bmp", "--keep", "rgball,128,255,1,0,255,0,0,255,0")
+    convert("scene.bmp", "scene.jpg", "--crop", "0,160,1200,480", "--quality", "3")
+    for picture in pictures():
+        words = picture.options.split()
+        if made(picture):
+            run("kirvo", "--force", *words[:3], picture.file, *words[3:])
+        elif "--quality" in words:
+            convert("before.bmp", picture.file, *words)
+        else:
+            convert("before.bmp", picture.file, *words, *fine)
+    for name in ("scene", "scene2", "before", "other", "parts", "small"):
+        (folder / f"{name}.bmp").unlink()
+
+
+if __name__ == "__main__":
+    make_all(pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(sys.argv[2]))
