@@ -19,7 +19,10 @@ constexpr double photo_megapixels = 12.0;
 
 class Row {
   public:
-    Row(const char* name, std::function<Work()> prepare, double megapixels = photo_megapixels);
+    Row(const char* name, std::function<Work()> prepare, double megapixels = photo_megapixels)
+        : Row(name, std::move(prepare), [megapixels] { return megapixels; }) {}
+    // Where that is known once the row is run.
+    Row(const char* name, std::function<Work()> prepare, std::function<double()> megapixels);
 };
 
 } // namespace kirvo_bench
