@@ -16,8 +16,8 @@ foreach(source IN LISTS kirvo_sources)
         set(isa_flags -mavx2)
     elseif(source MATCHES "_avx512(vbmi)?\\.cpp$")
         # GCC 12 warns of its own AVX-512 headers.
-        set(isa_flags -mavx512f -mavx512bw -mavx512dq -mavx512vl -Wno-maybe-uninitialized
-                      -Wno-uninitialized)
+        set(isa_flags -mavx512f -mavx512bw -mavx512dq -mavx512vl -Wno-uninitialized
+                      $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
         if(CMAKE_MATCH_1)
             list(APPEND isa_flags -mavx512vbmi)
         endif()
@@ -37,7 +37,7 @@ target_include_directories(kirvo_objects PUBLIC include src)
 target_compile_options(kirvo_objects PRIVATE
     -Wall -Wextra -Wconversion $<$<BOOL:${KIRVO_WERROR}>:-Werror>
     -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-math-errno
-    -ftree-vectorize -fvect-cost-model=dynamic -ffunction-sections)
+    -ftree-vectorize $<$<CXX_COMPILER_ID:GNU>:-fvect-cost-model=dynamic> -ffunction-sections)
 if(NOT WIN32)
     # Windows objects would keep zeroed variables as data: file size for nothing.
     target_compile_options(kirvo_objects PRIVATE -fdata-sections)
@@ -53,10 +53,17 @@ else()
 endif()
 
 add_library(kirvo SHARED $<TARGET_OBJECTS:kirvo_objects>)
+add_library(Kirvo::kirvo ALIAS kirvo) # the name that find_package(Kirvo) gives
 target_include_directories(kirvo INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
 target_link_libraries(kirvo PRIVATE $<TARGET_PROPERTY:kirvo_objects,INTERFACE_LINK_LIBRARIES>)
 include(${CMAKE_CURRENT_LIST_DIR}/exports.cmake)
+
+if(KIRVO_COVERAGE)
+    target_compile_options(kirvo_objects PRIVATE -O1 --coverage)
+    target_link_options(kirvo_objects INTERFACE --coverage)
+    target_link_options(kirvo PRIVATE --coverage)
+endif()
 
 if(WIN32)
     enable_language(RC)
@@ -65,12 +72,9 @@ if(WIN32)
     set_target_properties(kirvo PROPERTIES OUTPUT_NAME Kirvo PREFIX "" IMPORT_PREFIX lib
                           ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
 else()
+    # One file under one name, as on Windows: a copy of it serves wherever it lies.
     target_link_options(kirvo PRIVATE -Wl,--gc-sections -Wl,--as-needed -Wl,-Bsymbolic)
     if(NOT KIRVO_SANITIZE)
         target_link_options(kirvo PRIVATE -Wl,--no-undefined)
     endif()
 endif()
-
-include(GNUInstallDirs)
-install(TARGETS kirvo)
-install(FILES include/kirvo.h TYPE INCLUDE)

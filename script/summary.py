@@ -9,10 +9,15 @@ import sys
 import xml.etree.ElementTree as xml
 
 
+def test_cases(report):
+    # What failed tests print is not always text.
+    return xml.fromstring(report.read_text("utf-8", "replace")).iter("testcase")
+
+
 def count_cases(report):
     """(passed, names of failed cases, skipped) of a GoogleTest report."""
     passed, failed, skipped = 0, [], 0
-    for case in xml.parse(report).iter("testcase"):
+    for case in test_cases(report):
         if case.find("failure") is not None:
             failed.append(f"{case.get('classname')}.{case.get('name')}")
         elif case.get("result") == "completed":
@@ -27,7 +32,7 @@ def count_target(folder):
     if not results.exists():
         return 0, ["could not be built and tested"], 0
     passed, failed, skipped = 0, [], 0
-    for test in xml.parse(results).iter("testcase"):
+    for test in test_cases(results):
         name = test.get("name")
         well = test.get("status") == "run"
         report = folder / "reports" / f"{name}.xml"
