@@ -72,6 +72,28 @@ class LockedBlock {
     uint8_t* data_;
 };
 
+// A block of the caller's that is only read, and not freed for as long as the object lives.
+class BorrowedBlock {
+  public:
+    explicit BorrowedBlock(HGLOBAL handle)
+        : handle_(handle), data_(static_cast<const uint8_t*>(borrow_block(handle, size_))) {}
+    BorrowedBlock(const BorrowedBlock&) = delete;
+    BorrowedBlock& operator=(const BorrowedBlock&) = delete;
+    ~BorrowedBlock() {
+        if (data_ != nullptr)
+            return_block(handle_);
+    }
+
+    explicit operator bool() const { return data_ != nullptr; }
+    const uint8_t* data() const { return data_; }
+    size_t size() const { return size_; }
+
+  private:
+    HGLOBAL handle_;
+    size_t size_ = 0;
+    const uint8_t* data_;
+};
+
 // Working memory for the length of a call: zeroed, and gone with the object. None at all is as good
 // as some: Windows does not lock a block of no bytes, so there is always one.
 class Scratch {

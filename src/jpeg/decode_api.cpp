@@ -67,7 +67,7 @@ int32_t advance(DecodeState& state, HGLOBAL* image) {
 }
 
 // The caller's bytes: none (-3), a size that is not theirs (-1).
-Status check_piece(const LockedBlock& data, int32_t size) {
+Status check_piece(const BorrowedBlock& data, int32_t size) {
     if (!data)
         return Status::null_handle;
     if (size < 0 || static_cast<size_t>(size) > data.size())
@@ -116,7 +116,7 @@ int32_t WINAPI JpgDecFirst(HGLOBAL data, int32_t size, HGLOBAL* image) {
     DecodeState& state = decode_state;
     if (codec_busy)
         return code(Status::busy);
-    const LockedBlock piece(data);
+    const BorrowedBlock piece(data);
     const Status status = check_piece(piece, size);
     if (status != Status::ok)
         return code(status);
@@ -142,7 +142,7 @@ int32_t WINAPI JpgDecNext(HGLOBAL data, int32_t size, int32_t final, HGLOBAL* im
         return code(Status::null_handle);
     state.final = final;
     if (data != nullptr && size != 0) {
-        const LockedBlock piece(data);
+        const BorrowedBlock piece(data);
         const Status status = check_piece(piece, size);
         if (status != Status::ok)
             return end_with(state, status);

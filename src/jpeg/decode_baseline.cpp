@@ -15,11 +15,12 @@ class McuReader {
     explicit McuReader(DecodeState& state)
         : state_(state), blocks_(state.picture.frame.layout->blocks()), careful_(state),
           fast_(state) {
-        const Layout& layout = *state.picture.frame.layout;
-        for (uint32_t c = 0; c < 3; ++c) {
+        const Frame& frame = state.picture.frame;
+        const Layout& layout = *frame.layout;
+        for (int32_t c = 0; c < frame.components; ++c) {
             const uint32_t table = c == 0 ? 0 : 1;
             components_[c] = fast_.baseline_tables_of(
-                table, table, coding_of(state, static_cast<int32_t>(c), c + 1, table, table));
+                table, table, coding_of(state, c, static_cast<uint32_t>(c) + 1, table, table));
         }
         for (int32_t i = 0; i < blocks_; ++i)
             tables_[i] = &components_[component_of(layout, i)];

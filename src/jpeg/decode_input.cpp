@@ -1,7 +1,6 @@
 #include "jpeg/decode_input.hpp"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace kirvo {
@@ -14,7 +13,7 @@ bool DecodeInput::make_room(size_t count) {
     const uint64_t needed = uint64_t{kept} + count + tail_bytes;
     if (needed + kept <= capacity) {
         std::memmove(start, bytes + position, kept);
-        set(start, kept);
+        set(start, kept, capacity - tail_bytes - kept);
         return true;
     }
     const uint64_t spare = kept != 0 ? std::clamp(kept, least_spare, most_spare) : 0;
@@ -27,37 +26,15 @@ bool DecodeInput::make_room(size_t count) {
     return true;
 }
 
-void DecodeInput::set(uint8_t* from, size_t count) {
-    static constexpr uint8_t nothing[tail_bytes] = {tail, tail, tail, tail, tail, tail, tail, tail};
-    bytes = from != nullptr ? from : nothing;
-    size = count;
-    position = 0;
-    if (from != nullptr)
-        std::memset(from + count, tail, tail_bytes);
-}
-
-bool DecodeInput::append(const uint8_t* more, size_t count) {
-    const auto used = block != nullptr ? static_cast<size_t>(bytes - start) + size : 0;
-    if (used + uint64_t{count} + tail_bytes > capacity && !make_room(count))
-        return false;
-    uint8_t* const from = start + (bytes - start) + position;
-    const size_t kept = remaining();
-    if (count == 1) // not worth a call
-        from[kept] = *more;
-    else
-        std::memcpy(from + kept, more, count);
-    set(from, kept + count);
-    return true;
-}
-
 void DecodeInput::replace(OwnedBlock own, size_t count) {
+    static constinit uint8_t nothing[tail_bytes] = {};
     const OwnedBlock old(block);
     if (block != nullptr)
         GlobalUnlock(block);
     block = own.release();
-    start = block != nullptr ? static_cast<uint8_t*>(GlobalLock(block)) : nullptr;
-    capacity = block != nullptr ? GlobalSize(block) : 0;
-    set(start, count);
+    start = block != nullptr ? static_cast<uint8_t*>(GlobalLock(block)) : nothing;
+    capacity = block != nullptr ? GlobalSize(block) : tail_bytes;
+    set(start, count, capacity - tail_bytes - count);
 }
 
 Status read_file(const char* name, OwnedBlock& block, uint32_t& size) {

@@ -66,9 +66,7 @@ LookupEntry dc_entry(uint32_t symbol, uint32_t length) {
     return symbol <= 16 ? pack(length, EntryKind::value) | symbol << 8 : 0;
 }
 
-void Lookup::prepare_ac(const DecodeTable& table) {
-    if (ready)
-        return;
+void Lookup::make_ac(const DecodeTable& table) {
     std::fill(std::begin(entries), std::end(entries), 0);
     walk_codes(table, ac_row, SymbolWalk::begin(), 0,
                [this](uint32_t symbol, uint32_t code, uint32_t length) {
@@ -79,9 +77,7 @@ void Lookup::prepare_ac(const DecodeTable& table) {
     ready = true;
 }
 
-void Lookup::prepare_dc(const DecodeTable& table) {
-    if (ready)
-        return;
+void Lookup::make_dc(const DecodeTable& table) {
     std::fill(std::begin(entries), std::end(entries), 0);
     walk_codes(table, dc_row, SymbolWalk::begin(), 0,
                [this](uint32_t symbol, uint32_t code, uint32_t length) {
@@ -116,9 +112,7 @@ AcPair single(LookupEntry entry) {
 
 } // namespace
 
-void PairLookup::prepare(const Lookup& lookup) {
-    if (ready)
-        return;
+void PairLookup::make(const Lookup& lookup) {
     constexpr uint32_t mask = (1u << lookup_bits) - 1;
     for (uint32_t bits = 0; bits <= mask; ++bits) {
         const LookupEntry first = lookup[bits];

@@ -48,8 +48,18 @@ struct Lookup {
     bool ready;
 
     LookupEntry operator[](uint32_t next_bits) const { return entries[next_bits]; }
-    void prepare_ac(const DecodeTable& table);
-    void prepare_dc(const DecodeTable& table);
+    void prepare_ac(const DecodeTable& table) {
+        if (!ready)
+            make_ac(table);
+    }
+    void prepare_dc(const DecodeTable& table) {
+        if (!ready)
+            make_dc(table);
+    }
+
+  private:
+    void make_ac(const DecodeTable& table);
+    void make_dc(const DecodeTable& table);
 };
 
 // What the next bits say of a baseline block's AC coefficients when up to two symbols with their
@@ -72,7 +82,13 @@ struct PairLookup {
     bool ready;
 
     // From the lookup of the same table.
-    void prepare(const Lookup& lookup);
+    void prepare(const Lookup& lookup) {
+        if (!ready)
+            make(lookup);
+    }
+
+  private:
+    void make(const Lookup& lookup);
 };
 
 // By table number. Kept apart from the decoder's state, which does not begin as zeros and so would

@@ -20,12 +20,16 @@ void prefetch(const uint8_t* bgr) {
 
 } // namespace
 
-Renderer::Renderer(const Frame& frame, Rows rows)
+Renderer::Renderer(const Frame& frame, HGLOBAL image)
     : layout_(*frame.layout), width_(frame.width), height_(frame.height),
       mcus_across_((frame.width + layout_.mcu_width - 1) / layout_.mcu_width),
       chroma_height_(
           layout_.chroma_blocks == 0 ? 0 : 8 * layout_.chroma_blocks / layout_.chroma_across()),
-      rows_(rows), kernels_(decode_rows()) {
+      handle_(image), kernels_(decode_rows()) {}
+
+void Renderer::open() {
+    image_.emplace(handle_);
+    rows_ = image_->rows(RowStart::after_header);
     for (int32_t i = 0; i < layout_.blocks(); ++i) {
         const int32_t component = component_of(layout_, i);
         const int32_t place =
@@ -58,6 +62,8 @@ void Renderer::find_terms(int32_t count) {
 }
 
 void Renderer::render(int32_t mcu, int32_t count, const Block* blocks, const uint8_t* last) {
+    if (!image_)
+        open();
     transform(blocks, last, count);
     find_terms(count);
     const int32_t x = mcu % mcus_across_ * layout_.mcu_width;

@@ -6,6 +6,8 @@
 #include "jpeg/decode_rows.hpp"
 #include "jpeg/decode_state.hpp"
 
+#include <optional>
+
 namespace kirvo {
 
 // As many pixels as are rendered at once across, and the MCUs and blocks that makes at most.
@@ -14,8 +16,9 @@ constexpr int32_t most_group_blocks = 32;
 
 class Renderer {
   public:
-    // The rows of an image of the frame's size.
-    Renderer(const Frame& frame, Rows rows);
+    // Into an image of the frame's size, which is locked when there is something to render first:
+    // small pieces of a stream seldom come as far.
+    Renderer(const Frame& frame, HGLOBAL image);
 
     int32_t group_mcus() const { return group_width / layout_.mcu_width; }
     // Renders MCUs that stand side by side from one of the image on. last holds the zigzag position
@@ -23,6 +26,7 @@ class Renderer {
     void render(int32_t mcu, int32_t count, const Block* blocks, const uint8_t* last);
 
   private:
+    void open();
     void transform(const Block* blocks, const uint8_t* last, int32_t count);
     void find_terms(int32_t count);
     void write_row(int32_t row, uint8_t* bgr, size_t pixels);
@@ -31,8 +35,10 @@ class Renderer {
     const Layout& layout_;
     const int32_t width_, height_, mcus_across_;
     const int32_t chroma_height_; // of an MCU
-    const Rows rows_;
+    const HGLOBAL handle_;
     const DecodeRows& kernels_;
+    std::optional<LockedDib> image_;
+    Rows rows_ = {};
     struct Slot {
         int16_t* samples; // of the group's first MCU
         int32_t step;     // to the next MCU

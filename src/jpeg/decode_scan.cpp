@@ -49,6 +49,13 @@ Step failed(DecodeState& state, Status status) {
     return Step::failure(status);
 }
 
+Step decode_picture(DecodeState& state) {
+    const Frame& frame = state.picture.frame;
+    Renderer renderer(frame, state.picture.image);
+    return frame.mode == FrameMode::baseline ? decode_baseline(state, renderer)
+                                             : decode_progressive(state, renderer);
+}
+
 } // namespace
 
 Step start_decoding(DecodeState& state) {
@@ -72,11 +79,7 @@ Step start_decoding(DecodeState& state) {
 }
 
 Step decode_scans(DecodeState& state) {
-    const LockedDib image(state.picture.image);
-    const Frame& frame = state.picture.frame;
-    Renderer renderer(frame, image.rows(RowStart::after_header));
-    const Step step = frame.mode == FrameMode::baseline ? decode_baseline(state, renderer)
-                                                        : decode_progressive(state, renderer);
+    const Step step = decode_picture(state);
     return step.kind == Step::failed ? failed(state, step.status) : step;
 }
 

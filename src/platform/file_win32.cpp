@@ -92,6 +92,10 @@ void* lock_block(HGLOBAL block, size_t& size) {
     return address;
 }
 
+const void* borrow_block(HGLOBAL block, size_t& size) { return lock_block(block, size); }
+
+void return_block(HGLOBAL block) { GlobalUnlock(block); }
+
 void compact_memory(uint64_t bytes) {
     if (bytes <= UINT32_MAX)
         GlobalCompact(static_cast<DWORD>(bytes));

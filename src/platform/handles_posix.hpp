@@ -1,5 +1,7 @@
 // Handles that can be checked: a handle names a slot and the slot's generation, so that one that
 // was never given out, or whose object is gone, is recognised without touching memory through it.
+// Looking an object up takes no lock: slots stay where they are, and a handle is stored after all
+// that it stands for.
 #pragma once
 
 #include <atomic>
@@ -35,14 +37,22 @@ class HandleTable {
     // Null when the table cannot grow.
     void* add(const Object& object) {
         const SpinGuard guard(lock_);
-        const uint32_t index = free_ != none ? free_ : used_;
+        const uint32_t index = free_ != none ? free_ : used_.load();
         Slot* slot = free_ != none ? at(index) : grow();
         if (slot == nullptr)
             return nullptr;
         if (free_ != none)
             free_ = slot->next_free;
         slot->object = object;
-        return slot->handle = handle_of(index, slot->generation);
+        void* const handle = handle_of(index, slot->generation);
+        slot->handle.store(handle, std::memory_order_release);
+        return handle;
+    }
+
+    // A live handle's object, as long as nobody removes it; null for any other handle.
+    const Object* look_up(const void* handle) const {
+        const Slot* slot = find(handle);
+        return slot != nullptr ? &slot->object : nullptr;
     }
 
     // Calls use(object) for a live handle; false for any other.
@@ -63,7 +73,7 @@ class HandleTable {
         if (slot == nullptr)
             return false;
         object = slot->object;
-        slot->handle = nullptr;
+        slot->handle.store(nullptr, std::memory_order_release);
         slot->generation = (slot->generation + 1) & 0x7FFFFFFF;
         slot->next_free = free_;
         free_ = index_of(handle);
@@ -75,7 +85,7 @@ class HandleTable {
     void each(See see) {
         const SpinGuard guard(lock_);
         for (uint32_t index = 0; index < used_; ++index) {
-            if (at(index)->handle != nullptr)
+            if (at(index)->handle.load() != nullptr)
                 see(at(index)->object);
         }
     }
@@ -87,7 +97,7 @@ class HandleTable {
 
     struct Slot {
         Object object;
-        void* handle; // null when free
+        std::atomic<void*> handle; // null when free
         uint32_t generation;
         uint32_t next_free;
     };
@@ -100,27 +110,29 @@ class HandleTable {
     static uint32_t index_of(const void* handle) {
         return (reinterpret_cast<uintptr_t>(handle) >> 2) & 0x03FFFFFF;
     }
-    Slot* at(uint32_t index) { return &chunks_[index / chunk_slots][index % chunk_slots]; }
-    Slot* find(const void* handle) {
-        if (handle == nullptr)
-            return nullptr;
+    Slot* at(uint32_t index) const { return &chunks_[index / chunk_slots][index % chunk_slots]; }
+    Slot* find(const void* handle) const {
         const uint32_t index = index_of(handle);
-        if (index >= used_)
+        if (handle == nullptr || index >= used_.load(std::memory_order_acquire))
             return nullptr;
         Slot* slot = at(index);
-        return slot->handle == handle ? slot : nullptr;
+        return slot->handle.load(std::memory_order_acquire) == handle ? slot : nullptr;
     }
     Slot* grow() {
-        const uint32_t chunk = used_ / chunk_slots;
+        const uint32_t index = used_.load();
+        const uint32_t chunk = index / chunk_slots;
         if (chunk >= chunk_count)
             return nullptr;
         if (chunks_[chunk] == nullptr)
             chunks_[chunk] = static_cast<Slot*>(std::calloc(chunk_slots, sizeof(Slot)));
-        return chunks_[chunk] == nullptr ? nullptr : at(used_++);
+        if (chunks_[chunk] == nullptr)
+            return nullptr;
+        used_.store(index + 1, std::memory_order_release);
+        return at(index);
     }
 
     Slot* chunks_[chunk_count] = {};
-    uint32_t used_ = 0;
+    std::atomic<uint32_t> used_ = 0;
     uint32_t free_ = none;
     std::atomic_flag lock_ = ATOMIC_FLAG_INIT;
 };

@@ -176,6 +176,14 @@ void* kirvo::lock_block(HGLOBAL block, size_t& size) {
     return address;
 }
 
+const void* kirvo::borrow_block(HGLOBAL block, size_t& size) {
+    const Block* b = blocks.look_up(block);
+    if (b == nullptr)
+        return nullptr;
+    size = b->size;
+    return b->memory.address;
+}
+
 LPVOID WINAPI GlobalLock(HGLOBAL block) {
     size_t size;
     return kirvo::lock_block(block, size);

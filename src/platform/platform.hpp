@@ -45,6 +45,15 @@ HGLOBAL allocate_unfilled(SIZE_T bytes);
 // GlobalLock, and GlobalSize when that succeeds.
 void* lock_block(HGLOBAL block, size_t& size);
 
+// The same for reading a block during which nothing frees it. Where blocks never move, no lock is
+// counted.
+const void* borrow_block(HGLOBAL block, size_t& size);
+#ifdef _WIN32
+void return_block(HGLOBAL block);
+#else
+inline void return_block(HGLOBAL) {}
+#endif
+
 // Asks the system to make room for a large block, where it knows such a thing.
 void compact_memory(uint64_t bytes);
 
