@@ -64,8 +64,15 @@ std::function<Work()> composed(int mode) {
     };
 }
 
-template<typename Operation> auto combined(Operation operation) {
-    return opencv([=](const cv::Mat& from, cv::Mat& to) { operation(from, from, to); });
+template<typename Operation> std::function<Work()> combined(Operation operation) {
+    return [=] {
+        cv::Mat other;
+        cv::flip(photo_mat(), other, 0);
+        return [=, photo = photo_mat()] {
+            cv::Mat result;
+            operation(photo, other, result);
+        };
+    };
 }
 
 const Row flip("turn/flip/ours", in_place(Dib24Flip));

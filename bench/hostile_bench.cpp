@@ -77,5 +77,10 @@ const bool added = [] {
 const Row in_one("jpeg/decode in pieces/ours", [] { return whole(photo_jpeg(Jpeg::s420)); });
 const Row in_pieces("jpeg/decode in pieces/byte by byte",
                     [] { return byte_by_byte(photo_jpeg(Jpeg::s420)); });
+// The smallest MCUs, of which each is entered anew.
+const Row grey_in_one("jpeg/decode grey in pieces/ours",
+                      [] { return whole(photo_jpeg(Jpeg::grey)); });
+const Row grey_in_pieces("jpeg/decode grey in pieces/byte by byte",
+                         [] { return byte_by_byte(photo_jpeg(Jpeg::grey)); });
 
 } // namespace

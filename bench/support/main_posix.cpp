@@ -3,7 +3,9 @@
 #include "support/table.hpp"
 
 #include <benchmark/benchmark.h>
+#include <climits>
 #include <cstdio>
+#include <malloc.h>
 #include <memory>
 #include <opencv2/core/utility.hpp>
 
@@ -49,6 +51,10 @@ Row::Row(const char* name, std::function<Work()> prepare, std::function<double()
 int main(int argc, char** argv) {
     // The library works in the caller's thread, so its peers do too.
     cv::setNumThreads(1);
+    // Results go to memory that has been used before, as ours do: with an allocator that asks the
+    // system anew for each picture, fresh pages would take most of the peers' time.
+    mallopt(M_MMAP_MAX, 0);
+    mallopt(M_TRIM_THRESHOLD, INT_MAX);
     // Interleaved repetitions, so that a busy moment of the machine hits all rows alike.
     std::vector<char*> arguments{argv[0]};
     std::string defaults[] = {"--benchmark_enable_random_interleaving=true",

@@ -69,8 +69,10 @@ int32_t WINAPI Dib24Negative(HGLOBAL dib, int32_t x, int32_t y, int32_t width, i
     uint32_t flipped = format.bits == 24 ? ~0u : format.masks.sum();
     if (format.bits == 16)
         flipped = (flipped & 0xFFFF) * 0x10001u; // two pixels
+    const ToneRows rows = tone_rows();
     operation.each_row([&](int32_t r) {
-        flip_bits(operation.row(r), operation.width() * format.bytes(), flipped);
+        uint8_t* const row = operation.row(r);
+        rows.flip(row, row, operation.width() * format.bytes(), flipped);
     });
     return code(Status::ok);
 }

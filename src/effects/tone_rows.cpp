@@ -41,9 +41,22 @@ void grey(uint8_t* to, const uint8_t* from, size_t pixels) {
     }
 }
 
+void flip(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
+    for (; bytes >= sizeof pattern; bytes -= sizeof pattern) {
+        uint32_t word;
+        std::memcpy(&word, from, sizeof word);
+        word ^= pattern;
+        std::memcpy(to, &word, sizeof word);
+        to += sizeof word;
+        from += sizeof word;
+    }
+    for (size_t i = 0; i < bytes; ++i)
+        to[i] = static_cast<uint8_t>(from[i] ^ pattern >> 8 * i);
+}
+
 } // namespace
 
-const ToneRows scalar_tone_rows = {scale, map, map_channels, permute, grey};
+const ToneRows scalar_tone_rows = {scale, map, map_channels, permute, grey, flip};
 
 ToneRows tone_rows() {
     ToneRows rows = scalar_tone_rows;
@@ -54,19 +67,6 @@ ToneRows tone_rows() {
     if (cpu_has_vbmi())
         avx512::improve(rows);
     return rows;
-}
-
-void flip_bits(uint8_t* row, size_t bytes, uint32_t pattern) {
-    const uint64_t twice = uint64_t{pattern} << 32 | pattern;
-    size_t i = 0;
-    for (; i + sizeof twice <= bytes; i += sizeof twice) {
-        uint64_t word;
-        std::memcpy(&word, row + i, sizeof word);
-        word ^= twice;
-        std::memcpy(row + i, &word, sizeof word);
-    }
-    for (; i < bytes; ++i)
-        row[i] = static_cast<uint8_t>(row[i] ^ pattern >> 8 * (i & 3));
 }
 
 } // namespace kirvo

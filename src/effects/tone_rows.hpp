@@ -26,6 +26,8 @@ struct ToneRows {
     void (*permute)(uint8_t* to, const uint8_t* from, size_t pixels, const ChannelOrder& order);
     // (77 red + 150 green + 29 blue + 128) / 256 in all three bytes
     void (*grey)(uint8_t* to, const uint8_t* from, size_t pixels);
+    // Inverts the bits that are set in pattern, which repeats every 4 bytes.
+    void (*flip)(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern);
 };
 
 // The rows for this machine.
@@ -42,8 +44,5 @@ void improve(ToneRows& rows);
 namespace avx512 {
 void improve(ToneRows& rows); // needs VBMI
 }
-
-// Inverts the bits that are set in pattern, which repeats every 4 bytes.
-void flip_bits(uint8_t* row, size_t bytes, uint32_t pattern);
 
 } // namespace kirvo

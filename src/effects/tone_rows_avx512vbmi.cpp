@@ -71,6 +71,7 @@ void permute(uint8_t* to, const uint8_t* from, size_t pixels, const ChannelOrder
 void improve(ToneRows& rows) {
     rows.scale = ToneVectors<Planes>::scale;
     rows.grey = ToneVectors<Planes>::grey;
+    rows.flip = ToneVectors<Planes>::flip;
     rows.map = map;
     rows.map_channels = map_channels;
     rows.permute = permute;

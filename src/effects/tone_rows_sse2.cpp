@@ -7,6 +7,7 @@ namespace kirvo::sse2 {
 void improve(ToneRows& rows) {
     rows.scale = ToneVectors<Planes>::scale;
     rows.grey = ToneVectors<Planes>::grey;
+    rows.flip = ToneVectors<Planes>::flip;
 }
 
 } // namespace kirvo::sse2

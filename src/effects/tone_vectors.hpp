@@ -43,6 +43,16 @@ struct ToneVectors {
             V{y, y, y}.store(out);
         });
     }
+
+    static void flip(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
+        uint8_t patterns[V::pixels];
+        for (size_t i = 0; i < sizeof patterns; i += sizeof pattern)
+            std::memcpy(patterns + i, &pattern, sizeof pattern);
+        const Vector flipped = V::load_bytes(patterns);
+        each_block<V::pixels>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
+            V::store_bytes(out, V::differing(V::load_bytes(in), flipped));
+        });
+    }
 };
 
 } // namespace

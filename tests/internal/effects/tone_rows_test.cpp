@@ -134,17 +134,23 @@ TEST(ToneRows, Grey) {
     });
 }
 
-TEST(ToneRows, FlipBits) {
+TEST(ToneRows, Flip) {
     const uint8_t pattern[4] = {0x78, 0x56, 0x34, 0x12};
     Random random(4);
-    for (size_t count = 0; count < 80; ++count) {
-        Guarded row(count, count % 7);
-        random.fill(row.data(), count);
-        std::vector<uint8_t> expected = row.content();
-        for (size_t i = 0; i < count; ++i)
-            expected[i] ^= pattern[i % 4];
-        flip_bits(row.data(), count, 0x12345678);
-        EXPECT_EQ(row.content(), expected);
-        EXPECT_TRUE(row.intact());
-    }
+    at_every_cpu_level([&](CpuLevel) {
+        for (size_t count = 0; count < 200; ++count) {
+            Guarded from(count, count % 7), to(count, count % 5);
+            random.fill(from.data(), count);
+            const std::vector<uint8_t> before = from.content();
+            std::vector<uint8_t> expected = before;
+            for (size_t i = 0; i < count; ++i)
+                expected[i] ^= pattern[i % 4];
+            tone_rows().flip(to.data(), from.data(), count, 0x12345678);
+            ASSERT_EQ(to.content(), expected) << count;
+            ASSERT_EQ(from.content(), before) << count;
+            tone_rows().flip(from.data(), from.data(), count, 0x12345678);
+            ASSERT_EQ(from.content(), expected) << count;
+            ASSERT_TRUE(to.intact() && from.intact()) << count;
+        }
+    });
 }
