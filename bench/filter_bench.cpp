@@ -76,13 +76,16 @@ const Row sharpen_opencv("filter/sharpen/opencv", opencv([](const cv::Mat& photo
                                      cv::noArray(), CV_8U);
                          }));
 
-template<int radius> HGLOBAL dilated(HGLOBAL photo, int32_t* status) {
+template<int radius>
+HGLOBAL dilated(HGLOBAL photo, int32_t* status) {
     return DibBlockMxM(photo, 0, 0, w, h, radius, 1, 0, status);
 }
-template<int radius> HGLOBAL brightest(HGLOBAL photo, int32_t* status) {
+template<int radius>
+HGLOBAL brightest(HGLOBAL photo, int32_t* status) {
     return DibBlockMxM(photo, 0, 0, w, h, radius, 1, 1, status);
 }
-template<int radius> void cv_dilated(const cv::Mat& photo, cv::Mat& result) {
+template<int radius>
+void cv_dilated(const cv::Mat& photo, cv::Mat& result) {
     constexpr int side = 2 * radius + 1;
     cv::dilate(photo, result, cv::getStructuringElement(cv::MORPH_RECT, {side, side}));
 }
@@ -144,5 +147,29 @@ const Row colours_opencv("filter/colours/opencv", opencv([](const cv::Mat& photo
                              });
                              result = cv::Mat(1, 1, CV_32S, cv::Scalar(cv::countNonZero(seen)));
                          }));
+
+const Row range("filter/range of hues/ours", ours([](HGLOBAL photo, int32_t* status) {
+                    return Dib24FilterEx(photo, 0, 0, w, h, 20 << 16 | 0x202, 1 << 16 | 140, 0, 0,
+                                         0, status);
+                }));
+// Its hues are halved, and what stays is the photo's own.
+const Row range_opencv("filter/range of hues/opencv",
+                       opencv([](const cv::Mat& photo, cv::Mat& result) {
+                           cv::Mat hsv, mask;
+                           cv::cvtColor(photo, hsv, cv::COLOR_BGR2HSV);
+                           cv::inRange(hsv, cv::Scalar(10, 0, 0), cv::Scalar(70, 255, 255), mask);
+                           photo.copyTo(result, mask);
+                       }));
+const Row range_rgb("filter/range of colours/ours", ours([](HGLOBAL photo, int32_t* status) {
+                        return Dib24FilterEx(photo, 0, 0, w, h, 60 << 16 | 0x102, 1 << 16 | 200,
+                                             200 << 16 | 40, 1, 1 << 16 | 180, status);
+                    }));
+const Row range_rgb_opencv("filter/range of colours/opencv",
+                           opencv([](const cv::Mat& photo, cv::Mat& result) {
+                               cv::Mat mask;
+                               cv::inRange(photo, cv::Scalar(0, 40, 60), cv::Scalar(180, 200, 200),
+                                           mask);
+                               photo.copyTo(result, mask);
+                           }));
 
 } // namespace

@@ -1,21 +1,12 @@
 #include "effects/hue_rows.hpp"
 
 #include "core/cpu.hpp"
+#include "effects/each_pixel.hpp"
 #include "effects/hsv.hpp"
 
 namespace kirvo {
 
 namespace {
-
-template<typename F>
-void each_pixel(uint8_t* to, const uint8_t* from, size_t pixels, const F& change) {
-    for (; pixels != 0; --pixels, to += 3, from += 3) {
-        const Rgb changed = change(Rgb{from[2], from[1], from[0]});
-        to[0] = changed.blue;
-        to[1] = changed.green;
-        to[2] = changed.red;
-    }
-}
 
 void set(uint8_t* to, const uint8_t* from, size_t pixels, int32_t hue, bool softer) {
     each_pixel(to, from, pixels, [=](const Rgb& rgb) {

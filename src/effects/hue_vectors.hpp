@@ -65,39 +65,53 @@ struct HueVectors {
         return {channel(3, 4, 2, 5), channel(1, 2, 0, 3), channel(0, 5, 1, 4)};
     }
 
-    static void turn(uint8_t* to, const uint8_t* from, size_t pixels, int32_t degrees) {
+    // Colours taken apart. Hues are 16-bit numbers, in two halves; saturation is most less least.
+    struct Parts {
+        Vector low_hue, high_hue;
+        Vector most, least;
+
+        Vector saturation() const { return V::sub8(most, least); }
+    };
+
+    // The hues turned by 0 to 359 degrees.
+    static Parts parts(const V& p, int32_t degrees) {
         // Hues are at least -60: so no sum is negative, and none reaches twice the circle.
         const Vector by = V::all16(degrees < 60 ? degrees + 360 : degrees);
+        const Vector most = V::max8(V::max8(p.red, p.green), p.blue);
+        const Vector least = V::min8(V::min8(p.red, p.green), p.blue);
+        const Vector red_most = V::equal8(most, p.red), green_most = V::equal8(most, p.green);
+        // The hue lies from the largest channel towards one of these.
+        const Vector after = V::select(red_most, p.green, V::select(green_most, p.blue, p.red));
+        const Vector before = V::select(red_most, p.blue, V::select(green_most, p.red, p.green));
+        const Vector fall = V::sub8_to_0(before, after);
+        const Vector difference = V::either(V::sub8_to_0(after, before), fall);
+        const Vector rising = V::equal8(fall, V::all8(0));
+        const Vector base = V::but_not(V::select(green_most, V::all8(120), V::all8(240)), red_most);
+        const Vector divisor = V::max8(V::sub8(most, least), V::all8(1));
+        const auto turned = [&](Vector difference, Vector divisor, Vector base, Vector rising) {
+            const Vector negative = V::differing(rising, V::all16(-1));
+            const Vector sum = V::add16(hue(difference, divisor, base, negative), by);
+            return V::unsigned_min16(sum, V::sub16(sum, V::all16(360)));
+        };
+        return {
+            turned(V::low16(difference), V::low16(divisor), V::low16(base), V::low_mask16(rising)),
+            turned(V::high16(difference), V::high16(divisor), V::high16(base),
+                   V::high_mask16(rising)),
+            most, least};
+    }
+
+    static V colour(const Parts& p) {
+        const Vector spread = p.saturation();
+        const Position low = position(p.low_hue), high = position(p.high_hue);
+        const Vector part =
+            V::narrow(part16(low.within, V::low16(spread)), part16(high.within, V::high16(spread)));
+        const Vector short_of = short8(V::narrow(low.within, high.within), spread);
+        return colour(V::narrow(low.sector, high.sector), V::add8(part, short_of), p.most, p.least);
+    }
+
+    static void turn(uint8_t* to, const uint8_t* from, size_t pixels, int32_t degrees) {
         each_block<3 * V::pixels>(to, from, 3 * pixels, [&](uint8_t* out, const uint8_t* in) {
-            const V p = V::load(in);
-            const Vector most = V::max8(V::max8(p.red, p.green), p.blue);
-            const Vector least = V::min8(V::min8(p.red, p.green), p.blue);
-            const Vector spread = V::sub8(most, least);
-            const Vector red_most = V::equal8(most, p.red), green_most = V::equal8(most, p.green);
-            // The hue lies from the largest channel towards one of these.
-            const Vector after = V::select(red_most, p.green, V::select(green_most, p.blue, p.red));
-            const Vector before =
-                V::select(red_most, p.blue, V::select(green_most, p.red, p.green));
-            const Vector fall = V::sub8_to_0(before, after);
-            const Vector difference = V::either(V::sub8_to_0(after, before), fall);
-            const Vector rising = V::equal8(fall, V::all8(0));
-            const Vector base =
-                V::but_not(V::select(green_most, V::all8(120), V::all8(240)), red_most);
-            const Vector divisor = V::max8(spread, V::all8(1));
-            const auto turned = [&](Vector difference, Vector divisor, Vector base, Vector rising) {
-                const Vector negative = V::differing(rising, V::all16(-1));
-                const Vector sum = V::add16(hue(difference, divisor, base, negative), by);
-                return position(V::unsigned_min16(sum, V::sub16(sum, V::all16(360))));
-            };
-            const Position low = turned(V::low16(difference), V::low16(divisor), V::low16(base),
-                                        V::low_mask16(rising));
-            const Position high = turned(V::high16(difference), V::high16(divisor), V::high16(base),
-                                         V::high_mask16(rising));
-            const Vector part = V::narrow(part16(low.within, V::low16(spread)),
-                                          part16(high.within, V::high16(spread)));
-            const Vector short_of = short8(V::narrow(low.within, high.within), spread);
-            colour(V::narrow(low.sector, high.sector), V::add8(part, short_of), most, least)
-                .store(out);
+            colour(parts(V::load(in), degrees)).store(out);
         });
     }
 

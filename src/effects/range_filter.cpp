@@ -1,6 +1,6 @@
 // Filters that keep or blank the channels of a pixel by ranges of values, in RGB or HSV.
 #include "effects/frame.hpp"
-#include "effects/hsv.hpp"
+#include "effects/range_rows.hpp"
 #include "effects/tone_rows.hpp"
 
 #include <iterator>
@@ -20,6 +20,15 @@ struct Range {
     }
     bool is_valid(int32_t limit) const {
         return lower <= upper && lower <= limit && upper <= limit && mode <= 2;
+    }
+    // The same for values from 0 to 359.
+    Span span() const {
+        constexpr int32_t most = 359;
+        const bool all = mode == 0, none = upper < 0;
+        if (all || none)
+            return {0, most, !all && mode == 1};
+        const int32_t lowest = std::max(lower, 0);
+        return {lowest, upper - lowest, mode == 2};
     }
     Levels levels() const {
         Levels levels;
@@ -44,9 +53,6 @@ struct Ranges {
     }
     ChannelLevels levels() const {
         return {{channel[2].levels(), channel[1].levels(), channel[0].levels()}};
-    }
-    bool all_pass(int32_t first, int32_t second, int32_t third) const {
-        return channel[0].passes(first) && channel[1].passes(second) && channel[2].passes(third);
     }
 };
 
@@ -81,18 +87,6 @@ PixelFormat unmasked(PixelFormat format) {
     return format;
 }
 
-template<typename Pixel>
-auto each_pixel(const Pixel& pixel) {
-    return [&pixel](uint8_t* to, const uint8_t* from, size_t count) {
-        for (; count != 0; --count, to += 3, from += 3) {
-            const Rgb colour = pixel(Rgb{from[2], from[1], from[0]});
-            to[0] = colour.blue;
-            to[1] = colour.green;
-            to[2] = colour.red;
-        }
-    };
-}
-
 HGLOBAL keep_channels(const RectOperation& operation, const Ranges& ranges, int32_t* status) {
     const ChannelLevels levels = ranges.levels();
     const ToneRows rows = tone_rows();
@@ -103,18 +97,15 @@ HGLOBAL keep_channels(const RectOperation& operation, const Ranges& ranges, int3
 }
 
 HGLOBAL keep_pixels(const RectOperation& operation, const Record& record, int32_t* status) {
-    const Ranges& ranges = record.ranges;
-    const auto rgb = [&](const Rgb& c) {
-        return ranges.all_pass(c.red, c.green, c.blue) ? c : Rgb{0, 0, 0};
+    const Range(&ranges)[3] = record.ranges.channel;
+    const Span spans[3] = {ranges[0].span(), ranges[1].span(), ranges[2].span()};
+    const bool in_rgb = record.flags == rgb_all;
+    const auto keep = in_rgb ? range_rows().rgb : range_rows().hsv;
+    const auto kept = [&](uint8_t* to, const uint8_t* from, size_t count) {
+        keep(to, from, count, spans);
     };
-    const auto hsv = [&](const Rgb& c) {
-        const Hsv value = rgb_to_hsv(c);
-        return ranges.all_pass(value.hue, value.saturation, value.value) ? hsv_to_rgb(value)
-                                                                         : Rgb{0, 0, 0};
-    };
-    if (record.flags == rgb_all)
-        return operation.make(each_pixel(rgb), status);
-    return operation.make(each_pixel(hsv), status, unmasked(operation.format()));
+    const PixelFormat format = operation.format();
+    return operation.make(kept, status, in_rgb ? format : unmasked(format));
 }
 
 } // namespace
