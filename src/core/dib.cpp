@@ -38,9 +38,10 @@ void LockedDib::write_bytes(uint64_t offset, const void* bytes, size_t count) co
                     std::min(count, size() - static_cast<size_t>(offset)));
 }
 
-void copy_up_to(uint8_t* to, const uint8_t* from, size_t count, const uint8_t* end) {
+void copy_up_to(uint8_t* to, const uint8_t* from, size_t count, const uint8_t* end,
+                CopyBytes copy) {
     const size_t there = from < end ? std::min(count, static_cast<size_t>(end - from)) : 0;
-    std::memmove(to, from, there);
+    copy(to, from, there);
     std::memset(to + there, 0, count - there);
 }
 
@@ -77,9 +78,9 @@ Status DibCheckRect24(const LockedDib& dib, const Rect& rect, RowStart start) {
 }
 
 Status DibCheckRect8or24(const LockedDib& dib, const Rect& rect, RowStart start) {
-    return DibCheckRect(
-        dib, rect, {[](int32_t bits) { return bits == 8 || bits == 24; }, Status::needs_8_24},
-        start);
+    return DibCheckRect(dib, rect,
+                        {[](int32_t bits) { return bits == 8 || bits == 24; }, Status::needs_8_24},
+                        start);
 }
 
 Status DibCheckRect24or32(const LockedDib& dib, const Rect& rect, RowStart start) {
@@ -104,10 +105,10 @@ Status DibCheckRect8to32(const LockedDib& dib, const Rect& rect, RowStart start)
 }
 
 Status DibCheckRect8_24_32(const LockedDib& dib, const Rect& rect, RowStart start) {
-    return DibCheckRect(dib, rect,
-                        {[](int32_t bits) { return bits == 8 || bits == 24 || bits == 32; },
-                         Status::needs_8_24_32},
-                        start);
+    return DibCheckRect(
+        dib, rect,
+        {[](int32_t bits) { return bits == 8 || bits == 24 || bits == 32; }, Status::needs_8_24_32},
+        start);
 }
 
 namespace {

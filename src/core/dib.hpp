@@ -4,6 +4,7 @@
 
 #include "core/memory.hpp"
 #include "core/status.hpp"
+#include "core/stream.hpp"
 
 #include <algorithm>
 
@@ -17,7 +18,9 @@ constexpr bool is_depth(int32_t bits) {
 }
 
 // Bytes that hold the pixels of one row, without padding.
-constexpr int64_t row_bytes(int64_t width, int32_t bits) { return (width * bits + 7) / 8; }
+constexpr int64_t row_bytes(int64_t width, int32_t bits) {
+    return (width * bits + 7) / 8;
+}
 
 // Bytes from one stored row to the next: padded to a multiple of 4.
 constexpr int64_t row_stride(int64_t width, int32_t bits) {
@@ -83,7 +86,8 @@ class LockedDib {
 };
 
 // Copies count bytes; those of the source at or past end read as 0.
-void copy_up_to(uint8_t* to, const uint8_t* from, size_t count, const uint8_t* end);
+void copy_up_to(uint8_t* to, const uint8_t* from, size_t count, const uint8_t* end,
+                CopyBytes copy = move_bytes);
 
 // Stored row of the lowest picture row of a rectangle: its first in storage order.
 inline int64_t bottom_row(int32_t image_height, const Rect& rect) {

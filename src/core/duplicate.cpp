@@ -18,10 +18,12 @@ bool has_size_of(const LockedDib& dib, const Rect& rect) {
 
 // Bytes beyond either block read as 0 or are dropped: that is the padding of the last row.
 void copy_rows(const Rows& to, const Rows& from, int32_t count, size_t bytes) {
+    const bool same_block = to.end == from.end;
+    const CopyBytes copy = same_block ? move_bytes : copy_for(bytes, static_cast<uint64_t>(count));
     for (int32_t row = 0; row < count; ++row) {
         uint8_t* target = to[row];
         copy_up_to(target, from[row], std::min(bytes, static_cast<size_t>(to.end - target)),
-                   from.end);
+                   from.end, copy);
     }
 }
 
