@@ -6,8 +6,9 @@
 // which grow by one a result row. Along the row runs grow fourfold until a few of them cover the
 // square.
 //
-// Wide images are filtered in strips, so that what is kept of one and the image beneath it stay in
-// the caches. (Narrow strips lose more by reading the image in short pieces than they win.)
+// The bands of wide images are filtered in strips, so that what is kept of one and the image
+// beneath it stay in the caches. The columns that a strip shares with the one before it are taken
+// over. (Narrow strips lose more by reading the image in short pieces than they win.)
 #include "effects/block_rows.hpp"
 #include "effects/filter_rows.hpp"
 #include "effects/frame.hpp"
@@ -20,7 +21,9 @@ namespace {
 
 constexpr int32_t largest_radius = 64;
 constexpr int32_t highest_band = 128;
-constexpr int32_t kept_bytes = 768 << 10;
+constexpr int32_t kept_bytes = 384 << 10;
+constexpr int32_t strip_step =
+    64; // pixels, so that strips of the result begin alike in their lines
 
 // Rows of as many elements that start on cache lines.
 template<typename T>
@@ -48,7 +51,8 @@ class LineRows {
 struct Patch {
     int32_t row, rows, column, columns; // of the result
     int64_t first_row, first_column;    // of the image, in the patch's first square
-    size_t begin, end;                  // cells inside the image
+    size_t begin, end;                  // cells inside the image, but those taken over
+    size_t taken_over;                  // cells, the first of the reach
 };
 
 // The extreme of `side` cells from each of count cells on. A cell has `step` elements; a and b are
@@ -98,8 +102,7 @@ struct Setting {
     // They are all there.
     void store(const Patch& patch, int32_t row, const uint8_t* target) const {
         if (format.bits != 24)
-            pack_row(format, target, result_pixels(patch, row),
-                     static_cast<size_t>(patch.columns));
+            pack_row(format, target, result_pixels(patch, row), static_cast<size_t>(patch.columns));
     }
 
     uint8_t* result_pixels(const Patch& patch, int32_t row) const {
@@ -148,9 +151,9 @@ class ChannelKind {
 
 // The whole colour of the brightest or darkest pixel, of several the first in the order of storage.
 //
-// A pixel's score is its luminance, or for the minimum what that lacks to 255. Keys that hold score,
-// row and column, both of these counted down, make the pixel wanted the one with the largest key.
-// A score of 0 never wins over the colour that the search starts with.
+// A pixel's score is its luminance, or for the minimum what that lacks to 255. Keys that hold
+// score, row and column, both of these counted down, make the pixel wanted the one with the largest
+// key. A score of 0 never wins over the colour that the search starts with.
 class LuminanceKind {
   public:
     using Element = uint16_t; // score and row
@@ -159,8 +162,8 @@ class LuminanceKind {
 
     LuminanceKind(const Setting& setting, size_t cells)
         : pick(block_rows().highest16), pick_two(block_rows().highest_two16), neutral(0),
-          setting_(setting), memory_((3 * sizeof(uint32_t) + sizeof(uint16_t) + 3 + 1) *
-                                     uint64_t{cells}),
+          setting_(setting),
+          memory_((3 * sizeof(uint32_t) + sizeof(uint16_t) + 3 + 1) * uint64_t{cells}),
           keys_(memory_.part<uint32_t>(0)), row_keys_(memory_.part<uint16_t>(12 * cells)),
           bgr_(memory_.part<uint8_t>(14 * cells)), luminance_(memory_.part<uint8_t>(17 * cells)),
           cells_(cells) {}
@@ -239,29 +242,25 @@ class ExtremeFilter {
     explicit ExtremeFilter(const Setting& setting)
         : setting_(setting), side_(setting.side()), band_(std::min(side_, highest_band)),
           strip_(std::min(kept_bytes / (band_ * Kind::elements * int32_t{sizeof(Element)}),
-                          Kind::widest_strip)),
-          cells_(static_cast<size_t>(std::min(setting.operation.rect().width, strip_) + side_ -
-                                     1)),
-          kind_(setting, cells_),
-          rows_(static_cast<uint64_t>(band_ + 2), cells_ * Kind::elements) {}
+                          Kind::widest_strip) /
+                 strip_step * strip_step),
+          cells_(static_cast<size_t>(std::min(setting.operation.rect().width, strip_) + side_ - 1)),
+          kind_(setting, cells_), rows_(static_cast<uint64_t>(band_ + 2), cells_ * Kind::elements),
+          shared_(static_cast<uint64_t>(band_), shared_cells() * Kind::elements) {}
 
-    explicit operator bool() const { return kind_ && rows_; }
+    explicit operator bool() const { return kind_ && rows_ && shared_; }
 
-    // Strip by strip, since neighbouring bands read the same rows. The rows that are reported as
-    // done keep pace with the patches.
+    // The rows that are reported as done keep pace with the bands.
     void run() const {
         const Rect& rect = setting_.operation.rect();
-        const int64_t strips = (int64_t{rect.width} + strip_ - 1) / strip_;
         Progress progress;
         progress.start();
         int32_t reported = 0;
-        for (int64_t strip = 0; strip < strips; ++strip) {
-            for (int64_t row = 0; row < rect.height; row += band_) {
-                const int64_t pace = (strip * rect.height + row) / strips;
-                for (; reported <= pace; ++reported)
-                    progress.step(reported, rect.height);
-                run_patch(patch_at(static_cast<int32_t>(row), static_cast<int32_t>(strip * strip_)));
-            }
+        for (int64_t row = 0; row < rect.height; row += band_) {
+            for (; reported <= row; ++reported)
+                progress.step(reported, rect.height);
+            for (int64_t column = 0; column < rect.width; column += strip_)
+                run_patch(patch_at(static_cast<int32_t>(row), static_cast<int32_t>(column)));
         }
         for (; reported < rect.height; ++reported)
             progress.step(reported, rect.height);
@@ -272,13 +271,19 @@ class ExtremeFilter {
     Patch patch_at(int32_t row, int32_t column) const {
         const LockedDib& image = setting_.operation.source();
         const Rect& rect = setting_.operation.rect();
-        Patch patch = {row, std::min(band_, rect.height - row), column,
-                       std::min(strip_, rect.width - column), 0, 0, 0, 0};
+        Patch patch = {row,    std::min(band_, rect.height - row),
+                       column, std::min(strip_, rect.width - column),
+                       0,      0,
+                       0,      0,
+                       0};
         patch.first_row = bottom_row(image.height(), rect) + row - setting_.radius;
         patch.first_column = int64_t{rect.x} + column - setting_.radius;
         const int64_t cells = int64_t{patch.columns} + side_ - 1;
-        patch.begin = static_cast<size_t>(std::max<int64_t>(0, -patch.first_column));
-        patch.end = static_cast<size_t>(std::min(cells, image.width() - patch.first_column));
+        patch.taken_over = column != 0 ? shared_cells() : 0;
+        patch.begin = std::max(patch.taken_over,
+                               static_cast<size_t>(std::max<int64_t>(0, -patch.first_column)));
+        patch.end = std::max(
+            patch.begin, static_cast<size_t>(std::min(cells, image.width() - patch.first_column)));
         return patch;
     }
 
@@ -308,9 +313,15 @@ class ExtremeFilter {
                 kind_.pick_two(inside, running(), cells, kept(row), count);
             else
                 kind_.pick(inside, running(), kept(row), count);
+            std::copy_n(shared_[row], patch.taken_over * Kind::elements, line());
+            std::copy_n(line() + static_cast<size_t>(patch.columns) * Kind::elements,
+                        shared_cells() * Kind::elements, shared_[row]);
             kind_.finish(patch, row, line());
         }
     }
+
+    // That the reaches of neighbouring squares have in common, from a column to the next strip's.
+    size_t shared_cells() const { return static_cast<size_t>(side_ - 1); }
 
     // Null for a row outside the image.
     const Element* load(const Patch& patch, int32_t row) const {
@@ -337,6 +348,7 @@ class ExtremeFilter {
     size_t cells_; // in a row of a strip's reach
     Kind kind_;
     LineRows<Element> rows_;
+    LineRows<Element> shared_; // the extremes of the last columns of the strip before, row by row
 };
 
 template<typename Kind>

@@ -87,7 +87,8 @@ void flatten(Random& random, Dib& dib) {
         }
 }
 
-void expect_random_images(uint64_t seed, int rounds, int largest, std::initializer_list<int> radii) {
+void expect_random_images(uint64_t seed, int rounds, int largest,
+                          std::initializer_list<int> radii) {
     Random random(seed);
     for (int bits : {16, 24, 32})
         for (int round = 0; round < rounds; ++round)
@@ -102,7 +103,9 @@ void expect_random_images(uint64_t seed, int rounds, int largest, std::initializ
             }
 }
 
-TEST(ExtremeFilter, FindsTheExtremesOfSmallSquares) { expect_random_images(1, 40, 24, {1, 2, 3}); }
+TEST(ExtremeFilter, FindsTheExtremesOfSmallSquares) {
+    expect_random_images(1, 40, 24, {1, 2, 3});
+}
 
 TEST(ExtremeFilter, FindsTheExtremesOfMiddlingSquares) {
     expect_random_images(2, 15, 40, {7, 8, 15});
@@ -122,6 +125,26 @@ TEST(ExtremeFilter, GoesOnBeyondABandOfRowsAndAStripOfColumns) {
         ASSERT_NO_FATAL_FAILURE(expect_filtered(wide, {1, 0, 2098, 3}, filter));
         flatten(random, wide);
         ASSERT_NO_FATAL_FAILURE(expect_filtered(wide, {0, 1, 2100, 1}, filter));
+    }
+}
+
+// Rows of the result at the end of a band and at the beginning of the next.
+TEST(ExtremeFilter, StripsOfABandTakeOverWhatTheyShare) {
+    Random random(5);
+    for (const Filter& filter : {Filter{64, true, false}, Filter{64, false, true}}) {
+        Dib dib = make_random_dib({2700, 132, 24}, random);
+        if (filter.luminance)
+            flatten(random, dib);
+        const Area area = {9, 1, 2690, 130};
+        int32_t status = 99;
+        const Dib made(run(dib, area, filter, &status));
+        ASSERT_EQ(status, 0);
+        const Picture image = picture_of(dib), result = picture_of(made);
+        for (const int row : {127, 128})
+            for (int x = 0; x < area.width; ++x)
+                ASSERT_EQ(result.at(x, row),
+                          extreme(image, area.x + x, lowest_row(image, area) + row, filter))
+                    << x << "," << row;
     }
 }
 
