@@ -53,8 +53,7 @@ class OwnedBlock {
 class LockedBlock {
   public:
     explicit LockedBlock(HGLOBAL handle)
-        : handle_(handle),
-          data_(handle != nullptr ? static_cast<uint8_t*>(lock_block(handle, size_)) : nullptr) {}
+        : handle_(handle), data_(static_cast<uint8_t*>(lock_block(handle, size_))) {}
     LockedBlock(const LockedBlock&) = delete;
     LockedBlock& operator=(const LockedBlock&) = delete;
     ~LockedBlock() {

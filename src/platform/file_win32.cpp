@@ -86,7 +86,7 @@ HGLOBAL allocate_unfilled(SIZE_T bytes) {
 }
 
 void* lock_block(HGLOBAL block, size_t& size) {
-    void* const address = GlobalLock(block);
+    void* const address = block != nullptr ? GlobalLock(block) : nullptr;
     if (address != nullptr)
         size = GlobalSize(block);
     return address;

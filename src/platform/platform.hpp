@@ -42,7 +42,7 @@ namespace kirvo {
 // A movable block whose bytes may be anything, where the system has such a thing; else zero.
 HGLOBAL allocate_unfilled(SIZE_T bytes);
 
-// GlobalLock, and GlobalSize when that succeeds.
+// GlobalLock, and GlobalSize when that succeeds; null for a null handle.
 void* lock_block(HGLOBAL block, size_t& size);
 
 // The same for reading a block during which nothing frees it. Where blocks never move, no lock is
