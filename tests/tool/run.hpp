@@ -15,10 +15,19 @@ constexpr const char* program = "kirvo.exe";
 inline int exit_code(int result) {
     return result;
 }
+// Under load Wine now and then does not start a program, which its shell then says it does not
+// find, or does not start the shell.
+inline bool has_started(int code) {
+    constexpr int no_such_command = 9009;
+    return code != no_such_command && code != -1;
+}
 #else
 constexpr const char* program = "./kirvo";
 inline int exit_code(int result) {
     return WIFEXITED(result) ? WEXITSTATUS(result) : -1;
+}
+inline bool has_started(int) {
+    return true;
 }
 #endif
 
@@ -28,7 +37,10 @@ struct Outcome {
 };
 
 inline int run_command(const std::string& command) {
-    return exit_code(std::system(command.c_str()));
+    int code = exit_code(std::system(command.c_str()));
+    for (int attempts = 5; attempts != 0 && !has_started(code); --attempts)
+        code = exit_code(std::system(command.c_str()));
+    return code;
 }
 
 inline Outcome kirvo(const std::string& arguments) {

@@ -2,6 +2,7 @@
 #include "formats/made_elsewhere.hpp"
 #include "support/dib_builder.hpp"
 #include "support/temp_file.hpp"
+#include "support/temp_folder.hpp"
 #include "tool/run.hpp"
 
 #include <fstream>
@@ -312,8 +313,8 @@ TEST(Tool, ListsEveryEffect) {
 
 TEST(Tool, GalleryShowsEveryEffect) {
     const Photo photo(64, 48);
-    const std::string folder = temp_folder() + "/kirvo_gallery_test";
-    std::filesystem::remove_all(folder);
+    const TempFolder own;
+    const std::string folder = own.path("gallery");
     const Outcome run = kirvo("gallery " + photo.name() + " " + folder);
     ASSERT_EQ(run.code, 0) << run.text;
     for (const char* file : {"index.html", "contact-sheet.jpg", "00-original.jpg", "01-crop.jpg"})
@@ -326,5 +327,4 @@ TEST(Tool, GalleryShowsEveryEffect) {
     EXPECT_EQ(again.code, 1);
     EXPECT_TRUE(contains(again.text, "--force")) << again.text;
     EXPECT_EQ(kirvo("gallery --force " + photo.name() + " " + folder).code, 0);
-    std::filesystem::remove_all(folder);
 }
