@@ -22,8 +22,7 @@ namespace {
 constexpr int32_t largest_radius = 64;
 constexpr int32_t highest_band = 128;
 constexpr int32_t kept_bytes = 384 << 10;
-constexpr int32_t strip_step =
-    64; // pixels, so that strips of the result begin alike in their lines
+constexpr int32_t strip_step = 64; // pixels: strips begin alike in the lines of the cache
 
 // Rows of as many elements that start on cache lines.
 template<typename T>
@@ -271,11 +270,11 @@ class ExtremeFilter {
     Patch patch_at(int32_t row, int32_t column) const {
         const LockedDib& image = setting_.operation.source();
         const Rect& rect = setting_.operation.rect();
-        Patch patch = {row,    std::min(band_, rect.height - row),
-                       column, std::min(strip_, rect.width - column),
-                       0,      0,
-                       0,      0,
-                       0};
+        Patch patch = {};
+        patch.row = row;
+        patch.rows = std::min(band_, rect.height - row);
+        patch.column = column;
+        patch.columns = std::min(strip_, rect.width - column);
         patch.first_row = bottom_row(image.height(), rect) + row - setting_.radius;
         patch.first_column = int64_t{rect.x} + column - setting_.radius;
         const int64_t cells = int64_t{patch.columns} + side_ - 1;
