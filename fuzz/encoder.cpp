@@ -1,6 +1,6 @@
 // The JPEG encoder: any image, settings, tables and rectangle. In slices, and at any level of the
 // processor, it makes the same stream; that stream decodes to an image of the rectangle's size.
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 #include "core/dib.hpp"
 #include "support.hpp"
 

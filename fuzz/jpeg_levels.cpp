@@ -1,5 +1,5 @@
 // A JPEG stream gives the same at every level of the processor.
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 #include "jpeg.hpp"
 
 using namespace kirvo_fuzz;

@@ -1,6 +1,6 @@
 // Any exports in any order, with hostile images and arguments (support/calls.hpp). What they answer
 // is documented, and the same at the highest level of the processor as in scalar code.
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 #include "jpeg.hpp"
 
 #include <cstdio>

@@ -1,6 +1,6 @@
 #include "support.hpp"
 
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 #include "core/dib.hpp"
 #include "jpeg/codec.hpp"
 #include "support/temp_folder.hpp"

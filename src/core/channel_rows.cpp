@@ -1,6 +1,6 @@
 #include "core/channel_rows.hpp"
 
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 
 namespace kirvo {
 

@@ -1,6 +1,6 @@
 #include "core/pixels.hpp"
 
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 #include "core/pixel_rows.hpp"
 
 #include <cstring>

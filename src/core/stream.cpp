@@ -1,6 +1,6 @@
 #include "core/stream.hpp"
 
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 
 #include <cstring>
 

@@ -1,6 +1,6 @@
 #include "effects/block_rows.hpp"
 
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 
 #define BLOCK_ROWS baseline_block_rows
 namespace kirvo {

@@ -1,6 +1,6 @@
 #include "effects/filter_rows.hpp"
 
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 
 #define FILTER_ROWS baseline_filter_rows
 namespace kirvo {

@@ -1,6 +1,6 @@
 #include "effects/range_rows.hpp"
 
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 #include "effects/each_pixel.hpp"
 #include "effects/hsv.hpp"
 

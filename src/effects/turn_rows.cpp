@@ -1,6 +1,6 @@
 #include "effects/turn_rows.hpp"
 
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 
 #include <algorithm>
 #include <cstring>

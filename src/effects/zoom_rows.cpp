@@ -1,6 +1,6 @@
 #include "effects/zoom_rows.hpp"
 
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 
 #include <cstring>
 

@@ -1,6 +1,6 @@
 #include "jpeg/decode_rows.hpp"
 
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 #include "jpeg/decode_block.hpp"
 
 #include <algorithm>

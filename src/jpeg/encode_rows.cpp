@@ -1,7 +1,7 @@
 // The scalar kernels: the definition of every encode's result.
 #include "jpeg/encode_rows.hpp"
 
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 #include "jpeg/tables.hpp"
 
 #include <algorithm>

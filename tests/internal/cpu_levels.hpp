@@ -1,7 +1,7 @@
 // Runs a test at every level of the processor.
 #pragma once
 
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 
 #include <gtest/gtest.h>
 

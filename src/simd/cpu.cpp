@@ -1,4 +1,4 @@
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 
 #include <algorithm>
 #include <cpuid.h>
