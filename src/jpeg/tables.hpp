@@ -80,6 +80,6 @@ inline constexpr HuffmanTable<ac_symbols> chrominance_ac = {
 // segments into them, and every encode start writes its two tables into slots 0 and 1, from which
 // its own DQT segments are made. They keep their values from one stream to the next.
 using QuantisationSlot = std::array<uint8_t, 64>;
-extern std::array<QuantisationSlot, 4> quantisation_slots;
+using QuantisationSlots = std::array<QuantisationSlot, 4>;
 
 } // namespace kirvo
