@@ -47,7 +47,7 @@ Status convert(const LockedDib& from, const Depths& depths, int32_t bits, OwnedB
     if (bits != 24)
         write_masks(to, target_format(bits).masks);
     convert_rows(reader, to);
-    result = static_cast<OwnedBlock&&>(made);
+    result = std::move(made);
     return Status::ok;
 }
 

@@ -98,7 +98,7 @@ struct Setting {
     uint8_t* target(const Patch& patch, int32_t row, uint8_t* buffer) const {
         return format.bits == 24 ? result_pixels(patch, row) : buffer;
     }
-    // They are all there.
+    // All of them have been written to target.
     void store(const Patch& patch, int32_t row, const uint8_t* target) const {
         if (format.bits != 24)
             pack_row(format, target, result_pixels(patch, row), static_cast<size_t>(patch.columns));

@@ -25,7 +25,7 @@ auto permuted(const ChannelOrder& order) {
     };
 }
 
-// What stands in the place of the masks, masks or not.
+// The 12 bytes behind the header go along whatever they are: masks, or pixels of an image without.
 void copy_mask_bytes(HGLOBAL to, const LockedDib& from) {
     uint8_t masks[mask_bytes];
     from.read_bytes(from.header.biSize, masks, sizeof masks);

@@ -17,7 +17,7 @@ inline constexpr std::array<uint8_t, 64> zigzag = {
 
 // A Huffman table as a DHT segment lists it: the number of codes of each length from 1 to 16, and
 // the symbols in the order of their codes.
-template <int N>
+template<int N>
 struct HuffmanTable {
     std::array<uint8_t, 16> counts;
     std::array<uint8_t, N> symbols;

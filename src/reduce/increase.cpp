@@ -72,7 +72,7 @@ Status increase(const LockedDib& from, OwnedBlock& result) {
     each_step(to.height(), [&](int32_t row) {
         expand_row(colours, rows[row], from.bits(), to_rows[row], static_cast<size_t>(to.width()));
     });
-    result = static_cast<OwnedBlock&&>(made);
+    result = std::move(made);
     return Status::ok;
 }
 
