@@ -7,9 +7,10 @@
 #include "jpeg/codec.hpp"
 #include "jpeg/encode_entropy.hpp"
 #include "jpeg/encode_headers.hpp"
-#include "jpeg/encode_rows.hpp"
 #include "jpeg/encode_settings.hpp"
+#include "jpeg/quantiser.hpp"
 #include "jpeg/tables.hpp"
+#include "simd/kernels.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -28,7 +29,7 @@ struct McuShape {
 
 // MCUs are prepared side by side in tiles that stay in the first-level cache.
 constexpr size_t tile_width = 256;
-constexpr size_t luminance_groups = tile_width / 8 / group_blocks;
+constexpr size_t luminance_groups = tile_width / 8 / blocks_abreast;
 
 struct Tile {
     alignas(64) int8_t y[16][tile_width];
@@ -57,7 +58,7 @@ struct Encoder {
     EncodeFamily family;
     HGLOBAL source, output;
 
-    const EncodeRows* rows;
+    const Kernels* kernels;
     const uint8_t* first_pixel; // of the region's top row
     ptrdiff_t row_step;         // to the next row down
     bool indexed;
@@ -117,7 +118,7 @@ void prepare_index_samples(const EncodeRequest& request, const LockedDib& dib) {
         const auto index = static_cast<uint8_t>(i);
         const RGBQUAD& entry = table.entry[i];
         const uint8_t bgr[] = {entry.rgbBlue, entry.rgbGreen, entry.rgbRed};
-        encoder.rows->convert(bgr, 1, samples.y + i, samples.cb + i, samples.cr + i);
+        encoder.kernels->samples_of(bgr, 1, samples.y + i, samples.cb + i, samples.cr + i);
         if (is_grey(request.family))
             samples.y[i] = shifted(request.grey_from_table ? entry.rgbBlue : index);
         samples.plain_grey = samples.plain_grey && samples.y[i] == shifted(index);
@@ -135,7 +136,7 @@ void prepare_source(const EncodeRequest& request, const LockedDib& dib) {
     encoder.row_step = -rows.stride;
     encoder.region = region;
     encoder.indexed = dib.bits() == 8;
-    encoder.rows = &encode_rows();
+    encoder.kernels = &kernels();
     if (encoder.indexed)
         prepare_index_samples(request, dib);
 }
@@ -168,8 +169,8 @@ void prepare_parts() {
 
 void prepare_coding(OwnedBlock output, uint32_t output_bytes) {
     const int32_t count = prepare_tables();
-    encoder.luminance.set(quantisation_slots[0].data(), count);
-    encoder.chrominance.set(quantisation_slots[1].data(), count);
+    set_quantiser(encoder.luminance, quantisation_slots[0].data(), count);
+    set_quantiser(encoder.chrominance, quantisation_slots[1].data(), count);
     prepare_parts();
     encoder.bits = BitWriter(encoder.staging);
     encoder.output = output.release();
@@ -202,7 +203,7 @@ void sample_row(int32_t x, int32_t y, size_t i, size_t count) {
     Tile& tile = encoder.tile;
     const uint8_t* row = encoder.first_pixel + y * encoder.row_step;
     if (!encoder.indexed) {
-        encoder.rows->convert(row + static_cast<ptrdiff_t>(x) * 3, count, tile.y[i], tile.cb[i],
+        encoder.kernels->samples_of(row + static_cast<ptrdiff_t>(x) * 3, count, tile.y[i], tile.cb[i],
                               tile.cr[i]);
         return;
     }
@@ -245,18 +246,18 @@ void sample_tile(int32_t x, int32_t y, size_t padded) {
     }
 }
 
-size_t groups_of(size_t blocks) { return (blocks + group_blocks - 1) / group_blocks; }
+size_t groups_of(size_t blocks) { return (blocks + blocks_abreast - 1) / blocks_abreast; }
 
 // The chroma blocks of the tile: made smaller as the MCU's shape says, then transformed.
 void code_chroma(int8_t (*plane)[tile_width], size_t mcus, BlockGroup* groups) {
     Tile& tile = encoder.tile;
     for (size_t i = 0; i < 8 && encoder.mcu.width == 16; ++i) {
         if (encoder.mcu.height == 16)
-            encoder.rows->halve_both(plane[2 * i], plane[2 * i + 1], 8 * mcus, tile.half[i]);
+            encoder.kernels->halve_both(plane[2 * i], plane[2 * i + 1], 8 * mcus, tile.half[i]);
         else
-            encoder.rows->halve_across(plane[i], 8 * mcus, tile.half[i]);
+            encoder.kernels->halve_across(plane[i], 8 * mcus, tile.half[i]);
     }
-    encoder.rows->code_groups(encoder.mcu.width == 16 ? tile.half[0] : plane[0], tile_width,
+    encoder.kernels->code_groups(encoder.mcu.width == 16 ? tile.half[0] : plane[0], tile_width,
                               groups_of(mcus), encoder.chrominance, groups);
 }
 
@@ -264,7 +265,7 @@ void code_tile(size_t mcus) {
     Tile& tile = encoder.tile;
     const size_t groups = groups_of(mcus * static_cast<size_t>(encoder.mcu.across()));
     for (int32_t row = 0; row < encoder.mcu.down(); ++row)
-        encoder.rows->code_groups(tile.y[8 * row], tile_width, groups, encoder.luminance,
+        encoder.kernels->code_groups(tile.y[8 * row], tile_width, groups, encoder.luminance,
                                   tile.y_groups[row]);
     if (is_grey(encoder.family))
         return;
