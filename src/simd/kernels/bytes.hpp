@@ -37,7 +37,7 @@ struct ByteKernels {
                 V::multiply_high16(quarter, V::all16((1 << 19) / 25 + 1)));
             return V::add16(hundredth, plus);
         };
-        each_block<V::size>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
+        each_block<1, V::size>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
             const Register v = V::load(in);
             V::store(out, V::narrow16(half(V::widen_low8(v)), half(V::widen_high8(v))));
         });
@@ -46,7 +46,7 @@ struct ByteKernels {
     static void map(uint8_t* to, const uint8_t* from, size_t bytes, const Levels& levels) {
         if constexpr (V::has_table) {
             const typename V::Table table(levels);
-            each_block<V::size>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
+            each_block<1, V::size>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
                 V::store(out, table[V::load(in)]);
             });
         } else {
@@ -56,7 +56,7 @@ struct ByteKernels {
 
     static void invert(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
         const Register inverted = V::all32(static_cast<int>(pattern));
-        each_block<V::size>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
+        each_block<1, V::size>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
             V::store(out, V::differing(V::load(in), inverted));
         });
     }

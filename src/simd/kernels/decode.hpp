@@ -147,18 +147,22 @@ struct DecodeKernels {
 
     static void grey(const int16_t* y, uint8_t* bgr, size_t pixels) {
         const Halves middle = {V::all16(128), V::all16(128)};
-        each_pixels(bgr, pixels, [&](size_t i, uint8_t* to) {
+        const size_t whole = each_pixels(bgr, pixels, [&](size_t i, uint8_t* to) {
             const Register level = channel(V::load_halves16(y + i), middle);
             V::store_planes(to, {level, level, level});
         });
+        finish(bgr, pixels, whole, [&](uint8_t* rest) { grey(y + whole, rest, V::size); });
     }
 
     static void colour(const int16_t* y, ChromaTerms terms, uint8_t* bgr, size_t pixels) {
-        each_pixels(bgr, pixels, [&](size_t i, uint8_t* to) {
+        const size_t whole = each_pixels(bgr, pixels, [&](size_t i, uint8_t* to) {
             const Halves luma = V::load_halves16(y + i);
             V::store_planes(to, {channel(luma, V::load_halves16(terms.blue + i)),
                                  channel(luma, V::load_halves16(terms.green + i)),
                                  channel(luma, V::load_halves16(terms.red + i))});
+        });
+        finish(bgr, pixels, whole, [&](uint8_t* rest) {
+            colour(y + whole, terms_from(terms, whole), rest, V::size);
         });
     }
 
@@ -167,11 +171,14 @@ struct DecodeKernels {
             const Register v = V::load(from);
             return Halves{V::zip_low16(v, v), V::zip_high16(v, v)};
         };
-        each_pixels(bgr, pixels, [&](size_t i, uint8_t* to) {
+        const size_t whole = each_pixels(bgr, pixels, [&](size_t i, uint8_t* to) {
             const Halves luma = V::load_halves16(y + i);
             V::store_planes(to, {channel(luma, twice(terms.blue + i / 2)),
                                  channel(luma, twice(terms.green + i / 2)),
                                  channel(luma, twice(terms.red + i / 2))});
+        });
+        finish(bgr, pixels, whole, [&](uint8_t* rest) {
+            colour_wide(y + whole, terms_from(terms, whole / 2), rest, V::size);
         });
     }
 
@@ -180,17 +187,27 @@ struct DecodeKernels {
         return V::narrow16(V::add16(y.low, terms.low), V::add16(y.high, terms.high));
     }
 
-    // Whole steps straight into the row, the last pixels by way of a buffer.
+    static ChromaTerms terms_from(const ChromaTerms& terms, size_t i) {
+        return {terms.blue + i, terms.green + i, terms.red + i};
+    }
+
+    // Whole steps straight into the row; how many pixels they are.
     template<typename Convert>
-    [[gnu::always_inline]] static void each_pixels(uint8_t* bgr, size_t pixels,
-                                                   const Convert& convert) {
+    [[gnu::always_inline]] static size_t each_pixels(uint8_t* bgr, size_t pixels,
+                                                     const Convert& convert) {
+        size_t i = 0;
+        for (; i + V::size <= pixels; i += V::size)
+            convert(i, bgr + 3 * i);
+        return i;
+    }
+    // The last pixels by way of a buffer.
+    template<typename Make>
+    static void finish(uint8_t* bgr, size_t pixels, size_t whole, const Make& make) {
+        if (whole == pixels)
+            return;
         uint8_t rest[3 * V::size];
-        for (size_t i = 0; i < pixels; i += V::size) {
-            const bool whole = pixels - i >= V::size;
-            convert(i, whole ? bgr + 3 * i : rest);
-            if (!whole)
-                std::memcpy(bgr + 3 * i, rest, 3 * (pixels - i));
-        }
+        make(rest);
+        std::memcpy(bgr + 3 * whole, rest, 3 * (pixels - whole));
     }
 };
 

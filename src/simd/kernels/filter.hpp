@@ -43,21 +43,34 @@ struct FilterKernels {
             scalar::kernels.blur(to, rows, bytes);
     }
 
+    // The neighbours of the bytes at i in the order of the weights, and zeros beyond them.
+    struct Neighbours {
+        const uint8_t *below, *row, *above;
+
+        explicit Neighbours(ThreeRows rows) : below(rows[0]), row(rows[1]), above(rows[2]) {}
+        Halves at(size_t i, size_t k) const {
+            const uint8_t* const of = k < 3 ? below : k < 6 ? row : above;
+            return k < 9 ? widened(of + i + 3 * (k % 3) - 3) : Halves{V::zero(), V::zero()};
+        }
+    };
+
     static void convolve16(uint8_t* to, ThreeRows rows, size_t bytes, const Convolution& by) {
         Register weight[9];
         for (int k = 0; k < 9; ++k)
             weight[k] = V::all16(by.weight[k]);
+        const Neighbours neighbours(rows);
         const Register multiplier = V::all16(static_cast<int>(by.multiplier));
+        const bool divides = by.divides;
+        const int shift = by.shift - 16;
         // Of values from 0 on.
         const auto quotient = [&](Register value) {
-            return by.divides ? V::shift_right16(V::multiply_high16(value, multiplier),
-                                                 by.shift - 16)
-                              : value;
+            return divides ? V::shift_right16(V::multiply_high16(value, multiplier), shift) : value;
         };
         const auto block = [&](size_t i) {
             Halves all = {V::zero(), V::zero()};
+#pragma GCC unroll 9
             for (size_t k = 0; k < 9; ++k) {
-                const Halves v = widened(rows[k / 3] + i + 3 * (k % 3) - 3);
+                const Halves v = neighbours.at(i, k);
                 all = sum(all, {V::multiply16(v.low, weight[k]), V::multiply16(v.high, weight[k])});
             }
             V::store(to + i, V::narrow16(quotient(V::max16(all.low, V::zero())),
@@ -67,26 +80,29 @@ struct FilterKernels {
             scalar::kernels.convolve16(to, rows, bytes, by);
     }
 
-    // Neighbours are multiplied in pairs, the last one beside 0.
+    // Neighbours are multiplied in pairs, the last one beside 0. A power of two divides by a shift.
     static void convolve32(uint8_t* to, ThreeRows rows, size_t bytes, const Convolution& by) {
         Register weights[5];
         for (int k = 0; k < 5; ++k)
             weights[k] = V::all_pairs16(by.weight[2 * k], k < 4 ? by.weight[2 * k + 1] : 0);
+        const Neighbours neighbours(rows);
+        const uint32_t multiplier = by.multiplier;
+        const bool shifts = !by.divides || multiplier == uint32_t{1} << 31;
+        const int shift = !by.divides ? 0 : shifts ? by.shift - 31 : by.shift;
         const auto quotient = [&](Register sum) {
             const Register value = V::but_not(sum, V::template shift_right32_signed<31>(sum));
-            return by.divides ? V::scaled32(value, by.multiplier, by.shift) : value;
+            return shifts ? V::shift_right32(value, shift)
+                          : V::scaled32(value, multiplier, shift);
         };
         const auto block = [&](size_t i) {
-            const auto neighbours = [&](size_t k) {
-                return k < 9 ? widened(rows[k / 3] + i + 3 * (k % 3) - 3)
-                             : Halves{V::zero(), V::zero()};
-            };
             Register sums[4] = {V::zero(), V::zero(), V::zero(), V::zero()};
+#pragma GCC unroll 5
             for (size_t k = 0; k < 5; ++k) {
-                const Halves a = neighbours(2 * k), b = neighbours(2 * k + 1);
+                const Halves a = neighbours.at(i, 2 * k), b = neighbours.at(i, 2 * k + 1);
                 const Register pairs[] = {V::zip_low16(a.low, b.low), V::zip_high16(a.low, b.low),
                                           V::zip_low16(a.high, b.high),
                                           V::zip_high16(a.high, b.high)};
+#pragma GCC unroll 4
                 for (int part = 0; part < 4; ++part)
                     sums[part] = V::add32(sums[part], V::dot16(pairs[part], weights[k]));
             }

@@ -128,7 +128,7 @@ struct HueKernels {
     }
 
     static void turn_hue(uint8_t* to, const uint8_t* from, size_t pixels, int32_t degrees) {
-        each_block<3 * V::size>(to, from, 3 * pixels, [&](uint8_t* out, const uint8_t* in) {
+        each_block<3, V::size>(to, from, pixels, [&](uint8_t* out, const uint8_t* in) {
             V::store_planes(out, colour(parts(V::load_planes(in), degrees)));
         });
     }
@@ -140,7 +140,7 @@ struct HueKernels {
         const auto soften = [=](Register spread) {
             return softer ? V::multiply_high16(spread, V::all16(2 * 65536 / 3 + 1)) : spread;
         };
-        each_block<3 * V::size>(to, from, 3 * pixels, [&](uint8_t* out, const uint8_t* in) {
+        each_block<3, V::size>(to, from, pixels, [&](uint8_t* out, const uint8_t* in) {
             const Planes p = V::load_planes(in);
             const Register most = V::max8(V::max8(p.red, p.green), p.blue);
             const Register full = V::sub8(most, V::min8(V::min8(p.red, p.green), p.blue));

@@ -8,25 +8,32 @@
 namespace kirvo {
 namespace {
 
-// Each helper calls its block in one place only, so that the compiler inlines it and takes what stays
-// the same out of the loop.
+// A kernel for any count from one for whole steps, whose loop thus has nothing else to do. The rest
+// goes through a buffer. Elements are of `size` bytes; `to` may be `from`.
+template<auto whole_steps, size_t size, size_t step>
+struct AnyCount;
 
-// Calls block(to, from) for every `step` bytes; `to` may be `from`. The rest goes through a buffer.
-template<size_t step, typename F>
-[[gnu::always_inline]] inline void each_block(uint8_t* to, const uint8_t* from, size_t bytes,
-                                              const F& block) {
-    uint8_t rest[step];
-    for (; bytes != 0; to += step, from += step) {
-        const bool whole = bytes >= step;
-        if (!whole)
-            std::memcpy(rest, from, bytes);
-        block(whole ? to : rest, whole ? from : rest);
-        if (!whole) {
-            std::memcpy(to, rest, bytes);
-            break;
-        }
-        bytes -= step;
+template<typename... Arguments, size_t size, size_t step,
+         void (*whole_steps)(uint8_t* to, const uint8_t* from, size_t count, Arguments...)>
+struct AnyCount<whole_steps, size, step> {
+    static void run(uint8_t* to, const uint8_t* from, size_t count, Arguments... arguments) {
+        const size_t rest = count % step, whole = count - rest;
+        whole_steps(to, from, whole, arguments...);
+        if (rest == 0)
+            return;
+        uint8_t last[size * step] = {};
+        std::memcpy(last, from + size * whole, size * rest);
+        whole_steps(last, last, step, arguments...);
+        std::memcpy(to + size * whole, last, size * rest);
     }
+};
+
+// Calls block(to, from) for every `step` of whole steps of elements of `size` bytes.
+template<size_t size, size_t step, typename F>
+[[gnu::always_inline]] inline void each_block(uint8_t* to, const uint8_t* from, size_t count,
+                                              const F& block) {
+    for (; count != 0; count -= step, to += size * step, from += size * step)
+        block(to, from);
 }
 
 // Calls block(i) for every step of a count; the last step is moved back to end where the count ends,

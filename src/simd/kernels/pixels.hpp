@@ -17,7 +17,7 @@ struct PixelKernels {
         if constexpr (V::has_table) {
             using Table = typename V::Table;
             const Table blue(levels.channel[0]), green(levels.channel[1]), red(levels.channel[2]);
-            each_block<3 * V::size>(to, from, 3 * pixels, [&](uint8_t* out, const uint8_t* in) {
+            each_block<3, V::size>(to, from, pixels, [&](uint8_t* out, const uint8_t* in) {
                 const Planes p = V::load_planes(in);
                 V::store_planes(out, {blue[p.blue], green[p.green], red[p.red]});
             });
@@ -67,7 +67,7 @@ struct PixelKernels {
     }
 
     static void grey(uint8_t* to, const uint8_t* from, size_t pixels) {
-        each_block<3 * V::size>(to, from, 3 * pixels, [](uint8_t* out, const uint8_t* in) {
+        each_block<3, V::size>(to, from, pixels, [](uint8_t* out, const uint8_t* in) {
             const Register y = luminance_of(V::load_planes(in));
             V::store_planes(out, {y, y, y});
         });
@@ -104,19 +104,14 @@ struct PixelKernels {
     static void convert(const uint8_t* from, uint8_t* to, size_t pixels, const PixelMoves& moves) {
         const Moves moved(moves);
         constexpr size_t step = V::words;
-        uint8_t last_in[step * from_bytes], last_out[step * to_bytes];
-        for (; pixels != 0; from += step * from_bytes, to += step * to_bytes) {
-            const bool whole = pixels >= step;
-            if (!whole)
-                std::memcpy(last_in, from, pixels * from_bytes);
-            const Register words = V::template load_row<from_bytes>(whole ? from : last_in);
-            V::template store_row<to_bytes>(whole ? to : last_out, moved(words));
-            if (!whole) {
-                std::memcpy(to, last_out, pixels * to_bytes);
-                break;
-            }
-            pixels -= step;
-        }
+        for (; pixels >= step; pixels -= step, from += step * from_bytes, to += step * to_bytes)
+            V::template store_row<to_bytes>(to, moved(V::template load_row<from_bytes>(from)));
+        if (pixels == 0)
+            return;
+        uint8_t in[step * from_bytes] = {}, out[step * to_bytes];
+        std::memcpy(in, from, pixels * from_bytes);
+        convert<from_bytes, to_bytes>(in, out, step, moves);
+        std::memcpy(to, out, pixels * to_bytes);
     }
 };
 

@@ -47,7 +47,7 @@ struct RangeKernels {
 
     static void keep_rgb(uint8_t* to, const uint8_t* from, size_t pixels, const PassBand (&bands)[3]) {
         const Test8 red(bands[0]), green(bands[1]), blue(bands[2]);
-        each_block<3 * V::size>(to, from, 3 * pixels, [&](uint8_t* out, const uint8_t* in) {
+        each_block<3, V::size>(to, from, pixels, [&](uint8_t* out, const uint8_t* in) {
             const Planes p = V::load_planes(in);
             const Register mask = V::both(V::both(red(p.red), green(p.green)), blue(p.blue));
             V::store_planes(out, kept(p, mask));
@@ -57,7 +57,7 @@ struct RangeKernels {
     static void keep_hsv(uint8_t* to, const uint8_t* from, size_t pixels, const PassBand (&bands)[3]) {
         const Test16 hue(bands[0]);
         const Test8 saturation(bands[1]), value(bands[2]);
-        each_block<3 * V::size>(to, from, 3 * pixels, [&](uint8_t* out, const uint8_t* in) {
+        each_block<3, V::size>(to, from, pixels, [&](uint8_t* out, const uint8_t* in) {
             const auto p = Hue::parts(V::load_planes(in), 0);
             const Register mask = V::both(narrow_mask(hue(p.low_hue), hue(p.high_hue)),
                                         V::both(saturation(p.saturation()), value(p.most)));
