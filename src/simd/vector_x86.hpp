@@ -13,13 +13,15 @@ struct VectorX86 {
     // A memcpy would not do: the compiler moves 64 bytes in parts of 16.
     using Anywhere [[gnu::aligned(1), gnu::may_alias]] = Register;
     static Register load(const void* from) { return *static_cast<const Anywhere*>(from); }
-    // For more than one use: the compiler would load for each of them, often across two lines of the
-    // cache.
-    static Register load_once(const void* from) {
-        Register v = load(from);
+    // A value of which the compiler knows nothing. It would multiply by a known one with shifts and
+    // sums, which take longer.
+    static Register opaque(Register v) {
         __asm__("" : "+v"(v));
         return v;
     }
+    // For more than one use: the compiler would load for each of them, often across two lines of the
+    // cache.
+    static Register load_once(const void* from) { return opaque(load(from)); }
     static void store(void* to, Register v) { *static_cast<Anywhere*>(to) = v; }
     static Register zero() { return Register{}; }
     static Register either(Register a, Register b) { return a | b; }

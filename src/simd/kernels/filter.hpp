@@ -21,21 +21,23 @@ struct FilterKernels {
     static Halves difference(const Halves& a, const Halves& b) {
         return {V::sub16(a.low, b.low), V::sub16(a.high, b.high)};
     }
-    static Halves product(const Halves& a, int factor) {
-        return {V::multiply16(a.low, V::all16(factor)), V::multiply16(a.high, V::all16(factor))};
+    static Halves product(const Halves& a, Register factors) {
+        return {V::multiply16(a.low, factors), V::multiply16(a.high, factors)};
     }
 
     // Sums stay below 2^16: the weights add up to 245.
     static void blur(uint8_t* to, ThreeRows rows, size_t bytes) {
         const uint8_t *below = rows[0], *row = rows[1], *above = rows[2];
+        const Register of_corners = V::opaque(V::all16(11)), of_edges = V::opaque(V::all16(30)),
+                       of_centre = V::opaque(V::all16(81));
         const auto block = [&](size_t i) {
             const auto outer = [&](size_t at) {
                 return sum(widened(below + at), widened(above + at));
             };
             const Halves corners = sum(outer(i - 3), outer(i + 3));
             const Halves edges = sum(outer(i), sum(widened(row + i - 3), widened(row + i + 3)));
-            const Halves all = sum(sum(product(corners, 11), product(edges, 30)),
-                                   product(widened(row + i), 81));
+            const Halves all = sum(sum(product(corners, of_corners), product(edges, of_edges)),
+                                   product(widened(row + i), of_centre));
             V::store(to + i, V::narrow16(V::template shift_right16<8>(all.low),
                                          V::template shift_right16<8>(all.high)));
         };
@@ -71,7 +73,7 @@ struct FilterKernels {
 #pragma GCC unroll 9
             for (size_t k = 0; k < 9; ++k) {
                 const Halves v = neighbours.at(i, k);
-                all = sum(all, {V::multiply16(v.low, weight[k]), V::multiply16(v.high, weight[k])});
+                all = sum(all, product(v, weight[k]));
             }
             V::store(to + i, V::narrow16(quotient(V::max16(all.low, V::zero())),
                                          quotient(V::max16(all.high, V::zero()))));
@@ -126,7 +128,7 @@ struct FilterKernels {
         const auto block = [&](size_t i) {
             const Halves around = sum(sum(widened(below + i), widened(above + i)),
                                       sum(widened(row + i - 1), widened(row + i + 1)));
-            store16(to + i, difference(product(widened(row + i), 4), around));
+            store16(to + i, difference(product(widened(row + i), V::all16(4)), around));
         };
         if (!each_step<V::size>(count, block))
             scalar::kernels.laplacian(to, rows, count);
