@@ -33,6 +33,9 @@ struct VectorAvx : VectorX86 {
     struct Planes {
         Register blue, green, red;
     };
+    struct Pixels {
+        Register part[3];
+    };
     struct Weighted {
         Halves blue_green, red_green;
 
@@ -62,6 +65,7 @@ struct VectorAvx : VectorX86 {
     // In 4 x 4 squares of each 16 bytes, four vectors each.
     template<size_t n>
     static void transpose_parts(Register (&v)[n]) {
+#pragma GCC unroll 4
         for (size_t i = 0; i < n; i += 4) {
             const Register low01 = zip_low32(v[i], v[i + 1]), high01 = zip_high32(v[i], v[i + 1]);
             const Register low23 = zip_low32(v[i + 2], v[i + 3]),

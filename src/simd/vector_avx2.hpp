@@ -21,6 +21,20 @@ namespace {
 #undef KIRVO_RECIPROCAL
 #undef KIRVO_BROADCAST
 
+// Which bytes of three vectors of 16 go to each of them when their 16 pixels are reversed, or -1.
+struct ReversedPlaces {
+    alignas(16) int8_t from[3][3][16];
+
+    constexpr ReversedPlaces() : from{} {
+        for (int i = 0; i < 48; ++i) {
+            const int source = (15 - i / 3) * 3 + i % 3;
+            for (int v = 0; v < 3; ++v)
+                from[i / 16][v][i % 16] = static_cast<int8_t>(source / 16 == v ? source % 16 : -1);
+        }
+    }
+};
+constexpr ReversedPlaces reversed_places;
+
 struct Vector : VectorAvx {
     static Register equal8(Register a, Register b) { return _mm256_cmpeq_epi8(a, b); }
     static Register equal16(Register a, Register b) { return _mm256_cmpeq_epi16(a, b); }
@@ -77,7 +91,7 @@ struct Vector : VectorAvx {
                                               4, 5, 6, -1, 7, 8, 9, -1, 10, 11, 12, -1, 13, 14, 15,
                                               -1));
         else
-            return load(from);
+            return load_once(from);
     }
     // The kept bytes of each half move to its start, then the halves together.
     template<int bytes>
@@ -100,6 +114,7 @@ struct Vector : VectorAvx {
     }
     static void transpose(Register (&v)[words]) {
         transpose_parts(v);
+#pragma GCC unroll 4
         for (size_t i = 0; i < 4; ++i) {
             const Register upper = v[i], lower = v[i + 4];
             v[i] = low_halves(upper, lower);
@@ -115,6 +130,20 @@ struct Vector : VectorAvx {
         else
             v = _mm256_shuffle_epi32(v, 0x1B);
         return _mm256_permute4x64_epi64(v, 0x4E);
+    }
+
+    // Each half holds 16 pixels, 48 bytes in three vectors. A result takes its bytes from the vectors
+    // that hold them; the others give 0 there.
+    static void store_reversed(uint8_t* to, const Pixels& p) {
+        const auto part = [&](int result, int source) {
+            return shuffled8(p.part[source], repeated(reversed_places.from[result][source]));
+        };
+        store_halves(to + 48, to, part(0, 1) | part(0, 2));
+        store_halves(to + 64, to + 16, part(1, 0) | part(1, 1) | part(1, 2));
+        store_halves(to + 80, to + 32, part(2, 0) | part(2, 1));
+    }
+    static Pixels load_pixels(const uint8_t* bgr) {
+        return {{joined(bgr, bgr + 48), joined(bgr + 16, bgr + 64), joined(bgr + 32, bgr + 80)}};
     }
 
     // Five pixels in each half.

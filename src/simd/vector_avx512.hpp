@@ -95,7 +95,7 @@ struct Vector : VectorAvx {
             return _mm512_permutexvar_epi8(spread.vector(),
                                            _mm512_maskz_loadu_epi8(first_48, from));
         } else {
-            return load(from);
+            return load_once(from);
         }
     }
     template<int bytes>
@@ -113,6 +113,7 @@ struct Vector : VectorAvx {
     }
     static void transpose(Register (&v)[words]) {
         transpose_parts(v);
+#pragma GCC unroll 4
         for (size_t i = 0; i < 4; ++i) {
             const Register even0 = _mm512_shuffle_i32x4(v[i], v[i + 4], 0x88);
             const Register odd0 = _mm512_shuffle_i32x4(v[i], v[i + 4], 0xDD);
@@ -129,6 +130,28 @@ struct Vector : VectorAvx {
         static constexpr Places places(
             [](int i) { return 64 - bytes - i / bytes * bytes + i % bytes; });
         return _mm512_permutexvar_epi8(places.vector(), v);
+    }
+
+    static Pixels load_pixels(const uint8_t* bgr) {
+        return {{load_once(bgr), load_once(bgr + 64), load_once(bgr + 128)}};
+    }
+    // The middle one of three results takes bytes from all three vectors.
+    static void store_reversed(uint8_t* to, const Pixels& p) {
+        static constexpr auto source = [](int i) { return (63 - i / 3) * 3 + i % 3; };
+        static constexpr Places last([](int i) { return source(i) - 64; });
+        static constexpr Places middle([](int i) { return source(i + 64) & 127; });
+        static constexpr Places first([](int i) { return source(i + 128); });
+        constexpr __mmask64 from_the_third = [] {
+            __mmask64 mask = 0;
+            for (int i = 0; i < 64; ++i)
+                mask |= __mmask64{source(i + 64) >= 128} << i;
+            return mask;
+        }();
+        store(to, _mm512_permutex2var_epi8(p.part[1], last.vector(), p.part[2]));
+        const Register two = _mm512_permutex2var_epi8(p.part[0], middle.vector(), p.part[1]);
+        store(to + 64,
+              _mm512_mask_permutexvar_epi8(two, from_the_third, middle.vector(), p.part[2]));
+        store(to + 128, _mm512_permutex2var_epi8(p.part[0], first.vector(), p.part[1]));
     }
 
     static constexpr size_t run = 21;

@@ -133,6 +133,13 @@ struct Vector : VectorX86 {
         return v;
     }
 
+    // `size` 24-bit pixels, the last first.
+    using Pixels = Planes;
+    static Pixels load_pixels(const uint8_t* bgr) { return load_planes(bgr); }
+    static void store_reversed(uint8_t* to, const Pixels& p) {
+        store_planes(to, {reversed<1>(p.blue), reversed<1>(p.green), reversed<1>(p.red)});
+    }
+
     // Whole 24-bit pixels, as many as fit. The bytes of a vector beyond them are loaded, and stored
     // as they came; they belong to the next run.
     static constexpr size_t run = 5;

@@ -47,27 +47,24 @@ struct TurnKernels {
     template<int bytes>
     static void exchange(uint8_t* left, uint8_t* right) {
         if constexpr (bytes == 3) {
-            const auto a = V::load_planes(left), b = V::load_planes(right);
-            store_reversed(left, b);
-            store_reversed(right, a);
+            const auto a = V::load_pixels(left), b = V::load_pixels(right);
+            V::store_reversed(left, b);
+            V::store_reversed(right, a);
         } else {
             const Register a = V::load(left), b = V::load(right);
             V::store(left, V::template reversed<bytes>(b));
             V::store(right, V::template reversed<bytes>(a));
         }
     }
-    static void store_reversed(uint8_t* to, const typename V::Planes& p) {
-        V::store_planes(to, {V::template reversed<1>(p.blue), V::template reversed<1>(p.green),
-                             V::template reversed<1>(p.red)});
-    }
-
     template<int bytes>
     static void transpose_square(uint8_t* to, ptrdiff_t to_step, const uint8_t* from,
                                  ptrdiff_t from_step) {
         Register words[side];
+#pragma GCC unroll 16
         for (size_t k = 0; k < side; ++k, from += from_step)
             words[k] = V::template load_row<bytes>(from);
         V::transpose(words);
+#pragma GCC unroll 16
         for (size_t x = 0; x < side; ++x, to += to_step)
             V::template store_row<bytes>(to, words[x]);
     }
