@@ -1,3 +1,3 @@
 #include "platform/platform.hpp"
 
-uint32_t WINAPI GetVerKirvoDll(void) { return 0x01000402; }
+uint32_t WINAPI GetVerKirvoDll(void) { return KIRVO_VERSION; }
