@@ -60,7 +60,7 @@ bool inside(const Rect& rect, const LockedDib& dib) {
            int64_t{rect.y} + rect.height <= dib.height();
 }
 
-Status DibCheckRect(const LockedDib& dib, const Rect& rect, const Depths& depths, RowStart start) {
+Status check_rect(const LockedDib& dib, const Rect& rect, const Depths& depths, RowStart start) {
     if (!dib)
         return Status::null_handle;
     if (!well_formed(rect))
@@ -72,32 +72,32 @@ Status DibCheckRect(const LockedDib& dib, const Rect& rect, const Depths& depths
     return Status::ok;
 }
 
-Status DibCheckRect24(const LockedDib& dib, const Rect& rect, RowStart start) {
-    return DibCheckRect(dib, rect, {[](int32_t bits) { return bits == 24; }, Status::needs_24},
+Status check_rect_24(const LockedDib& dib, const Rect& rect, RowStart start) {
+    return check_rect(dib, rect, {[](int32_t bits) { return bits == 24; }, Status::needs_24},
                         start);
 }
 
-Status DibCheckRect8or24(const LockedDib& dib, const Rect& rect, RowStart start) {
-    return DibCheckRect(dib, rect,
+Status check_rect_8_24(const LockedDib& dib, const Rect& rect, RowStart start) {
+    return check_rect(dib, rect,
                         {[](int32_t bits) { return bits == 8 || bits == 24; }, Status::needs_8_24},
                         start);
 }
 
-Status DibCheckRect24or32(const LockedDib& dib, const Rect& rect, RowStart start) {
-    return DibCheckRect(
+Status check_rect_24_32(const LockedDib& dib, const Rect& rect, RowStart start) {
+    return check_rect(
         dib, rect, {[](int32_t bits) { return bits == 24 || bits == 32; }, Status::needs_24_32},
         start);
 }
 
-Status DibCheckRect16to32(const LockedDib& dib, const Rect& rect, RowStart start) {
-    return DibCheckRect(dib, rect,
+Status check_rect_16_to_32(const LockedDib& dib, const Rect& rect, RowStart start) {
+    return check_rect(dib, rect,
                         {[](int32_t bits) { return bits == 16 || bits == 24 || bits == 32; },
                          Status::needs_16_24_32},
                         start);
 }
 
-Status DibCheckRect8to32(const LockedDib& dib, const Rect& rect, RowStart start) {
-    return DibCheckRect(
+Status check_rect_8_to_32(const LockedDib& dib, const Rect& rect, RowStart start) {
+    return check_rect(
         dib, rect,
         {[](int32_t bits) { return bits == 8 || bits == 16 || bits == 24 || bits == 32; },
          Status::needs_8_16_24_32},

@@ -106,12 +106,12 @@ struct Depths {
 
 // Opens an operation on a rectangle: null handle (-3), signs (-1), depth (its code), extent (-1),
 // and a block smaller than its header promises (-1), in this order.
-Status DibCheckRect(const LockedDib& dib, const Rect& rect, const Depths& depths, RowStart start);
-Status DibCheckRect24(const LockedDib& dib, const Rect& rect, RowStart start);
-Status DibCheckRect8or24(const LockedDib& dib, const Rect& rect, RowStart start);
-Status DibCheckRect24or32(const LockedDib& dib, const Rect& rect, RowStart start);
-Status DibCheckRect16to32(const LockedDib& dib, const Rect& rect, RowStart start);
-Status DibCheckRect8to32(const LockedDib& dib, const Rect& rect, RowStart start);
+Status check_rect(const LockedDib& dib, const Rect& rect, const Depths& depths, RowStart start);
+Status check_rect_24(const LockedDib& dib, const Rect& rect, RowStart start);
+Status check_rect_8_24(const LockedDib& dib, const Rect& rect, RowStart start);
+Status check_rect_24_32(const LockedDib& dib, const Rect& rect, RowStart start);
+Status check_rect_16_to_32(const LockedDib& dib, const Rect& rect, RowStart start);
+Status check_rect_8_to_32(const LockedDib& dib, const Rect& rect, RowStart start);
 
 // True when the rectangle has no negative corner, some extent, and lies inside the image.
 bool well_formed(const Rect& rect);

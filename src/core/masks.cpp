@@ -12,20 +12,7 @@ void read_mask_words(const LockedDib& dib, uint32_t (&words)[3]) {
     dib.read_bytes(dib.header.biSize, words, sizeof words);
 }
 
-void copy_colour_table(const LockedDib& to, const LockedDib& from, uint32_t full) {
-    const uint32_t wanted = from.header.biClrUsed != 0 ? from.header.biClrUsed : full;
-    // More entries than the destination's block can hold would be dropped anyway.
-    const uint64_t count = std::min<uint64_t>(wanted, to.size() / sizeof(RGBQUAD) + 1);
-    for (uint64_t i = 0; i < count; ++i) {
-        RGBQUAD entry;
-        from.read_bytes(from.header.biSize + i * sizeof entry, &entry, sizeof entry);
-        to.write_bytes(to.header.biSize + i * sizeof entry, &entry, sizeof entry);
-    }
-}
-
-} // namespace
-
-Masks DibGetMasks16(const LockedDib& dib) {
+Masks masks16_of(const LockedDib& dib) {
     if (!has_masks(dib))
         return default_masks16;
     Masks masks;
@@ -40,7 +27,7 @@ Masks DibGetMasks16(const LockedDib& dib) {
     return masks;
 }
 
-Masks DibGetMasks32(const LockedDib& dib) {
+Masks masks32_of(const LockedDib& dib) {
     if (!has_masks(dib))
         return default_masks32;
     Masks masks = {};
@@ -50,15 +37,29 @@ Masks DibGetMasks32(const LockedDib& dib) {
     return masks;
 }
 
+// The biClrUsed entries of an 8-bit image, or 256 when that is 0.
+void copy_colour_table(const LockedDib& to, const LockedDib& from) {
+    const uint32_t wanted = from.header.biClrUsed != 0 ? from.header.biClrUsed : 256;
+    // More entries than the destination's block can hold would be dropped anyway.
+    const uint64_t count = std::min<uint64_t>(wanted, to.size() / sizeof(RGBQUAD) + 1);
+    for (uint64_t i = 0; i < count; ++i) {
+        RGBQUAD entry;
+        from.read_bytes(from.header.biSize + i * sizeof entry, &entry, sizeof entry);
+        to.write_bytes(to.header.biSize + i * sizeof entry, &entry, sizeof entry);
+    }
+}
+
+} // namespace
+
 Masks masks_of(const LockedDib& dib) {
-    return dib.bits() == 16 ? DibGetMasks16(dib) : DibGetMasks32(dib);
+    return dib.bits() == 16 ? masks16_of(dib) : masks32_of(dib);
 }
 
 void write_masks(const LockedDib& dib, const Masks& masks) {
     dib.write_bytes(dib.header.biSize, masks.mask, sizeof masks.mask);
 }
 
-void DibCopyMasks(const LockedDib& to, const LockedDib& from) {
+void copy_masks(const LockedDib& to, const LockedDib& from) {
     if (!has_masks(to))
         return;
     if (!has_masks(from)) {
@@ -70,23 +71,11 @@ void DibCopyMasks(const LockedDib& to, const LockedDib& from) {
     to.write_bytes(to.header.biSize, words, sizeof words);
 }
 
-void DibCopyColorTable2(const LockedDib& to, const LockedDib& from) {
-    copy_colour_table(to, from, 2);
-}
-
-void DibCopyColorTable16(const LockedDib& to, const LockedDib& from) {
-    copy_colour_table(to, from, 16);
-}
-
-void DibCopyColorTable256(const LockedDib& to, const LockedDib& from) {
-    copy_colour_table(to, from, 256);
-}
-
 void copy_colour_part(const LockedDib& to, const LockedDib& from) {
     if (from.bits() == 8)
-        DibCopyColorTable256(to, from);
+        copy_colour_table(to, from);
     else if (from.bits() == 16 || from.bits() == 32)
-        DibCopyMasks(to, from);
+        copy_masks(to, from);
 }
 
 } // namespace kirvo

@@ -18,20 +18,13 @@ struct Masks {
 constexpr Masks default_masks16 = {{0x7C00, 0x03E0, 0x001F}, {10, 5, 0}, {3, 3, 3}};
 constexpr Masks default_masks32 = {{0xFF0000, 0x00FF00, 0x0000FF}, {16, 8, 0}, {0, 0, 0}};
 
-Masks DibGetMasks16(const LockedDib& dib);
-Masks DibGetMasks32(const LockedDib& dib);
 // Of a 16- or 32-bit image.
 Masks masks_of(const LockedDib& dib);
 // Writes three mask words after the header.
 void write_masks(const LockedDib& dib, const Masks& masks);
 
 // To a destination with BI_BITFIELDS; others are left alone.
-void DibCopyMasks(const LockedDib& to, const LockedDib& from);
-
-// The source's biClrUsed entries, or the depth's full number when that is 0.
-void DibCopyColorTable2(const LockedDib& to, const LockedDib& from);
-void DibCopyColorTable16(const LockedDib& to, const LockedDib& from);
-void DibCopyColorTable256(const LockedDib& to, const LockedDib& from);
+void copy_masks(const LockedDib& to, const LockedDib& from);
 
 // What a new image of the source's depth takes over: the colour table at 8 bits, the masks at 16
 // and 32.

@@ -5,7 +5,7 @@ using namespace kirvo;
 
 HGLOBAL WINAPI Dib24Gausian(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                             int32_t* status) {
-    const RectOperation operation(dib, {x, y, width, height}, DibCheckRect24);
+    const RectOperation operation(dib, {x, y, width, height}, check_rect_24);
     if (!operation.passed(status))
         return nullptr;
     // Rows of the rectangle; the image's own only above a rectangle one row high.

@@ -110,7 +110,7 @@ void WINAPI SetFilter3x3(int32_t k0, int32_t k1, int32_t k2, int32_t k3, int32_t
 
 HGLOBAL WINAPI DibFilter3x3(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                             int32_t* status) {
-    RectOperation operation(dib, {x, y, width, height}, DibCheckRect16to32);
+    RectOperation operation(dib, {x, y, width, height}, check_rect_16_to_32);
     operation.require(current_kernel.divisor != 0);
     if (!operation.passed(status))
         return nullptr;

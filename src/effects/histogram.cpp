@@ -78,7 +78,7 @@ void hand_over(uint32_t* to, const Counters& counters) {
 
 int32_t WINAPI DibHistgram(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                            uint32_t* red, uint32_t* green, uint32_t* blue) {
-    const RectOperation operation(dib, {x, y, width, height}, DibCheckRect8to32);
+    const RectOperation operation(dib, {x, y, width, height}, check_rect_8_to_32);
     if (operation.status() != Status::ok)
         return code(operation.status());
     const Histogram histogram =

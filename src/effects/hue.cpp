@@ -81,7 +81,7 @@ int32_t WINAPI DibModifyHue(HGLOBAL handle, int32_t mode, int32_t value) {
 HGLOBAL WINAPI DibModifyHueEx(HGLOBAL handle, int32_t x, int32_t y, int32_t width, int32_t height,
                               int32_t mode, int32_t value, int32_t* status) {
     const Rect rect = {x, y, width, height};
-    RectOperation operation(handle, rect, DibCheckRect16to32);
+    RectOperation operation(handle, rect, check_rect_16_to_32);
     operation.require(mode >= 0 && mode < modes && value >= 0 && value <= 359);
     if (!operation.passed(status))
         return nullptr;

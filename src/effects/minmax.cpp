@@ -359,7 +359,7 @@ Status run(const Setting& setting) {
 
 HGLOBAL WINAPI DibBlockMxM(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                            int32_t radius, int32_t maximum, int32_t luminance, int32_t* status) {
-    RectOperation operation(dib, {x, y, width, height}, DibCheckRect16to32);
+    RectOperation operation(dib, {x, y, width, height}, check_rect_16_to_32);
     operation.require(radius >= 1 && radius <= largest_radius);
     if (!operation.passed(status))
         return nullptr;

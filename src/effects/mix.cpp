@@ -45,7 +45,7 @@ Rgb faded(const Rgb& centre, int64_t weight) {
 template<int size>
 int32_t mix(HGLOBAL handle, int32_t x, int32_t y, const MixMask<size>& mask) {
     constexpr int reach = MixMask<size>::reach;
-    const RectOperation operation(handle, {x, y, 1, 1}, DibCheckRect16to32);
+    const RectOperation operation(handle, {x, y, 1, 1}, check_rect_16_to_32);
     if (operation.status() != Status::ok)
         return code(operation.status());
     const LockedDib& dib = operation.source();

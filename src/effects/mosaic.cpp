@@ -165,19 +165,19 @@ HGLOBAL average_mosaic(const RectOperation& operation, int32_t block, int32_t* s
 
 HGLOBAL WINAPI Dib24Mosaic(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                            int32_t block, int32_t* status) {
-    RectOperation operation(dib, {x, y, width, height}, DibCheckRect24);
+    RectOperation operation(dib, {x, y, width, height}, check_rect_24);
     return sample_mosaic(operation, block, status);
 }
 
 HGLOBAL WINAPI DibMosaicEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                            int32_t block, int32_t* status) {
-    RectOperation operation(dib, {x, y, width, height}, DibCheckRect8to32);
+    RectOperation operation(dib, {x, y, width, height}, check_rect_8_to_32);
     return sample_mosaic(operation, block, status);
 }
 
 HGLOBAL WINAPI DibMosaicEx2(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                             int32_t block, int32_t* status) {
-    RectOperation operation(dib, {x, y, width, height}, DibCheckRect8to32);
+    RectOperation operation(dib, {x, y, width, height}, check_rect_8_to_32);
     operation.require(block >= 1 && block <= 1024);
     if (!operation.passed(status))
         return nullptr;

@@ -66,7 +66,7 @@ Status interleave(const Field& even, const Field& odd, int32_t width, int32_t he
     const LockedDib to(block.get());
     if (!to)
         return Status::no_memory;
-    DibCopyMasks(to, even.dib);
+    copy_masks(to, even.dib);
     const Rows rows = to.rows(RowStart::after_40);
     const auto bytes = static_cast<size_t>(to.stride());
     each_step(height, [&](int32_t i) {
@@ -81,7 +81,7 @@ Status interleave(const Field& even, const Field& odd, int32_t width, int32_t he
 
 int32_t WINAPI Dib24XOR(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                         uint32_t colour) {
-    const RectOperation operation(dib, {x, y, width, height}, DibCheckRect16to32);
+    const RectOperation operation(dib, {x, y, width, height}, check_rect_16_to_32);
     if (operation.status() != Status::ok)
         return code(operation.status());
     const PixelFormat format = operation.format();

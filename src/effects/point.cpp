@@ -60,7 +60,7 @@ HGLOBAL map_colour_table(const RectOperation& operation, const Rect& rect,
 } // namespace
 
 int32_t WINAPI Dib24Negative(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height) {
-    const RectOperation operation(dib, {x, y, width, height}, DibCheckRect16to32,
+    const RectOperation operation(dib, {x, y, width, height}, check_rect_16_to_32,
                                   RowStart::after_40);
     if (operation.status() != Status::ok)
         return code(operation.status());
@@ -87,14 +87,14 @@ int32_t WINAPI Dib24RGBChange(HGLOBAL dib, int32_t mode, int32_t x, int32_t y, i
         return code(Status::bad_parameter);
     if (mode == 0)
         return code(Status::ok);
-    const RectOperation operation(dib, {x, y, width, height}, DibCheckRect24or32,
+    const RectOperation operation(dib, {x, y, width, height}, check_rect_24_32,
                                   RowStart::after_40);
     return code(operation.change(permuted(orders[mode])));
 }
 
 HGLOBAL WINAPI Dib24Brightness(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                                int32_t level, int32_t* status) {
-    RectOperation operation(dib, {x, y, width, height}, DibCheckRect24or32);
+    RectOperation operation(dib, {x, y, width, height}, check_rect_24_32);
     operation.require(is_level(level));
     const auto row = [=](uint8_t* to, const uint8_t* from, size_t count) {
         tone_rows().scale(to, from, 3 * count, 100, level * 255 / 100);
@@ -107,7 +107,7 @@ HGLOBAL WINAPI Dib24Brightness(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
 
 HGLOBAL WINAPI Dib24Contrast(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                              int32_t level, int32_t* status) {
-    RectOperation operation(dib, {x, y, width, height}, DibCheckRect24or32);
+    RectOperation operation(dib, {x, y, width, height}, check_rect_24_32);
     operation.require(is_level(level));
     const auto row = [=](uint8_t* to, const uint8_t* from, size_t count) {
         tone_rows().scale(to, from, 3 * count, level + 100, -128 * level / 100);
@@ -117,7 +117,7 @@ HGLOBAL WINAPI Dib24Contrast(HGLOBAL dib, int32_t x, int32_t y, int32_t width, i
 
 HGLOBAL WINAPI Dib24HalfTone(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                              int32_t* status) {
-    const RectOperation operation(dib, {x, y, width, height}, DibCheckRect24or32);
+    const RectOperation operation(dib, {x, y, width, height}, check_rect_24_32);
     const auto row = [](uint8_t* to, const uint8_t* from, size_t count) {
         tone_rows().scale(to, from, 3 * count, 50, 0);
     };
@@ -126,7 +126,7 @@ HGLOBAL WINAPI Dib24HalfTone(HGLOBAL dib, int32_t x, int32_t y, int32_t width, i
 
 HGLOBAL WINAPI Dib24Monochrome(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                                int32_t* status) {
-    const RectOperation operation(dib, {x, y, width, height}, DibCheckRect24or32,
+    const RectOperation operation(dib, {x, y, width, height}, check_rect_24_32,
                                   RowStart::after_40);
     const auto row = [](uint8_t* to, const uint8_t* from, size_t count) {
         tone_rows().grey(to, from, count);
@@ -136,7 +136,7 @@ HGLOBAL WINAPI Dib24Monochrome(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
 
 HGLOBAL WINAPI Dib24ToneCtrl(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                              int32_t numerator, int32_t denominator, int32_t* status) {
-    RectOperation operation(dib, {x, y, width, height}, DibCheckRect24or32);
+    RectOperation operation(dib, {x, y, width, height}, check_rect_24_32);
     operation.require(numerator >= 1 && numerator <= 255 && denominator >= 0);
     if (!operation.passed(status))
         return nullptr;
@@ -146,7 +146,7 @@ HGLOBAL WINAPI Dib24ToneCtrl(HGLOBAL dib, int32_t x, int32_t y, int32_t width, i
 
 HGLOBAL WINAPI Dib24ToneCtrlEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                                double red, double green, double blue, int32_t* status) {
-    RectOperation operation(dib, {x, y, width, height}, DibCheckRect24or32);
+    RectOperation operation(dib, {x, y, width, height}, check_rect_24_32);
     operation.require(red >= 0.0 && green >= 0.0 && blue >= 0.0);
     if (!operation.passed(status))
         return nullptr;
@@ -156,7 +156,7 @@ HGLOBAL WINAPI Dib24ToneCtrlEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
 
 HGLOBAL WINAPI Dib24Gamma(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                           double gamma, int32_t* status) {
-    RectOperation operation(dib, {x, y, width, height}, DibCheckRect24);
+    RectOperation operation(dib, {x, y, width, height}, check_rect_24);
     operation.require(gamma >= 0.0);
     if (!operation.passed(status))
         return nullptr;
@@ -167,7 +167,7 @@ HGLOBAL WINAPI Dib24Gamma(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int3
 HGLOBAL WINAPI DibGammaEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                           double red, double green, double blue, int32_t* status) {
     const Rect rect = {x, y, width, height};
-    RectOperation operation(dib, rect, DibCheckRect8to32);
+    RectOperation operation(dib, rect, check_rect_8_to_32);
     operation.require(red >= 0.0 && green >= 0.0 && blue >= 0.0);
     if (!operation.passed(status))
         return nullptr;
@@ -179,7 +179,7 @@ HGLOBAL WINAPI DibGammaEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int3
 
 HGLOBAL WINAPI DibColorMapEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                              const uint8_t* table, int32_t* status) {
-    RectOperation operation(dib, {x, y, width, height}, DibCheckRect8to32);
+    RectOperation operation(dib, {x, y, width, height}, check_rect_8_to_32);
     operation.require(table != nullptr);
     if (!operation.passed(status))
         return nullptr;
@@ -199,7 +199,7 @@ int32_t WINAPI Dib24Separate(HGLOBAL dib, int32_t x, int32_t y, int32_t width, i
     HGLOBAL* const outs[] = {red, green, blue};
     for (HGLOBAL* out : outs)
         report(out, HGLOBAL{});
-    const RectOperation operation(dib, {x, y, width, height}, DibCheckRect24or32);
+    const RectOperation operation(dib, {x, y, width, height}, check_rect_24_32);
     if (operation.status() != Status::ok)
         return code(operation.status());
     const PixelFormat format = operation.format();

@@ -117,7 +117,7 @@ HGLOBAL WINAPI Dib24Filter(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int
         report(status, Status::bad_parameter);
         return nullptr;
     }
-    return keep_channels({dib, {x, y, width, height}, DibCheckRect24or32}, ranges, status);
+    return keep_channels({dib, {x, y, width, height}, check_rect_24_32}, ranges, status);
 }
 
 HGLOBAL WINAPI Dib24FilterEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
@@ -128,7 +128,7 @@ HGLOBAL WINAPI Dib24FilterEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width, i
         report(status, Status::bad_parameter);
         return nullptr;
     }
-    const RectOperation operation(dib, {x, y, width, height}, DibCheckRect24or32);
+    const RectOperation operation(dib, {x, y, width, height}, check_rect_24_32);
     if (record.flags == rgb_each)
         return keep_channels(operation, record.ranges, status);
     return keep_pixels(operation, record, status);

@@ -81,7 +81,7 @@ Status rotate(HGLOBAL handle, const Rect& rect, int32_t direction, OwnedBlock& r
     if (direction != 0 && direction != 1)
         return Status::bad_parameter;
     const LockedDib from(handle);
-    const Status status = DibCheckRect8to32(from, rect, start);
+    const Status status = check_rect_8_to_32(from, rect, start);
     if (status != Status::ok)
         return status;
     result = new_dib(rect.height, rect.width, from.bits(), Content::any);

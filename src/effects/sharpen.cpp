@@ -117,21 +117,21 @@ Range flat_range(int32_t threshold, int32_t mode) {
 
 HGLOBAL WINAPI Dib24Sharpen(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                             int32_t mode, int32_t* status) {
-    RectOperation operation(dib, {x, y, width, height}, DibCheckRect24);
+    RectOperation operation(dib, {x, y, width, height}, check_rect_24);
     operation.require(mode >= 0 && mode <= 5);
     return mode == 0 ? sharpened(operation, 8, status) : edges(operation, mode, status);
 }
 
 HGLOBAL WINAPI Dib24SharpenEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                               int32_t strength, int32_t* status) {
-    const RectOperation operation(dib, {x, y, width, height}, DibCheckRect24);
+    const RectOperation operation(dib, {x, y, width, height}, check_rect_24);
     const bool known = strength >= 0 && strength <= 3;
     return sharpened(operation, known ? 8 - 2 * strength : 8, status);
 }
 
 HGLOBAL WINAPI Dib24ColorEdge(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                               int32_t threshold, int32_t mode, int32_t* status) {
-    const RectOperation operation(dib, {x, y, width, height}, DibCheckRect24);
+    const RectOperation operation(dib, {x, y, width, height}, check_rect_24);
     const Range flat = flat_range(threshold, mode);
     const size_t pixels = operation.width(), stride = static_cast<size_t>(row_stride(width, 24));
     const FilterRows& rows = filter_rows();

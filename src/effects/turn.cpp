@@ -9,7 +9,7 @@ namespace kirvo {
 namespace {
 
 RectOperation turn_of(HGLOBAL dib, const Rect& rect) {
-    return RectOperation(dib, rect, DibCheckRect8to32, RowStart::after_40);
+    return RectOperation(dib, rect, check_rect_8_to_32, RowStart::after_40);
 }
 
 // Pixels of whole bytes in one direction or the other.

@@ -64,7 +64,7 @@ HGLOBAL make_zoomed(HGLOBAL handle, const Rect& rect, const Size& size, Coordina
     if (size.width < 1 || size.height < 1)
         return fail(Status::bad_parameter);
     const LockedDib source(handle);
-    const Status check = DibCheckRect8to32(source, rect, RowStart::after_40);
+    const Status check = check_rect_8_to_32(source, rect, RowStart::after_40);
     if (check != Status::ok)
         return fail(check);
     OwnedBlock result = new_dib(size.width, size.height, source.bits(), Content::any);

@@ -25,8 +25,8 @@ uint32_t output_estimate(const EncodeRequest& request, int32_t level) {
 
 Status check(const EncodeRequest& request, const LockedDib& dib) {
     if (!request.grey())
-        return DibCheckRect8or24(dib, request.region, RowStart::after_header);
-    return DibCheckRect(dib, request.region,
+        return check_rect_8_24(dib, request.region, RowStart::after_header);
+    return check_rect(dib, request.region,
                         {[](int32_t bits) { return bits == 8; }, Status::needs_8},
                         RowStart::after_header);
 }

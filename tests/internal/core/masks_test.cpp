@@ -10,42 +10,41 @@ using namespace kirvo_test;
 
 namespace {
 
-kirvo::Masks masks16(const Dib& dib) { return kirvo::DibGetMasks16(LockedDib(dib)); }
-kirvo::Masks masks32(const Dib& dib) { return kirvo::DibGetMasks32(LockedDib(dib)); }
+kirvo::Masks masks_of(const Dib& dib) { return kirvo::masks_of(LockedDib(dib)); }
 
 } // namespace
 
 TEST(Masks16, DefaultsWithoutBitFields) {
-    const kirvo::Masks m = masks16(make_dib({1, 1, 16}));
+    const kirvo::Masks m = masks_of(make_dib({1, 1, 16}));
     EXPECT_EQ(m, (kirvo::Masks{{0x7C00, 0x03E0, 0x001F}, {10, 5, 0}, {3, 3, 3}}));
     EXPECT_EQ(m.sum(), 0x7FFFu);
 }
 
 TEST(Masks16, ShiftAndWideningFromTheLowestRunOfOnes) {
-    const kirvo::Masks m = masks16(make_dib({1, 1, 16, masks_565}));
+    const kirvo::Masks m = masks_of(make_dib({1, 1, 16, masks_565}));
     EXPECT_EQ(m, (kirvo::Masks{{0xF800, 0x07E0, 0x001F}, {11, 5, 0}, {3, 2, 3}}));
     EXPECT_EQ(m.sum(), 0xFFFFu);
     // An empty mask, a full one, one with a gap; only the low 16 bits count.
-    const kirvo::Masks odd = masks16(make_dib({1, 1, 16, Masks{0xABCD0000, 0xFFFF, 0x0F0E}}));
+    const kirvo::Masks odd = masks_of(make_dib({1, 1, 16, Masks{0xABCD0000, 0xFFFF, 0x0F0E}}));
     EXPECT_EQ(odd, (kirvo::Masks{{0, 0xFFFF, 0x0F0E}, {16, 0, 1}, {8, -8, 5}}));
 }
 
 TEST(Masks16, FollowTheHeader) {
-    const kirvo::Masks m = masks16(make_dib({1, 1, 16, masks_565, 0, 64}));
+    const kirvo::Masks m = masks_of(make_dib({1, 1, 16, masks_565, 0, 64}));
     EXPECT_EQ(m.mask[0], 0xF800u);
 }
 
 TEST(Masks32, DefaultsAndShifts) {
-    EXPECT_EQ(masks32(make_dib({1, 1, 32})),
+    EXPECT_EQ(masks_of(make_dib({1, 1, 32})),
               (kirvo::Masks{{0xFF0000, 0xFF00, 0xFF}, {16, 8, 0}, {0, 0, 0}}));
-    const kirvo::Masks m = masks32(make_dib({1, 1, 32, Masks{0x80000000, 0, 0x3FF}}));
+    const kirvo::Masks m = masks_of(make_dib({1, 1, 32, Masks{0x80000000, 0, 0x3FF}}));
     EXPECT_EQ(m, (kirvo::Masks{{0x80000000, 0, 0x3FF}, {31, 32, 0}, {0, 0, 0}}));
     EXPECT_EQ(m.sum(), 0x800003FFu);
 }
 
 #ifndef _WIN32
 TEST(Masks32, PastTheEndOfTheBlockAreZero) {
-    EXPECT_EQ(masks32(make_dib({1, 1, 32, masks_888, 0, 40, -12})),
+    EXPECT_EQ(masks_of(make_dib({1, 1, 32, masks_888, 0, 40, -12})),
               (kirvo::Masks{{0xFF0000, 0, 0}, {16, 32, 32}, {0, 0, 0}}));
 }
 #endif
@@ -54,7 +53,7 @@ TEST(CopyMasks, CarriesOrWritesTheDefaultsOfTheSourceDepth) {
     const auto carried = [](const DibSpec& from, int to_bits) {
         const Dib source = make_dib(from);
         const Dib to(DibMemAllocEx(1, 1, static_cast<uint32_t>(to_bits)));
-        kirvo::DibCopyMasks(LockedDib(to), LockedDib(source));
+        kirvo::copy_masks(LockedDib(to), LockedDib(source));
         return to.masks();
     };
     EXPECT_EQ(carried({1, 1, 16}, 16), masks_555);
@@ -66,30 +65,20 @@ TEST(CopyMasks, CarriesOrWritesTheDefaultsOfTheSourceDepth) {
     Random random(1);
     const Dib plain = make_random_dib({4, 4, 24}, random);
     const std::vector<uint8_t> before = plain.bytes();
-    kirvo::DibCopyMasks(LockedDib(plain), LockedDib(make_dib({1, 1, 32, masks_888})));
+    kirvo::copy_masks(LockedDib(plain), LockedDib(make_dib({1, 1, 32, masks_888})));
     EXPECT_EQ(plain.bytes(), before);
 }
 
 TEST(CopyColourTable, CopiesAsManyEntriesAsTheSourceHas) {
     Random random(2);
-    struct Case {
-        int bits;
-        uint32_t used;
-        void (*copy)(const LockedDib&, const LockedDib&);
-        size_t entries;
-    };
-    for (const Case& c : {Case{1, 0, kirvo::DibCopyColorTable2, 2},
-                          Case{4, 0, kirvo::DibCopyColorTable16, 16},
-                          Case{8, 0, kirvo::DibCopyColorTable256, 256},
-                          Case{8, 20, kirvo::DibCopyColorTable256, 20},
-                          Case{4, 7, kirvo::DibCopyColorTable16, 7}}) {
-        const Dib from = make_random_dib({3, 3, c.bits, {}, c.used}, random);
-        const Dib to = make_dib({3, 3, c.bits});
-        c.copy(LockedDib(to), LockedDib(from));
-        std::vector<uint8_t> want = make_dib({3, 3, c.bits}).bytes();
+    for (const uint32_t used : {0u, 1u, 20u, 255u, 256u}) {
+        const Dib from = make_random_dib({3, 3, 8, {}, used}, random);
+        const Dib to = make_dib({3, 3, 8});
+        kirvo::copy_colour_part(LockedDib(to), LockedDib(from));
+        std::vector<uint8_t> want = make_dib({3, 3, 8}).bytes();
         const std::vector<uint8_t> source = from.bytes();
-        std::copy_n(source.begin() + 40, 4 * c.entries, want.begin() + 40);
-        EXPECT_EQ(to.bytes(), want) << c.bits << " " << c.used;
+        std::copy_n(source.begin() + 40, 4 * (used == 0 ? 256 : used), want.begin() + 40);
+        EXPECT_EQ(to.bytes(), want) << used;
     }
 }
 
@@ -99,7 +88,7 @@ TEST(CopyColourTable, StaysInsideBothBlocks) {
     header.biClrUsed = 0xFFFFFFFF;
     from.set_header(header);
     const Dib to = make_dib({3, 3, 8});
-    kirvo::DibCopyColorTable256(LockedDib(to), LockedDib(from));
+    kirvo::copy_colour_part(LockedDib(to), LockedDib(from));
     EXPECT_EQ(to.header().biClrUsed, 0u);
 }
 

@@ -22,11 +22,11 @@ struct Member {
 };
 
 const Member members[] = {
-    {kirvo::DibCheckRect24, {24}, Status::needs_24},
-    {kirvo::DibCheckRect8or24, {8, 24}, Status::needs_8_24},
-    {kirvo::DibCheckRect24or32, {24, 32}, Status::needs_24_32},
-    {kirvo::DibCheckRect16to32, {16, 24, 32}, Status::needs_16_24_32},
-    {kirvo::DibCheckRect8to32, {8, 16, 24, 32}, Status::needs_8_16_24_32},
+    {kirvo::check_rect_24, {24}, Status::needs_24},
+    {kirvo::check_rect_8_24, {8, 24}, Status::needs_8_24},
+    {kirvo::check_rect_24_32, {24, 32}, Status::needs_24_32},
+    {kirvo::check_rect_16_to_32, {16, 24, 32}, Status::needs_16_24_32},
+    {kirvo::check_rect_8_to_32, {8, 16, 24, 32}, Status::needs_8_16_24_32},
 };
 
 Status run(Check check, HGLOBAL handle, const Rect& rect,
@@ -61,7 +61,7 @@ TEST(RectangleCheck, NullHandleWinsOverEverything) {
 
 TEST(RectangleCheck, Extent) {
     const Dib dib = make_dib({6, 4, 24});
-    const auto check = [&](const Rect& rect) { return run(kirvo::DibCheckRect24, dib, rect); };
+    const auto check = [&](const Rect& rect) { return run(kirvo::check_rect_24, dib, rect); };
     EXPECT_EQ(check({0, 0, 6, 4}), Status::ok);
     EXPECT_EQ(check({5, 3, 1, 1}), Status::ok);
     for (const Rect& bad : {Rect{-1, 0, 1, 1}, Rect{0, -1, 1, 1}, Rect{0, 0, 0, 1},
@@ -80,21 +80,21 @@ TEST(RectangleCheck, BlockMustHoldEveryPixelButNotTheLastPadding) {
         const auto padding = stride_of(5, bits) - 5 * bits / 8;
         const Dib enough = make_dib({5, 3, bits, {}, 0, 40, -padding});
         const Dib cut = make_dib({5, 3, bits, {}, 0, 40, -padding - 1});
-        EXPECT_EQ(run(kirvo::DibCheckRect8to32, enough, {0, 0, 1, 1}), Status::ok) << bits;
-        EXPECT_EQ(run(kirvo::DibCheckRect8to32, cut, {0, 0, 1, 1}), Status::bad_parameter) << bits;
+        EXPECT_EQ(run(kirvo::check_rect_8_to_32, enough, {0, 0, 1, 1}), Status::ok) << bits;
+        EXPECT_EQ(run(kirvo::check_rect_8_to_32, cut, {0, 0, 1, 1}), Status::bad_parameter) << bits;
     }
 }
 
 TEST(RectangleCheck, RowStartRulesDifferByTheHeader) {
     const Dib longer = make_dib({5, 3, 24, {}, 0, 60, -20}); // ends where a 40-byte header's would
-    EXPECT_EQ(run(kirvo::DibCheckRect24, longer, {0, 0, 1, 1}, RowStart::after_40), Status::ok);
-    EXPECT_EQ(run(kirvo::DibCheckRect24, longer, {0, 0, 1, 1}, RowStart::after_header),
+    EXPECT_EQ(run(kirvo::check_rect_24, longer, {0, 0, 1, 1}, RowStart::after_40), Status::ok);
+    EXPECT_EQ(run(kirvo::check_rect_24, longer, {0, 0, 1, 1}, RowStart::after_header),
               Status::bad_parameter);
     Dib huge = make_dib({5, 3, 24});
     BITMAPINFOHEADER header = huge.header();
     header.biSize = 0xFFFFFFFF;
     huge.set_header(header);
-    EXPECT_EQ(run(kirvo::DibCheckRect24, huge, {0, 0, 1, 1}, RowStart::after_header),
+    EXPECT_EQ(run(kirvo::check_rect_24, huge, {0, 0, 1, 1}, RowStart::after_header),
               Status::bad_parameter);
 }
 
