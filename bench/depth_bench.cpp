@@ -11,19 +11,9 @@ using namespace kirvo_bench;
 
 using Convert = HGLOBAL(WINAPI*)(HGLOBAL, int32_t*);
 
-// The photo at another depth.
-HGLOBAL photo16() {
-    static const HGLOBAL dib = DibConvert16bit(photo_dib(), nullptr);
-    return dib;
-}
-HGLOBAL photo32() {
-    static const HGLOBAL dib = DibConvert32bit(photo_dib(), nullptr);
-    return dib;
-}
-
-auto ours(Convert convert, HGLOBAL (*source)()) {
-    return [convert, source] {
-        return [convert, from = source()] {
+auto ours(Convert convert, int from_bits) {
+    return [convert, from_bits] {
+        return [convert, from = photo_of(from_bits)] {
             int32_t status;
             GlobalFree(convert(from, &status));
         };
@@ -51,17 +41,17 @@ auto opencv(int code, int from_bits) {
     };
 }
 
-const Row from16to24("depth/16to24/ours", ours(DibConvert24bit, photo16));
+const Row from16to24("depth/16to24/ours", ours(DibConvert24bit, 16));
 const Row from16to24_cv("depth/16to24/opencv", opencv(cv::COLOR_BGR5652BGR, 16));
-const Row from32to24("depth/32to24/ours", ours(DibConvert24bit, photo32));
+const Row from32to24("depth/32to24/ours", ours(DibConvert24bit, 32));
 const Row from32to24_cv("depth/32to24/opencv", opencv(cv::COLOR_BGRA2BGR, 32));
-const Row from24to16("depth/24to16/ours", ours(DibConvert16bit, photo_dib));
+const Row from24to16("depth/24to16/ours", ours(DibConvert16bit, 24));
 const Row from24to16_cv("depth/24to16/opencv", opencv(cv::COLOR_BGR2BGR565, 24));
-const Row from32to16("depth/32to16/ours", ours(DibConvert16bit, photo32));
+const Row from32to16("depth/32to16/ours", ours(DibConvert16bit, 32));
 const Row from32to16_cv("depth/32to16/opencv", opencv(cv::COLOR_BGRA2BGR565, 32));
-const Row from16to32("depth/16to32/ours", ours(DibConvert32bit, photo16));
+const Row from16to32("depth/16to32/ours", ours(DibConvert32bit, 16));
 const Row from16to32_cv("depth/16to32/opencv", opencv(cv::COLOR_BGR5652BGRA, 16));
-const Row from24to32("depth/24to32/ours", ours(DibConvert32bit, photo_dib));
+const Row from24to32("depth/24to32/ours", ours(DibConvert32bit, 24));
 const Row from24to32_cv("depth/24to32/opencv", opencv(cv::COLOR_BGR2BGRA, 24));
 
 const Row cut("depth/cut/ours", [] {

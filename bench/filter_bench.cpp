@@ -32,7 +32,7 @@ std::function<Work()> opencv(Peer peer) {
     };
 }
 
-constexpr int32_t w = photo_width, h = photo_height;
+const int32_t &w = photo_width, &h = photo_height;
 
 const Row blur("filter/blur/ours", ours([](HGLOBAL photo, int32_t* status) {
                    return Dib24Gausian(photo, 0, 0, w, h, status);

@@ -40,9 +40,9 @@ std::function<Work()> rotated(int direction) {
 }
 
 std::function<Work()> zoomed(double factor, int smooth) {
-    const int width = static_cast<int>(photo_width * factor);
-    const int height = static_cast<int>(photo_height * factor);
     return [=] {
+        const int width = static_cast<int>(photo_width * factor);
+        const int height = static_cast<int>(photo_height * factor);
         return [=, dib = photo_dib()] {
             GlobalFree(Dib24ZoomEx2(dib, 0, 0, photo_width, photo_height, width, height, nullptr,
                                     smooth));

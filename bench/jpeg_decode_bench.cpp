@@ -23,7 +23,7 @@ Work ours(Jpeg kind) {
     };
 }
 
-constexpr size_t picture_bytes = size_t{photo_width} * photo_height * 3;
+size_t picture_bytes() { return photo_bgr().size(); }
 
 void decode_with(tjhandle decoder, const std::vector<uint8_t>& jpeg, uint8_t* pixels) {
     tjDecompress2(decoder, jpeg.data(), static_cast<unsigned long>(jpeg.size()), pixels,
@@ -32,7 +32,7 @@ void decode_with(tjhandle decoder, const std::vector<uint8_t>& jpeg, uint8_t* pi
 }
 
 Work turbo(Jpeg kind) {
-    std::vector<uint8_t> pixels(picture_bytes);
+    std::vector<uint8_t> pixels(picture_bytes());
     return [&jpeg = photo_jpeg(kind), pixels = std::move(pixels),
             decoder = tjInitDecompress()]() mutable { decode_with(decoder, jpeg, pixels.data()); };
 }
@@ -43,6 +43,10 @@ const Row ours_422("jpeg/decode 4:2:2/ours", [] { return ours(Jpeg::s422); });
 const Row turbo_422("jpeg/decode 4:2:2/libjpeg-turbo", [] { return turbo(Jpeg::s422); });
 const Row ours_444("jpeg/decode 4:4:4/ours", [] { return ours(Jpeg::s444); });
 const Row turbo_444("jpeg/decode 4:4:4/libjpeg-turbo", [] { return turbo(Jpeg::s444); });
+const Row ours_440("jpeg/decode 4:4:0/ours", [] { return ours(Jpeg::s440); });
+const Row turbo_440("jpeg/decode 4:4:0/libjpeg-turbo", [] { return turbo(Jpeg::s440); });
+const Row ours_411("jpeg/decode 4:1:1/ours", [] { return ours(Jpeg::s411); });
+const Row turbo_411("jpeg/decode 4:1:1/libjpeg-turbo", [] { return turbo(Jpeg::s411); });
 const Row ours_grey("jpeg/decode grey/ours", [] { return ours(Jpeg::grey); });
 const Row turbo_grey("jpeg/decode grey/libjpeg-turbo", [] { return turbo(Jpeg::grey); });
 const Row ours_progressive("jpeg/decode progressive/ours", [] { return ours(Jpeg::progressive); });
@@ -52,7 +56,7 @@ const Row turbo_progressive("jpeg/decode progressive/libjpeg-turbo",
 #ifdef _WIN32
 Work turbo_new(Jpeg kind) {
     return [&jpeg = photo_jpeg(kind), decoder = tjInitDecompress()] {
-        HGLOBAL image = GlobalAlloc(GMEM_MOVEABLE, picture_bytes);
+        HGLOBAL image = GlobalAlloc(GMEM_MOVEABLE, picture_bytes());
         decode_with(decoder, jpeg, static_cast<uint8_t*>(GlobalLock(image)));
         GlobalUnlock(image);
         GlobalFree(image);

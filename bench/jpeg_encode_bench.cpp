@@ -14,13 +14,15 @@ using namespace kirvo_bench;
 struct Case {
     int sampling; // ours; 0: grey
     TJSAMP peer_sampling;
+    int level = 4; // the one at first
 };
 
 constexpr Case s420 = {4, TJSAMP_420}, s422 = {2, TJSAMP_422}, s444 = {1, TJSAMP_444},
-               grey = {0, TJSAMP_GRAY};
+               grey = {0, TJSAMP_GRAY}, finest = {1, TJSAMP_444, 1};
 
 HGLOBAL encode(const Case& c, uint32_t* length) {
     int32_t status;
+    JpgCodSetQEx(c.level);
     if (c.sampling == 0)
         return JpgCodMainHGLOBAL_M(grey_dib(), 0, 0, photo_width, photo_height, 0, length,
                                    &status);
@@ -90,6 +92,8 @@ const Row rows[] = {
     {"jpegenc/444/libjpeg-turbo", [] { return peer(s444); }},
     {"jpegenc/grey/ours", [] { return ours(grey); }},
     {"jpegenc/grey/libjpeg-turbo", [] { return peer(grey); }},
+    {"jpegenc/finest/ours", [] { return ours(finest); }},
+    {"jpegenc/finest/libjpeg-turbo", [] { return peer(finest); }},
 };
 
 } // namespace

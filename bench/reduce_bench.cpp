@@ -1,6 +1,7 @@
 // Colour reduction beside peers that do comparable work: libjpeg-turbo's one-pass quantiser maps
 // to a colour cube of its own choice, with or without Floyd-Steinberg diffusion or an ordered
 // dither; GraphicsMagick maps to the colours of another picture.
+#include "support/library.hpp"
 #include "support/pictures.hpp"
 #include "support/row.hpp"
 
@@ -48,11 +49,11 @@ class Quantiser {
     ~Quantiser() { jpeg_destroy_decompress(&decoder_); }
 
     void run(const std::vector<uint8_t>& rows) {
-        auto* to = static_cast<uint8_t*>(std::malloc(size_t{photo_width} * photo_height));
+        auto* to = static_cast<uint8_t*>(std::malloc(photo_grey().size()));
         decoder_.cquantize->start_pass(&decoder_, FALSE);
-        for (size_t y = 0; y < photo_height; ++y) {
-            JSAMPROW in = const_cast<uint8_t*>(rows.data()) + 3 * photo_width * y;
-            JSAMPROW out = to + photo_width * y;
+        for (int y = 0; y < photo_height; ++y) {
+            JSAMPROW in = const_cast<uint8_t*>(rows.data()) + ptrdiff_t{3} * photo_width * y;
+            JSAMPROW out = to + ptrdiff_t{photo_width} * y;
             decoder_.cquantize->color_quantize(&decoder_, &in, &out, 1);
         }
         std::free(to);
@@ -83,7 +84,7 @@ constexpr int part_width = 1000, part_height = 1000;
 constexpr double part_megapixels = 1.0;
 
 HGLOBAL part_of_256_colours() {
-    static const HGLOBAL dib = [] {
+    return kept([] {
         int32_t status;
         const HGLOBAL part = Dib24DupEx(photo_dib(), 0, 0, part_width, part_height, &status);
         const HGLOBAL indexed = Decrease256Fast(part, &status);
@@ -91,8 +92,7 @@ HGLOBAL part_of_256_colours() {
         GlobalFree(part);
         GlobalFree(indexed);
         return made;
-    }();
-    return dib;
+    });
 }
 
 class Magick {

@@ -9,23 +9,24 @@ else()
     list(FILTER kirvo_sources EXCLUDE REGEX "_win32\\.cpp$")
 endif()
 
-# The suffix of a file's name decides which instructions it may use.
+# The names of the levels' files decide which instructions they may use.
 foreach(source IN LISTS kirvo_sources)
     set(isa_flags)
-    if(source MATCHES "_avx2\\.cpp$")
+    if(source MATCHES "/level_avx2\\.cpp$")
         set(isa_flags -mavx2)
-    elseif(source MATCHES "_avx512(vbmi)?\\.cpp$")
+    elseif(source MATCHES "/level_avx512\\.cpp$")
         # GCC 12 warns of its own AVX-512 headers.
-        set(isa_flags -mavx512f -mavx512bw -mavx512dq -mavx512vl -Wno-uninitialized
+        set(isa_flags -mavx512f -mavx512bw -mavx512dq -mavx512vl -mavx512vbmi -Wno-uninitialized
                       $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
-        if(CMAKE_MATCH_1)
-            list(APPEND isa_flags -mavx512vbmi)
-        endif()
     endif()
     if(isa_flags AND WIN32)
         # The 64-bit Windows stack is aligned to 16 bytes and GCC does not realign it for wider
         # spills; unaligned moves cost the same on aligned data.
         list(APPEND isa_flags -Wa,-muse-unaligned-vector-move)
+    endif()
+    if(source MATCHES "/level_[a-z0-9]+\\.cpp$")
+        # What is worth vectors has them; the rest of a row is short.
+        list(APPEND isa_flags -fno-tree-vectorize)
     endif()
     set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${isa_flags}")
 endforeach()

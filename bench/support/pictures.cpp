@@ -1,5 +1,7 @@
 #include "support/pictures.hpp"
 
+#include "support/library.hpp"
+
 #include "scene.hpp"
 
 #include <algorithm>
@@ -10,9 +12,19 @@
 
 namespace kirvo_bench {
 
+// Rows of a multiple of 4 pixels have no padding.
+int photo_width = 4000, photo_height = 3000;
+
+void set_photo_megapixels(int megapixels) {
+    photo_width = megapixels == 1 ? 1024 : 4000;
+    photo_height = megapixels == 1 ? 1024 : 3000;
+}
+
+double photo_megapixels() { return photo_width / 1e6 * photo_height; }
+
 namespace {
 
-constexpr size_t bgr_stride = size_t{3} * photo_width; // a multiple of 4: rows have no padding
+size_t bgr_stride() { return size_t{3} * static_cast<size_t>(photo_width); }
 
 // Copies rows given from the top into a new packed DIB, bottom row first.
 HGLOBAL make_dib(const std::vector<uint8_t>& rows, int bits) {
@@ -22,18 +34,18 @@ HGLOBAL make_dib(const std::vector<uint8_t>& rows, int bits) {
         for (int i = 0; i < 256; ++i)
             std::memset(block + 40 + 4 * i, i, 3);
     uint8_t* to = block + 40 + PaletteSize(block);
-    const size_t stride = rows.size() / photo_height;
-    for (size_t y = photo_height; y-- > 0; to += stride)
+    const auto height = static_cast<size_t>(photo_height);
+    const size_t stride = rows.size() / height;
+    for (size_t y = height; y-- > 0; to += stride)
         std::memcpy(to, rows.data() + y * stride, stride);
     GlobalUnlock(dib);
     return dib;
 }
 
 std::vector<uint8_t> encode(Jpeg kind) {
-    const int sampling = kind == Jpeg::s422 ? TJSAMP_422
-                         : kind == Jpeg::s444 ? TJSAMP_444
-                         : kind == Jpeg::grey ? TJSAMP_GRAY
-                                              : TJSAMP_420;
+    static constexpr int samplings[] = {TJSAMP_420, TJSAMP_422,  TJSAMP_444, TJSAMP_440,
+                                        TJSAMP_411, TJSAMP_GRAY, TJSAMP_420};
+    const int sampling = samplings[static_cast<int>(kind)];
     const int flags = kind == Jpeg::progressive ? TJFLAG_PROGRESSIVE : 0;
     unsigned char* bytes = nullptr;
     unsigned long count = 0;
@@ -54,9 +66,9 @@ std::vector<uint8_t> encode(Jpeg kind) {
 const std::vector<uint8_t>& photo_bgr() {
     static const std::vector<uint8_t> rows = [] {
         const kirvo_sample::Scene scene(photo_width, photo_height, 1);
-        std::vector<uint8_t> made(bgr_stride * photo_height);
+        std::vector<uint8_t> made(bgr_stride() * static_cast<size_t>(photo_height));
         for (int y = 0; y < photo_height; ++y)
-            scene.render_row(y, made.data() + bgr_stride * static_cast<size_t>(y));
+            scene.render_row(y, made.data() + bgr_stride() * static_cast<size_t>(y));
         return made;
     }();
     return rows;
@@ -75,22 +87,41 @@ const std::vector<uint8_t>& photo_grey() {
 }
 
 HGLOBAL photo_dib() {
-    static const HGLOBAL dib = make_dib(photo_bgr(), 24);
-    return dib;
+    return kept([] { return make_dib(photo_bgr(), 24); });
 }
 
-HGLOBAL scratch_dib() {
-    static const HGLOBAL dib = make_dib(photo_bgr(), 24);
-    return dib;
-}
+HGLOBAL scratch_dib() { return scratch_of(24); }
 
 HGLOBAL grey_dib() {
-    static const HGLOBAL dib = make_dib(photo_grey(), 8);
-    return dib;
+    return kept([] { return make_dib(photo_grey(), 8); });
+}
+
+HGLOBAL photo_of(int bits) {
+    switch (bits) {
+    case 8:
+        return grey_dib();
+    case 16:
+        return kept([] { return DibConvert16bit(photo_dib(), nullptr); });
+    case 32:
+        return kept([] { return DibConvert32bit(photo_dib(), nullptr); });
+    default:
+        return photo_dib();
+    }
+}
+
+template<int bits> HGLOBAL scratch() {
+    return kept([] {
+        return Dib24DupEx(photo_of(bits), 0, 0, photo_width, photo_height, nullptr);
+    });
+}
+
+HGLOBAL scratch_of(int bits) {
+    return bits == 8 ? scratch<8>() : bits == 16 ? scratch<16>() : bits == 32 ? scratch<32>()
+                                                                              : scratch<24>();
 }
 
 const std::vector<uint8_t>& photo_jpeg(Jpeg kind) {
-    static std::vector<uint8_t> streams[5];
+    static std::vector<uint8_t> streams[7];
     std::vector<uint8_t>& stream = streams[static_cast<int>(kind)];
     if (stream.empty())
         stream = encode(kind);

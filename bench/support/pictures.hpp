@@ -1,5 +1,5 @@
-// The pictures that are measured: one photo-like scene of 4000 x 3000 pixels in several guises.
-// Each is made on first use and shared.
+// The pictures that are measured: one photo-like scene of 12 megapixels in several guises. Each is
+// made on first use and shared.
 #pragma once
 
 #include <cstdint>
@@ -8,20 +8,25 @@
 
 namespace kirvo_bench {
 
-constexpr int photo_width = 4000;
-constexpr int photo_height = 3000;
+extern int photo_width, photo_height;
+// 12 or 1, before the first picture is made.
+void set_photo_megapixels(int megapixels);
+double photo_megapixels();
 
-// Packed DIBs; not to be freed. Operations that work in place may change the scratch image.
+// Packed DIBs; not to be freed. Operations that work in place may change the scratch images.
 HGLOBAL photo_dib();
 HGLOBAL scratch_dib();
 HGLOBAL grey_dib(); // 8 bits, grey colour table
+// At 8, 16, 24 or 32 bits.
+HGLOBAL photo_of(int bits);
+HGLOBAL scratch_of(int bits);
 
 // Rows from the top, without padding: blue, green, red, or grey.
 const std::vector<uint8_t>& photo_bgr();
 const std::vector<uint8_t>& photo_grey();
 
 // JPEG streams of quality 75 made by libjpeg-turbo; 4:2:0 has about 2 bits a pixel.
-enum class Jpeg { s420, s422, s444, grey, progressive };
+enum class Jpeg { s420, s422, s444, s440, s411, grey, progressive };
 const std::vector<uint8_t>& photo_jpeg(Jpeg kind);
 
 } // namespace kirvo_bench

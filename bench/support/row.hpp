@@ -9,17 +9,19 @@
 // measured. Rows of one operation are run in turns, and the table compares their medians.
 #pragma once
 
+#include "support/pictures.hpp"
+
 #include <functional>
 
 namespace kirvo_bench {
 
 using Work = std::function<void()>;
 
-constexpr double photo_megapixels = 12.0;
-
 class Row {
   public:
-    Row(const char* name, std::function<Work()> prepare, double megapixels = photo_megapixels)
+    Row(const char* name, std::function<Work()> prepare)
+        : Row(name, std::move(prepare), photo_megapixels) {}
+    Row(const char* name, std::function<Work()> prepare, double megapixels)
         : Row(name, std::move(prepare), [megapixels] { return megapixels; }) {}
     // Where that is known once the row is run.
     Row(const char* name, std::function<Work()> prepare, std::function<double()> megapixels);

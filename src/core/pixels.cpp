@@ -1,26 +1,12 @@
 #include "core/pixels.hpp"
 
-#include "simd/cpu.hpp"
-#include "core/pixel_rows.hpp"
+#include "simd/kernels.hpp"
 
 #include <cstring>
 
 namespace kirvo {
 
 namespace {
-
-const PixelRows& pixel_rows() {
-    switch (cpu_level()) {
-    case CpuLevel::avx512:
-        return cpu_has_vbmi() ? avx512::pixel_rows : avx2::pixel_rows;
-    case CpuLevel::avx2:
-        return avx2::pixel_rows;
-    case CpuLevel::sse2:
-        return sse2::pixel_rows;
-    default:
-        return pixel_rows_scalar;
-    }
-}
 
 // Bit of a pixel word at which the 8 bits of channel c start. Those of a channel that has more or
 // fewer than 8 of them are thereby aligned at its top (16 bits) or bottom (32 bits).
@@ -45,15 +31,15 @@ FieldMove move_of(const PixelFormat& from, const PixelFormat& to, int c) {
             static_cast<uint32_t>(left > 0 ? left : 0) & 31, held_bits(to, c, channel)};
 }
 
-PixelRow row_kernel(int32_t from_bits, int32_t to_bits) {
-    const PixelRows& rows = pixel_rows();
+Kernels::ConvertPixels converter(int32_t from_bits, int32_t to_bits) {
+    const Kernels& k = kernels();
     switch (from_bits) {
     case 16:
-        return to_bits == 24 ? rows.from16to24 : rows.from16to32;
+        return to_bits == 24 ? k.from16to24 : k.from16to32;
     case 24:
-        return to_bits == 16 ? rows.from24to16 : rows.from24to32;
+        return to_bits == 16 ? k.from24to16 : k.from24to32;
     default:
-        return to_bits == 16 ? rows.from32to16 : rows.from32to24;
+        return to_bits == 16 ? k.from32to16 : k.from32to24;
     }
 }
 
@@ -97,7 +83,7 @@ void convert_row(const PixelFormat& from_format, const uint8_t* from, const Pixe
     const PixelMoves moves = {{move_of(from_format, to_format, 0),
                                move_of(from_format, to_format, 1),
                                move_of(from_format, to_format, 2)}};
-    row_kernel(from_format.bits, to_format.bits)(from, to, count, moves);
+    converter(from_format.bits, to_format.bits)(from, to, count, moves);
 }
 
 void unpack_row(const PixelFormat& format, const uint8_t* row, uint8_t* bgr, size_t count) {

@@ -5,13 +5,9 @@
 #pragma once
 
 #include "core/masks.hpp"
+#include "simd/kernel_types.hpp"
 
 namespace kirvo {
-
-struct Rgb {
-    uint8_t red, green, blue;
-    bool operator==(const Rgb&) const = default;
-};
 
 // Of a colour 0x00BBGGRR.
 constexpr Rgb rgb_of(uint32_t colour) {

@@ -11,11 +11,6 @@ using CopyBytes = void (*)(uint8_t* to, const uint8_t* from, size_t count);
 // Like memmove.
 void move_bytes(uint8_t* to, const uint8_t* from, size_t count);
 
-namespace sse2 {
-// Writes memory without reading it into the caches first. The bytes do not overlap.
-void copy_past_caches(uint8_t* to, const uint8_t* from, size_t count);
-} // namespace sse2
-
 // What copies runs of so many bytes best between blocks that do not overlap: a result that most
 // caches cannot hold goes past them, which takes two thirds of the time.
 CopyBytes copy_for(size_t run_bytes, uint64_t runs);

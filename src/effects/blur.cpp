@@ -21,7 +21,7 @@ HGLOBAL WINAPI Dib24Gausian(HGLOBAL dib, int32_t x, int32_t y, int32_t width, in
         return nullptr;
     }
     operation.each_row([&](int32_t r) {
-        filter_rows().blur(result.row(r), neighbourhood.at(r), bytes);
+        kernels().blur(result.row(r), neighbourhood.at(r), bytes);
     });
     return result.release();
 }

@@ -1,6 +1,6 @@
 // Composition: a rectangle of one image blended onto one of another.
-#include "effects/compose_rows.hpp"
 #include "effects/frame.hpp"
+#include "simd/kernels.hpp"
 
 #include <cstring>
 
@@ -23,16 +23,16 @@ const uint8_t* key_of(Mode mode) {
 }
 
 void compose_24(Mode mode, uint8_t* to, const uint8_t* from, size_t count) {
-    const ComposeRows& rows = compose_rows();
+    const Kernels& k = kernels();
     switch (mode) {
     case Mode::add:
-        return rows.add(to, from, 3 * count);
+        return k.add(to, from, 3 * count);
     case Mode::average:
-        return rows.average(to, from, 3 * count);
+        return k.average(to, from, 3 * count);
     case Mode::subtract:
-        return rows.subtract(to, from, 3 * count);
+        return k.subtract(to, from, 3 * count);
     default:
-        return rows.replace(to, from, count, key_of(mode));
+        return k.replace(to, from, count, key_of(mode));
     }
 }
 

@@ -50,9 +50,9 @@ Convolver::Convolver(const Kernel3x3& kernel) {
 
 void Convolver::run(uint8_t* to, ThreeRows rows, size_t count) const {
     if (width_ == Width::bits16)
-        filter_rows().convolve16(to, rows, count, ready_);
+        kernels().convolve16(to, rows, count, ready_);
     else if (width_ == Width::bits32)
-        filter_rows().convolve32(to, rows, count, ready_);
+        kernels().convolve32(to, rows, count, ready_);
     else
         run64(to, rows, count);
 }

@@ -1,7 +1,7 @@
 // A 3 x 3 kernel of any 32-bit weights over rows of pixels.
 #pragma once
 
-#include "effects/filter_rows.hpp"
+#include "simd/kernels.hpp"
 
 namespace kirvo {
 

@@ -1,8 +1,8 @@
 // Hue: the conversions as exports, and the two operations.
 #include "core/duplicate.hpp"
 #include "effects/frame.hpp"
-#include "effects/hsv.hpp"
-#include "effects/hue_rows.hpp"
+#include "simd/hsv.hpp"
+#include "simd/kernels.hpp"
 
 using namespace kirvo;
 
@@ -14,9 +14,9 @@ enum Mode { set_hue, set_hue_softly, turn_hue, modes };
 auto hue_changed(int32_t mode, int32_t value) {
     return [=](uint8_t* to, const uint8_t* from, size_t count) {
         if (mode == turn_hue)
-            hue_rows().turn(to, from, count, (value + 360) % 360);
+            kernels().turn_hue(to, from, count, (value + 360) % 360);
         else
-            hue_rows().set(to, from, count, value, mode == set_hue_softly);
+            kernels().set_hue(to, from, count, value, mode == set_hue_softly);
     };
 }
 

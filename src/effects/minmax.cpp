@@ -9,9 +9,8 @@
 // The bands of wide images are filtered in strips, so that what is kept of one and the image
 // beneath it stay in the caches. The columns that a strip shares with the one before it are taken
 // over. (Narrow strips lose more by reading the image in short pieces than they win.)
-#include "effects/block_rows.hpp"
-#include "effects/filter_rows.hpp"
 #include "effects/frame.hpp"
+#include "simd/kernels.hpp"
 
 #include <cstring>
 
@@ -58,7 +57,7 @@ struct Patch {
 // working rows as long as the line.
 template<typename T>
 void pick_along(T* to, const T* line, size_t count, size_t step, size_t side,
-                PickFourRows<T> pick_four, T* a, T* b) {
+                Kernels::PickFour<T> pick_four, T* a, T* b) {
     size_t run = 1;
     for (; 4 * run <= side; run *= 4) {
         T* next = line == a ? b : a;
@@ -117,9 +116,9 @@ class ChannelKind {
     static constexpr int32_t widest_strip = 1 << 14;
 
     ChannelKind(const Setting& setting, size_t cells)
-        : pick(setting.maximum ? block_rows().highest8 : block_rows().lowest8),
-          pick_two(setting.maximum ? block_rows().highest_two8 : block_rows().lowest_two8),
-          pick_four(setting.maximum ? block_rows().highest_four8 : block_rows().lowest_four8),
+        : pick(setting.maximum ? kernels().highest8 : kernels().lowest8),
+          pick_two(setting.maximum ? kernels().highest_two8 : kernels().lowest_two8),
+          pick_four(setting.maximum ? kernels().highest_four8 : kernels().lowest_four8),
           neutral(setting.maximum ? 0 : 255), setting_(setting), buffers_(4, elements * cells) {}
 
     explicit operator bool() const { return static_cast<bool>(buffers_); }
@@ -138,9 +137,9 @@ class ChannelKind {
         setting_.store(patch, row, to);
     }
 
-    const PickRow<uint8_t> pick;
-    const PickTwoRows<uint8_t> pick_two;
-    const PickFourRows<uint8_t> pick_four;
+    const Kernels::Pick<uint8_t> pick;
+    const Kernels::PickTwo<uint8_t> pick_two;
+    const Kernels::PickFour<uint8_t> pick_four;
     const uint8_t neutral;
 
   private:
@@ -160,7 +159,7 @@ class LuminanceKind {
     static constexpr int32_t widest_strip = (1 << 11) - 2 * largest_radius;
 
     LuminanceKind(const Setting& setting, size_t cells)
-        : pick(block_rows().highest16), pick_two(block_rows().highest_two16), neutral(0),
+        : pick(kernels().highest16), pick_two(kernels().highest_two16), neutral(0),
           setting_(setting),
           memory_((3 * sizeof(uint32_t) + sizeof(uint16_t) + 3 + 1) * uint64_t{cells}),
           keys_(memory_.part<uint32_t>(0)), row_keys_(memory_.part<uint16_t>(12 * cells)),
@@ -174,7 +173,7 @@ class LuminanceKind {
         const uint8_t* from =
             setting_.bgr(patch.first_row + row,
                          patch.first_column + static_cast<int64_t>(patch.begin), count, bgr_);
-        filter_rows().luminance(luminance_, from, count);
+        kernels().luminance(luminance_, from, count);
         const uint8_t inverted = setting_.maximum ? 0 : 255;
         for (size_t i = 0; i < count; ++i)
             row_keys_[i] = static_cast<uint16_t>((luminance_[i] ^ inverted) << 8 | (255 - row));
@@ -188,7 +187,7 @@ class LuminanceKind {
         for (uint32_t i = 0; i < columns + side - 1; ++i)
             keys[i] = uint32_t{line[i]} << column_bits | (column_mask - i);
         const uint32_t* winners = keys_ + 2 * cells_;
-        pick_along(keys_ + 2 * cells_, keys, columns, 1, side, block_rows().highest_four32,
+        pick_along(keys_ + 2 * cells_, keys, columns, 1, side, kernels().highest_four32,
                    keys_ + cells_, keys_);
         uint8_t* to = setting_.target(patch, row, bgr_);
         for (size_t i = 0; i < columns; ++i)
@@ -196,8 +195,8 @@ class LuminanceKind {
         setting_.store(patch, row, to);
     }
 
-    const PickRow<uint16_t> pick;
-    const PickTwoRows<uint16_t> pick_two;
+    const Kernels::Pick<uint16_t> pick;
+    const Kernels::PickTwo<uint16_t> pick_two;
     const uint16_t neutral;
 
   private:

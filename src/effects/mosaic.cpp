@@ -1,7 +1,7 @@
 // Mosaics: blocks that take the colour of their top left pixel, or their average.
 #include "core/duplicate.hpp"
 #include "effects/frame.hpp"
-#include "effects/block_rows.hpp"
+#include "simd/kernels.hpp"
 
 #include <cstring>
 
@@ -91,7 +91,7 @@ class AverageMosaic {
             static_cast<int64_t>(block_), below + 1));
         std::memset(sums_.data(), 0, sizeof(uint32_t) * channels_ * columns_);
         for (int32_t i = 0; i < rows; ++i)
-            block_rows().add(sums_.as<uint32_t>(), channels_of(operation_.row(top - i)),
+            kernels().add_to_sums32(sums_.as<uint32_t>(), channels_of(operation_.row(top - i)),
                              channels_ * columns_);
         fill_row(result_.row(top), static_cast<uint32_t>(rows));
         const int32_t filled = std::min(rows, top + 1);

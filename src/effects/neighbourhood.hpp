@@ -1,8 +1,8 @@
 // Three rows of a plane at a time, moving up through it: what a 3 x 3 filter looks at.
 #pragma once
 
-#include "effects/filter_rows.hpp"
 #include "effects/frame.hpp"
+#include "simd/kernels.hpp"
 
 namespace kirvo {
 

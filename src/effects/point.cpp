@@ -1,7 +1,8 @@
 // Point operations: each channel of the result depends on the same pixel alone.
 #include "core/duplicate.hpp"
 #include "effects/frame.hpp"
-#include "effects/tone_rows.hpp"
+#include "effects/tone.hpp"
+#include "simd/kernels.hpp"
 
 using namespace kirvo;
 
@@ -9,19 +10,19 @@ namespace {
 
 auto mapped(const Levels& levels) {
     return [&](uint8_t* to, const uint8_t* from, size_t count) {
-        tone_rows().map(to, from, 3 * count, levels);
+        kernels().map(to, from, 3 * count, levels);
     };
 }
 
 auto mapped(const ChannelLevels& levels) {
     return [&](uint8_t* to, const uint8_t* from, size_t count) {
-        tone_rows().map_channels(to, from, count, levels);
+        kernels().map_channels(to, from, count, levels);
     };
 }
 
 auto permuted(const ChannelOrder& order) {
     return [&](uint8_t* to, const uint8_t* from, size_t count) {
-        tone_rows().permute(to, from, count, order);
+        kernels().permute(to, from, count, order);
     };
 }
 
@@ -68,10 +69,9 @@ int32_t WINAPI Dib24Negative(HGLOBAL dib, int32_t x, int32_t y, int32_t width, i
     uint32_t flipped = format.bits == 24 ? ~0u : format.masks.sum();
     if (format.bits == 16)
         flipped = (flipped & 0xFFFF) * 0x10001u; // two pixels
-    const ToneRows rows = tone_rows();
     operation.each_row([&](int32_t r) {
         uint8_t* const row = operation.row(r);
-        rows.flip(row, row, operation.width() * format.bytes(), flipped);
+        kernels().invert(row, row, operation.width() * format.bytes(), flipped);
     });
     return code(Status::ok);
 }
@@ -97,7 +97,7 @@ HGLOBAL WINAPI Dib24Brightness(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
     RectOperation operation(dib, {x, y, width, height}, check_rect_24_32);
     operation.require(is_level(level));
     const auto row = [=](uint8_t* to, const uint8_t* from, size_t count) {
-        tone_rows().scale(to, from, 3 * count, 100, level * 255 / 100);
+        kernels().scale(to, from, 3 * count, 100, level * 255 / 100);
     };
     const HGLOBAL result = operation.make(row, status);
     if (result != nullptr && operation.source().bits() == 32)
@@ -110,7 +110,7 @@ HGLOBAL WINAPI Dib24Contrast(HGLOBAL dib, int32_t x, int32_t y, int32_t width, i
     RectOperation operation(dib, {x, y, width, height}, check_rect_24_32);
     operation.require(is_level(level));
     const auto row = [=](uint8_t* to, const uint8_t* from, size_t count) {
-        tone_rows().scale(to, from, 3 * count, level + 100, -128 * level / 100);
+        kernels().scale(to, from, 3 * count, level + 100, -128 * level / 100);
     };
     return operation.make(row, status);
 }
@@ -119,7 +119,7 @@ HGLOBAL WINAPI Dib24HalfTone(HGLOBAL dib, int32_t x, int32_t y, int32_t width, i
                              int32_t* status) {
     const RectOperation operation(dib, {x, y, width, height}, check_rect_24_32);
     const auto row = [](uint8_t* to, const uint8_t* from, size_t count) {
-        tone_rows().scale(to, from, 3 * count, 50, 0);
+        kernels().scale(to, from, 3 * count, 50, 0);
     };
     return operation.make(row, status);
 }
@@ -129,7 +129,7 @@ HGLOBAL WINAPI Dib24Monochrome(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
     const RectOperation operation(dib, {x, y, width, height}, check_rect_24_32,
                                   RowStart::after_40);
     const auto row = [](uint8_t* to, const uint8_t* from, size_t count) {
-        tone_rows().grey(to, from, count);
+        kernels().grey(to, from, count);
     };
     return operation.make24(row, status);
 }

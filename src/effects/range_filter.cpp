@@ -1,7 +1,6 @@
 // Filters that keep or blank the channels of a pixel by ranges of values, in RGB or HSV.
 #include "effects/frame.hpp"
-#include "effects/range_rows.hpp"
-#include "effects/tone_rows.hpp"
+#include "simd/kernels.hpp"
 
 #include <iterator>
 
@@ -22,7 +21,7 @@ struct Range {
         return lower <= upper && lower <= limit && upper <= limit && mode <= 2;
     }
     // The same for values from 0 to 359.
-    Span span() const {
+    PassBand band() const {
         constexpr int32_t most = 359;
         const bool all = mode == 0, none = upper < 0;
         if (all || none)
@@ -89,20 +88,19 @@ PixelFormat unmasked(PixelFormat format) {
 
 HGLOBAL keep_channels(const RectOperation& operation, const Ranges& ranges, int32_t* status) {
     const ChannelLevels levels = ranges.levels();
-    const ToneRows rows = tone_rows();
     const auto mapped = [&](uint8_t* to, const uint8_t* from, size_t count) {
-        rows.map_channels(to, from, count, levels);
+        kernels().map_channels(to, from, count, levels);
     };
     return operation.make(mapped, status);
 }
 
 HGLOBAL keep_pixels(const RectOperation& operation, const Record& record, int32_t* status) {
     const Range(&ranges)[3] = record.ranges.channel;
-    const Span spans[3] = {ranges[0].span(), ranges[1].span(), ranges[2].span()};
+    const PassBand bands[3] = {ranges[0].band(), ranges[1].band(), ranges[2].band()};
     const bool in_rgb = record.flags == rgb_all;
-    const auto keep = in_rgb ? range_rows().rgb : range_rows().hsv;
+    const auto keep = in_rgb ? kernels().keep_rgb : kernels().keep_hsv;
     const auto kept = [&](uint8_t* to, const uint8_t* from, size_t count) {
-        keep(to, from, count, spans);
+        keep(to, from, count, bands);
     };
     const PixelFormat format = operation.format();
     return operation.make(kept, status, in_rgb ? format : unmasked(format));

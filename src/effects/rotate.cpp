@@ -1,7 +1,7 @@
 // A quarter turn of a rectangle into a new image.
 #include "core/masks.hpp"
 #include "core/progress.hpp"
-#include "effects/turn_rows.hpp"
+#include "simd/kernels.hpp"
 
 namespace kirvo {
 
@@ -29,7 +29,7 @@ class QuarterTurn {
     QuarterTurn(const Rows& to, const LockedDib& from, const Rect& rect, Direction direction)
         : to_(to), from_(rows_of(from, rect, start)), width_(rect.width), height_(rect.height),
           bytes_(static_cast<size_t>(from.bits() / 8)),
-          transpose_(turn_rows().transpose[bytes_ - 1]) {
+          transpose_(kernels().transpose[bytes_ - 1]) {
         if (direction == Direction::clockwise)
             to_ = {to_[width_ - 1], -to_.stride, to_.end};
         else
@@ -74,7 +74,7 @@ class QuarterTurn {
     Rows to_, from_;
     int32_t width_, height_;
     size_t bytes_;
-    TurnRows::Transpose transpose_;
+    Kernels::Transpose transpose_;
 };
 
 Status rotate(HGLOBAL handle, const Rect& rect, int32_t direction, OwnedBlock& result) {

@@ -37,12 +37,12 @@ HGLOBAL from_luminance(const RectOperation& operation, std::span<const Pass> pas
         return nullptr;
     const size_t width = operation.width();
     const int32_t height = operation.rect().height;
-    const FilterRows& rows = filter_rows();
+    const Kernels& k = kernels();
     // Beyond the only row of a plane lies nothing, which reads as 0.
     const auto fill = [&](int32_t row, uint8_t* to) {
         const int32_t nearest = nearest_row(row, height);
         if (nearest < height)
-            rows.luminance(to, operation.row(nearest), width);
+            k.luminance(to, operation.row(nearest), width);
         else
             std::memset(to, 0, width);
         extend_ends(to, width, 1);
@@ -65,31 +65,31 @@ HGLOBAL from_luminance(const RectOperation& operation, std::span<const Pass> pas
 
 HGLOBAL sharpened(const RectOperation& operation, int divisor, int32_t* status) {
     const size_t width = operation.width();
-    const FilterRows& rows = filter_rows();
+    const Kernels& k = kernels();
     return from_luminance(
         operation, sharpen_passes, status,
         [&](int32_t r, ThreeRows luminance, const WorkRows& work, uint8_t* to) {
-            rows.laplacian(work.slope, luminance, width);
-            rows.correction(work.first, work.second, work.slope, width, divisor);
-            rows.triple(work.first3, work.first, width);
-            rows.triple(work.second3, work.second, width);
-            rows.correct(to, operation.row(r), work.first3, work.second3, 3 * width);
+            k.laplacian(work.slope, luminance, width);
+            k.correction(work.first, work.second, work.slope, width, divisor);
+            k.triple(work.first3, work.first, width);
+            k.triple(work.second3, work.second, width);
+            k.correct(to, operation.row(r), work.first3, work.second3, 3 * width);
         });
 }
 
 HGLOBAL edges(const RectOperation& operation, int32_t mode, int32_t* status) {
     const size_t width = operation.width();
-    const FilterRows& rows = filter_rows();
+    const Kernels& k = kernels();
     return from_luminance(
         operation, edge_passes, status,
         [&](int32_t, ThreeRows luminance, const WorkRows& work, uint8_t* to) {
-            (mode == 2 ? rows.gradient : rows.laplacian)(work.slope, luminance, width);
+            (mode == 2 ? k.gradient : k.laplacian)(work.slope, luminance, width);
             if (mode <= 2)
-                rows.relief(work.first, work.slope, width);
+                k.relief(work.first, work.slope, width);
             else
-                rows.dark_edges(work.first, work.slope, width, mode == 4 ? 0 : -255,
+                k.dark_edges(work.first, work.slope, width, mode == 4 ? 0 : -255,
                                 mode == 5 ? 0 : 255);
-            rows.triple(to, work.first, width);
+            k.triple(to, work.first, width);
         });
 }
 
@@ -134,18 +134,18 @@ HGLOBAL WINAPI Dib24ColorEdge(HGLOBAL dib, int32_t x, int32_t y, int32_t width, 
     const RectOperation operation(dib, {x, y, width, height}, check_rect_24);
     const Range flat = flat_range(threshold, mode);
     const size_t pixels = operation.width(), stride = static_cast<size_t>(row_stride(width, 24));
-    const FilterRows& rows = filter_rows();
+    const Kernels& k = kernels();
     return from_luminance(
         operation, edge_passes, status,
         [&](int32_t r, ThreeRows luminance, const WorkRows& work, uint8_t* to) {
-            rows.laplacian(work.slope, luminance, pixels);
-            rows.between(work.first, work.slope, pixels, flat.low, flat.high);
-            rows.triple(work.first3, work.first, pixels);
+            k.laplacian(work.slope, luminance, pixels);
+            k.between(work.first, work.slope, pixels, flat.low, flat.high);
+            k.triple(work.first3, work.first, pixels);
             // The colours come from stored row y + r, as far from the bottom as the rectangle is
             // from the top.
             const uint8_t* colours =
                 operation.source().rows(RowStart::after_header)[int64_t{y} + r] + size_t{3} * static_cast<uint32_t>(x);
-            rows.veil(to, colours, work.first3, 3 * pixels);
+            k.veil(to, colours, work.first3, 3 * pixels);
             std::memset(to + 3 * pixels, 255, stride - 3 * pixels); // padding is white too
         });
 }

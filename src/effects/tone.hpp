@@ -1,18 +1,9 @@
 // Tables of 256 levels: what a point operation makes of each value of a channel.
 #pragma once
 
-#include <cstdint>
+#include "simd/kernel_types.hpp"
 
 namespace kirvo {
-
-struct Levels {
-    uint8_t level[256];
-};
-
-// One table a channel, in the order of a 24-bit pixel's bytes.
-struct ChannelLevels {
-    Levels channel[3];
-};
 
 // level * numerator / denominator, at most 255. Over 0, every level but 0 becomes 255.
 Levels fraction_levels(int32_t numerator, int32_t denominator);

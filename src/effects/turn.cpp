@@ -1,6 +1,6 @@
 // Turns in place: upside down, left to right, both.
 #include "effects/frame.hpp"
-#include "effects/turn_rows.hpp"
+#include "simd/kernels.hpp"
 
 #include <cstring>
 
@@ -17,7 +17,7 @@ class PixelRun {
   public:
     explicit PixelRun(const RectOperation& operation)
         : bytes_(static_cast<size_t>(operation.source().bits() / 8)), width_(operation.width()),
-          exchange_(turn_rows().exchange_reversed[bytes_ - 1]) {}
+          exchange_(kernels().exchange_reversed[bytes_ - 1]) {}
 
     size_t size() const { return width_ * bytes_; }
     void mirror(uint8_t* row) const { exchange_(row, row + size(), width_ / 2); }
@@ -25,7 +25,7 @@ class PixelRun {
 
   private:
     size_t bytes_, width_;
-    TurnRows::Exchange exchange_;
+    Kernels::Exchange exchange_;
 };
 
 // Calls exchange(lower row, upper row, spare row) for the pairs of rows from the outermost inward,

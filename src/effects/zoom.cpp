@@ -3,7 +3,7 @@
 
 #include "core/duplicate.hpp"
 #include "core/masks.hpp"
-#include "effects/zoom_rows.hpp"
+#include "simd/kernels.hpp"
 
 #include <cstring>
 
@@ -20,7 +20,7 @@ bool zoom_nearest(const Zoom& zoom, const Rows& to) {
     for (size_t i = 0; i < width; ++i)
         offsets[i] = static_cast<uint32_t>(
             static_cast<size_t>(zoom.column(static_cast<int32_t>(i))) * bytes);
-    const ZoomRows::Gather gather = zoom_rows().gather[bytes - 1];
+    const Kernels::Gather gather = kernels().gather[bytes - 1];
     const Rows from = source.rows(RowStart::after_40);
     const uint8_t* last = nullptr;
     int32_t last_y = -1;

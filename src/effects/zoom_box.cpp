@@ -1,7 +1,7 @@
 // The mean of a box of source pixels under each pixel of a reduced image.
 #include "core/pixels.hpp"
 #include "effects/zoom.hpp"
-#include "effects/zoom_rows.hpp"
+#include "simd/kernels.hpp"
 
 #include <bit>
 #include <type_traits>
@@ -85,11 +85,11 @@ void average_row(uint8_t* to, const Column* columns, const Span* spans, size_t w
     }
 }
 
-void add_row(const ZoomRows& kernels, uint16_t* sums, const uint8_t* row, size_t bytes) {
-    kernels.add_row(sums, row, bytes);
+void add_row(uint16_t* sums, const uint8_t* row, size_t bytes) {
+    kernels().add_to_sums16(sums, row, bytes);
 }
 
-void add_row(const ZoomRows&, uint64_t* sums, const uint8_t* row, size_t bytes) {
+void add_row(uint64_t* sums, const uint8_t* row, size_t bytes) {
     for (size_t i = 0; i < bytes; ++i)
         sums[i] += row[i];
 }
@@ -105,12 +105,11 @@ bool average(const Zoom& zoom, const Rows& to, const Span* spans, size_t first, 
     if (!rows || !columns || !packed)
         return false;
     auto* const sums = columns.as<Column>();
-    const ZoomRows kernels = zoom_rows();
     zoom.each_row(to, [&](uint8_t* row, int32_t y) {
         const int32_t count = std::min(zoom.box_height(), source.height() - y);
         std::fill_n(sums, 3 * span, Column{0});
         for (int32_t i = 0; i < count; ++i)
-            add_row(kernels, sums, rows[source.height() - 1 - y - i], 3 * span);
+            add_row(sums, rows[source.height() - 1 - y - i], 3 * span);
         uint8_t* const bgr = format.bits == 24 ? row : packed.data();
         average_row<Column, Sum>(bgr, sums, spans, width, count);
         if (format.bits != 24)
@@ -137,8 +136,8 @@ bool are_even(const Zoom& zoom, const Span* spans) {
 
 void average_even(const Zoom& zoom, const Rows& to) {
     const LockedDib& source = zoom.source();
-    const ZoomRows kernels = zoom_rows();
-    const auto means = zoom.box_width() == 2 ? kernels.means_of_2 : kernels.means_of_4;
+    const auto means =
+        zoom.box_width() == 2 ? kernels().means_of_2 : kernels().means_of_4;
     const auto rows = static_cast<size_t>(zoom.box_height());
     const int shift =
         std::countr_zero(static_cast<uint32_t>(zoom.box_width()) * static_cast<uint32_t>(rows));

@@ -1,15 +1,17 @@
 // Q0 and RAW files: rows of red, green and blue bytes, from the top of the picture down, without
 // padding. The size of a Q0 picture lies in a companion file, that of a RAW picture in its header.
-#include "core/channel_rows.hpp"
 #include "core/progress.hpp"
 #include "formats/answer.hpp"
 #include "formats/companion.hpp"
+#include "simd/kernels.hpp"
 
 #include <cstring>
 
 namespace kirvo {
 
 namespace {
+
+constexpr ChannelOrder red_and_blue_exchanged = {{red_byte, green_byte, blue_byte}};
 
 constexpr uint32_t raw_header_bytes = 32;
 constexpr char raw_magic[] = {'m', 'h', 'w', 'a', 'n', 'h'};
@@ -30,7 +32,7 @@ bool read_rows(InputFile& file, const LockedDib& dib) {
         uint8_t* row = rows[dib.height() - 1 - i];
         if (!file.read(row, static_cast<uint32_t>(3 * pixels)))
             return false;
-        reorder_channels(row, row, pixels, red_blue_swapped);
+        kernels().permute(row, row, pixels, red_and_blue_exchanged);
         return true;
     });
 }

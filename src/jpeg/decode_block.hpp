@@ -5,15 +5,8 @@
 
 namespace kirvo {
 
-// 64 coefficients as the inverse transform wants them. It multiplies and adds the frequencies in
-// the pairs 0 and 4, 2 and 6, 1 and 3, 5 and 7: for each such pair of horizontal frequencies stand
-// the pairs of coefficients of the eight vertical frequencies, these in the same order.
+// 64 coefficients as the inverse transform wants them: see block_place_of.
 using Block = int16_t[64];
-
-constexpr size_t block_place_of(size_t vertical, size_t horizontal) {
-    constexpr uint8_t rank[8] = {0, 4, 2, 5, 1, 6, 3, 7};
-    return rank[horizontal] / 2 * 16 + rank[vertical] * 2 + rank[horizontal] % 2;
-}
 
 // Tables by zigzag position are longer than a block where a run may lead beyond its end.
 constexpr size_t padded_block = 64 + 32;

@@ -25,7 +25,7 @@ Renderer::Renderer(const Frame& frame, HGLOBAL image)
       mcus_across_((frame.width + layout_.mcu_width - 1) / layout_.mcu_width),
       chroma_height_(
           layout_.chroma_blocks == 0 ? 0 : 8 * layout_.chroma_blocks / layout_.chroma_across()),
-      handle_(image), kernels_(decode_rows()) {}
+      handle_(image), kernels_(kernels()) {}
 
 void Renderer::open() {
     image_.emplace(handle_);
@@ -81,11 +81,11 @@ void Renderer::write_row(int32_t row, uint8_t* bgr, size_t pixels) {
     const int16_t* luma = &samples[0][row * group_width];
     const ChromaTerms chroma = terms_of(chroma_height_ == layout_.mcu_height ? row : row / 2);
     if (chroma_height_ == 0)
-        kernels_.grey(luma, bgr, pixels);
+        kernels_.decoded_grey(luma, bgr, pixels);
     else if (layout_.luma_across() == layout_.chroma_across())
-        kernels_.colour(luma, chroma, bgr, pixels);
+        kernels_.decoded_colour(luma, chroma, bgr, pixels);
     else
-        kernels_.colour_wide(luma, chroma, bgr, pixels);
+        kernels_.decoded_colour_wide(luma, chroma, bgr, pixels);
 }
 
 } // namespace kirvo

@@ -3,7 +3,7 @@
 
 #include "core/dib.hpp"
 #include "jpeg/decode_block.hpp"
-#include "jpeg/decode_rows.hpp"
+#include "simd/kernels.hpp"
 #include "jpeg/decode_state.hpp"
 
 #include <optional>
@@ -35,7 +35,7 @@ class Renderer {
     const int32_t width_, height_, mcus_across_;
     const int32_t chroma_height_; // of an MCU
     const HGLOBAL handle_;
-    const DecodeRows& kernels_;
+    const Kernels& kernels_;
     std::optional<LockedDib> image_;
     Rows rows_ = {};
     struct Slot {

@@ -2,7 +2,7 @@
 // carries, and the code words, derived from the same lists as T.81, Annex C, says.
 #pragma once
 
-#include "jpeg/encode_rows.hpp"
+#include "simd/kernel_types.hpp"
 #include "jpeg/tables.hpp"
 
 #include <algorithm>

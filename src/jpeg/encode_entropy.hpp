@@ -2,7 +2,7 @@
 #pragma once
 
 #include "jpeg/encode_codes.hpp"
-#include "jpeg/encode_rows.hpp"
+#include "simd/kernel_types.hpp"
 
 namespace kirvo {
 

@@ -25,7 +25,7 @@ void EncodeSource::open(const EncodeRequest& request, const LockedDib& dib) {
     row_step_ = -rows.stride;
     grey_ = request.grey();
     indexed_ = dib.bits() == 8;
-    rows_ = &encode_rows();
+    kernels_ = &kernels();
     if (indexed_)
         prepare_indexes(request, dib);
 }
@@ -38,7 +38,7 @@ void EncodeSource::prepare_indexes(const EncodeRequest& request, const LockedDib
         const auto index = static_cast<uint8_t>(i);
         const RGBQUAD& entry = table.entry[i];
         const uint8_t bgr[] = {entry.rgbBlue, entry.rgbGreen, entry.rgbRed};
-        rows_->convert(bgr, 1, index_.luma + i, index_.cb + i, index_.cr + i);
+        kernels_->samples_of(bgr, 1, index_.luma + i, index_.cb + i, index_.cr + i);
         if (grey_)
             index_.luma[i] = shifted(request.grey_from_table ? entry.rgbBlue : index);
         index_.plain_grey = index_.plain_grey && index_.luma[i] == shifted(index);
@@ -49,7 +49,7 @@ void EncodeSource::sample(int32_t x, int32_t y, size_t count, int8_t* luma, int8
                           int8_t* cr) const {
     const uint8_t* row = first_pixel_ + y * row_step_;
     if (!indexed_) {
-        rows_->convert(row + static_cast<ptrdiff_t>(x) * 3, count, luma, cb, cr);
+        kernels_->samples_of(row + static_cast<ptrdiff_t>(x) * 3, count, luma, cb, cr);
         return;
     }
     const uint8_t* indexes = row + x;

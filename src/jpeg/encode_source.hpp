@@ -2,7 +2,7 @@
 #pragma once
 
 #include "core/dib.hpp"
-#include "jpeg/encode_rows.hpp"
+#include "simd/kernels.hpp"
 
 namespace kirvo {
 
@@ -35,7 +35,7 @@ class EncodeSource {
   private:
     void prepare_indexes(const EncodeRequest& request, const LockedDib& dib);
 
-    const EncodeRows* rows_;
+    const Kernels* kernels_;
     const uint8_t* first_pixel_; // of the region's top row
     ptrdiff_t row_step_;         // to the next row down
     Rect region_;

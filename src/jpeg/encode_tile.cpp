@@ -1,5 +1,7 @@
 #include "jpeg/encode_tile.hpp"
 
+#include "jpeg/quantiser.hpp"
+
 #include <algorithm>
 #include <cstring>
 
@@ -7,17 +9,17 @@ namespace kirvo {
 
 namespace {
 
-size_t groups_of(size_t blocks) { return (blocks + group_blocks - 1) / group_blocks; }
+size_t groups_of(size_t blocks) { return (blocks + blocks_abreast - 1) / blocks_abreast; }
 
 } // namespace
 
 void EncodeTile::prepare(bool grey, McuShape mcu, const QuantisationSlots& slots,
                          int32_t coded_count) {
-    rows_ = &encode_rows();
+    kernels_ = &kernels();
     grey_ = grey;
     mcu_ = mcu;
-    luminance_.set(slots[0].data(), coded_count);
-    chrominance_.set(slots[1].data(), coded_count);
+    set_quantiser(luminance_, slots[0].data(), coded_count);
+    set_quantiser(chrominance_, slots[1].data(), coded_count);
     part_count_ = 0;
     for (int32_t row = 0; row < mcu.down(); ++row)
         add_part(y_groups_[row], static_cast<size_t>(mcu.across()), luminance_codes, y_predictor_);
@@ -67,7 +69,7 @@ void EncodeTile::repeat_row(size_t row, size_t padded) {
 void EncodeTile::code(size_t mcus) {
     const size_t groups = groups_of(mcus * static_cast<size_t>(mcu_.across()));
     for (int32_t row = 0; row < mcu_.down(); ++row)
-        rows_->code_groups(y_[8 * row], width, groups, luminance_, y_groups_[row]);
+        kernels_->code_groups(y_[8 * row], width, groups, luminance_, y_groups_[row]);
     if (grey_)
         return;
     code_chroma(cb_, mcus, cb_groups_);
@@ -78,11 +80,11 @@ void EncodeTile::code(size_t mcus) {
 void EncodeTile::code_chroma(const Plane& plane, size_t mcus, BlockGroup* groups) {
     for (size_t i = 0; i < 8 && mcu_.width == 16; ++i) {
         if (mcu_.height == 16)
-            rows_->halve_both(plane[2 * i], plane[2 * i + 1], 8 * mcus, half_[i]);
+            kernels_->halve_both(plane[2 * i], plane[2 * i + 1], 8 * mcus, half_[i]);
         else
-            rows_->halve_across(plane[i], 8 * mcus, half_[i]);
+            kernels_->halve_across(plane[i], 8 * mcus, half_[i]);
     }
-    rows_->code_groups(mcu_.width == 16 ? half_[0] : plane[0], width, groups_of(mcus), chrominance_,
+    kernels_->code_groups(mcu_.width == 16 ? half_[0] : plane[0], width, groups_of(mcus), chrominance_,
                        groups);
 }
 

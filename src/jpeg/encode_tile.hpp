@@ -28,7 +28,7 @@ class EncodeTile {
 
   private:
     using Plane = int8_t[16][width];
-    static constexpr size_t luminance_groups = width / 8 / group_blocks;
+    static constexpr size_t luminance_groups = width / 8 / blocks_abreast;
 
     void sample(const EncodeSource& source, int32_t x, int32_t y, size_t padded);
     void extend_row(size_t row, size_t count, size_t padded);
@@ -38,7 +38,7 @@ class EncodeTile {
     void add_part(const BlockGroup* groups, size_t blocks, const EntropyCodes& codes,
                   int16_t& predictor);
 
-    const EncodeRows* rows_;
+    const Kernels* kernels_;
     bool grey_;
     McuShape mcu_;
     Quantiser luminance_, chrominance_;

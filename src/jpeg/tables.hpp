@@ -1,19 +1,13 @@
 // Tables that both codecs use, as ITU-T T.81 gives them, and the quantisation slots that they share.
 #pragma once
 
+#include "simd/dct.hpp"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
 
 namespace kirvo {
-
-// Natural (row-major) index of each zigzag position; T.81, Figure A.6.
-inline constexpr std::array<uint8_t, 64> zigzag = {
-    0,  1,  8,  16, 9,  2,  3,  10, 17, 24, 32, 25, 18, 11, 4,  5,  //
-    12, 19, 26, 33, 40, 48, 41, 34, 27, 20, 13, 6,  7,  14, 21, 28, //
-    35, 42, 49, 56, 57, 50, 43, 36, 29, 22, 15, 23, 30, 37, 44, 51, //
-    58, 59, 52, 45, 38, 31, 39, 46, 53, 60, 61, 54, 47, 55, 62, 63,
-};
 
 // A Huffman table as a DHT segment lists it: the number of codes of each length from 1 to 16, and
 // the symbols in the order of their codes.

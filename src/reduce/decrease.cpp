@@ -1,6 +1,6 @@
 // Conversions to fixed palettes of their own design: 256 and 16 colours with error diffusion, and
 // greys beside the system colours.
-#include "effects/filter_rows.hpp"
+#include "simd/kernels.hpp"
 #include "reduce/diffusion.hpp"
 #include "reduce/palettes.hpp"
 #include "reduce/reduction.hpp"
@@ -46,7 +46,7 @@ HGLOBAL decrease_16(HGLOBAL dib, int32_t* status) {
 }
 
 void grey_row(const uint8_t* bgr, uint8_t* to, size_t width) {
-    filter_rows().luminance(to, bgr, width);
+    kernels().luminance(to, bgr, width);
     for (size_t i = 0; i < width; ++i)
         to[i] = static_cast<uint8_t>(std::max(to[i] - grey_slot_offset, first_grey_slot));
 }

@@ -10,11 +10,6 @@ namespace kirvo {
 
 namespace {
 
-struct Machine {
-    CpuLevel level;
-    bool vbmi;
-};
-
 struct Registers {
     uint32_t eax, ebx, ecx, edx;
 };
@@ -35,22 +30,22 @@ uint32_t saved_states() {
 constexpr uint32_t bit(int n) { return 1u << n; }
 constexpr bool has_all(uint32_t value, uint32_t bits) { return (value & bits) == bits; }
 
-Machine detect() {
+CpuLevel detect() {
     const Registers one = cpuid(1);
     if (!has_all(one.edx, bit(26)))
-        return {CpuLevel::scalar, false};
+        return CpuLevel::scalar;
     constexpr uint32_t osxsave_and_avx = bit(27) | bit(28);
     if (!has_all(one.ecx, osxsave_and_avx))
-        return {CpuLevel::sse2, false};
+        return CpuLevel::sse2;
     constexpr uint32_t ymm_saved = 0x06, zmm_saved = 0xE6;
     const uint32_t saved = saved_states();
     const Registers seven = cpuid(7);
     if (!has_all(saved, ymm_saved) || !has_all(seven.ebx, bit(5)))
-        return {CpuLevel::sse2, false};
-    constexpr uint32_t f_dq_bw_vl = bit(16) | bit(17) | bit(30) | bit(31);
-    if (!has_all(saved, zmm_saved) || !has_all(seven.ebx, f_dq_bw_vl))
-        return {CpuLevel::avx2, false};
-    return {CpuLevel::avx512, has_all(seven.ecx, bit(1))};
+        return CpuLevel::sse2;
+    constexpr uint32_t f_dq_bw_vl = bit(16) | bit(17) | bit(30) | bit(31), vbmi = bit(1);
+    const bool wide = has_all(saved, zmm_saved) && has_all(seven.ebx, f_dq_bw_vl) &&
+                      has_all(seven.ecx, vbmi);
+    return wide ? CpuLevel::avx512 : CpuLevel::avx2;
 }
 
 CpuLevel environment_cap() {
@@ -64,12 +59,8 @@ CpuLevel environment_cap() {
     return CpuLevel::avx512;
 }
 
-const Machine& machine() {
-    static const Machine found = [] {
-        Machine m = detect();
-        m.level = std::min(m.level, environment_cap());
-        return m;
-    }();
+CpuLevel highest() {
+    static const CpuLevel found = std::min(detect(), environment_cap());
     return found;
 }
 
@@ -77,9 +68,7 @@ CpuLevel cap = CpuLevel::avx512;
 
 } // namespace
 
-CpuLevel cpu_level() { return std::min(machine().level, cap); }
-
-bool cpu_has_vbmi() { return cpu_level() == CpuLevel::avx512 && machine().vbmi; }
+CpuLevel cpu_level() { return std::min(highest(), cap); }
 
 void lower_cpu_level(CpuLevel new_cap) { cap = new_cap; }
 

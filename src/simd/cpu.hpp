@@ -3,14 +3,12 @@
 
 namespace kirvo {
 
+// avx512 stands for F, BW, DQ, VL and VBMI together.
 enum class CpuLevel { scalar, sse2, avx2, avx512 };
 
 // The highest level of this machine and system, lowered by the environment variable
 // KIRVO_CPU=scalar|sse2|avx2|avx512 (read once; another word is ignored) and by lower_cpu_level.
 CpuLevel cpu_level();
-
-// True when avx512 kernels may use VBMI byte permutes as well.
-bool cpu_has_vbmi();
 
 // For tests and benchmarks: caps the level from now on, never above the machine's.
 void lower_cpu_level(CpuLevel cap);

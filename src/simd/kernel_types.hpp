@@ -7,6 +7,11 @@
 
 namespace kirvo {
 
+struct Rgb {
+    uint8_t red, green, blue;
+    bool operator==(const Rgb&) const = default;
+};
+
 // Tables of 256 levels: what a point operation makes of each value of a channel.
 struct Levels {
     uint8_t level[256];

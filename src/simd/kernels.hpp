@@ -68,15 +68,15 @@ struct Kernels {
     void (*laplacian)(int16_t* to, ThreeRows rows, size_t count);
     // right + above - below - left + 2 (above right - below left)
     void (*gradient)(int16_t* to, ThreeRows rows, size_t count);
-    // The Laplacian over 2, 4, 6 or 8, truncating, in two parts of at most 255: what sharpening adds
-    // to a pixel's channels and what it takes away.
+    // The Laplacian (-1020 to 1020) over 2, 4, 6 or 8, truncating, in two parts of at most 255: what
+    // sharpening adds to a pixel's channels and what it takes away.
     void (*correction)(uint8_t* plus, uint8_t* minus, const int16_t* laplacian, size_t count,
                        int divisor);
     // 255 - |clamp(v, low, high)|, with low and high from -255 to 255
     void (*dark_edges)(uint8_t* to, const int16_t* v, size_t count, int16_t low, int16_t high);
     // clamp(v, -127, 127) + 128
     void (*relief)(uint8_t* to, const int16_t* v, size_t count);
-    // 255 where v lies from low to high, else 0
+    // 255 where v lies from low to high, else 0; nothing does where low is above high
     void (*between)(uint8_t* to, const int16_t* v, size_t count, int16_t low, int16_t high);
 
     // Extremes, element by element: of two rows; of a row and the running extreme, which is updated

@@ -177,7 +177,7 @@ def check_version():
 
 
 def isa_of(name):
-    match = re.search(r"_(avx2|avx512)(?:vbmi)?\.cpp\.", pathlib.Path(name).name)
+    match = re.search(r"level_(avx2|avx512)\.cpp\.", pathlib.Path(name).name)
     return match and match[1]
 
 

@@ -5,6 +5,7 @@
 #include "core/duplicate.hpp"
 #include "internal/cpu_levels.hpp"
 #include "internal/guarded.hpp"
+#include "simd/kernels.hpp"
 #include "support/random.hpp"
 
 #include <gtest/gtest.h>
@@ -25,7 +26,7 @@ TEST(Stream, AnyCountBetweenAnyPlaces) {
     for (size_t count = 0; count < 400; ++count) {
         Guarded from(count, random_place(random)), to(count, random_place(random));
         random.fill(from.data(), count);
-        sse2::copy_past_caches(to.data(), from.data(), count);
+        kernels().copy_past_caches(to.data(), from.data(), count);
         ASSERT_EQ(to.content(), from.content()) << count;
         ASSERT_TRUE(to.intact()) << count;
     }
@@ -33,8 +34,8 @@ TEST(Stream, AnyCountBetweenAnyPlaces) {
 
 TEST(Stream, OnlyLongRunsOfLargeResultsGoPastTheCaches) {
     constexpr size_t large = 16 << 20;
-    at_every_cpu_level([](CpuLevel level) {
-        const CopyBytes past = level >= CpuLevel::sse2 ? sse2::copy_past_caches : move_bytes;
+    at_every_cpu_level([](CpuLevel) {
+        const CopyBytes past = kernels().copy_past_caches;
         EXPECT_EQ(copy_for(large, 1), past);
         EXPECT_EQ(copy_for(large - 1, 1), move_bytes);
         EXPECT_EQ(copy_for(1024, large / 1024), past);

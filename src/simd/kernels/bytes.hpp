@@ -1,0 +1,112 @@
+// Rows of bytes, whatever they stand for.
+#pragma once
+
+#include "simd/kernels/loops.hpp"
+
+namespace kirvo {
+namespace {
+
+template<typename V>
+struct ByteKernels {
+    using Register = typename V::Register;
+
+    // Changes `to` by `from`.
+    template<Register blend(Register, Register), Kernels::BlendBytes Kernels::*rest>
+    static void blended(uint8_t* to, const uint8_t* from, size_t bytes) {
+        size_t i = 0;
+        for (; i + V::size <= bytes; i += V::size)
+            V::store(to + i, blend(V::load(to + i), V::load(from + i)));
+        (scalar::kernels.*rest)(to + i, from + i, bytes - i);
+    }
+    // The average of the processor rounds up.
+    static Register rounded_down(Register a, Register b) {
+        return V::sub8(V::average8(a, b), V::both(V::differing(a, b), V::all8(1)));
+    }
+    static constexpr auto add = blended<V::add8_to_255, &Kernels::add>;
+    static constexpr auto average = blended<rounded_down, &Kernels::average>;
+    static constexpr auto subtract = blended<V::sub8_to_0, &Kernels::subtract>;
+
+    static void scale(uint8_t* to, const uint8_t* from, size_t bytes, int32_t factor,
+                      int32_t offset) {
+        const Register times = V::all16(factor), plus = V::all16(offset);
+        // The product is at most 51000, a quarter of it 12750: below 43690, up to which this
+        // multiplication is a division by 25.
+        const auto half = [&](Register v) {
+            const Register quarter = V::template shift_right16<2>(V::multiply16(v, times));
+            const Register hundredth = V::template shift_right16<3>(
+                V::multiply_high16(quarter, V::all16((1 << 19) / 25 + 1)));
+            return V::add16(hundredth, plus);
+        };
+        each_block<V::size>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
+            const Register v = V::load(in);
+            V::store(out, V::narrow16(half(V::widen_low8(v)), half(V::widen_high8(v))));
+        });
+    }
+
+    static void map(uint8_t* to, const uint8_t* from, size_t bytes, const Levels& levels) {
+        if constexpr (V::has_table) {
+            const typename V::Table table(levels);
+            each_block<V::size>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
+                V::store(out, table[V::load(in)]);
+            });
+        } else {
+            scalar::kernels.map(to, from, bytes, levels);
+        }
+    }
+
+    static void invert(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
+        const Register inverted = V::all32(static_cast<int>(pattern));
+        each_block<V::size>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
+            V::store(out, V::differing(V::load(in), inverted));
+        });
+    }
+
+    static void veil(uint8_t* to, const uint8_t* from, const uint8_t* veil, size_t bytes) {
+        const auto block = [&](size_t i) {
+            V::store(to + i, V::either(V::load(from + i), V::load(veil + i)));
+        };
+        if (!each_step<V::size>(bytes, block))
+            scalar::kernels.veil(to, from, veil, bytes);
+    }
+
+    // One of plus and minus is 0, so that the order of the two does not matter.
+    static void correct(uint8_t* to, const uint8_t* from, const uint8_t* plus,
+                        const uint8_t* minus, size_t bytes) {
+        const auto block = [&](size_t i) {
+            const Register more = V::add8_to_255(V::load(from + i), V::load(plus + i));
+            V::store(to + i, V::sub8_to_0(more, V::load(minus + i)));
+        };
+        if (!each_step<V::size>(bytes, block))
+            scalar::kernels.correct(to, from, plus, minus, bytes);
+    }
+
+    static void triple(uint8_t* to, const uint8_t* from, size_t count) {
+        const auto block = [&](size_t i) {
+            const Register v = V::load(from + i);
+            V::store_planes(to + 3 * i, {v, v, v});
+        };
+        if (!each_step<V::size>(count, block))
+            scalar::kernels.triple(to, from, count);
+    }
+
+    // Lines of the cache that are written in part go through it.
+    static void copy_past_caches(uint8_t* to, const uint8_t* from, size_t bytes) {
+        constexpr size_t line = 64;
+        const size_t to_line = -reinterpret_cast<uintptr_t>(to) % line;
+        const size_t head = bytes < to_line ? bytes : to_line;
+        std::memcpy(to, from, head);
+        size_t at = head;
+        for (; at + line <= bytes; at += line) {
+            Register parts[line / V::size];
+            for (size_t i = 0; i < line / V::size; ++i)
+                parts[i] = V::load(from + at + i * V::size);
+            for (size_t i = 0; i < line / V::size; ++i)
+                V::stream(to + at + i * V::size, parts[i]);
+        }
+        std::memcpy(to + at, from + at, bytes - at);
+        V::end_stream();
+    }
+};
+
+} // namespace
+} // namespace kirvo

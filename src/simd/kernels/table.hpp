@@ -1,0 +1,96 @@
+// The table of a level: every kernel over its vectors.
+#pragma once
+
+#include "simd/kernels/bytes.hpp"
+#include "simd/kernels/decode.hpp"
+#include "simd/kernels/encode.hpp"
+#include "simd/kernels/filter.hpp"
+#include "simd/kernels/hue.hpp"
+#include "simd/kernels/pixels.hpp"
+#include "simd/kernels/range.hpp"
+#include "simd/kernels/sums.hpp"
+#include "simd/kernels/turn.hpp"
+#include "simd/scalar_gather.hpp"
+
+namespace kirvo {
+namespace {
+
+template<template<typename> typename Which, typename V>
+using Extreme = ExtremeKernels<V, Which>;
+
+// Eight is the wrapper, of at most 8 words, for blocks of 8 x 8. Pixels are
+// gathered one by one at every level.
+template<typename V, typename Eight>
+constexpr Kernels table_of() {
+    using Bytes = ByteKernels<V>;
+    using Pixels = PixelKernels<V>;
+    using Filter = FilterKernels<V>;
+    using Sums = SumKernels<V>;
+    using Turn = TurnKernels<V>;
+    using Decode = DecodeKernels<V>;
+    using Encode = EncodeKernels<V>;
+    return {
+        .add = Bytes::add,
+        .average = Bytes::average,
+        .subtract = Bytes::subtract,
+        .scale = Bytes::scale,
+        .map = Bytes::map,
+        .invert = Bytes::invert,
+        .veil = Bytes::veil,
+        .correct = Bytes::correct,
+        .triple = Bytes::triple,
+        .copy_past_caches = Bytes::copy_past_caches,
+        .map_channels = Pixels::map_channels,
+        .permute = Pixels::permute,
+        .grey = Pixels::grey,
+        .set_hue = HueKernels<V>::set_hue,
+        .turn_hue = HueKernels<V>::turn_hue,
+        .keep_rgb = RangeKernels<V>::keep_rgb,
+        .keep_hsv = RangeKernels<V>::keep_hsv,
+        .replace = Pixels::replace,
+        .luminance = Pixels::luminance,
+        .from16to24 = Pixels::template convert<2, 3>,
+        .from32to24 = Pixels::template convert<4, 3>,
+        .from24to16 = Pixels::template convert<3, 2>,
+        .from32to16 = Pixels::template convert<4, 2>,
+        .from24to32 = Pixels::template convert<3, 4>,
+        .from16to32 = Pixels::template convert<2, 4>,
+        .blur = Filter::blur,
+        .convolve16 = Filter::convolve16,
+        .convolve32 = Filter::convolve32,
+        .laplacian = Filter::laplacian,
+        .gradient = Filter::gradient,
+        .correction = Filter::correction,
+        .dark_edges = Filter::dark_edges,
+        .relief = Filter::relief,
+        .between = Filter::between,
+        .highest8 = Extreme<Highest8, V>::pick,
+        .lowest8 = Extreme<Lowest8, V>::pick,
+        .highest_two8 = Extreme<Highest8, V>::pick_two,
+        .lowest_two8 = Extreme<Lowest8, V>::pick_two,
+        .highest_four8 = Extreme<Highest8, V>::pick_four,
+        .lowest_four8 = Extreme<Lowest8, V>::pick_four,
+        .highest16 = Extreme<Highest16, V>::pick,
+        .highest_two16 = Extreme<Highest16, V>::pick_two,
+        .highest_four32 = Extreme<HighestSmall32, V>::pick_four,
+        .add_to_sums16 = Sums::add_to_sums16,
+        .add_to_sums32 = Sums::add_to_sums32,
+        .means_of_2 = Sums::template means<2>,
+        .means_of_4 = Sums::template means<4>,
+        .gather = {gather<1>, gather<2>, gather_24, gather<4>},
+        .exchange_reversed = {Turn::template exchange_reversed<1>, Turn::template exchange_reversed<2>, Turn::template exchange_reversed<3>, Turn::template exchange_reversed<4>},
+        .transpose = {Turn::template transpose<1>, Turn::template transpose<2>, Turn::template transpose<3>, Turn::template transpose<4>},
+        .inverse_dct = InverseDct<Eight>::inverse_dct,
+        .chroma_terms = Decode::chroma_terms,
+        .decoded_grey = Decode::grey,
+        .decoded_colour = Decode::colour,
+        .decoded_colour_wide = Decode::colour_wide,
+        .samples_of = Encode::samples_of,
+        .halve_across = Encode::halve_across,
+        .halve_both = Encode::halve_both,
+        .code_groups = Encode::code_groups,
+    };
+}
+
+} // namespace
+} // namespace kirvo

@@ -1,0 +1,77 @@
+// Pixels in another order: backwards, and rows turned into columns.
+#pragma once
+
+#include "simd/kernels/loops.hpp"
+
+namespace kirvo {
+namespace {
+
+template<typename V>
+struct TurnKernels {
+    using Register = typename V::Register;
+
+    template<int bytes>
+    static void exchange_reversed(uint8_t* left, uint8_t* right_end, size_t pixels) {
+        constexpr size_t step = bytes == 3 ? V::size : V::size / bytes;
+        for (; pixels >= step; pixels -= step) {
+            right_end -= step * bytes;
+            exchange<bytes>(left, right_end);
+            left += step * bytes;
+        }
+        scalar::kernels.exchange_reversed[bytes - 1](left, right_end, pixels);
+    }
+
+    template<int bytes>
+    static void transpose(uint8_t* to, ptrdiff_t to_step, const uint8_t* from,
+                          ptrdiff_t from_step, size_t columns, size_t rows) {
+        const auto rest = scalar::kernels.transpose[bytes - 1];
+        const size_t whole_columns = columns & ~(side - 1), whole_rows = rows & ~(side - 1);
+        const auto target = [&](size_t x, size_t k) {
+            return to + static_cast<ptrdiff_t>(x) * to_step + k * bytes;
+        };
+        const auto source = [&](size_t x, size_t k) {
+            return from + static_cast<ptrdiff_t>(k) * from_step + x * bytes;
+        };
+        for (size_t x = 0; x < whole_columns; x += side)
+            for (size_t k = 0; k < whole_rows; k += side)
+                transpose_square<bytes>(target(x, k), to_step, source(x, k), from_step);
+        rest(target(0, whole_rows), to_step, source(0, whole_rows), from_step, whole_columns,
+             rows - whole_rows);
+        rest(target(whole_columns, 0), to_step, source(whole_columns, 0), from_step,
+             columns - whole_columns, rows);
+    }
+
+  private:
+    static constexpr size_t side = V::words; // of a square: one vector of words
+
+    template<int bytes>
+    static void exchange(uint8_t* left, uint8_t* right) {
+        if constexpr (bytes == 3) {
+            const auto a = V::load_planes(left), b = V::load_planes(right);
+            store_reversed(left, b);
+            store_reversed(right, a);
+        } else {
+            const Register a = V::load(left), b = V::load(right);
+            V::store(left, V::template reversed<bytes>(b));
+            V::store(right, V::template reversed<bytes>(a));
+        }
+    }
+    static void store_reversed(uint8_t* to, const typename V::Planes& p) {
+        V::store_planes(to, {V::template reversed<1>(p.blue), V::template reversed<1>(p.green),
+                             V::template reversed<1>(p.red)});
+    }
+
+    template<int bytes>
+    static void transpose_square(uint8_t* to, ptrdiff_t to_step, const uint8_t* from,
+                                 ptrdiff_t from_step) {
+        Register words[side];
+        for (size_t k = 0; k < side; ++k, from += from_step)
+            words[k] = V::template load_row<bytes>(from);
+        V::transpose(words);
+        for (size_t x = 0; x < side; ++x, to += to_step)
+            V::template store_row<bytes>(to, words[x]);
+    }
+};
+
+} // namespace
+} // namespace kirvo

@@ -1,0 +1,141 @@
+// The definition of the kernels that look at neighbours or several rows, or move pixels.
+#pragma once
+
+#include "simd/kernels.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace kirvo::scalar {
+namespace {
+
+uint8_t clamped(int64_t value) {
+    return static_cast<uint8_t>(std::clamp<int64_t>(value, 0, 255));
+}
+
+void blur(uint8_t* to, ThreeRows rows, size_t bytes) {
+    for (size_t i = 0; i < bytes; ++i) {
+        const uint8_t *b = rows[0] + i, *c = rows[1] + i, *a = rows[2] + i;
+        const int32_t corners = b[-3] + b[3] + a[-3] + a[3], edges = b[0] + a[0] + c[-3] + c[3];
+        to[i] = static_cast<uint8_t>((11 * corners + 30 * edges + 81 * c[0]) >> 8);
+    }
+}
+
+void convolve(uint8_t* to, ThreeRows rows, size_t bytes, const Convolution& by) {
+    for (size_t i = 0; i < bytes; ++i) {
+        int32_t sum = 0;
+        for (int k = 0; k < 9; ++k)
+            sum += by.weight[k] * (rows[k / 3] + i)[3 * (k % 3) - 3];
+        const auto value = static_cast<uint64_t>(std::max(sum, 0));
+        to[i] = clamped(
+            static_cast<int64_t>(by.divides ? (value * by.multiplier) >> by.shift : value));
+    }
+}
+
+void laplacian(int16_t* to, ThreeRows rows, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint8_t* c = rows[1] + i;
+        to[i] = static_cast<int16_t>(4 * c[0] - (rows[0][i] + c[-1] + c[1] + rows[2][i]));
+    }
+}
+
+void gradient(int16_t* to, ThreeRows rows, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint8_t *b = rows[0] + i, *c = rows[1] + i, *a = rows[2] + i;
+        to[i] = static_cast<int16_t>(c[1] + a[0] - b[0] - c[-1] + 2 * (a[1] - b[-1]));
+    }
+}
+
+void correction(uint8_t* plus, uint8_t* minus, const int16_t* laplacian, size_t count,
+                int divisor) {
+    for (size_t i = 0; i < count; ++i) {
+        const int change = laplacian[i] / divisor;
+        plus[i] = clamped(change);
+        minus[i] = clamped(-change);
+    }
+}
+
+void dark_edges(uint8_t* to, const int16_t* v, size_t count, int16_t low, int16_t high) {
+    for (size_t i = 0; i < count; ++i)
+        to[i] = static_cast<uint8_t>(255 - std::abs(std::min(std::max(v[i], low), high)));
+}
+
+void relief(uint8_t* to, const int16_t* v, size_t count) {
+    for (size_t i = 0; i < count; ++i)
+        to[i] = static_cast<uint8_t>(std::clamp<int>(v[i], -127, 127) + 128);
+}
+
+void between(uint8_t* to, const int16_t* v, size_t count, int16_t low, int16_t high) {
+    for (size_t i = 0; i < count; ++i)
+        to[i] = v[i] >= low && v[i] <= high ? 255 : 0;
+}
+
+template<typename T>
+T highest(T a, T b) {
+    return std::max(a, b);
+}
+template<typename T>
+T lowest(T a, T b) {
+    return std::min(a, b);
+}
+
+template<typename T, T of(T, T)>
+void pick(T* to, const T* a, const T* b, size_t count) {
+    for (size_t i = 0; i < count; ++i)
+        to[i] = of(a[i], b[i]);
+}
+
+template<typename T, T of(T, T)>
+void pick_two(T* to, T* running, const T* row, const T* other, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        running[i] = of(running[i], row[i]);
+        to[i] = of(running[i], other[i]);
+    }
+}
+
+template<typename T, T of(T, T)>
+void pick_four(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
+    for (size_t i = 0; i < count; ++i)
+        to[i] = of(of(a[i], b[i]), of(c[i], d[i]));
+}
+
+template<typename Sum>
+void add_to_sums(Sum* sums, const uint8_t* row, size_t count) {
+    for (size_t i = 0; i < count; ++i)
+        sums[i] = static_cast<Sum>(sums[i] + row[i]);
+}
+
+template<size_t columns>
+void means(uint8_t* to, const uint8_t* from, ptrdiff_t row_step, size_t rows, size_t count,
+           int shift) {
+    for (size_t i = 0; i < count; ++i, to += 3, from += 3 * columns) {
+        uint32_t sums[3] = {};
+        const uint8_t* row = from;
+        for (size_t k = 0; k < rows; ++k, row += row_step)
+            for (size_t at = 0; at < 3 * columns; ++at)
+                sums[at % 3] += row[at];
+        for (int c = 0; c < 3; ++c)
+            to[c] = static_cast<uint8_t>(sums[c] >> shift);
+    }
+}
+
+template<size_t bytes>
+void exchange_reversed(uint8_t* left, uint8_t* right_end, size_t pixels) {
+    for (; pixels != 0; --pixels, left += bytes) {
+        right_end -= bytes;
+        std::swap_ranges(left, left + bytes, right_end);
+    }
+}
+
+template<size_t bytes>
+void transpose(uint8_t* to, ptrdiff_t to_step, const uint8_t* from, ptrdiff_t from_step,
+               size_t columns, size_t rows) {
+    for (size_t x = 0; x < columns; ++x, to += to_step, from += bytes) {
+        const uint8_t* pixel = from;
+        for (size_t k = 0; k < rows; ++k, pixel += from_step)
+            std::memcpy(to + k * bytes, pixel, bytes);
+    }
+}
+
+} // namespace
+} // namespace kirvo::scalar

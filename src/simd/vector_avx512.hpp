@@ -1,0 +1,239 @@
+// The wrapper of AVX-512 (F, BW, DQ, VL and VBMI): vectors of 64 bytes. What the members mean stands
+// in vector_sse2.hpp.
+#pragma once
+
+#include "simd/dct.hpp"
+#include "simd/kernel_types.hpp"
+
+#include <cstring>
+#include <immintrin.h>
+
+namespace kirvo::avx512 {
+namespace {
+
+#define KIRVO_REGISTER __m512i
+#define KIRVO_MM(operation) _mm512_##operation
+#define KIRVO_RECIPROCAL _mm512_rcp14_ps
+#define KIRVO_BROADCAST _mm512_broadcast_i32x4
+#include "simd/vector_x86.hpp"
+#include "simd/vector_avx.hpp"
+#undef KIRVO_REGISTER
+#undef KIRVO_MM
+#undef KIRVO_RECIPROCAL
+#undef KIRVO_BROADCAST
+
+// Where each byte of a vector comes from.
+struct Places {
+    alignas(64) uint8_t from[64];
+
+    template<typename From>
+    constexpr explicit Places(const From& from_) : from{} {
+        for (int i = 0; i < 64; ++i)
+            from[i] = static_cast<uint8_t>(from_(i));
+    }
+    __m512i vector() const { return _mm512_load_si512(from); }
+};
+
+struct Vector : VectorAvx {
+    static Register equal8(Register a, Register b) {
+        return _mm512_movm_epi8(_mm512_cmpeq_epi8_mask(a, b));
+    }
+    static Register equal16(Register a, Register b) {
+        return _mm512_movm_epi16(_mm512_cmpeq_epi16_mask(a, b));
+    }
+    template<size_t n>
+    static Register equal_any16(Register a, const int (&values)[n]) {
+        __mmask32 found = 0;
+        for (int value : values)
+            found |= _mm512_cmpeq_epi16_mask(a, all16(value));
+        return _mm512_movm_epi16(found);
+    }
+    static Register select(Register mask, Register yes, Register no) {
+        return _mm512_ternarylogic_epi32(mask, yes, no, 0xCA);
+    }
+    static Register with_sign16(Register magnitude, Register a) {
+        return _mm512_mask_sub_epi16(magnitude, _mm512_movepi16_mask(a), zero(), magnitude);
+    }
+    static Register in_order(Register a) {
+        return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), a);
+    }
+    static Halves load_halves16(const int16_t* from) {
+        const Register first = load(from), second = load(from + 32);
+        return {
+            _mm512_permutex2var_epi64(first, _mm512_setr_epi64(0, 1, 4, 5, 8, 9, 12, 13), second),
+            _mm512_permutex2var_epi64(first, _mm512_setr_epi64(2, 3, 6, 7, 10, 11, 14, 15),
+                                      second)};
+    }
+    static Halves halves_in_order(const Halves& v) {
+        return {
+            _mm512_permutex2var_epi64(v.low, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), v.high),
+            _mm512_permutex2var_epi64(v.low, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15),
+                                      v.high)};
+    }
+
+    // Byte 3p + c of three vectors goes to byte p of vector c, and back.
+    static Planes load_planes(const uint8_t* bgr) {
+        static constexpr Places places[] = {Places([](int p) { return 3 * p; }),
+                                            Places([](int p) { return 3 * p + 1; }),
+                                            Places([](int p) { return 3 * p + 2; })};
+        return moved({load(bgr), load(bgr + 64), load(bgr + 128)}, places);
+    }
+    static void store_planes(uint8_t* bgr, const Planes& p) {
+        static constexpr Places places[] = {
+            Places([](int i) { return i / 3 + 64 * (i % 3); }),
+            Places([](int i) { return (i + 64) / 3 + 64 * ((i + 64) % 3); }),
+            Places([](int i) { return (i + 128) / 3 + 64 * ((i + 128) % 3); })};
+        const Planes bytes = moved(p, places);
+        store(bgr, bytes.blue);
+        store(bgr + 64, bytes.green);
+        store(bgr + 128, bytes.red);
+    }
+
+    static constexpr size_t words = size / 4;
+    template<int bytes>
+    static Register load_row(const uint8_t* from) {
+        if constexpr (bytes == 1) {
+            return _mm512_cvtepu8_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from)));
+        } else if constexpr (bytes == 2) {
+            return _mm512_cvtepu16_epi32(
+                _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from)));
+        } else if constexpr (bytes == 3) {
+            static constexpr Places spread([](int i) { return i % 4 == 3 ? 0 : i / 4 * 3 + i % 4; });
+            return _mm512_permutexvar_epi8(spread.vector(),
+                                           _mm512_maskz_loadu_epi8(first_48, from));
+        } else {
+            return load(from);
+        }
+    }
+    template<int bytes>
+    static void store_row(uint8_t* to, Register v) {
+        if constexpr (bytes == 1) {
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm512_cvtepi32_epi8(v));
+        } else if constexpr (bytes == 2) {
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), _mm512_cvtepi32_epi16(v));
+        } else if constexpr (bytes == 3) {
+            static constexpr Places close_up([](int i) { return i < 48 ? i / 3 * 4 + i % 3 : 0; });
+            _mm512_mask_storeu_epi8(to, first_48, _mm512_permutexvar_epi8(close_up.vector(), v));
+        } else {
+            store(to, v);
+        }
+    }
+    static void transpose(Register (&v)[words]) {
+        transpose_parts(v);
+        for (size_t i = 0; i < 4; ++i) {
+            const Register even0 = _mm512_shuffle_i32x4(v[i], v[i + 4], 0x88);
+            const Register odd0 = _mm512_shuffle_i32x4(v[i], v[i + 4], 0xDD);
+            const Register even1 = _mm512_shuffle_i32x4(v[i + 8], v[i + 12], 0x88);
+            const Register odd1 = _mm512_shuffle_i32x4(v[i + 8], v[i + 12], 0xDD);
+            v[i] = _mm512_shuffle_i32x4(even0, even1, 0x88);
+            v[i + 4] = _mm512_shuffle_i32x4(odd0, odd1, 0x88);
+            v[i + 8] = _mm512_shuffle_i32x4(even0, even1, 0xDD);
+            v[i + 12] = _mm512_shuffle_i32x4(odd0, odd1, 0xDD);
+        }
+    }
+    template<int bytes>
+    static Register reversed(Register v) {
+        static constexpr Places places(
+            [](int i) { return 64 - bytes - i / bytes * bytes + i % bytes; });
+        return _mm512_permutexvar_epi8(places.vector(), v);
+    }
+
+    static constexpr size_t run = 21;
+    static Register load_run(const uint8_t* from) { return load(from); }
+    static void store_run(uint8_t* to, Register v) { store(to, v); }
+    class Order {
+      public:
+        explicit Order(const ChannelOrder& order) {
+            alignas(64) uint8_t places[64];
+            for (int i = 0; i < 63; ++i) {
+                const uint8_t source = order.from[i % 3];
+                places[i] = static_cast<uint8_t>(i - i % 3 + source);
+                kept_ |= __mmask64{source != no_byte} << i;
+            }
+            places[63] = 63;
+            places_ = load(places);
+        }
+        Register operator()(Register v) const {
+            return _mm512_maskz_permutexvar_epi8(kept_, places_, v);
+        }
+
+      private:
+        Register places_;
+        __mmask64 kept_ = __mmask64{1} << 63;
+    };
+    static Register run_of(const uint8_t* bgr) {
+        alignas(64) uint8_t bytes[64];
+        for (int i = 0; i < 64; ++i)
+            bytes[i] = bgr[i % 3];
+        return load(bytes);
+    }
+    static Register equal_pixels(Register a, Register b) {
+        constexpr __mmask64 first_bytes = 0x1249249249249249;
+        const __mmask64 same = _mm512_cmpeq_epi8_mask(a, b);
+        const __mmask64 first = same & same >> 1 & same >> 2 & first_bytes;
+        return _mm512_movm_epi8(first | first << 1 | first << 2 | __mmask64{1} << 63);
+    }
+
+    // Four registers: two permutes of 128 bytes each, and the byte's top bit chooses.
+    class Table {
+      public:
+        explicit Table(const Levels& levels) {
+            for (int i = 0; i < 4; ++i)
+                part_[i] = load(levels.level + 64 * i);
+        }
+        Register operator[](Register bytes) const {
+            const Register low = _mm512_permutex2var_epi8(part_[0], bytes, part_[1]);
+            const Register high = _mm512_permutex2var_epi8(part_[2], bytes, part_[3]);
+            return _mm512_mask_blend_epi8(_mm512_movepi8_mask(bytes), low, high);
+        }
+
+      private:
+        Register part_[4];
+    };
+
+    static constexpr int blocks = 4;
+    static Register load_block_row(const int8_t* samples) {
+        return _mm512_cvtepi8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(samples)));
+    }
+    static void scan(const Register (&rows)[8], uint8_t (*small)[64], uint64_t* nonzero) {
+        // Part b of pair i holds natural rows 2i and 2i + 1 of block b.
+        Register pair[4];
+        for (int i = 0; i < 4; ++i)
+            pair[i] = narrow16_signed(rows[2 * i], rows[2 * i + 1]);
+        const Register low01 = _mm512_shuffle_i32x4(pair[0], pair[1], 0x44);
+        const Register low23 = _mm512_shuffle_i32x4(pair[2], pair[3], 0x44);
+        const Register high01 = _mm512_shuffle_i32x4(pair[0], pair[1], 0xEE);
+        const Register high23 = _mm512_shuffle_i32x4(pair[2], pair[3], 0xEE);
+        const Register natural[4] = {_mm512_shuffle_i32x4(low01, low23, 0x88),
+                                     _mm512_shuffle_i32x4(low01, low23, 0xDD),
+                                     _mm512_shuffle_i32x4(high01, high23, 0x88),
+                                     _mm512_shuffle_i32x4(high01, high23, 0xDD)};
+        const Register order = load(zigzag.data());
+        for (int block = 0; block < 4; ++block) {
+            const Register levels = _mm512_permutexvar_epi8(order, natural[block]);
+            store(small[block], add8(levels, all8(small_levels)));
+            nonzero[block] = _mm512_test_epi8_mask(levels, levels);
+        }
+    }
+
+    static void stream(uint8_t* to, Register v) {
+        _mm512_stream_si512(reinterpret_cast<__m512i*>(to), v);
+    }
+    static void end_stream() { _mm_sfence(); }
+
+  private:
+    static constexpr __mmask64 first_48 = 0x0000FFFFFFFFFFFF;
+
+    // The permutes look at the low 7 and the low 6 bits of a place; its top bit says which holds.
+    static Register moved_by(const Planes& p, const Places& places) {
+        const Register from = places.vector();
+        return _mm512_mask_permutexvar_epi8(_mm512_permutex2var_epi8(p.blue, from, p.green),
+                                            _mm512_movepi8_mask(from), from, p.red);
+    }
+    static Planes moved(const Planes& p, const Places (&places)[3]) {
+        return {moved_by(p, places[0]), moved_by(p, places[1]), moved_by(p, places[2])};
+    }
+};
+
+} // namespace
+} // namespace kirvo::avx512

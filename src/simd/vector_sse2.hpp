@@ -1,0 +1,291 @@
+// The wrapper of SSE2: vectors of 16 bytes. Its comments hold for every level.
+#pragma once
+
+#include "simd/dct.hpp"
+#include "simd/kernel_types.hpp"
+
+#include <cstring>
+#include <emmintrin.h>
+
+namespace kirvo::sse2 {
+namespace {
+
+#define KIRVO_REGISTER __m128i
+#define KIRVO_MM(operation) _mm_##operation
+#define KIRVO_RECIPROCAL _mm_rcp_ps
+#include "simd/vector_x86.hpp"
+#undef KIRVO_REGISTER
+#undef KIRVO_MM
+#undef KIRVO_RECIPROCAL
+
+struct Vector : VectorX86 {
+    static Register equal8(Register a, Register b) { return _mm_cmpeq_epi8(a, b); }
+    static Register equal16(Register a, Register b) { return _mm_cmpeq_epi16(a, b); }
+    template<size_t n>
+    static Register equal_any16(Register a, const int (&values)[n]) {
+        Register found = zero();
+        for (int value : values)
+            found |= equal16(a, all16(value));
+        return found;
+    }
+    static Register select(Register mask, Register yes, Register no) {
+        return (mask & yes) | (no & ~mask);
+    }
+    static Register min16_unsigned(Register a, Register b) {
+        return _mm_sub_epi16(a, _mm_subs_epu16(a, b));
+    }
+    static Register max16_unsigned(Register a, Register b) {
+        return add16(a, _mm_subs_epu16(b, a));
+    }
+    static Register max32(Register a, Register b) { // signed
+        return select(_mm_cmpgt_epi32(a, b), a, b);
+    }
+    static Register magnitude16(Register a) { return max16(a, sub16(zero(), a)); }
+    static Register with_sign16(Register magnitude, Register a) {
+        const Register sign = shift_right16_signed<15>(a);
+        return sub16(magnitude ^ sign, sign);
+    }
+    // The low 16 bits of each 32, without the signed saturation of the only pack that there is.
+    static Register low_words(Register a, Register b) {
+        return narrow32(shift_right32_signed<16>(shift_left32<16>(a)),
+                        shift_right32_signed<16>(shift_left32<16>(b)));
+    }
+    // Bytes or 16-bit numbers whose 16-byte parts were interleaved by narrowing, in order.
+    static Register in_order(Register a) { return a; }
+    // 16-bit numbers that lie in order in two vectors, so that narrowing them leaves bytes in order.
+    struct Halves {
+        Register low, high;
+    };
+    static Halves load_halves16(const int16_t* from) { return {load(from), load(from + 8)}; }
+    // What was widened from bytes in order, in order itself.
+    static Halves halves_in_order(const Halves& v) { return v; }
+
+    // Sums of two bytes side by side, unsigned and signed.
+    static Register pair_sums8(Register a) {
+        return add16(a & all16(0xFF), shift_right16<8>(a));
+    }
+    static Register pair_sums8_signed(Register a) {
+        return add16(shift_right16_signed<8>(shift_left16<8>(a)), shift_right16_signed<8>(a));
+    }
+
+    // The channels of `size` 24-bit pixels.
+    struct Planes {
+        Register blue, green, red;
+    };
+    // The 48 bytes of 16 pixels, three vectors, are shuffled as two packs of cards are: the first
+    // half is zipped with the second. Four times multiplies each place by 16, modulo 47, which
+    // takes byte 3p + c to 16c + p.
+    static Planes load_planes(const uint8_t* bgr) {
+        Planes p = {load(bgr), load(bgr + 16), load(bgr + 32)};
+        for (int i = 0; i < 4; ++i)
+            p = {zip_low8(p.blue, _mm_srli_si128(p.green, 8)),
+                 zip_low8(_mm_srli_si128(p.blue, 8), p.red),
+                 zip_low8(p.green, _mm_srli_si128(p.red, 8))};
+        return p;
+    }
+    static void store_planes(uint8_t* bgr, const Planes& p) {
+        const Register low = zip_low8(p.blue, p.green), high = zip_high8(p.blue, p.green);
+        const Register red_low = widen_low8(p.red), red_high = widen_high8(p.red);
+        store_row<3>(bgr, zip_low16(low, red_low));
+        store_row<3>(bgr + 12, zip_high16(low, red_low));
+        store_row<3>(bgr + 24, zip_low16(high, red_high));
+        store_row<3>(bgr + 36, zip_high16(high, red_high));
+    }
+
+    // As many pixels of 1 to 4 bytes as a vector has words, one in each. The top byte of a 3-byte
+    // pixel may be anything.
+    static constexpr size_t words = size / 4;
+    template<int bytes>
+    static Register load_row(const uint8_t* from) {
+        if constexpr (bytes == 1)
+            return widen_low16(widen_low8(load_4(from)));
+        else if constexpr (bytes == 2)
+            return widen_low16(load_8(from));
+        else if constexpr (bytes == 3)
+            return spread(zip_low64(load_8(from), load_4(from + 8)));
+        else
+            return load(from);
+    }
+    template<int bytes>
+    static void store_row(uint8_t* to, Register v) {
+        if constexpr (bytes == 1) {
+            store_4(to, narrow16(narrow32(v, v), v));
+        } else if constexpr (bytes == 2) {
+            store_8(to, low_words(v, v));
+        } else if constexpr (bytes == 3) {
+            const Register closed = close_up(v & all32(0xFFFFFF));
+            store_8(to, closed);
+            store_4(to + 8, _mm_srli_si128(closed, 8));
+        } else {
+            store(to, v);
+        }
+    }
+    // A square of words, rows to columns.
+    static void transpose(Register (&v)[words]) {
+        const Register low01 = zip_low32(v[0], v[1]), high01 = zip_high32(v[0], v[1]);
+        const Register low23 = zip_low32(v[2], v[3]), high23 = zip_high32(v[2], v[3]);
+        v[0] = zip_low64(low01, low23);
+        v[1] = zip_high64(low01, low23);
+        v[2] = zip_low64(high01, high23);
+        v[3] = zip_high64(high01, high23);
+    }
+    // Elements of 1, 2 or 4 bytes, the last first.
+    template<int bytes>
+    static Register reversed(Register v) {
+        v = _mm_shuffle_epi32(v, 0x1B);
+        if constexpr (bytes <= 2)
+            v = _mm_shufflehi_epi16(_mm_shufflelo_epi16(v, 0xB1), 0xB1);
+        if constexpr (bytes == 1)
+            v = shift_left16<8>(v) | shift_right16<8>(v);
+        return v;
+    }
+
+    // Whole 24-bit pixels, as many as fit. The bytes of a vector beyond them are loaded, and stored
+    // as they came; they belong to the next run.
+    static constexpr size_t run = 5;
+    static Register load_run(const uint8_t* from) { return load(from); }
+    static void store_run(uint8_t* to, Register v) { store(to, v); }
+    // The three bytes of every pixel of a run in another order. Without a byte shuffle each byte
+    // comes from one to five places of the same vector, shifted by -2 to 2 bytes and masked.
+    class Order {
+      public:
+        explicit Order(const ChannelOrder& order) {
+            alignas(16) uint8_t masks[5][16] = {};
+            masks[2][15] = 0xFF;
+            for (int i = 0; i < 15; ++i) {
+                const uint8_t source = order.from[i % 3];
+                if (source != no_byte)
+                    masks[source - i % 3 + 2][i] = 0xFF;
+            }
+            for (int i = 0; i < 5; ++i)
+                from_[i] = load(masks[i]);
+        }
+        Register operator()(Register v) const {
+            return (_mm_slli_si128(v, 2) & from_[0]) | (_mm_slli_si128(v, 1) & from_[1]) |
+                   (v & from_[2]) | (_mm_srli_si128(v, 1) & from_[3]) |
+                   (_mm_srli_si128(v, 2) & from_[4]);
+        }
+
+      private:
+        Register from_[5];
+    };
+    // The colour in every pixel of a run.
+    static Register run_of(const uint8_t* bgr) {
+        alignas(16) uint8_t bytes[16];
+        for (int i = 0; i < 16; ++i)
+            bytes[i] = bgr[i % 3];
+        return load(bytes);
+    }
+    // The mask of the pixels of a run that are equal, and of the bytes beyond them.
+    static Register equal_pixels(Register a, Register b) {
+        const Register first_bytes =
+            _mm_setr_epi8(-1, 0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0, 0);
+        const Register same = equal8(a, b);
+        const Register first =
+            same & first_bytes & _mm_srli_si128(same, 1) & _mm_srli_si128(same, 2);
+        return first | _mm_slli_si128(first, 1) | _mm_slli_si128(first, 2) |
+               _mm_slli_si128(all8(-1), 15);
+    }
+
+    // A level without a byte shuffle has no table of 256 entries in registers.
+    static constexpr bool has_table = false;
+
+    // Sums of three channels with weights from -128 to 127, as 16-bit numbers.
+    struct Weighted {
+        Halves blue, green, red;
+
+        explicit Weighted(const Planes& p)
+            : blue{widen_low8(p.blue), widen_high8(p.blue)},
+              green{widen_low8(p.green), widen_high8(p.green)},
+              red{widen_low8(p.red), widen_high8(p.red)} {}
+        // Of luminance, 65,280 at most.
+        Halves luminance() const { return sums<29, 150, 77>(); }
+        template<int b, int g, int r>
+        Halves sums() const {
+            return {sum<b, g, r>(blue.low, green.low, red.low),
+                    sum<b, g, r>(blue.high, green.high, red.high)};
+        }
+
+      private:
+        template<int b, int g, int r>
+        static Register sum(Register blue, Register green, Register red) {
+            return add16(add16(multiply16(blue, all16(b)), multiply16(green, all16(g))),
+                         multiply16(red, all16(r)));
+        }
+    };
+
+    // Rows of blocks of 8 x 8 for the transforms: as many blocks as there are 16 bytes.
+    static constexpr int blocks = 1;
+    static Register load_block_row(const int8_t* samples) {
+        const Register bytes = load_8(samples);
+        return shift_right16_signed<8>(zip_low8(bytes, bytes));
+    }
+    static void store_block_row(int16_t* to, Register v) { store(to, v); }
+    static Register even32(Register a, Register b) { return shuffle32<0x88>(a, b); }
+    static Register odd32(Register a, Register b) { return shuffle32<0xDD>(a, b); }
+
+    // The levels of `blocks` blocks, a row of them in each vector: clamped to bytes, in zigzag
+    // order, small_levels added; and which are not zero. Here only those are put in their places.
+    static void scan(const Register (&rows)[8], uint8_t (*small)[64], uint64_t* nonzero) {
+        static constexpr std::array<uint8_t, 64> position_of = [] {
+            std::array<uint8_t, 64> positions = {};
+            for (uint8_t k = 0; k < 64; ++k)
+                positions[zigzag[k]] = k;
+            return positions;
+        }();
+        int8_t natural[64];
+        uint64_t left = 0, mask = 0;
+        for (int i = 0; i < 4; ++i) {
+            const Register pair = narrow16_signed(rows[2 * i], rows[2 * i + 1]);
+            store(natural + 16 * i, pair);
+            const auto zeros = static_cast<uint32_t>(_mm_movemask_epi8(equal8(pair, zero())));
+            left |= static_cast<uint64_t>(zeros ^ 0xFFFF) << (16 * i);
+        }
+        for (; left != 0; left &= left - 1) {
+            const auto n = static_cast<size_t>(__builtin_ctzll(left));
+            (*small)[position_of[n]] = static_cast<uint8_t>(natural[n] + small_levels);
+            mask |= uint64_t{1} << position_of[n];
+        }
+        *nonzero = mask;
+    }
+
+    // Past the caches, to a multiple of 16.
+    static void stream(uint8_t* to, Register v) {
+        _mm_stream_si128(reinterpret_cast<__m128i*>(to), v);
+    }
+    static void end_stream() { _mm_sfence(); }
+
+  private:
+    static Register load_8(const void* from) {
+        return _mm_loadl_epi64(static_cast<const __m128i*>(from));
+    }
+    static Register load_4(const void* from) {
+        int32_t word;
+        std::memcpy(&word, from, sizeof word);
+        return _mm_cvtsi32_si128(word);
+    }
+    static void store_8(void* to, Register v) { _mm_storel_epi64(static_cast<__m128i*>(to), v); }
+    static void store_4(void* to, Register v) {
+        const int32_t word = _mm_cvtsi128_si32(v);
+        std::memcpy(to, &word, sizeof word);
+    }
+    // The first 12 bytes to four words, and back.
+    static Register spread(Register bytes) {
+        const Register first = _mm_set_epi32(0, 0x00FFFFFF, 0, 0x00FFFFFF);
+        const Register pairs = zip_low64(bytes, _mm_srli_si128(bytes, 6));
+        return (pairs & first) | _mm_slli_epi64(pairs & ~first, 8);
+    }
+    static Register close_up(Register words) {
+        const Register first = _mm_set_epi32(0, 0x00FFFFFF, 0, 0x00FFFFFF);
+        const Register low_half = _mm_set_epi32(0, 0, -1, -1);
+        const Register pairs = (words & first) | _mm_srli_epi64(words & ~first, 8);
+        return (pairs & low_half) | _mm_srli_si128(pairs & ~low_half, 2);
+    }
+    template<int places>
+    static Register shuffle32(Register a, Register b) {
+        return _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), places));
+    }
+};
+
+} // namespace
+} // namespace kirvo::sse2

@@ -1,0 +1,130 @@
+// Rows of 24-bit pixels, without their hues.
+#include "kernels/cases.hpp"
+#include "kernels/each_pixel.hpp"
+
+#include <cstring>
+
+using namespace kirvo;
+
+namespace kirvo_test {
+
+namespace {
+
+// In doubles, of which the sums need no rounding.
+uint8_t luminance_of(const uint8_t* bgr) {
+    return static_cast<uint8_t>((77.0 * bgr[2] + 150.0 * bgr[1] + 29.0 * bgr[0] + 128.0) / 256.0);
+}
+
+// 256 rounds of all pixels with one value of red.
+uint8_t* pixels_of_a_red(Trial& trial) {
+    uint8_t* pixels = trial.values<uint8_t>(3 * 65536);
+    for (size_t i = 0; i < 65536; ++i) {
+        pixels[3 * i] = static_cast<uint8_t>(i);
+        pixels[3 * i + 1] = static_cast<uint8_t>(i >> 8);
+        pixels[3 * i + 2] = static_cast<uint8_t>(trial.round * 5);
+    }
+    return pixels;
+}
+
+ChannelOrder order_of(size_t number) {
+    return {{static_cast<uint8_t>(number & 3), static_cast<uint8_t>(number >> 2 & 3),
+             static_cast<uint8_t>(number >> 4 & 3)}};
+}
+
+void permute_row(decltype(Kernels::permute) kernel, Trial& trial, size_t pixels, size_t number) {
+    const auto [to, from] = trial.rows(3 * pixels);
+    const ChannelOrder& order = trial.object(order_of(number));
+    trial.run([=, &order] { kernel(to, from, pixels, order); });
+}
+
+} // namespace
+
+namespace cases {
+
+const Case<decltype(Kernels::map_channels)> map_channels = {
+    [](uint8_t* to, const uint8_t* from, size_t pixels, const ChannelLevels& levels) {
+        for (size_t i = 0; i < 3 * pixels; ++i)
+            to[i] = levels.channel[i % 3].level[from[i]];
+    },
+    [](auto kernel, Trial& trial) {
+        const auto [to, from] = trial.rows(3 * trial.count);
+        const ChannelLevels& levels = *trial.objects<ChannelLevels>(1);
+        trial.run([=, &trial, &levels] { kernel(to, from, trial.count, levels); });
+    },
+    "pixel"};
+
+const Case<decltype(Kernels::permute)> permute = {
+    [](uint8_t* to, const uint8_t* from, size_t pixels, const ChannelOrder& order) {
+        each_pixel(to, from, pixels, [&](uint8_t* pixel) {
+            const uint8_t old[4] = {pixel[0], pixel[1], pixel[2], 0};
+            for (int c = 0; c < 3; ++c)
+                pixel[c] = old[order.from[c]];
+        });
+    },
+    [](auto kernel, Trial& trial) {
+        const auto number = static_cast<size_t>(trial.between(0, 63, 6));
+        permute_row(kernel, trial, trial.count, number);
+    },
+    "pixel", 4093,
+    // Every order, every count of a few steps.
+    [](auto kernel, Trial& trial) {
+        permute_row(kernel, trial, 131 + trial.round / 64, trial.round % 64);
+    },
+    64 * 16};
+
+const Case<decltype(Kernels::grey)> grey = {
+    [](uint8_t* to, const uint8_t* from, size_t pixels) {
+        each_pixel(to, from, pixels,
+                   [](uint8_t* pixel) { pixel[0] = pixel[1] = pixel[2] = luminance_of(pixel); });
+    },
+    [](auto kernel, Trial& trial) {
+        const auto [to, from] = trial.rows(3 * trial.count);
+        trial.run([=, &trial] { kernel(to, from, trial.count); });
+    },
+    "pixel",
+    4093,
+    [](auto kernel, Trial& trial) {
+        const uint8_t* from = pixels_of_a_red(trial);
+        uint8_t* to = trial.room<uint8_t>(3 * 65536);
+        trial.run([=] { kernel(to, from, 65536); });
+    },
+    52};
+
+const Case<decltype(Kernels::luminance)> luminance = {
+    [](uint8_t* to, const uint8_t* bgr, size_t pixels) {
+        for (size_t i = 0; i < pixels; ++i)
+            to[i] = luminance_of(bgr + 3 * i);
+    },
+    [](auto kernel, Trial& trial) {
+        uint8_t* to = trial.room<uint8_t>(trial.count);
+        const uint8_t* from = trial.values<uint8_t>(3 * trial.count);
+        trial.run([=, &trial] { kernel(to, from, trial.count); });
+    },
+    "pixel",
+    4093,
+    [](auto kernel, Trial& trial) {
+        const uint8_t* from = pixels_of_a_red(trial);
+        uint8_t* to = trial.room<uint8_t>(65536);
+        trial.run([=] { kernel(to, from, 65536); });
+    },
+    52};
+
+const Case<decltype(Kernels::replace)> replace = {
+    [](uint8_t* to, const uint8_t* from, size_t pixels, const uint8_t* key) {
+        for (size_t i = 0; i < 3 * pixels; i += 3) {
+            if (std::memcmp(from + i, key, 3) != 0)
+                std::memcpy(to + i, from + i, 3);
+        }
+    },
+    // Channels take few values, so that many bytes match the key and few whole pixels do.
+    [](auto kernel, Trial& trial) {
+        uint8_t* to = trial.values<uint8_t>(3 * trial.count);
+        const uint8_t* from = trial.values<uint8_t>(3 * trial.count, 0, trial.random.between(0, 2));
+        const uint8_t* key = trial.values<uint8_t>(3, 0, 2);
+        trial.run([=, &trial] { kernel(to, from, trial.count, key); });
+    },
+    "pixel"};
+
+} // namespace cases
+
+} // namespace kirvo_test
