@@ -40,11 +40,11 @@ class Progress {
 };
 
 // The steps of an operation, told in their order, of each pass in turn. Sends 0 when it is made.
-class Steps {
+class PassProgress {
   public:
-    explicit Steps(int32_t n) : n_(n) { progress_.start(); }
+    explicit PassProgress(int32_t n) : n_(n) { progress_.start(); }
     // Passes that are really made together: n steps of each.
-    Steps(int32_t n, std::span<const Pass> passes) : Steps(n) { passes_ = passes; }
+    PassProgress(int32_t n, std::span<const Pass> passes) : PassProgress(n) { passes_ = passes; }
 
     // At the top of a step, counted through all passes.
     void tell(int64_t step) {
@@ -74,15 +74,15 @@ class Steps {
 // to go on; false ends the loop without a further message, and is the answer then.
 template<typename Work>
 bool each_step(int32_t n, const Work& work, int32_t by = 1) {
-    Steps steps(n);
+    PassProgress progress(n);
     for (int64_t i = 0; i < n; i += by) {
-        steps.tell(i);
+        progress.tell(i);
         if constexpr (std::is_void_v<decltype(work(n))>)
             work(static_cast<int32_t>(i));
         else if (!work(static_cast<int32_t>(i)))
             return false;
     }
-    steps.finish();
+    progress.finish();
     return true;
 }
 

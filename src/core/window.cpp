@@ -6,13 +6,13 @@ namespace kirvo {
 namespace {
 
 // Sizes wrap at 32 bits.
-struct Size {
+struct WindowSize {
     uint32_t width, height;
-    bool operator==(const Size&) const = default;
+    bool operator==(const WindowSize&) const = default;
 };
 
 template<typename GetRect>
-Size measure(GetRect get_rect, HWND window) {
+WindowSize measure(GetRect get_rect, HWND window) {
     RECT rect = {};
     get_rect(window, &rect);
     return {static_cast<uint32_t>(rect.right) - static_cast<uint32_t>(rect.left),
@@ -20,9 +20,9 @@ Size measure(GetRect get_rect, HWND window) {
 }
 
 // What the window has around its client area: frame, title, menu.
-Size surroundings(HWND window) {
-    const Size outer = measure(GetWindowRect, window);
-    const Size client = measure(GetClientRect, window);
+WindowSize surroundings(HWND window) {
+    const WindowSize outer = measure(GetWindowRect, window);
+    const WindowSize client = measure(GetClientRect, window);
     return {outer.width - client.width, outer.height - client.height};
 }
 
@@ -36,7 +36,7 @@ uint32_t metric(int index) {
 }
 
 // The image is not locked meanwhile: resizing runs the window's procedure.
-bool scaled_size(HGLOBAL image, uint32_t scale, Size& size) {
+bool scaled_size(HGLOBAL image, uint32_t scale, WindowSize& size) {
     const LockedDib dib(image);
     size = {static_cast<uint32_t>(dib.width()) * scale,
             static_cast<uint32_t>(dib.height()) * scale};
@@ -50,7 +50,7 @@ bool scaled_size(HGLOBAL image, uint32_t scale, Size& size) {
 using namespace kirvo;
 
 void WINAPI FitWindowToImageEx(HWND window, HGLOBAL dib, uint32_t scale) {
-    Size target;
+    WindowSize target;
     if (!scaled_size(dib, scale, target))
         return;
     const uint32_t menu = metric(SM_CYMENU);
@@ -59,10 +59,10 @@ void WINAPI FitWindowToImageEx(HWND window, HGLOBAL dib, uint32_t scale) {
     resize(window, target.width + frame, target.height + surroundings(window).height + menu);
     resize(window, target.width + frame, target.height + surroundings(window).height);
 
-    const Size client = measure(GetClientRect, window);
+    const WindowSize client = measure(GetClientRect, window);
     if (client == target)
         return;
-    const Size outer = measure(GetWindowRect, window);
+    const WindowSize outer = measure(GetWindowRect, window);
     resize(window, target.width + outer.width - client.width,
            target.height + outer.height - client.height);
 }

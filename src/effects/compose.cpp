@@ -8,31 +8,31 @@ namespace kirvo {
 
 namespace {
 
-enum class Mode : int32_t { add, average, black_transparent, subtract, key_colour };
+enum class Blend : int32_t { add, average, black_transparent, subtract, key_colour };
 
 constexpr RowStart start = RowStart::after_40;
 constexpr uint8_t black[3] = {};
 uint8_t key_colour[3] = {}; // blue, green, red
 
-bool keeps_pixels(Mode mode) {
-    return mode == Mode::black_transparent || mode == Mode::key_colour;
+bool keeps_pixels(Blend blend) {
+    return blend == Blend::black_transparent || blend == Blend::key_colour;
 }
 
-const uint8_t* key_of(Mode mode) {
-    return mode == Mode::key_colour ? key_colour : black;
+const uint8_t* key_of(Blend blend) {
+    return blend == Blend::key_colour ? key_colour : black;
 }
 
-void compose_24(Mode mode, uint8_t* to, const uint8_t* from, size_t count) {
+void compose_24(Blend blend, uint8_t* to, const uint8_t* from, size_t count) {
     const Kernels& k = kernels();
-    switch (mode) {
-    case Mode::add:
+    switch (blend) {
+    case Blend::add:
         return k.add(to, from, 3 * count);
-    case Mode::average:
+    case Blend::average:
         return k.average(to, from, 3 * count);
-    case Mode::subtract:
+    case Blend::subtract:
         return k.subtract(to, from, 3 * count);
     default:
-        return k.replace(to, from, count, key_of(mode));
+        return k.replace(to, from, count, key_of(blend));
     }
 }
 
@@ -46,34 +46,34 @@ PixelFormat whole_channels(PixelFormat format) {
 
 // The source pixels are read before any of the destination is written, since both may be parts of
 // one row.
-void compose_chunk(Mode mode, const PixelFormat& format, uint8_t* to, const uint8_t* from,
+void compose_chunk(Blend blend, const PixelFormat& format, uint8_t* to, const uint8_t* from,
                    size_t count) {
     const PixelFormat result = whole_channels(format);
     uint8_t source[3 * pixels_at_once], words[4 * pixels_at_once];
     unpack_row(format, from, source, count);
     if (format.bits == 24)
-        return compose_24(mode, to, source, count);
-    if (!keeps_pixels(mode)) {
+        return compose_24(blend, to, source, count);
+    if (!keeps_pixels(blend)) {
         uint8_t target[3 * pixels_at_once];
         unpack_row(format, to, target, count);
-        compose_24(mode, target, source, count);
+        compose_24(blend, target, source, count);
         return pack_row(result, target, to, count);
     }
     pack_row(result, source, words, count);
     for (size_t i = 0; i < count; ++i)
-        if (std::memcmp(source + 3 * i, key_of(mode), 3) != 0)
+        if (std::memcmp(source + 3 * i, key_of(blend), 3) != 0)
             std::memcpy(to + 4 * i, words + 4 * i, 4);
 }
 
 // Inside one image, chunks go in the order in which no source pixel is overwritten before it is
 // read, as if the row were copied first.
-void compose_row(Mode mode, const PixelFormat& format, uint8_t* to, const uint8_t* from,
+void compose_row(Blend blend, const PixelFormat& format, uint8_t* to, const uint8_t* from,
                  size_t count, bool same_image) {
     const bool from_right = same_image && from < to;
     for (size_t done = 0; done < count;) {
         const size_t now = std::min(pixels_at_once, count - done);
         const size_t at = (from_right ? count - done - now : done) * format.bytes();
-        compose_chunk(mode, format, to + at, from + at, now);
+        compose_chunk(blend, format, to + at, from + at, now);
         done += now;
     }
 }
@@ -92,7 +92,7 @@ Status compose(const LockedDib& to, const Rect& target, const LockedDib& from, c
     const PixelFormat format = PixelFormat::of(from);
     const Rows sources = rows_of(from, rect, start), targets = rows_of(to, target, start);
     each_step(rect.height, [&](int32_t row) {
-        compose_row(static_cast<Mode>(mode), format, targets[row], sources[row],
+        compose_row(static_cast<Blend>(mode), format, targets[row], sources[row],
                     static_cast<size_t>(rect.width), to.data() == from.data());
     });
     return Status::ok;

@@ -8,7 +8,7 @@ using namespace kirvo;
 
 namespace {
 
-enum Mode { set_hue, set_hue_softly, turn_hue, modes };
+enum HueChange { set_hue, set_hue_softly, turn_hue, modes };
 
 // The row function of a mode, with the value from -359 on.
 auto hue_changed(int32_t mode, int32_t value) {

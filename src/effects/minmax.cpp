@@ -25,9 +25,9 @@ constexpr int32_t strip_step = 64; // pixels: strips begin alike in the lines of
 
 // Rows of as many elements that start on cache lines.
 template<typename T>
-class LineRows {
+class AlignedLines {
   public:
-    LineRows(uint64_t rows, size_t count)
+    AlignedLines(uint64_t rows, size_t count)
         : row_((count + in_line - 1) / in_line * in_line),
           memory_(rows * row_ * sizeof(T) + line_bytes) {}
 
@@ -144,7 +144,7 @@ class ChannelKind {
 
   private:
     const Setting& setting_;
-    LineRows<uint8_t> buffers_;
+    AlignedLines<uint8_t> buffers_;
 };
 
 // The whole colour of the brightest or darkest pixel, of several the first in the order of storage.
@@ -251,14 +251,14 @@ class ExtremeFilter {
     // The rows that are reported as done keep pace with the bands.
     void run() const {
         const Rect& rect = setting_.operation.rect();
-        Steps steps(rect.height);
+        PassProgress progress(rect.height);
         for (int64_t row = 0; row < rect.height; row += band_) {
-            steps.reach(row);
+            progress.reach(row);
             for (int64_t column = 0; column < rect.width; column += strip_)
                 run_patch(patch_at(static_cast<int32_t>(row), static_cast<int32_t>(column)));
         }
-        steps.reach(rect.height - 1);
-        steps.finish();
+        progress.reach(rect.height - 1);
+        progress.finish();
     }
 
   private:
@@ -341,8 +341,8 @@ class ExtremeFilter {
     int32_t side_, band_, strip_;
     size_t cells_; // in a row of a strip's reach
     Kind kind_;
-    LineRows<Element> rows_;
-    LineRows<Element> shared_; // the extremes of the last columns of the strip before, row by row
+    AlignedLines<Element> rows_;
+    AlignedLines<Element> shared_; // the extremes of the last columns of the strip before, row by row
 };
 
 template<typename Kind>

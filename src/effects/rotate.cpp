@@ -40,9 +40,9 @@ class QuarterTurn {
     // in tiles that stay in the cache. The steps told are source rows: as many as the strip is part
     // of the width.
     void run() const {
-        Steps steps(height_);
+        PassProgress progress(height_);
         for (int32_t x = 0; x < width_; x += columns) {
-            steps.reach(int64_t{height_} * (x + columns_at(x)) / width_ - 1);
+            progress.reach(int64_t{height_} * (x + columns_at(x)) / width_ - 1);
             for (int32_t k = 0; k < height_; k += rows) {
                 if (k + rows < height_)
                     prefetch_tile(x, k + rows);
@@ -52,7 +52,7 @@ class QuarterTurn {
                            static_cast<size_t>(columns_at(x)), static_cast<size_t>(rows_at(k)));
             }
         }
-        steps.finish();
+        progress.finish();
     }
 
   private:

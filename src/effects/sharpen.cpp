@@ -14,9 +14,9 @@ namespace {
 constexpr Pass edge_passes[] = {{0, 30}, {30, 70}};
 constexpr Pass sharpen_passes[] = {{0, 30}, {30, 40}, {70, 30}};
 
-// Working rows, all of the rectangle's width in pixels.
-struct WorkRows {
-    explicit WorkRows(size_t width)
+// Working lines, all of the rectangle's width in pixels.
+struct WorkLines {
+    explicit WorkLines(size_t width)
         : buffer(uint64_t{width} * (2 + 1 + 1 + 3 + 3)), slope(buffer.part<int16_t>(0)),
           first(buffer.part<uint8_t>(2 * width)), second(buffer.part<uint8_t>(3 * width)),
           first3(buffer.part<uint8_t>(4 * width)), second3(buffer.part<uint8_t>(7 * width)) {}
@@ -29,7 +29,7 @@ struct WorkRows {
 };
 
 // Makes a 24-bit image of the rectangle from the luminance around each pixel:
-// work(row number, luminance rows, working rows, result row).
+// work(row number, luminance rows, working lines, result row).
 template<typename Work>
 HGLOBAL from_luminance(const RectOperation& operation, std::span<const Pass> passes,
                        int32_t* status, const Work& work) {
@@ -48,18 +48,18 @@ HGLOBAL from_luminance(const RectOperation& operation, std::span<const Pass> pas
         extend_ends(to, width, 1);
     };
     Neighbourhood neighbourhood(width, 1, fill);
-    WorkRows scratch(width);
+    WorkLines scratch(width);
     RectResult result(operation, 24);
     if (!neighbourhood || !scratch || !result) {
         report(status, Status::no_memory);
         return nullptr;
     }
-    Steps steps(height, passes);
+    PassProgress progress(height, passes);
     for (int32_t r = 0; r < height; ++r) {
-        steps.reach(static_cast<int64_t>(passes.size()) * (r + 1) - 1);
+        progress.reach(static_cast<int64_t>(passes.size()) * (r + 1) - 1);
         work(r, neighbourhood.at(r), scratch, result.row(r));
     }
-    steps.finish();
+    progress.finish();
     return result.release();
 }
 
@@ -68,7 +68,7 @@ HGLOBAL sharpened(const RectOperation& operation, int divisor, int32_t* status) 
     const Kernels& k = kernels();
     return from_luminance(
         operation, sharpen_passes, status,
-        [&](int32_t r, ThreeRows luminance, const WorkRows& work, uint8_t* to) {
+        [&](int32_t r, ThreeRows luminance, const WorkLines& work, uint8_t* to) {
             k.laplacian(work.slope, luminance, width);
             k.correction(work.first, work.second, work.slope, width, divisor);
             k.triple(work.first3, work.first, width);
@@ -82,7 +82,7 @@ HGLOBAL edges(const RectOperation& operation, int32_t mode, int32_t* status) {
     const Kernels& k = kernels();
     return from_luminance(
         operation, edge_passes, status,
-        [&](int32_t, ThreeRows luminance, const WorkRows& work, uint8_t* to) {
+        [&](int32_t, ThreeRows luminance, const WorkLines& work, uint8_t* to) {
             (mode == 2 ? k.gradient : k.laplacian)(work.slope, luminance, width);
             if (mode <= 2)
                 k.relief(work.first, work.slope, width);
@@ -93,13 +93,13 @@ HGLOBAL edges(const RectOperation& operation, int32_t mode, int32_t* status) {
         });
 }
 
-struct Range {
+struct SlopeLimits {
     int16_t low, high;
 };
 
 // The Laplacians that are no edges. They lie within +-1020, so that a larger threshold acts as
 // +-2000 does.
-Range flat_range(int32_t threshold, int32_t mode) {
+SlopeLimits flat_slopes(int32_t threshold, int32_t mode) {
     const auto t = static_cast<int16_t>(std::clamp(threshold, -2000, 2000));
     switch (mode) {
     case 0:
@@ -132,12 +132,12 @@ HGLOBAL WINAPI Dib24SharpenEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width, 
 HGLOBAL WINAPI Dib24ColorEdge(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                               int32_t threshold, int32_t mode, int32_t* status) {
     const RectOperation operation(dib, {x, y, width, height}, check_rect_24);
-    const Range flat = flat_range(threshold, mode);
+    const SlopeLimits flat = flat_slopes(threshold, mode);
     const size_t pixels = operation.width(), stride = static_cast<size_t>(row_stride(width, 24));
     const Kernels& k = kernels();
     return from_luminance(
         operation, edge_passes, status,
-        [&](int32_t r, ThreeRows luminance, const WorkRows& work, uint8_t* to) {
+        [&](int32_t r, ThreeRows luminance, const WorkLines& work, uint8_t* to) {
             k.laplacian(work.slope, luminance, pixels);
             k.between(work.first, work.slope, pixels, flat.low, flat.high);
             k.triple(work.first3, work.first, pixels);

@@ -39,14 +39,14 @@ Status exchange_rows(const RectOperation& operation, Exchange exchange, Middle m
     if (!spare)
         return Status::no_memory;
     constexpr Pass half_the_rows[] = {{0, 200}};
-    Steps steps(height, half_the_rows);
+    PassProgress progress(height, half_the_rows);
     for (int32_t i = 0; i < height / 2; ++i) {
-        steps.tell(i);
+        progress.tell(i);
         exchange(operation.row(i), operation.row(height - 1 - i), spare.data());
     }
     if (height % 2 != 0)
         middle(operation.row(height / 2));
-    steps.finish();
+    progress.finish();
     return Status::ok;
 }
 

@@ -37,14 +37,14 @@ bool zoom_nearest(const Zoom& zoom, const Rows& to) {
 
 namespace {
 
-struct Size {
+struct NewSize {
     int32_t width, height;
 };
 
 enum class Coordinates { short_ones, full };
 
 // What the zoom of a source that has passed its check answers.
-Status fill(const LockedDib& source, const Rect& rect, const Size& size, Coordinates coordinates,
+Status fill(const LockedDib& source, const Rect& rect, const NewSize& size, Coordinates coordinates,
             bool smooth, HGLOBAL result) {
     const LockedDib target(result);
     copy_colour_part(target, source);
@@ -55,7 +55,7 @@ Status fill(const LockedDib& source, const Rect& rect, const Size& size, Coordin
 }
 
 // An equal size is a copy, which leaves the status of a success unwritten.
-HGLOBAL make_zoomed(HGLOBAL handle, const Rect& rect, const Size& size, Coordinates coordinates,
+HGLOBAL make_zoomed(HGLOBAL handle, const Rect& rect, const NewSize& size, Coordinates coordinates,
                     bool smooth, int32_t* status) {
     const auto fail = [&](Status why) -> HGLOBAL {
         report(status, why);

@@ -12,9 +12,9 @@ namespace {
 
 // The source's rows as 24-bit pixels from one column on. A row holds as many pixels as fit into its
 // stride, padding included.
-class SourceRows {
+class SourceReader {
   public:
-    SourceRows(const LockedDib& dib, size_t first, size_t count)
+    SourceReader(const LockedDib& dib, size_t first, size_t count)
         : rows_(dib.rows(RowStart::after_40)), format_(PixelFormat::of(dib)), first_(first),
           count_(count), raw_(format_.bytes() * count), unpacked_(3 * uint64_t{count}) {}
 
@@ -42,7 +42,7 @@ class SourceRows {
 };
 
 // Columns of a box: where it begins in the source row and how many pixels of it there are.
-struct Span {
+struct BoxColumns {
     uint32_t first, count;
 };
 
@@ -67,7 +67,7 @@ class Divisor {
 };
 
 template<typename Column, typename Sum>
-void average_row(uint8_t* to, const Column* columns, const Span* spans, size_t width,
+void average_row(uint8_t* to, const Column* columns, const BoxColumns* spans, size_t width,
                  int32_t rows) {
     Sum count = 0;
     Divisor<Sum> divide(1);
@@ -96,20 +96,20 @@ void add_row(uint64_t* sums, const uint8_t* row, size_t bytes) {
 
 // The sums of 24-bit columns over the rows of a box, then of those over the columns of each.
 template<typename Column, typename Sum>
-bool average(const Zoom& zoom, const Rows& to, const Span* spans, size_t first, size_t span) {
+bool average(const Zoom& zoom, const Rows& to, const BoxColumns* spans, size_t first, size_t span) {
     const LockedDib& source = zoom.source();
     const auto width = static_cast<size_t>(zoom.width());
     const PixelFormat format = PixelFormat::of(source);
-    const SourceRows rows(source, first, span);
+    const SourceReader reader(source, first, span);
     const Scratch columns(sizeof(Column) * 3 * uint64_t{span}), packed(3 * uint64_t{width});
-    if (!rows || !columns || !packed)
+    if (!reader || !columns || !packed)
         return false;
     auto* const sums = columns.as<Column>();
     zoom.each_row(to, [&](uint8_t* row, int32_t y) {
         const int32_t count = std::min(zoom.box_height(), source.height() - y);
         std::fill_n(sums, 3 * span, Column{0});
         for (int32_t i = 0; i < count; ++i)
-            add_row(sums, rows[source.height() - 1 - y - i], 3 * span);
+            add_row(sums, reader[source.height() - 1 - y - i], 3 * span);
         uint8_t* const bgr = format.bits == 24 ? row : packed.data();
         average_row<Column, Sum>(bgr, sums, spans, width, count);
         if (format.bits != 24)
@@ -119,7 +119,7 @@ bool average(const Zoom& zoom, const Rows& to, const Span* spans, size_t first, 
 }
 
 // Boxes of 2 or 4 columns, side by side inside the picture, and a power of 2 of pixels.
-bool are_even(const Zoom& zoom, const Span* spans) {
+bool are_even(const Zoom& zoom, const BoxColumns* spans) {
     const LockedDib& source = zoom.source();
     const auto columns = static_cast<uint32_t>(zoom.box_width());
     const auto rows = static_cast<uint32_t>(zoom.box_height());
@@ -154,10 +154,10 @@ bool zoom_box(const Zoom& zoom, const Rows& to) {
     const LockedDib& source = zoom.source();
     const int64_t row_pixels = source.stride() / (source.bits() / 8);
     const auto width = static_cast<size_t>(zoom.width());
-    const Scratch map(sizeof(Span) * uint64_t{width});
+    const Scratch map(sizeof(BoxColumns) * uint64_t{width});
     if (!map)
         return false;
-    auto* const spans = map.as<Span>();
+    auto* const spans = map.as<BoxColumns>();
     const int32_t first = zoom.column(0);
     int64_t end = 0;
     for (size_t i = 0; i < width; ++i) {

@@ -1,4 +1,4 @@
-// Baseline decoding: one MCU after the other, rendered in small groups.
+// Baseline decoding: one MCU after the other, rendered in small batches.
 #include "jpeg/decode_fast.hpp"
 #include "jpeg/decode_scan.hpp"
 
@@ -64,10 +64,10 @@ class McuReader {
 };
 
 // MCUs of one MCU row that have been read and not yet rendered.
-class Group {
+class Batch {
   public:
-    Group(DecodeState& state, Renderer& renderer)
-        : picture_(state.picture), blocks_(state.buffers.group), last_(state.buffers.group_last),
+    Batch(DecodeState& state, Renderer& renderer)
+        : picture_(state.picture), blocks_(state.buffers.batch), last_(state.buffers.batch_last),
           renderer_(renderer), blocks_of_mcu_(picture_.frame.layout->blocks()),
           count_(picture_.next_mcu - picture_.rendered_mcus) {
         find_room();
@@ -90,7 +90,7 @@ class Group {
   private:
     void find_room() {
         const int32_t across = picture_.mcus_across;
-        room_ = std::min(renderer_.group_mcus(), across - picture_.rendered_mcus % across);
+        room_ = std::min(renderer_.batch_mcus(), across - picture_.rendered_mcus % across);
     }
     void render() {
         renderer_.render(picture_.rendered_mcus, count_, blocks_, last_);
@@ -112,14 +112,14 @@ class Group {
 Step decode_baseline(DecodeState& state, Renderer& renderer) {
     Picture& picture = state.picture;
     McuReader reader(state);
-    Group group(state, renderer);
+    Batch batch(state, renderer);
     for (;;) {
         if (!reader.may_begin())
             return Step::starved();
-        const Status status = reader.read(group.next_blocks(), group.next_last());
+        const Status status = reader.read(batch.next_blocks(), batch.next_last());
         if (status != Status::ok)
             return Step::failure(status);
-        group.add();
+        batch.add();
         if (picture.next_mcu == picture.mcus)
             return finish_picture(state);
         if (progress_enabled())

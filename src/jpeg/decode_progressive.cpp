@@ -245,7 +245,7 @@ Status ProgressiveDecoder::read_from_plane(const FastReader::Tables& tables, con
 void ProgressiveDecoder::render_all() {
     for (int32_t mcu = 0; mcu < picture_.mcus;) {
         const int32_t left_in_row = picture_.mcus_across - mcu % picture_.mcus_across;
-        const int32_t count = std::min(renderer_.group_mcus(), left_in_row);
+        const int32_t count = std::min(renderer_.batch_mcus(), left_in_row);
         renderer_.render(mcu, count, &block_at(mcu, 0), nullptr);
         mcu += count;
     }

@@ -6,14 +6,14 @@ namespace kirvo {
 
 namespace {
 
-// Rows of a group. Not made anew for each piece of a stream.
-using Plane = int16_t[16 * group_width];
+// Rows of a batch. Not made anew for each piece of a stream.
+using Plane = int16_t[16 * batch_width];
 alignas(64) constinit Plane samples[3] = {};
 alignas(64) constinit Plane terms[3] = {};
 
-// Where the next group's pixels of a row will be written, while its bits are being read.
+// Where the next batch's pixels of a row will be written, while its bits are being read.
 void prefetch(const uint8_t* bgr) {
-    constexpr ptrdiff_t line = 64, bytes = 3 * group_width;
+    constexpr ptrdiff_t line = 64, bytes = 3 * batch_width;
     for (ptrdiff_t at = 0; at <= bytes; at += line)
         __builtin_prefetch(bgr + at, 1);
 }
@@ -35,7 +35,7 @@ void Renderer::open() {
         const int32_t place =
             component == 0 ? i : (i - layout_.luma_blocks) % layout_.chroma_blocks;
         const int32_t across = component == 0 ? layout_.luma_across() : layout_.chroma_across();
-        slots_[i] = {&samples[component][(place / across * group_width + place % across) * 8],
+        slots_[i] = {&samples[component][(place / across * batch_width + place % across) * 8],
                      8 * across};
     }
 }
@@ -45,19 +45,19 @@ void Renderer::transform(const Block* blocks, const uint8_t* last, int32_t count
     for (int32_t m = 0; m < count; ++m) {
         for (int32_t i = 0; i < blocks_of_mcu; ++i)
             kernels_.inverse_dct(*blocks++, last != nullptr ? *last++ : 63,
-                                 slots_[i].samples + m * slots_[i].step, group_width);
+                                 slots_[i].samples + m * slots_[i].step, batch_width);
     }
 }
 
 ChromaTerms Renderer::terms_of(int32_t row) {
-    const int32_t at = row * group_width;
+    const int32_t at = row * batch_width;
     return {&terms[0][at], &terms[1][at], &terms[2][at]};
 }
 
 void Renderer::find_terms(int32_t count) {
     const auto width = static_cast<size_t>(8 * count * layout_.chroma_across());
     for (int32_t row = 0; row < chroma_height_; ++row)
-        kernels_.chroma_terms(&samples[1][row * group_width], &samples[2][row * group_width],
+        kernels_.chroma_terms(&samples[1][row * batch_width], &samples[2][row * batch_width],
                               terms_of(row), width);
 }
 
@@ -78,7 +78,7 @@ void Renderer::render(int32_t mcu, int32_t count, const Block* blocks, const uin
 }
 
 void Renderer::write_row(int32_t row, uint8_t* bgr, size_t pixels) {
-    const int16_t* luma = &samples[0][row * group_width];
+    const int16_t* luma = &samples[0][row * batch_width];
     const ChromaTerms chroma = terms_of(chroma_height_ == layout_.mcu_height ? row : row / 2);
     if (chroma_height_ == 0)
         kernels_.decoded_grey(luma, bgr, pixels);

@@ -11,7 +11,7 @@
 namespace kirvo {
 
 // As many pixels as are rendered at once across.
-constexpr int32_t group_width = 64;
+constexpr int32_t batch_width = 64;
 
 class Renderer {
   public:
@@ -19,7 +19,7 @@ class Renderer {
     // small pieces of a stream seldom come as far.
     Renderer(const Frame& frame, HGLOBAL image);
 
-    int32_t group_mcus() const { return group_width / layout_.mcu_width; }
+    int32_t batch_mcus() const { return batch_width / layout_.mcu_width; }
     // Renders MCUs that stand side by side from one of the image on. last holds the zigzag position
     // after which each block is 0; null when that is not known.
     void render(int32_t mcu, int32_t count, const Block* blocks, const uint8_t* last);
@@ -39,7 +39,7 @@ class Renderer {
     std::optional<LockedDib> image_;
     Rows rows_ = {};
     struct Slot {
-        int16_t* samples; // of the group's first MCU
+        int16_t* samples; // of the batch's first MCU
         int32_t step;     // to the next MCU
     } slots_[most_blocks];
 };

@@ -110,15 +110,15 @@ struct Picture {
 };
 
 // MCUs of one MCU row that have been read are rendered together: as many blocks at most.
-constexpr int32_t most_group_blocks = 32;
+constexpr int32_t most_batch_blocks = 32;
 
 // The bulk of what the decoder keeps. It begins as zeros.
 struct DecodeBuffers {
     Lookups lookups;
     // What waits to be rendered, and the zigzag position after which each block is 0; from one
     // piece of the stream to the next, so that small pieces cost no more than large ones.
-    Block group[most_group_blocks];
-    uint8_t group_last[most_group_blocks];
+    Block batch[most_batch_blocks];
+    uint8_t batch_last[most_batch_blocks];
 };
 
 enum class HeaderState { seeking_start, reading_segments, scan_header_read, decoding };

@@ -36,11 +36,11 @@ int32_t next(EncodeFamily family, int32_t control, uint32_t* stream_bytes) {
         session.encoder.abandon();
         return code(Status::abandoned);
     }
-    EncodeProgress progress = EncodeProgress::more;
-    const Status status = session.encoder.advance(family, &progress, stream_bytes);
+    EncodeOutcome outcome = EncodeOutcome::more;
+    const Status status = session.encoder.advance(family, &outcome, stream_bytes);
     if (status != Status::ok)
         return code(status);
-    return progress == EncodeProgress::done ? finished : 0;
+    return outcome == EncodeOutcome::done ? finished : 0;
 }
 
 // The stream in a block; its length goes to the library's own variable.

@@ -85,13 +85,13 @@ void Encoder::prepare_output(OwnedBlock output, uint32_t output_bytes) {
     bits_ = BitWriter(staging_);
 }
 
-Status Encoder::advance(EncodeFamily family, EncodeProgress* progress, uint32_t* stream_bytes) {
+Status Encoder::advance(EncodeFamily family, EncodeOutcome* outcome, uint32_t* stream_bytes) {
     if (state_ != State::encoding || family_ != family)
         return Status::bad_parameter;
     const uint32_t serial = serial_;
     for (int32_t quota = mcus_per_call_; quota > 0;) {
         if (mcus_done_ == mcu_count_) {
-            *progress = EncodeProgress::done;
+            *outcome = EncodeOutcome::done;
             return finish(stream_bytes);
         }
         const size_t batch = next_batch(quota);
@@ -103,7 +103,7 @@ Status Encoder::advance(EncodeFamily family, EncodeProgress* progress, uint32_t*
         if (serial_ != serial)
             return Status::abandoned;
     }
-    *progress = EncodeProgress::more;
+    *outcome = EncodeOutcome::more;
     return Status::ok;
 }
 

@@ -7,7 +7,7 @@
 
 namespace kirvo {
 
-enum class EncodeProgress { more, done };
+enum class EncodeOutcome { more, done };
 
 // The source and the output block stay locked from the first call to the last.
 class Encoder {
@@ -21,7 +21,7 @@ class Encoder {
                  HGLOBAL* output);
     // Encodes the next batch. Done: the stream, of that length, is complete in the output block,
     // which is the caller's now. After an error it has been freed.
-    Status advance(EncodeFamily family, EncodeProgress* progress, uint32_t* stream_bytes);
+    Status advance(EncodeFamily family, EncodeOutcome* outcome, uint32_t* stream_bytes);
     // Frees everything of the encode in progress, if there is one.
     void abandon();
 

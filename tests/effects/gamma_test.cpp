@@ -141,8 +141,8 @@ TEST(Gamma, EveryPixel) {
             90);
 }
 
-TEST(Gamma, Frame) {
-    expect_maker_frame(corrected_by(1.0), {24}, KIRVO_NEEDS_24);
+TEST(Gamma, KeepsTheCommonRules) {
+    expect_maker_rules(corrected_by(1.0), {24}, KIRVO_NEEDS_24);
     expect_rows_after_header(corrected_by(1.0), [](Colour c) { return c; });
 }
 
@@ -173,8 +173,8 @@ TEST(ChannelGamma, EveryPixelAtEveryDepth) {
             91);
 }
 
-TEST(ChannelGamma, Frame) {
-    expect_maker_frame(corrected_by_channel(1, 1, 1), {8, 16, 24, 32}, KIRVO_NEEDS_8_16_24_32);
+TEST(ChannelGamma, KeepsTheCommonRules) {
+    expect_maker_rules(corrected_by_channel(1, 1, 1), {8, 16, 24, 32}, KIRVO_NEEDS_8_16_24_32);
     expect_rows_after_header(corrected_by_channel(1, 1, 1), [](Colour c) { return c; });
 }
 

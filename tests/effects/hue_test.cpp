@@ -289,8 +289,8 @@ TEST(ModifyHueEx, EveryPixelAtEveryDepth) {
     }
 }
 
-TEST(ModifyHueEx, Frame) {
-    expect_maker_frame(modify(2, 0), {16, 24, 32}, KIRVO_NEEDS_16_24_32);
+TEST(ModifyHueEx, KeepsTheCommonRules) {
+    expect_maker_rules(modify(2, 0), {16, 24, 32}, KIRVO_NEEDS_16_24_32);
 }
 
 TEST(ModifyHueEx, RefusesModesAndValuesAfterTheRectangle) {

@@ -34,7 +34,7 @@ void expect_changer(std::initializer_list<int> depths, const Changer& change,
     });
 }
 
-void expect_changer_frame(const Changer& change, std::initializer_list<int> accepted,
+void expect_changer_rules(const Changer& change, std::initializer_list<int> accepted,
                           int32_t depth_status) {
     EXPECT_EQ(change(nullptr, {-1, 0, 1, 1}), KIRVO_NULL_HANDLE);
     Random random(81);
@@ -129,8 +129,8 @@ TEST(Negative, TwiceIsTheImageAgain) {
     }
 }
 
-TEST(Negative, Frame) {
-    expect_changer_frame(negative, {16, 24, 32}, KIRVO_NEEDS_16_24_32);
+TEST(Negative, KeepsTheCommonRules) {
+    expect_changer_rules(negative, {16, 24, 32}, KIRVO_NEEDS_16_24_32);
     expect_changer_rows_after_40(negative);
 }
 
@@ -165,8 +165,8 @@ TEST(RGBChange, ModeZeroDoesNothingAndOthersAreRefusedFirst) {
     EXPECT_TRUE(recorder.percents().empty());
 }
 
-TEST(RGBChange, Frame) {
-    expect_changer_frame(exchange(4), {24, 32}, KIRVO_NEEDS_24_32);
+TEST(RGBChange, KeepsTheCommonRules) {
+    expect_changer_rules(exchange(4), {24, 32}, KIRVO_NEEDS_24_32);
     expect_changer_rows_after_40(exchange(4));
 }
 
@@ -194,8 +194,8 @@ TEST(Separate, NullPointersAreAllowed) {
     EXPECT_EQ(Dib24Separate(dib, 0, 0, 4, 4, nullptr, nullptr, nullptr), 0);
 }
 
-TEST(Separate, Frame) {
-    expect_changer_frame([](HGLOBAL dib, const Area& area) { return separate(dib, area).status; },
+TEST(Separate, KeepsTheCommonRules) {
+    expect_changer_rules([](HGLOBAL dib, const Area& area) { return separate(dib, area).status; },
                          {24, 32}, KIRVO_NEEDS_24_32);
     HGLOBAL images[3] = {&images, &images, &images};
     EXPECT_EQ(Dib24Separate(nullptr, 0, 0, 1, 1, &images[0], &images[1], &images[2]),

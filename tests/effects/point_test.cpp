@@ -138,8 +138,8 @@ TEST(Brightness, RefusesLevelsOutOfRangeAfterTheRectangle) {
     EXPECT_TRUE(is_unlocked(dib));
 }
 
-TEST(Brightness, Frame) {
-    expect_maker_frame(brightness(5), {24, 32}, KIRVO_NEEDS_24_32);
+TEST(Brightness, KeepsTheCommonRules) {
+    expect_maker_rules(brightness(5), {24, 32}, KIRVO_NEEDS_24_32);
     expect_rows_after_header(brightness(0), [](Colour c) { return c; });
 }
 
@@ -160,8 +160,8 @@ TEST(Contrast, EveryPixelAtEveryDepth) {
                      20);
 }
 
-TEST(Contrast, Frame) {
-    expect_maker_frame(contrast(5), {24, 32}, KIRVO_NEEDS_24_32);
+TEST(Contrast, KeepsTheCommonRules) {
+    expect_maker_rules(contrast(5), {24, 32}, KIRVO_NEEDS_24_32);
     expect_rows_after_header(contrast(0), [](Colour c) { return c; });
 }
 
@@ -183,8 +183,8 @@ TEST(Monochrome, EveryPixelAtEveryDepthAs24Bits) {
         30, 24);
 }
 
-TEST(Monochrome, Frame) {
-    expect_maker_frame(monochrome, {24, 32}, KIRVO_NEEDS_24_32);
+TEST(Monochrome, KeepsTheCommonRules) {
+    expect_maker_rules(monochrome, {24, 32}, KIRVO_NEEDS_24_32);
     expect_rows_after_40(monochrome, [](Colour c) {
         const int y = (77 * c.red + 150 * c.green + 29 * c.blue + 128) >> 8;
         return rgb(y, y, y);
@@ -196,8 +196,8 @@ TEST(HalfTone, HalvesEveryChannel) {
     expect_maker({24, 32}, half_tone, on_each([](int v) { return v >> 1; }), 40);
 }
 
-TEST(HalfTone, Frame) {
-    expect_maker_frame(half_tone, {24, 32}, KIRVO_NEEDS_24_32);
+TEST(HalfTone, KeepsTheCommonRules) {
+    expect_maker_rules(half_tone, {24, 32}, KIRVO_NEEDS_24_32);
     expect_rows_after_header(half_tone, on_each([](int v) { return v >> 1; }));
 }
 
@@ -229,8 +229,8 @@ TEST(ToneByFraction, RefusesOtherFractionsAfterTheRectangle) {
     EXPECT_EQ(status_of(tone(1, -1), nullptr), KIRVO_NULL_HANDLE);
 }
 
-TEST(ToneByFraction, Frame) {
-    expect_maker_frame(tone(1, 1), {24, 32}, KIRVO_NEEDS_24_32);
+TEST(ToneByFraction, KeepsTheCommonRules) {
+    expect_maker_rules(tone(1, 1), {24, 32}, KIRVO_NEEDS_24_32);
     expect_rows_after_header(tone(1, 1), [](Colour c) { return c; });
 }
 
@@ -269,8 +269,8 @@ TEST(ToneByFactors, RefusesNegativeFactorsAndNaNAfterTheRectangle) {
     }
 }
 
-TEST(ToneByFactors, Frame) {
-    expect_maker_frame(factors(1, 1, 1), {24, 32}, KIRVO_NEEDS_24_32);
+TEST(ToneByFactors, KeepsTheCommonRules) {
+    expect_maker_rules(factors(1, 1, 1), {24, 32}, KIRVO_NEEDS_24_32);
     expect_rows_after_header(factors(1, 1, 1), [](Colour c) { return c; });
 }
 
@@ -281,11 +281,11 @@ TEST(ColourMap, MapsEveryChannelAtEveryDepth) {
     expect_maker({16, 24, 32}, colour_map(table), on_each([&](int v) { return table[v]; }), 71);
 }
 
-TEST(ColourMap, Frame) {
+TEST(ColourMap, KeepsTheCommonRules) {
     uint8_t table[256];
     for (int i = 0; i < 256; ++i)
         table[i] = static_cast<uint8_t>(i);
-    expect_maker_frame(colour_map(table), {8, 16, 24, 32}, KIRVO_NEEDS_8_16_24_32);
+    expect_maker_rules(colour_map(table), {8, 16, 24, 32}, KIRVO_NEEDS_8_16_24_32);
     expect_rows_after_header(colour_map(table), [](Colour c) { return c; });
     const Dib dib = make_dib({2, 2, 24}), few = make_dib({2, 2, 4});
     EXPECT_EQ(status_of(colour_map(nullptr), dib), KIRVO_BAD_PARAMETER);
