@@ -34,7 +34,7 @@ endforeach()
 # 0x01000402 for 1.0.4.2
 math(EXPR KIRVO_VERSION "${PROJECT_VERSION_MAJOR} << 24 | ${PROJECT_VERSION_MINOR} << 16 |
     ${PROJECT_VERSION_PATCH} << 8 | ${PROJECT_VERSION_TWEAK}" OUTPUT_FORMAT HEXADECIMAL)
-set_source_files_properties(src/core/version.cpp PROPERTIES
+set_source_files_properties(src/platform/version.cpp PROPERTIES
                             COMPILE_DEFINITIONS KIRVO_VERSION=${KIRVO_VERSION})
 
 add_library(kirvo_objects OBJECT ${kirvo_sources})

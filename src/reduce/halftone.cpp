@@ -1,5 +1,5 @@
 // Ordered dither to the library's palette.
-#include "core/palette.hpp"
+#include "image/palette.hpp"
 #include "reduce/palettes.hpp"
 #include "reduce/reduction.hpp"
 

@@ -1,9 +1,9 @@
-// The frame of the conversions from 24 or 32 bits to a colour table: checks, the locked source, the
-// new image and the progress. A conversion adds its colours and a function over rows.
+// What the conversions from 24 or 32 bits to a colour table have in common: checks, the locked
+// source, the new image and the progress. A conversion adds its colours and a function over rows.
 #pragma once
 
-#include "core/pixel_reader.hpp"
-#include "core/progress.hpp"
+#include "image/pixel_reader.hpp"
+#include "image/progress.hpp"
 
 #include <optional>
 
