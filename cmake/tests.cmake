@@ -126,7 +126,7 @@ file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/interface.json CONTENT "{
     \"objects\": [\"$<JOIN:$<TARGET_OBJECTS:kirvo_objects>,\", \">\"]
 }
 ")
-set(checks header_c99 header_cpp17 exports names types imports version)
+set(checks header_c99 header_cpp17 exports names types imports rooms version)
 if(NOT KIRVO_SANITIZE)
     list(APPEND checks baseline)
 endif()

@@ -155,6 +155,27 @@ def check_imports():
     assert not extra, f"imports {sorted(extra)}"
 
 
+ROOMS = { # and the rooms that they may include
+    "platform": set(),
+    "simd": set(),
+    "image": {"simd", "platform"},
+    "effects": {"image", "simd"},
+    "reduce": {"image", "simd"},
+    "formats": {"image", "simd", "platform"},
+    "jpeg": {"image", "simd", "platform"},
+}
+
+
+def check_rooms():
+    """Includes of the library's rooms point one way, as src/README.md says."""
+    sources = [*(SOURCE / "src").rglob("*.cpp"), *(SOURCE / "src").rglob("*.hpp")]
+    assert len(sources) > 100
+    for source in sources:
+        room = source.relative_to(SOURCE / "src").parts[0]
+        for included in re.findall(r'^#include "(\w+)/', source.read_text(), re.M):
+            assert included in ROOMS[room] | {room}, f"{source} includes {included}/"
+
+
 def check_size():
     size = LIBRARY.stat().st_size
     print(f"{LIBRARY.name}: {size} bytes")
