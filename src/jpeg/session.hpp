@@ -2,8 +2,8 @@
 #pragma once
 
 #include "jpeg/decode/state.hpp"
-#include "jpeg/encode/settings.hpp"
 #include "jpeg/encode/encoder.hpp"
+#include "jpeg/encode/settings.hpp"
 #include "jpeg/tables.hpp"
 
 namespace kirvo {

@@ -1,9 +1,9 @@
 // Conversions to fixed palettes of their own design: 256 and 16 colours with error diffusion, and
 // greys beside the system colours.
-#include "simd/kernels.hpp"
 #include "reduce/diffusion.hpp"
 #include "reduce/palettes.hpp"
 #include "reduce/reduction.hpp"
+#include "simd/kernels.hpp"
 
 using namespace kirvo;
 

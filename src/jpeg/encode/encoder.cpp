@@ -27,8 +27,8 @@ Status check(const EncodeRequest& request, const LockedDib& dib) {
     if (!request.grey())
         return check_rect_8_24(dib, request.region, RowStart::after_header);
     return check_rect(dib, request.region,
-                        {[](int32_t bits) { return bits == 8; }, Status::needs_8},
-                        RowStart::after_header);
+                      {[](int32_t bits) { return bits == 8; }, Status::needs_8},
+                      RowStart::after_header);
 }
 
 uint32_t source_bytes(const EncodeRequest& request, const LockedDib& dib) {

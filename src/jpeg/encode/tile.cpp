@@ -84,8 +84,8 @@ void EncodeTile::code_chroma(const Plane& plane, size_t mcus, BlockGroup* groups
         else
             kernels_->halve_across(plane[i], 8 * mcus, half_[i]);
     }
-    kernels_->code_groups(mcu_.width == 16 ? half_[0] : plane[0], width, groups_of(mcus), chrominance_,
-                       groups);
+    kernels_->code_groups(mcu_.width == 16 ? half_[0] : plane[0], width, groups_of(mcus),
+                          chrominance_, groups);
 }
 
 } // namespace kirvo
