@@ -31,6 +31,12 @@ foreach(source IN LISTS kirvo_sources)
     set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${isa_flags}")
 endforeach()
 
+# 0x01000402 for 1.0.4.2
+math(EXPR KIRVO_VERSION "${PROJECT_VERSION_MAJOR} << 24 | ${PROJECT_VERSION_MINOR} << 16 |
+    ${PROJECT_VERSION_PATCH} << 8 | ${PROJECT_VERSION_TWEAK}" OUTPUT_FORMAT HEXADECIMAL)
+set_source_files_properties(src/platform/version.cpp PROPERTIES
+                            COMPILE_DEFINITIONS KIRVO_VERSION=${KIRVO_VERSION})
+
 add_library(kirvo_objects OBJECT ${kirvo_sources})
 set_target_properties(kirvo_objects PROPERTIES POSITION_INDEPENDENT_CODE ON)
 target_compile_definitions(kirvo_objects PUBLIC KIRVO_BUILDING)

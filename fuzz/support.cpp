@@ -1,7 +1,7 @@
 #include "support.hpp"
 
 #include "simd/cpu.hpp"
-#include "core/dib.hpp"
+#include "image/dib.hpp"
 #include "jpeg/session.hpp"
 #include "support/temp_folder.hpp"
 

@@ -7,7 +7,7 @@
 // nothing of the case may be left: no block, no lock, no operation under way, no open file.
 #pragma once
 
-#include "core/memory.hpp"
+#include "image/memory.hpp"
 #include "support/calls.hpp"
 
 #include <string>

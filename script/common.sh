@@ -36,6 +36,28 @@ as_root() {
     if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
 }
 
+# Runs a command into a log. When it fails, shows the errors in there, or the end.
+logged() {
+    local log=$1
+    shift
+    "$@" >"$log" 2>&1 || {
+        grep -E -A8 'error|FAILED|CMake Error' "$log" | tail -n 60 >&2 || tail -n 30 "$log" >&2
+        return 1
+    }
+}
+
+# Configures a preset and builds its targets: PRESET [ARGUMENTS OF CMAKE ...] [-- TARGET ...]
+build() {
+    local preset=$1 arguments=()
+    shift
+    while [ $# -gt 0 ] && [ "$1" != -- ]; do
+        arguments+=("$1")
+        shift
+    done
+    cmake --preset "$preset" "${arguments[@]}" &&
+        cmake --build --preset "$preset" --parallel "$jobs" ${2:+--target "${@:2}"}
+}
+
 need_compiler() { need cmake ninja-build g++ libcli11-dev nlohmann-json3-dev googletest "$@"; }
 
 # Gives the programs that follow a display: the caller's, or a virtual one that all scripts share

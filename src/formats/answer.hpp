@@ -1,7 +1,7 @@
 // How the readers of this folder answer.
 #pragma once
 
-#include "core/dib.hpp"
+#include "image/dib.hpp"
 
 namespace kirvo {
 

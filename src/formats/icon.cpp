@@ -1,6 +1,6 @@
 // Icon and cursor files: a directory, and for each image in it a header with twice the height, the
 // colour table, the colour rows and the rows of a 1-bit mask.
-#include "core/dib.hpp"
+#include "image/dib.hpp"
 
 #include <cstring>
 

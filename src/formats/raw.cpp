@@ -1,6 +1,6 @@
 // Q0 and RAW files: rows of red, green and blue bytes, from the top of the picture down, without
 // padding. The size of a Q0 picture lies in a companion file, that of a RAW picture in its header.
-#include "core/progress.hpp"
+#include "image/progress.hpp"
 #include "formats/answer.hpp"
 #include "formats/companion.hpp"
 #include "simd/kernels.hpp"

@@ -33,14 +33,8 @@ constexpr QuantisationSlot halved(const QuantisationSlot& natural) {
     return slot;
 }
 
-constexpr QuantisationSlot ones() {
-    QuantisationSlot slot = {};
-    slot.fill(1);
-    return slot;
-}
-
 constexpr QuantisationSlots first_slots = {halved(luminance_example), halved(chrominance_example),
-                                           ones(), ones()};
+                                           table_of_ones(), table_of_ones()};
 
 // These begin as zeros. Inside the session, which does not, they would have them all stored in the
 // library's file.

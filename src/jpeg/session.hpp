@@ -1,9 +1,9 @@
 // What the two codecs keep between calls.
 #pragma once
 
-#include "jpeg/decode_state.hpp"
-#include "jpeg/encode_settings.hpp"
-#include "jpeg/encoder.hpp"
+#include "jpeg/decode/state.hpp"
+#include "jpeg/encode/encoder.hpp"
+#include "jpeg/encode/settings.hpp"
 #include "jpeg/tables.hpp"
 
 namespace kirvo {

@@ -1,16 +1,16 @@
 // Conversions to fixed palettes of their own design: 256 and 16 colours with error diffusion, and
 // greys beside the system colours.
-#include "simd/kernels.hpp"
 #include "reduce/diffusion.hpp"
 #include "reduce/palettes.hpp"
 #include "reduce/reduction.hpp"
+#include "simd/kernels.hpp"
 
 using namespace kirvo;
 
 namespace {
 
 HGLOBAL decrease_256(HGLOBAL dib, int32_t* status) {
-    Reduction reduction(dib, ReductionRows::by_header, 8);
+    Reduction reduction(dib, RowRule::by_header, 8);
     if (reduction.status() != Status::ok)
         return reduction.answer(status);
     ErrorDiffusion diffusion(reduction.width());
@@ -27,7 +27,7 @@ HGLOBAL decrease_256(HGLOBAL dib, int32_t* status) {
 }
 
 HGLOBAL decrease_16(HGLOBAL dib, int32_t* status) {
-    Reduction reduction(dib, ReductionRows::by_header, 4);
+    Reduction reduction(dib, RowRule::by_header, 4);
     if (reduction.status() != Status::ok)
         return reduction.answer(status);
     ErrorDiffusion diffusion(reduction.width());
@@ -52,7 +52,7 @@ void grey_row(const uint8_t* bgr, uint8_t* to, size_t width) {
 }
 
 HGLOBAL decrease_grey(HGLOBAL dib, int32_t* status) {
-    Reduction reduction(dib, ReductionRows::by_header, 8);
+    Reduction reduction(dib, RowRule::by_header, 8);
     if (reduction.status() != Status::ok)
         return reduction.answer(status);
     reduction.set_colours(grey_palette.data());

@@ -1,7 +1,7 @@
 // Error diffusion to the fixed 256- and 16-colour palettes, in a serpentine over the stored rows.
 #pragma once
 
-#include "core/memory.hpp"
+#include "image/memory.hpp"
 
 namespace kirvo {
 

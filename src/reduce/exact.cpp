@@ -112,7 +112,7 @@ HGLOBAL WINAPI Decrease256PaletteEx(HGLOBAL dib, int32_t mode, int32_t* status) 
         report(status, Status::bad_parameter);
         return nullptr;
     }
-    Reduction reduction(dib, ReductionRows::counted, 8);
+    Reduction reduction(dib, RowRule::counted, 8);
     if (reduction.status() != Status::ok)
         return reduction.answer(status);
     ColourSlots slots = slots_256(mode);
@@ -128,7 +128,7 @@ HGLOBAL WINAPI Decrease16PaletteEx(HGLOBAL dib, int32_t mode, int32_t* status) {
         report(status, Status::bad_parameter);
         return nullptr;
     }
-    Reduction reduction(dib, ReductionRows::counted, 4);
+    Reduction reduction(dib, RowRule::counted, 4);
     if (reduction.status() != Status::ok)
         return reduction.answer(status);
     const Scratch indices(reduction.width());

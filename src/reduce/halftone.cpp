@@ -1,5 +1,5 @@
 // Ordered dither to the library's palette.
-#include "core/palette.hpp"
+#include "image/palette.hpp"
 #include "reduce/palettes.hpp"
 #include "reduce/reduction.hpp"
 
@@ -65,7 +65,7 @@ void dither_row(const uint8_t* bgr, uint8_t* to, size_t width, int32_t row) {
 using namespace kirvo;
 
 HGLOBAL WINAPI Decrease256Fast(HGLOBAL dib, int32_t* status) {
-    Reduction reduction(dib, ReductionRows::counted, 8);
+    Reduction reduction(dib, RowRule::counted, 8);
     if (reduction.status() != Status::ok)
         return reduction.answer(status);
     reduction.set_colours(fixed_palette);

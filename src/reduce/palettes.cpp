@@ -1,6 +1,6 @@
 #include "reduce/palettes.hpp"
 
-#include "core/palette.hpp"
+#include "image/palette.hpp"
 
 namespace kirvo {
 

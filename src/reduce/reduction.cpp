@@ -6,8 +6,8 @@ namespace kirvo {
 
 namespace {
 
-uint64_t rows_offset(const LockedDib& dib, ReductionRows rows) {
-    if (rows == ReductionRows::by_header)
+uint64_t rows_offset(const LockedDib& dib, RowRule rule) {
+    if (rule == RowRule::by_header)
         return dib.rows_offset(RowStart::after_header);
     return dib.header.biSize + uint64_t{dib.header.biClrUsed} * sizeof(RGBQUAD) +
            (dib.bits() == 32 ? mask_bytes : 0);
@@ -15,34 +15,34 @@ uint64_t rows_offset(const LockedDib& dib, ReductionRows rows) {
 
 // Rows of more than 65504 bits overlap. They still end inside the block, since each lies before its
 // place at the full stride.
-int64_t rows_stride(int64_t full_stride, ReductionRows rows) {
-    if (rows == ReductionRows::by_header)
+int64_t rows_stride(int64_t full_stride, RowRule rule) {
+    if (rule == RowRule::by_header)
         return full_stride;
     return static_cast<uint16_t>(full_stride * 8) / 8;
 }
 
-Rows rows_of(const LockedDib& dib, ReductionRows rows) {
-    return {dib.data() + static_cast<size_t>(rows_offset(dib, rows)),
-            static_cast<ptrdiff_t>(rows_stride(dib.stride(), rows)), dib.end()};
+Rows rows_of(const LockedDib& dib, RowRule rule) {
+    return {dib.data() + static_cast<size_t>(rows_offset(dib, rule)),
+            static_cast<ptrdiff_t>(rows_stride(dib.stride(), rule)), dib.end()};
 }
 
-Status check(const LockedDib& source, ReductionRows rows) {
+Status check(const LockedDib& source, RowRule rule) {
     if (!source)
         return Status::null_handle;
     if (source.bits() != 24 && source.bits() != 32)
         return Status::needs_24_32;
     // An image without a size fails as its copy does, for want of a block.
-    if (well_formed(source.whole()) && !holds_rows_after_masks(source, rows_offset(source, rows)))
+    if (well_formed(source.whole()) && !holds_rows_after_masks(source, rows_offset(source, rule)))
         return Status::bad_parameter;
     return Status::ok;
 }
 
-OwnedBlock new_indexed_dib(const LockedDib& source, ReductionRows rows, int32_t bits) {
+OwnedBlock new_indexed_dib(const LockedDib& source, RowRule rule, int32_t bits) {
     const int64_t full_stride = row_stride(source.width(), bits);
-    const bool overlap = rows_stride(full_stride, rows) != full_stride;
+    const bool overlap = rows_stride(full_stride, rule) != full_stride;
     OwnedBlock block = new_dib(source.width(), source.height(), bits,
                                overlap ? Content::zero : Content::any);
-    if (rows == ReductionRows::counted) {
+    if (rule == RowRule::counted) {
         const uint32_t colours = 1u << bits;
         LockedDib(block.get())
             .write_bytes(offsetof(BITMAPINFOHEADER, biClrUsed), &colours, sizeof colours);
@@ -52,19 +52,19 @@ OwnedBlock new_indexed_dib(const LockedDib& source, ReductionRows rows, int32_t 
 
 } // namespace
 
-Reduction::Reduction(HGLOBAL source, ReductionRows rows, int32_t bits)
-    : source_(source), status_(check(source_, rows)) {
+Reduction::Reduction(HGLOBAL source, RowRule rule, int32_t bits)
+    : source_(source), status_(check(source_, rule)) {
     if (status_ != Status::ok)
         return;
     status_ = Status::no_memory;
-    block_ = new_indexed_dib(source_, rows, bits);
+    block_ = new_indexed_dib(source_, rule, bits);
     result_.emplace(block_.get());
     if (!*result_)
         return;
-    reader_.emplace(source_, rows_of(source_, rows));
+    reader_.emplace(source_, rows_of(source_, rule));
     if (!*reader_)
         return;
-    rows_ = rows_of(*result_, rows);
+    rows_ = rows_of(*result_, rule);
     status_ = Status::ok;
 }
 

@@ -1,16 +1,16 @@
-// The frame of the conversions from 24 or 32 bits to a colour table: checks, the locked source, the
-// new image and the progress. A conversion adds its colours and a function over rows.
+// What the conversions from 24 or 32 bits to a colour table have in common: checks, the locked
+// source, the new image and the progress. A conversion adds its colours and a function over rows.
 #pragma once
 
-#include "core/pixel_reader.hpp"
-#include "core/progress.hpp"
+#include "image/pixel_reader.hpp"
+#include "image/progress.hpp"
 
 #include <optional>
 
 namespace kirvo {
 
 // Where the rows of both images lie.
-enum class ReductionRows {
+enum class RowRule {
     by_header, // biSize + PaletteSize, at the usual stride
     // biSize + 4 * biClrUsed, at 32 bits 12 bytes further on, at a stride that keeps 16 bits of a
     // row's bit count. The new image's biClrUsed is set.
@@ -20,7 +20,7 @@ enum class ReductionRows {
 class Reduction {
   public:
     // bits is the new image's depth, 4 or 8.
-    Reduction(HGLOBAL source, ReductionRows rows, int32_t bits);
+    Reduction(HGLOBAL source, RowRule rule, int32_t bits);
 
     Status status() const { return status_; }
     void fail(Status status) { status_ = status; }

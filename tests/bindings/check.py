@@ -16,8 +16,9 @@ import sys
 import tempfile
 
 SOURCE = pathlib.Path(__file__).parents[2]
-sys.path.insert(0, str(SOURCE / "interface"))
+sys.path[:0] = [str(SOURCE / "interface"), str(SOURCE / "tests/support")]
 sys.dont_write_bytecode = True
+import version
 from description import Description, Function
 
 CONFIG = json.loads(pathlib.Path(sys.argv[2]).read_text())
@@ -158,7 +159,7 @@ def check_python(folder):
 def check_python_calls(kirvo):
     """Values arrive in every way of passing them."""
     byref, status = ctypes.byref, ctypes.c_int32()
-    assert kirvo.GetVerKirvoDll() == 0x01000402
+    assert kirvo.GetVerKirvoDll() == version.NUMBER
     hue, saturation, value = ctypes.c_int32(), ctypes.c_int32(), ctypes.c_int32()
     kirvo.RGB2HSV(0, 0, 200, byref(hue), byref(saturation), byref(value))
     assert (hue.value, saturation.value, value.value) == (240, 200, 200)

@@ -112,7 +112,7 @@ inline void expect_maker(std::initializer_list<int> depths, const Maker& make,
 
 // Statuses in their order: null handle, signs, depth, extent, block too small; progress; no status
 // pointer. The lowest depth that is not accepted comes with its code.
-inline void expect_maker_frame(const Maker& make, std::initializer_list<int> accepted,
+inline void expect_maker_rules(const Maker& make, std::initializer_list<int> accepted,
                                int32_t depth_status) {
     const auto status_of = [&](HGLOBAL dib, const Area& area) {
         int32_t status = 77;

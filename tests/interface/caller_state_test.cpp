@@ -208,7 +208,7 @@ class CallerStates : public testing::TestWithParam<CallerState> {
 INSTANTIATE_TEST_SUITE_P(All, CallerStates, testing::ValuesIn(states),
                          [](const auto& info) { return std::string(info.param.name); });
 
-TEST_P(CallerStates, version) { EXPECT_EQ(call(GetVerKirvoDll), 0x01000402u); }
+TEST_P(CallerStates, version) { EXPECT_EQ(call(GetVerKirvoDll), uint32_t{KIRVO_VERSION}); }
 
 TEST_P(CallerStates, allocation) {
     const Dib dib(call(DibMemAllocEx, 641, 479, 24));

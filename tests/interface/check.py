@@ -10,7 +10,9 @@ import subprocess
 import sys
 
 sys.dont_write_bytecode = True
-sys.path.insert(0, str(pathlib.Path(__file__).parents[2] / "interface"))
+sys.path[:0] = [str(pathlib.Path(__file__).parents[2] / folder)
+                for folder in ("interface", "tests/support")]
+import version
 from description import Description, Function
 from header import Header
 
@@ -21,7 +23,6 @@ WINDOWS = CONFIG["system"] == "Windows"
 
 ALLOWED_IMPORTS = {"kernel32.dll", "user32.dll", "gdi32.dll", "comdlg32.dll", "msvcrt.dll"}
 SIZE_LIMIT = 400 * 1024
-VERSION = (1, 0, 4, 2)
 
 
 def run(*command):
@@ -154,6 +155,27 @@ def check_imports():
     assert not extra, f"imports {sorted(extra)}"
 
 
+ROOMS = { # and the rooms that they may include
+    "platform": set(),
+    "simd": set(),
+    "image": {"simd", "platform"},
+    "effects": {"image", "simd"},
+    "reduce": {"image", "simd"},
+    "formats": {"image", "simd", "platform"},
+    "jpeg": {"image", "simd", "platform"},
+}
+
+
+def check_rooms():
+    """Includes of the library's rooms point one way, as src/README.md says."""
+    sources = [*(SOURCE / "src").rglob("*.cpp"), *(SOURCE / "src").rglob("*.hpp")]
+    assert len(sources) > 100
+    for source in sources:
+        room = source.relative_to(SOURCE / "src").parts[0]
+        for included in re.findall(r'^#include "(\w+)/', source.read_text(), re.M):
+            assert included in ROOMS[room] | {room}, f"{source} includes {included}/"
+
+
 def check_size():
     size = LIBRARY.stat().st_size
     print(f"{LIBRARY.name}: {size} bytes")
@@ -161,11 +183,18 @@ def check_size():
 
 
 def check_version():
-    """The version resource: VS_FIXEDFILEINFO follows its signature."""
+    """Documents that write the version out mean this one, and so does the version resource."""
+    for name in ("README.md", "include/kirvo.h"):
+        written = re.findall(r"(?<![\w.])(?:\d+\.){3}\d+(?![\w.]\w)", (SOURCE / name).read_text())
+        assert set(written) == {version.TEXT}, f"{name}: {written}"
+    assert f"0x{version.NUMBER:08X} for {version.TEXT}" in (SOURCE / "include/kirvo.h").read_text()
+    if not WINDOWS:
+        return
+    # VS_FIXEDFILEINFO follows its signature.
     data = LIBRARY.read_bytes()
     start = data.index(0xFEEF04BD.to_bytes(4, "little"))
     high, low = (int.from_bytes(data[start + at:start + at + 4], "little") for at in (8, 12))
-    assert (high >> 16, high & 0xFFFF, low >> 16, low & 0xFFFF) == VERSION
+    assert (high >> 16, high & 0xFFFF, low >> 16, low & 0xFFFF) == version.PARTS
 
 
 def isa_of(name):

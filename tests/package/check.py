@@ -10,13 +10,17 @@ import shutil
 import subprocess
 import sys
 
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "support"))
+import version
+
 PACKAGE, CHECK, FOLDER = sys.argv[1:]
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 SOURCE = ROOT / "tests/package"
 PACKAGES = ROOT / "build/packages"
 UNPACKED = pathlib.Path(FOLDER) / PACKAGE / "unpacked"
 WORK = pathlib.Path(FOLDER) / PACKAGE / CHECK
-VERSION = "1.0.4.2"
+VERSION = version.TEXT
 SIZE_LIMIT = 400 * 1024
 DESCRIBED = r"format: JPEG\r?\n.*\n *width: \d{3,}" # what the tool says of a picture
 
@@ -142,14 +146,14 @@ def check_cmake_project():
 
     versions = WORK / "versions"
     versions.mkdir()
-    (versions / "CMakeLists.txt").write_text("""
+    (versions / "CMakeLists.txt").write_text(f"""
         cmake_minimum_required(VERSION 3.25)
         project(Versions LANGUAGES NONE)
         find_package(Kirvo 2.0 QUIET CONFIG)
         if(Kirvo_FOUND)
             message(FATAL_ERROR "accepted as version 2")
         endif()
-        find_package(Kirvo 1.0.4.2 EXACT REQUIRED CONFIG)
+        find_package(Kirvo {VERSION} EXACT REQUIRED CONFIG)
         """)
     run("cmake", "-S", versions, "-B", versions, f"-DCMAKE_PREFIX_PATH={PREFIX}")
 
@@ -167,7 +171,7 @@ def check_microsoft_linker():
         void start(void) {{
             HMODULE library = GetModuleHandleA("Kirvo.dll");
         {tests}
-            ExitProcess(GetVerKirvoDll() == 0x01000402 &&
+            ExitProcess(GetVerKirvoDll() == {version.NUMBER} &&
                         Dib24Flip(0, 0, 0, 1, 1) == KIRVO_NULL_HANDLE ? 0 : 1);
         }}
         """)

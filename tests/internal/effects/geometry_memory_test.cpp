@@ -1,5 +1,5 @@
 // Copies, turns and zooms when memory fails: the status, and nothing left behind.
-#include "core/memory.hpp"
+#include "image/memory.hpp"
 
 #include "support/dib_builder.hpp"
 #include "support/progress_recorder.hpp"

@@ -1,5 +1,5 @@
 // Readers when memory runs out: at each allocation the right status, nothing leaked, nothing open.
-#include "core/memory.hpp"
+#include "image/memory.hpp"
 #include "formats/made_elsewhere.hpp"
 #include "formats/reader.hpp"
 

@@ -1,5 +1,5 @@
 // Memory that cannot be had, at every allocation of a decode.
-#include "core/memory.hpp"
+#include "image/memory.hpp"
 #include "support/dib_builder.hpp"
 #include "support/jpeg_builder.hpp"
 #include "support/temp_file.hpp"

@@ -1,8 +1,8 @@
 // Code words, entropy coding of blocks that pictures can and cannot yield, stuffing.
 
-#include "jpeg/encode_entropy.hpp"
+#include "jpeg/encode/entropy.hpp"
 
-#include "jpeg/encode_headers.hpp"
+#include "jpeg/encode/headers.hpp"
 #include "support/random.hpp"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // An encode whose memory fails leaves nothing behind.
 
-#include "core/memory.hpp"
+#include "image/memory.hpp"
 
 #include "jpeg/encoding.hpp"
 #include "support/temp_file.hpp"

@@ -1,5 +1,5 @@
 // Conversions when memory cannot be had: each allocation in turn fails.
-#include "core/memory.hpp"
+#include "image/memory.hpp"
 #include "support/dib_builder.hpp"
 
 #include <gtest/gtest.h>

@@ -1,0 +1,107 @@
+// A quarter turn of a rectangle into a new image.
+#include "image/masks.hpp"
+#include "image/progress.hpp"
+#include "simd/kernels.hpp"
+
+namespace kirvo {
+
+namespace {
+
+constexpr RowStart start = RowStart::after_40;
+
+enum class Direction : int32_t { clockwise, counter_clockwise };
+
+enum class Use { read, write };
+
+// Asks for rows of bytes ahead of their use: the processor does not foresee steps from row to row.
+template<Use use>
+void prefetch(const uint8_t* rows, ptrdiff_t step, size_t bytes, int32_t count) {
+    constexpr size_t line = 64;
+    for (int32_t i = 0; i < count; ++i, rows += step)
+        for (size_t at = 0; at < bytes + line - 1; at += line)
+            __builtin_prefetch(rows + at, use == Use::write);
+}
+
+// Stored row k of the rectangle, from its bottom, becomes column k from the left and runs downward
+// (clockwise), or from the right and runs upward.
+class QuarterTurn {
+  public:
+    QuarterTurn(const Rows& to, const LockedDib& from, const Rect& rect, Direction direction)
+        : to_(to), from_(rows_of(from, rect, start)), width_(rect.width), height_(rect.height),
+          bytes_(static_cast<size_t>(from.bits() / 8)),
+          transpose_(kernels().transpose[bytes_ - 1]) {
+        if (direction == Direction::clockwise)
+            to_ = {to_[width_ - 1], -to_.stride, to_.end};
+        else
+            from_ = {from_[height_ - 1], -from_.stride, from_.end};
+    }
+
+    // Strips of columns become strips of destination rows, which are thus written from end to end,
+    // in tiles that stay in the cache. The steps told are source rows: as many as the strip is part
+    // of the width.
+    void run() const {
+        PassProgress progress(height_);
+        for (int32_t x = 0; x < width_; x += columns) {
+            progress.reach(int64_t{height_} * (x + columns_at(x)) / width_ - 1);
+            for (int32_t k = 0; k < height_; k += rows) {
+                if (k + rows < height_)
+                    prefetch_tile(x, k + rows);
+                else if (x + columns < width_)
+                    prefetch_tile(x + columns, 0);
+                transpose_(target(x, k), to_.stride, source(x, k), from_.stride,
+                           static_cast<size_t>(columns_at(x)), static_cast<size_t>(rows_at(k)));
+            }
+        }
+        progress.finish();
+    }
+
+  private:
+    static constexpr int32_t columns = 64, rows = 128; // of a tile
+
+    int32_t columns_at(int32_t x) const { return std::min(columns, width_ - x); }
+    int32_t rows_at(int32_t k) const { return std::min(rows, height_ - k); }
+    uint8_t* target(int32_t x, int32_t k) const { return to_[x] + bytes_ * static_cast<size_t>(k); }
+    const uint8_t* source(int32_t x, int32_t k) const {
+        return from_[k] + bytes_ * static_cast<size_t>(x);
+    }
+    [[gnu::always_inline]] void prefetch_tile(int32_t x, int32_t k) const {
+        prefetch<Use::read>(source(x, k), from_.stride, bytes_ * static_cast<size_t>(columns_at(x)),
+                            rows_at(k));
+        prefetch<Use::write>(target(x, k), to_.stride, bytes_ * static_cast<size_t>(rows_at(k)),
+                             columns_at(x));
+    }
+
+    Rows to_, from_;
+    int32_t width_, height_;
+    size_t bytes_;
+    Kernels::Transpose transpose_;
+};
+
+Status rotate(HGLOBAL handle, const Rect& rect, int32_t direction, OwnedBlock& result) {
+    if (direction != 0 && direction != 1)
+        return Status::bad_parameter;
+    const LockedDib from(handle);
+    const Status status = check_rect_8_to_32(from, rect, start);
+    if (status != Status::ok)
+        return status;
+    result = new_dib(rect.height, rect.width, from.bits(), Content::any);
+    if (!result)
+        return Status::no_memory;
+    const LockedDib to(result.get());
+    copy_colour_part(to, from);
+    QuarterTurn(to.rows(start), from, rect, static_cast<Direction>(direction)).run();
+    return Status::ok;
+}
+
+} // namespace
+
+} // namespace kirvo
+
+using namespace kirvo;
+
+HGLOBAL WINAPI Dib24Rotate(HGLOBAL dib, int32_t left, int32_t top, int32_t width, int32_t height,
+                           int32_t direction, int32_t* status) {
+    OwnedBlock result;
+    report(status, rotate(dib, {left, top, width, height}, direction, result));
+    return result.release();
+}

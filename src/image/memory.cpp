@@ -1,0 +1,31 @@
+#include "image/memory.hpp"
+
+#include <algorithm>
+
+namespace kirvo {
+
+namespace {
+
+uint32_t allocations_until_failure = 0;
+uint64_t largest_block = max_block_bytes;
+
+bool told_to_fail() {
+    return allocations_until_failure != 0 && --allocations_until_failure == 0;
+}
+
+} // namespace
+
+void fail_allocation(uint32_t n) { allocations_until_failure = n; }
+
+void limit_allocation(uint64_t bytes) { largest_block = std::min(bytes, max_block_bytes); }
+
+HGLOBAL allocate_block(uint64_t bytes, Content content) {
+    if (bytes > largest_block || told_to_fail())
+        return nullptr;
+    compact_memory(bytes);
+    if (content == Content::any)
+        return allocate_unfilled(static_cast<SIZE_T>(bytes));
+    return GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, static_cast<SIZE_T>(bytes));
+}
+
+} // namespace kirvo

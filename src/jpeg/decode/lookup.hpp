@@ -1,0 +1,100 @@
+// What the next few bits of a stream stand for: a symbol, and when they reach that far the value
+// behind it too. Made by running the symbol procedure, so that odd tables give what that gives.
+#pragma once
+
+#include "jpeg/decode/huffman.hpp"
+
+namespace kirvo {
+
+constexpr uint32_t lookup_bits = 10;
+
+// Bits 0-5: bits of the code, of code and value when the value is here. Bits 6-7: the kind. Bits
+// 8-11: run of zeros before the value, or bits that tell the length of a band of empty blocks.
+// Bits 12-15 or, of a DC table, 8-12: bits of a value that follows. Bits 16-31: the value. 0: the
+// table cannot tell.
+using LookupEntry = uint32_t;
+
+enum class EntryKind : uint32_t { value, end_of_block, end_of_band, run_of_16 };
+
+constexpr uint32_t entry_length(LookupEntry e) {
+    return e & 63;
+}
+constexpr EntryKind entry_kind(LookupEntry e) {
+    return static_cast<EntryKind>(e >> 6 & 3);
+}
+constexpr uint32_t entry_run(LookupEntry e) {
+    return e >> 8 & 15;
+}
+constexpr uint32_t entry_ac_size(LookupEntry e) {
+    return e >> 12 & 15;
+}
+constexpr uint32_t entry_dc_size(LookupEntry e) {
+    return e >> 8 & 31;
+}
+constexpr int16_t entry_value(LookupEntry e) {
+    return static_cast<int16_t>(e >> 16);
+}
+// No AC value is 0, so this tells a value from everything else.
+constexpr bool has_ac_value(LookupEntry e) {
+    return e >> 16 != 0;
+}
+
+// What a symbol without its value bits says; 0 for one that is an error.
+LookupEntry ac_entry(uint32_t symbol, uint32_t length);
+LookupEntry dc_entry(uint32_t symbol, uint32_t length);
+
+struct Lookup {
+    LookupEntry entries[1u << lookup_bits];
+    bool ready;
+
+    LookupEntry operator[](uint32_t next_bits) const { return entries[next_bits]; }
+    void prepare_ac(const DecodeTable& table) {
+        if (!ready)
+            make_ac(table);
+    }
+    void prepare_dc(const DecodeTable& table) {
+        if (!ready)
+            make_dc(table);
+    }
+
+  private:
+    void make_ac(const DecodeTable& table);
+    void make_dc(const DecodeTable& table);
+};
+
+// What the next bits say of a baseline block's AC coefficients when up to two symbols with their
+// values lie in them. Both values are always stored: where there is only one, it is there twice;
+// where there is none, a 0 goes to a place that holds 0.
+struct AcPair {
+    uint8_t length; // bits of all of it
+    uint8_t first;  // the values' distances from position k, where the zeros begin
+    uint8_t second;
+    uint8_t last;     // the distance of the last value that is not 0 from position k - 1
+    uint32_t advance; // of k; beyond the block after an end of block
+    int16_t value[2];
+};
+
+// A first distance that no block has room for: the bits are for a single symbol's lookup.
+constexpr uint8_t no_pair = 63;
+
+struct PairLookup {
+    AcPair entries[1u << lookup_bits];
+    bool ready;
+
+    // From the lookup of the same table.
+    void prepare(const Lookup& lookup) {
+        if (!ready)
+            make(lookup);
+    }
+
+  private:
+    void make(const Lookup& lookup);
+};
+
+// By table number.
+struct Lookups {
+    Lookup dc[4], ac[4]; // ready: made from the table as it is
+    PairLookup ac_pairs[4];
+};
+
+} // namespace kirvo
