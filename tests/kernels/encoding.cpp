@@ -1,6 +1,6 @@
 // Pixels to samples, samples to quantised coefficients.
+#include "jpeg/quantiser.hpp"
 #include "kernels/cases.hpp"
-#include "kernels/quantiser.hpp"
 #include "kernels/zigzag.hpp"
 
 #include <cmath>
@@ -113,6 +113,12 @@ int8_t* any_samples(Trial& trial, size_t count) {
         for (size_t i = 0; i < count; ++i)
             samples[i] = static_cast<int8_t>(trial.random.between(-3, 3));
     return samples;
+}
+
+Quantiser make_quantiser(const uint8_t* table, int32_t count) {
+    Quantiser quantiser;
+    set_quantiser(quantiser, table, count);
+    return quantiser;
 }
 
 Quantiser any_quantiser(Random& random) {
