@@ -10,7 +10,7 @@ namespace {
 using namespace kirvo_bench;
 
 // The operation on the whole photo, with what stands between its size and the status.
-template <typename Operation, typename... Values>
+template<typename Operation, typename... Values>
 Work whole(Operation operation, Values... values) {
     return [=, photo = photo_dib()] {
         int32_t status;
@@ -23,7 +23,7 @@ cv::Mat photo_mat() {
 }
 
 // OpenCV's result is a new Mat each time.
-template <typename F>
+template<typename F>
 Work opencv(const F& operation) {
     return [=, photo = photo_mat()] {
         cv::Mat result;
@@ -31,7 +31,7 @@ Work opencv(const F& operation) {
     };
 }
 
-template <typename F>
+template<typename F>
 Work opencv_in_place(const F& operation) {
     return [=, photo = photo_mat().clone()]() mutable { operation(photo); };
 }

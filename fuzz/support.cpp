@@ -2,7 +2,7 @@
 
 #include "simd/cpu.hpp"
 #include "core/dib.hpp"
-#include "jpeg/codec.hpp"
+#include "jpeg/session.hpp"
 #include "support/temp_folder.hpp"
 
 #include <algorithm>
@@ -85,7 +85,7 @@ void Target::run_case(const uint8_t* bytes, size_t size) const {
     run_(input);
 
     stand_as_at_first();
-    require(!kirvo::codec_busy, "no encode or decode is left under way");
+    require(!kirvo::session.busy(), "no encode or decode is left under way");
     const kirvo::BlockCount left = kirvo::count_blocks();
     require(left.locks == 0, "no lock is left");
     require(left.blocks == 0, "no block is left");

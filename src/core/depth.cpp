@@ -25,13 +25,7 @@ uint64_t pixel_offset(const LockedDib& from) {
 void convert_rows(const PixelReader& from, const LockedDib& to) {
     const PixelFormat format = target_format(to.bits());
     const Rows rows = to.rows(RowStart::after_header);
-    Progress progress;
-    progress.start();
-    for (int32_t row = 0; row < to.height(); ++row) {
-        progress.step(row, to.height());
-        from.read(row, format, rows[row]);
-    }
-    progress.finish();
+    each_step(to.height(), [&](int32_t row) { from.read(row, format, rows[row]); });
 }
 
 Status convert(const LockedDib& from, const Depths& depths, int32_t bits, OwnedBlock& result) {
@@ -53,7 +47,7 @@ Status convert(const LockedDib& from, const Depths& depths, int32_t bits, OwnedB
     if (bits != 24)
         write_masks(to, target_format(bits).masks);
     convert_rows(reader, to);
-    result = static_cast<OwnedBlock&&>(made);
+    result = std::move(made);
     return Status::ok;
 }
 

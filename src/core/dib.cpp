@@ -104,13 +104,6 @@ Status DibCheckRect8to32(const LockedDib& dib, const Rect& rect, RowStart start)
         start);
 }
 
-Status DibCheckRect8_24_32(const LockedDib& dib, const Rect& rect, RowStart start) {
-    return DibCheckRect(
-        dib, rect,
-        {[](int32_t bits) { return bits == 8 || bits == 24 || bits == 32; }, Status::needs_8_24_32},
-        start);
-}
-
 namespace {
 
 void clear_padding(uint8_t* rows, int64_t width, int64_t height, int32_t bits) {
@@ -131,9 +124,10 @@ OwnedBlock new_dib(int64_t width, int64_t height, int32_t bits, Content content)
     if (static_cast<uint64_t>(height) > max_block_bytes / stride)
         return {};
     const uint64_t image = stride * static_cast<uint64_t>(height);
-    // So much memory comes fresh from the system: clearing any of it would only take time early.
-    constexpr uint64_t fresh = uint64_t{128} << 20;
-    if (image > fresh)
+    // A block of this size is always mapped anew, which makes it zero: to ask for zeros costs nothing
+    // then, and clearing the rest by hand would touch every page.
+    constexpr uint64_t always_mapped = uint64_t{128} << 20;
+    if (image > always_mapped)
         content = Content::zero;
     OwnedBlock block(allocate_block(info_header_bytes + colour_part + image, content));
     const LockedBlock lock(block.get());

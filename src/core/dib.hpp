@@ -112,7 +112,6 @@ Status DibCheckRect8or24(const LockedDib& dib, const Rect& rect, RowStart start)
 Status DibCheckRect24or32(const LockedDib& dib, const Rect& rect, RowStart start);
 Status DibCheckRect16to32(const LockedDib& dib, const Rect& rect, RowStart start);
 Status DibCheckRect8to32(const LockedDib& dib, const Rect& rect, RowStart start);
-Status DibCheckRect8_24_32(const LockedDib& dib, const Rect& rect, RowStart start);
 
 // True when the rectangle has no negative corner, some extent, and lies inside the image.
 bool well_formed(const Rect& rect);

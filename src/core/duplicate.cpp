@@ -94,7 +94,7 @@ Status duplicate(const LockedDib& from, const Rect& rect, OwnedBlock& result) {
         return Status::no_memory;
     const Status status = copy_rect(LockedDib(made.get()), 0, 0, from, rect);
     if (status == Status::ok)
-        result = static_cast<OwnedBlock&&>(made);
+        result = std::move(made);
     return status;
 }
 

@@ -102,12 +102,12 @@ class Scratch {
 
     explicit operator bool() const { return static_cast<bool>(lock_); }
     uint8_t* data() const { return lock_.data(); }
-    template <typename T>
+    template<typename T>
     T* as() const {
         return reinterpret_cast<T*>(lock_.data());
     }
     // What begins so many bytes on; null when there is no memory.
-    template <typename T>
+    template<typename T>
     T* part(uint64_t offset) const {
         return lock_ ? reinterpret_cast<T*>(lock_.data() + static_cast<size_t>(offset)) : nullptr;
     }

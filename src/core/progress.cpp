@@ -35,9 +35,8 @@ void Progress::start() {
         send(0);
 }
 
-void Progress::step(int32_t i, int32_t n, int32_t base, int32_t share) {
-    if (progress_enabled())
-        update(base + share_done(i, n, share));
+void Progress::step(int32_t i, int32_t n, const Pass& pass) {
+    update(pass.base + share_done(i, n, pass.share));
 }
 
 void Progress::update(int32_t percent) {

@@ -45,7 +45,7 @@ enum class Status : int32_t {
 constexpr int32_t code(Status status) { return static_cast<int32_t>(status); }
 
 // Writes through an out-pointer that the caller may have left null.
-template <typename T>
+template<typename T>
 void report(T* out, T value) {
     if (out != nullptr)
         *out = value;

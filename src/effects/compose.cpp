@@ -91,14 +91,10 @@ Status compose(const LockedDib& to, const Rect& target, const LockedDib& from, c
         return Status::bad_parameter;
     const PixelFormat format = PixelFormat::of(from);
     const Rows sources = rows_of(from, rect, start), targets = rows_of(to, target, start);
-    Progress progress;
-    progress.start();
-    for (int32_t row = 0; row < rect.height; ++row) {
-        progress.step(row, rect.height);
+    each_step(rect.height, [&](int32_t row) {
         compose_row(static_cast<Mode>(mode), format, targets[row], sources[row],
                     static_cast<size_t>(rect.width), to.data() == from.data());
-    }
-    progress.finish();
+    });
     return Status::ok;
 }
 

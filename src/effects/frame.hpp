@@ -95,13 +95,7 @@ class RectOperation {
     // Calls work(r) for the rectangle's rows in the order of storage and reports the progress.
     template<typename F>
     void each_row(const F& work) const {
-        Progress progress;
-        progress.start();
-        for (int32_t r = 0; r < rect_.height; ++r) {
-            progress.step(r, rect_.height);
-            work(r);
-        }
-        progress.finish();
+        each_step(rect_.height, work);
     }
 
   private:

@@ -72,13 +72,9 @@ int32_t WINAPI DibModifyHue(HGLOBAL handle, int32_t mode, int32_t value) {
         return code(Status::bad_parameter);
     const Rows rows = dib.rows_at(offset);
     const auto change = hue_changed(mode, value);
-    Progress progress;
-    progress.start();
-    for (int32_t r = 0; r < dib.height(); ++r) {
-        progress.step(r, dib.height());
+    each_step(dib.height(), [&](int32_t r) {
         change(rows[r], rows[r], static_cast<size_t>(dib.width()));
-    }
-    progress.finish();
+    });
     return code(Status::ok);
 }
 

@@ -97,7 +97,7 @@ struct Setting {
     uint8_t* target(const Patch& patch, int32_t row, uint8_t* buffer) const {
         return format.bits == 24 ? result_pixels(patch, row) : buffer;
     }
-    // They are all there.
+    // All of them have been written to target.
     void store(const Patch& patch, int32_t row, const uint8_t* target) const {
         if (format.bits != 24)
             pack_row(format, target, result_pixels(patch, row), static_cast<size_t>(patch.columns));
@@ -251,18 +251,14 @@ class ExtremeFilter {
     // The rows that are reported as done keep pace with the bands.
     void run() const {
         const Rect& rect = setting_.operation.rect();
-        Progress progress;
-        progress.start();
-        int32_t reported = 0;
+        Steps steps(rect.height);
         for (int64_t row = 0; row < rect.height; row += band_) {
-            for (; reported <= row; ++reported)
-                progress.step(reported, rect.height);
+            steps.reach(row);
             for (int64_t column = 0; column < rect.width; column += strip_)
                 run_patch(patch_at(static_cast<int32_t>(row), static_cast<int32_t>(column)));
         }
-        for (; reported < rect.height; ++reported)
-            progress.step(reported, rect.height);
-        progress.finish();
+        steps.reach(rect.height - 1);
+        steps.finish();
     }
 
   private:

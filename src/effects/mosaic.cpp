@@ -77,13 +77,9 @@ class AverageMosaic {
 
     HGLOBAL make() {
         const int32_t height = operation_.rect().height;
-        Progress progress;
-        progress.start();
-        for (int64_t done = 0; done < height; done += static_cast<int64_t>(block_)) {
-            progress.step(static_cast<int32_t>(done), height);
-            make_blocks(height - 1 - static_cast<int32_t>(done));
-        }
-        progress.finish();
+        each_step(
+            height, [&](int32_t done) { make_blocks(height - 1 - done); },
+            static_cast<int32_t>(block_));
         return result_.release();
     }
 

@@ -65,7 +65,7 @@ class ResultRow {
 
     // Where the pixels of row r go.
     uint8_t* bgr(int32_t r) const { return format_.bits == 24 ? result_.row(r) : buffer_.data(); }
-    // They are all there.
+    // All of them have been written.
     void done(int32_t r) const {
         if (format_.bits != 24)
             pack_row(format_, buffer_.data(), result_.row(r), width_);

@@ -69,14 +69,10 @@ Status interleave(const Field& even, const Field& odd, int32_t width, int32_t he
     DibCopyMasks(to, even.dib);
     const Rows rows = to.rows(RowStart::after_40);
     const auto bytes = static_cast<size_t>(to.stride());
-    Progress progress;
-    progress.start();
-    for (int32_t i = 0; i < height; ++i) {
-        progress.step(i, height);
+    each_step(height, [&](int32_t i) {
         even.copy_row(rows[2 * int64_t{i}], i, bytes);
         odd.copy_row(rows[2 * int64_t{i} + 1], i, bytes);
-    }
-    progress.finish();
+    });
     result.reset(block.release());
     return Status::ok;
 }

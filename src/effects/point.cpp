@@ -26,7 +26,7 @@ auto permuted(const ChannelOrder& order) {
     };
 }
 
-// What stands in the place of the masks, masks or not.
+// The 12 bytes behind the header go along whatever they are: masks, or pixels of an image without.
 void copy_mask_bytes(HGLOBAL to, const LockedDib& from) {
     uint8_t masks[mask_bytes];
     from.read_bytes(from.header.biSize, masks, sizeof masks);
@@ -46,16 +46,15 @@ HGLOBAL map_colour_table(const RectOperation& operation, const Rect& rect,
         report(status, Status::no_memory);
         return nullptr;
     }
-    Progress progress;
-    progress.start();
-    ColourTable table(operation.source(), operation.source().header.biSize);
-    for (RGBQUAD& entry : table.entry) {
-        entry.rgbBlue = levels.channel[blue_byte].level[entry.rgbBlue];
-        entry.rgbGreen = levels.channel[green_byte].level[entry.rgbGreen];
-        entry.rgbRed = levels.channel[red_byte].level[entry.rgbRed];
-    }
-    LockedDib(result.get()).write_bytes(info_header_bytes, table.entry, sizeof table.entry);
-    progress.finish();
+    each_step(1, [&](int32_t) {
+        ColourTable table(operation.source(), operation.source().header.biSize);
+        for (RGBQUAD& entry : table.entry) {
+            entry.rgbBlue = levels.channel[blue_byte].level[entry.rgbBlue];
+            entry.rgbGreen = levels.channel[green_byte].level[entry.rgbGreen];
+            entry.rgbRed = levels.channel[red_byte].level[entry.rgbRed];
+        }
+        LockedDib(result.get()).write_bytes(info_header_bytes, table.entry, sizeof table.entry);
+    });
     return result.release();
 }
 

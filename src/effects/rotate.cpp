@@ -37,16 +37,12 @@ class QuarterTurn {
     }
 
     // Strips of columns become strips of destination rows, which are thus written from end to end,
-    // in tiles that stay in the cache. The progress counts source rows: as many as the strip is
-    // part of the width.
+    // in tiles that stay in the cache. The steps told are source rows: as many as the strip is part
+    // of the width.
     void run() const {
-        Progress progress;
-        progress.start();
-        int32_t reported = 0;
+        Steps steps(height_);
         for (int32_t x = 0; x < width_; x += columns) {
-            const auto due = static_cast<int32_t>(int64_t{height_} * (x + columns_at(x)) / width_);
-            for (; reported < due; ++reported)
-                progress.step(reported, height_);
+            steps.reach(int64_t{height_} * (x + columns_at(x)) / width_ - 1);
             for (int32_t k = 0; k < height_; k += rows) {
                 if (k + rows < height_)
                     prefetch_tile(x, k + rows);
@@ -56,7 +52,7 @@ class QuarterTurn {
                            static_cast<size_t>(columns_at(x)), static_cast<size_t>(rows_at(k)));
             }
         }
-        progress.finish();
+        steps.finish();
     }
 
   private:

@@ -10,33 +10,7 @@ using namespace kirvo;
 
 namespace {
 
-struct Pass {
-    int32_t base, share;
-};
-
-// Progress of passes that are made together: the messages are those of one pass after the other.
-template<size_t passes>
-class PassProgress {
-  public:
-    PassProgress(const Pass (&split)[passes], int32_t rows) : split_(split), rows_(rows) {
-        progress_.start();
-    }
-    void step() {
-        for (size_t i = 0; i < passes; ++i, ++steps_) {
-            const Pass& pass = split_[steps_ / static_cast<uint32_t>(rows_)];
-            progress_.step(static_cast<int32_t>(steps_ % static_cast<uint32_t>(rows_)), rows_,
-                           pass.base, pass.share);
-        }
-    }
-    void finish() { progress_.finish(); }
-
-  private:
-    const Pass (&split_)[passes];
-    int32_t rows_;
-    uint64_t steps_ = 0;
-    Progress progress_;
-};
-
+// The messages are those of one pass after the other.
 constexpr Pass edge_passes[] = {{0, 30}, {30, 70}};
 constexpr Pass sharpen_passes[] = {{0, 30}, {30, 40}, {70, 30}};
 
@@ -56,8 +30,8 @@ struct WorkRows {
 
 // Makes a 24-bit image of the rectangle from the luminance around each pixel:
 // work(row number, luminance rows, working rows, result row).
-template<size_t passes, typename Work>
-HGLOBAL from_luminance(const RectOperation& operation, const Pass (&split)[passes],
+template<typename Work>
+HGLOBAL from_luminance(const RectOperation& operation, std::span<const Pass> passes,
                        int32_t* status, const Work& work) {
     if (!operation.passed(status))
         return nullptr;
@@ -80,12 +54,12 @@ HGLOBAL from_luminance(const RectOperation& operation, const Pass (&split)[passe
         report(status, Status::no_memory);
         return nullptr;
     }
-    PassProgress progress(split, height);
+    Steps steps(height, passes);
     for (int32_t r = 0; r < height; ++r) {
-        progress.step();
+        steps.reach(static_cast<int64_t>(passes.size()) * (r + 1) - 1);
         work(r, neighbourhood.at(r), scratch, result.row(r));
     }
-    progress.finish();
+    steps.finish();
     return result.release();
 }
 

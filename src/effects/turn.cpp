@@ -38,15 +38,15 @@ Status exchange_rows(const RectOperation& operation, Exchange exchange, Middle m
     const Scratch spare(PixelRun(operation).size());
     if (!spare)
         return Status::no_memory;
-    Progress progress;
-    progress.start();
+    constexpr Pass half_the_rows[] = {{0, 200}};
+    Steps steps(height, half_the_rows);
     for (int32_t i = 0; i < height / 2; ++i) {
-        progress.step(i, height, 0, 200);
+        steps.tell(i);
         exchange(operation.row(i), operation.row(height - 1 - i), spare.data());
     }
     if (height % 2 != 0)
         middle(operation.row(height / 2));
-    progress.finish();
+    steps.finish();
     return Status::ok;
 }
 

@@ -34,13 +34,7 @@ class Zoom {
     // picture downward, and reports the progress.
     template<typename Make>
     void each_row(const Rows& to, Make make) const {
-        Progress progress;
-        progress.start();
-        for (int32_t j = 0; j < height_; ++j) {
-            progress.step(j, height_);
-            make(to[height_ - 1 - j], row(j));
-        }
-        progress.finish();
+        each_step(height_, [&](int32_t j) { make(to[height_ - 1 - j], row(j)); });
     }
 
   private:

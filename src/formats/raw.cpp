@@ -28,17 +28,13 @@ bool holds_pixels(uint64_t file_bytes, int32_t width, int32_t height) {
 bool read_rows(InputFile& file, const LockedDib& dib) {
     const Rows rows = dib.rows(RowStart::after_40);
     const auto pixels = static_cast<size_t>(dib.width());
-    Progress progress;
-    progress.start();
-    for (int32_t i = 0; i < dib.height(); ++i) {
-        progress.step(i, dib.height());
+    return each_step(dib.height(), [&](int32_t i) {
         uint8_t* row = rows[dib.height() - 1 - i];
         if (!file.read(row, static_cast<uint32_t>(3 * pixels)))
             return false;
         kernels().permute(row, row, pixels, red_and_blue_exchanged);
-    }
-    progress.finish();
-    return true;
+        return true;
+    });
 }
 
 OwnedBlock read_pixels(InputFile& file, int32_t width, int32_t height, Status& status) {

@@ -1,7 +1,7 @@
 // Decoding a JPEG stream into a 24-bit image: whole, or piece by piece as the bytes arrive.
-#include "jpeg/codec.hpp"
 #include "jpeg/decode_markers.hpp"
 #include "jpeg/decode_scan.hpp"
+#include "jpeg/session.hpp"
 
 namespace kirvo {
 
@@ -45,7 +45,6 @@ void end_decode(DecodeState& state) {
     if (!state.picture.done)
         state.picture.discard();
     state.under_way = state.abandoned = false;
-    codec_busy = false;
 }
 
 int32_t end_with(DecodeState& state, Status status) {
@@ -76,7 +75,7 @@ Status check_piece(const BorrowedBlock& data, int32_t size) {
 }
 
 void begin_decode(DecodeState& state) {
-    codec_busy = state.under_way = true;
+    state.under_way = true;
     state.reset();
     state.input.discard();
     state.picture.discard();
@@ -100,7 +99,7 @@ HGLOBAL decode_rest(int32_t result, HGLOBAL image, uint32_t* width, uint32_t* he
         report(error, result);
         return nullptr;
     }
-    const Frame& frame = decode_state.picture.frame;
+    const Frame& frame = session.decoder.picture.frame;
     report(width, static_cast<uint32_t>(frame.width));
     report(height, static_cast<uint32_t>(frame.height));
     return image;
@@ -113,8 +112,8 @@ HGLOBAL decode_rest(int32_t result, HGLOBAL image, uint32_t* width, uint32_t* he
 using namespace kirvo;
 
 int32_t WINAPI JpgDecFirst(HGLOBAL data, int32_t size, HGLOBAL* image) {
-    DecodeState& state = decode_state;
-    if (codec_busy)
+    DecodeState& state = session.decoder;
+    if (session.busy())
         return code(Status::busy);
     const BorrowedBlock piece(data);
     const Status status = check_piece(piece, size);
@@ -128,7 +127,7 @@ int32_t WINAPI JpgDecFirst(HGLOBAL data, int32_t size, HGLOBAL* image) {
 }
 
 int32_t WINAPI JpgDecNext(HGLOBAL data, int32_t size, int32_t final, HGLOBAL* image) {
-    DecodeState& state = decode_state;
+    DecodeState& state = session.decoder;
     report(image, HGLOBAL{nullptr});
     if (state.running)
         return answer_handler(state, final);
@@ -160,15 +159,15 @@ HGLOBAL WINAPI JpgDecMainEx(LPCSTR name, uint32_t* width, uint32_t* height, int3
     OwnedBlock data;
     uint32_t size = 0;
     Status status = read_file(name, data, size);
-    if (status == Status::ok && codec_busy)
+    if (status == Status::ok && session.busy())
         status = Status::busy;
     report(error, status);
     if (status != Status::ok)
         return nullptr;
-    begin_decode(decode_state);
-    decode_state.input.replace(std::move(data), size);
+    begin_decode(session.decoder);
+    session.decoder.input.replace(std::move(data), size);
     HGLOBAL image = nullptr;
-    const int32_t result = advance(decode_state, &image);
+    const int32_t result = advance(session.decoder, &image);
     return decode_rest(result, image, width, height, error);
 }
 

@@ -63,27 +63,23 @@ class McuReader {
     const FastReader::Tables* tables_[most_blocks];
 };
 
-// What waits to be rendered; from one piece of the stream to the next, so that small pieces cost no
-// more than large ones.
-constinit Block group_blocks[most_group_blocks] = {};
-constinit uint8_t group_last[most_group_blocks] = {};
-
 // MCUs of one MCU row that have been read and not yet rendered.
 class Group {
   public:
-    Group(Picture& picture, Renderer& renderer)
-        : picture_(picture), renderer_(renderer), blocks_of_mcu_(picture.frame.layout->blocks()),
-          count_(picture.next_mcu - picture.rendered_mcus) {
+    Group(DecodeState& state, Renderer& renderer)
+        : picture_(state.picture), blocks_(state.buffers.group), last_(state.buffers.group_last),
+          renderer_(renderer), blocks_of_mcu_(picture_.frame.layout->blocks()),
+          count_(picture_.next_mcu - picture_.rendered_mcus) {
         find_room();
     }
 
     // Empty blocks.
     Block* next_blocks() {
-        Block* const next = &group_blocks[count_ * blocks_of_mcu_];
+        Block* const next = &blocks_[count_ * blocks_of_mcu_];
         std::memset(next, 0, static_cast<size_t>(blocks_of_mcu_) * sizeof(Block));
         return next;
     }
-    uint8_t* next_last() { return &group_last[count_ * blocks_of_mcu_]; }
+    uint8_t* next_last() { return &last_[count_ * blocks_of_mcu_]; }
     // The next MCU has been read.
     void add() {
         ++picture_.next_mcu;
@@ -97,13 +93,15 @@ class Group {
         room_ = std::min(renderer_.group_mcus(), across - picture_.rendered_mcus % across);
     }
     void render() {
-        renderer_.render(picture_.rendered_mcus, count_, group_blocks, group_last);
+        renderer_.render(picture_.rendered_mcus, count_, blocks_, last_);
         picture_.rendered_mcus = picture_.next_mcu;
         count_ = 0;
         find_room();
     }
 
     Picture& picture_;
+    Block* const blocks_;
+    uint8_t* const last_;
     Renderer& renderer_;
     const int32_t blocks_of_mcu_;
     int32_t count_, room_;
@@ -114,7 +112,7 @@ class Group {
 Step decode_baseline(DecodeState& state, Renderer& renderer) {
     Picture& picture = state.picture;
     McuReader reader(state);
-    Group group(picture, renderer);
+    Group group(state, renderer);
     for (;;) {
         if (!reader.may_begin())
             return Step::starved();

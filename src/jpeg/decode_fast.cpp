@@ -210,8 +210,8 @@ FastReader::FastReader(DecodeState& state)
 }
 
 FastReader::Tables FastReader::tables_of(uint32_t dc, uint32_t ac, const BlockCoding& coding) {
-    Lookup& dc_lookup = decode_lookups.dc[dc];
-    Lookup& ac_lookup = decode_lookups.ac[ac];
+    Lookup& dc_lookup = state_.buffers.lookups.dc[dc];
+    Lookup& ac_lookup = state_.buffers.lookups.ac[ac];
     dc_lookup.prepare_dc(state_.dc_tables[dc]);
     ac_lookup.prepare_ac(state_.ac_tables[ac]);
     return {&dc_lookup, &ac_lookup, nullptr, coding};
@@ -220,7 +220,7 @@ FastReader::Tables FastReader::tables_of(uint32_t dc, uint32_t ac, const BlockCo
 FastReader::Tables FastReader::baseline_tables_of(uint32_t dc, uint32_t ac,
                                                   const BlockCoding& coding) {
     Tables tables = tables_of(dc, ac, coding);
-    PairLookup& pairs = decode_lookups.ac_pairs[ac];
+    PairLookup& pairs = state_.buffers.lookups.ac_pairs[ac];
     pairs.prepare(*tables.ac);
     tables.pairs = &pairs;
     return tables;

@@ -40,7 +40,6 @@ struct BitWindow {
 
 // Bits taken ahead from the input.
 struct BitBuffer {
-    static constexpr uint32_t width = 64;
     static constexpr uint32_t half = 32;
 
     BitWindow window;

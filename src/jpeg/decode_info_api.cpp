@@ -1,5 +1,6 @@
 // What a stream says of itself, and what the last decode has left behind.
 #include "jpeg/decode_markers.hpp"
+#include "jpeg/session.hpp"
 
 namespace kirvo {
 
@@ -42,7 +43,7 @@ using namespace kirvo;
 
 // A decode under way shares the state, and loses it.
 int32_t WINAPI JpgDecGetSpecEx(LPCSTR name, JpgDecSpec* spec) {
-    DecodeState& state = decode_state;
+    DecodeState& state = session.decoder;
     if (state.running)
         return code(Status::busy);
     state.reset();
@@ -76,25 +77,25 @@ int32_t WINAPI JpgDecGetSpec(LPCSTR name, uint32_t* width, uint32_t* height, uin
 }
 
 void WINAPI JpgDecGetCommentEnable(int32_t enable) {
-    decode_state.comments.enabled = enable == 1;
+    session.decoder.comments.enabled = enable == 1;
 }
 
 int32_t WINAPI JpgDecCommentCounts(void) {
-    return decode_state.comments.count;
+    return session.decoder.comments.count;
 }
 
 HGLOBAL WINAPI JpgDecGetComment(int32_t index) {
-    const Comments& comments = decode_state.comments;
+    const Comments& comments = session.decoder.comments;
     const bool there = comments.enabled && index >= 0 && index < comments.count;
     return there ? comments.stored[index] : nullptr;
 }
 
 void WINAPI JpgDecCommentFree(void) {
-    decode_state.comments.discard();
+    session.decoder.comments.discard();
 }
 
 int32_t WINAPI JpgDecGetQtable(uint16_t* luma, uint16_t* chroma) {
-    const QuantisationTables& tables = decode_state.quantisation;
+    const QuantisationTables& tables = session.decoder.quantisation;
     if (!tables.available)
         return 0;
     copy_natural(tables.widened[0], luma);
@@ -103,7 +104,7 @@ int32_t WINAPI JpgDecGetQtable(uint16_t* luma, uint16_t* chroma) {
 }
 
 int32_t WINAPI JpgDecGetQtableEx(int32_t number, uint16_t* table) {
-    const QuantisationTables& tables = decode_state.quantisation;
+    const QuantisationTables& tables = session.decoder.quantisation;
     if (!tables.available)
         return KIRVO_NO_MEMORY;
     if (number < 0 || number > 3)
@@ -115,6 +116,6 @@ int32_t WINAPI JpgDecGetQtableEx(int32_t number, uint16_t* table) {
 }
 
 uint16_t WINAPI JpgDecGetLastUexMarker(uint32_t* position) {
-    report(position, decode_state.unexpected.position);
-    return decode_state.unexpected.marker;
+    report(position, session.decoder.unexpected.position);
+    return session.decoder.unexpected.marker;
 }

@@ -51,8 +51,6 @@ void fill_values(Lookup& lookup, uint32_t code, uint32_t length, uint32_t size,
 
 } // namespace
 
-constinit Lookups decode_lookups = {};
-
 LookupEntry ac_entry(uint32_t symbol, uint32_t length) {
     const uint32_t run = symbol >> 4, size = symbol & 15;
     if (size != 0)

@@ -91,12 +91,10 @@ struct PairLookup {
     void make(const Lookup& lookup);
 };
 
-// By table number. Kept apart from the decoder's state, which does not begin as zeros and so would
-// have them all stored in the library's file.
+// By table number.
 struct Lookups {
     Lookup dc[4], ac[4]; // ready: made from the table as it is
     PairLookup ac_pairs[4];
 };
-extern Lookups decode_lookups;
 
 } // namespace kirvo

@@ -114,7 +114,7 @@ bool read_quantisation(DecodeState& state, Content content) {
         const uint8_t slot = content[0]; // the precision in the high nibble must be 0
         if (slot > 3 || content.size() < table_bytes)
             return false;
-        std::memcpy(quantisation_slots[slot].data(), &content[1], 64);
+        std::memcpy(state.slots[slot].data(), &content[1], 64);
         state.quantisation.defined[slot] = true;
     }
     return true;
@@ -134,9 +134,10 @@ bool read_huffman(DecodeState& state, Content content) {
             return false;
         (ac ? state.ac_tables : state.dc_tables)[number].set(&content[1], content.data() + fixed);
         (ac ? state.ac_defined : state.dc_defined)[number] = true;
-        (ac ? decode_lookups.ac : decode_lookups.dc)[number].ready = false;
+        Lookups& lookups = state.buffers.lookups;
+        (ac ? lookups.ac : lookups.dc)[number].ready = false;
         if (ac)
-            decode_lookups.ac_pairs[number].ready = false;
+            lookups.ac_pairs[number].ready = false;
         content = content.subspan(fixed + symbols);
     }
     return true;

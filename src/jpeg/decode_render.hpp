@@ -10,9 +10,8 @@
 
 namespace kirvo {
 
-// As many pixels as are rendered at once across, and the MCUs and blocks that makes at most.
+// As many pixels as are rendered at once across.
 constexpr int32_t group_width = 64;
-constexpr int32_t most_group_blocks = 32;
 
 class Renderer {
   public:

@@ -28,11 +28,10 @@ void measure(Picture& picture, const Frame& frame) {
     picture.coverage = 0;
 }
 
-void widen_quantisation(QuantisationTables& tables) {
-    for (size_t slot = 0; slot < quantisation_slots.size(); ++slot)
-        std::copy(quantisation_slots[slot].begin(), quantisation_slots[slot].end(),
-                  tables.widened[slot]);
-    tables.available = true;
+void widen_quantisation(DecodeState& state) {
+    for (size_t i = 0; i < state.slots.size(); ++i)
+        std::copy(state.slots[i].begin(), state.slots[i].end(), state.quantisation.widened[i]);
+    state.quantisation.available = true;
 }
 
 // A 0xFF says nothing without the byte after it. What has been looked at is not looked at again.
@@ -68,7 +67,7 @@ Step start_decoding(DecodeState& state) {
     picture.image = make_image(state.frame).release();
     if (picture.image == nullptr)
         return Step::failure(Status::no_memory);
-    widen_quantisation(state.quantisation);
+    widen_quantisation(state);
     measure(picture, state.frame);
     const Status status = CarefulReader(state).prime();
     if (status != Status::ok)

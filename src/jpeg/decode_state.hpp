@@ -1,12 +1,12 @@
-// Everything that the decoder keeps between calls, in one place. One decode runs at a time; the
-// tables, the comments and the record of the unexpected marker outlive it.
+// Everything that the decoder keeps between calls. The tables, the comments and the record of the
+// unexpected marker outlive a decode.
 #pragma once
 
 #include "core/progress.hpp"
 #include "core/status.hpp"
 #include "jpeg/decode_block.hpp"
 #include "jpeg/decode_input.hpp"
-#include "jpeg/decode_huffman.hpp"
+#include "jpeg/decode_lookup.hpp"
 #include "jpeg/tables.hpp"
 
 namespace kirvo {
@@ -38,8 +38,12 @@ inline int32_t component_of(const Layout& layout, int32_t i) {
     return i < layout.luma_blocks ? 0 : 1 + (i - layout.luma_blocks) / layout.chroma_blocks;
 }
 
-extern const Layout grey_layout;
-extern const Layout colour_layouts[6];
+inline constexpr Layout grey_layout = {0x11, 0x00, 8, 8, 1, 0};
+inline constexpr Layout colour_layouts[] = {
+    {0x11, 0x11, 8, 8, 1, 1},   {0x21, 0x11, 16, 8, 2, 1},  {0x12, 0x11, 8, 16, 2, 1},
+    {0x22, 0x11, 16, 16, 4, 1}, {0x22, 0x21, 16, 16, 4, 2}, {0x22, 0x12, 16, 16, 4, 2},
+};
+inline constexpr const Layout* first_layout = &colour_layouts[3];
 constexpr int32_t most_blocks = 8;
 
 enum class FrameMode { none, baseline, progressive };
@@ -57,7 +61,7 @@ struct Scan {
     };
     int32_t count;
     Component components[255];
-    int32_t spectral_start, spectral_end; // Ss, Se
+    int32_t spectral_start, spectral_end = 63; // Ss, Se
     int32_t refined_from, shift;          // Ah, Al
     bool has_component_1;
 };
@@ -105,41 +109,53 @@ struct Picture {
     void discard_coefficients();
 };
 
+// MCUs of one MCU row that have been read are rendered together: as many blocks at most.
+constexpr int32_t most_group_blocks = 32;
+
+// The bulk of what the decoder keeps. It begins as zeros.
+struct DecodeBuffers {
+    Lookups lookups;
+    // What waits to be rendered, and the zigzag position after which each block is 0; from one
+    // piece of the stream to the next, so that small pieces cost no more than large ones.
+    Block group[most_group_blocks];
+    uint8_t group_last[most_group_blocks];
+};
+
 enum class HeaderState { seeking_start, reading_segments, scan_header_read, decoding };
 
 struct DecodeState {
-    DecodeInput input;
-    HeaderState header;
-    bool start_prefix;  // the byte before was 0xFF: while seeking the start of image,
-    bool marker_prefix; // and while reading segments
-    size_t leading_fill; // bytes of 0xFF, known to begin the first scan
-    Frame frame;
-    Scan scan;
-    uint8_t quantisation_of[4]; // by component id
-    QuantisationTables quantisation;
-    DecodeTable dc_tables[4], ac_tables[4];
-    bool dc_defined[4], ac_defined[4]; // in this stream
-    uint32_t restart_interval;
-    Comments comments;
+    QuantisationSlots& slots; // which the encoder uses too
+    DecodeBuffers& buffers;
+    DecodeInput input = {};
+    HeaderState header = {};
+    bool start_prefix = false;  // the byte before was 0xFF: while seeking the start of image,
+    bool marker_prefix = false; // and while reading segments
+    size_t leading_fill = 0;    // bytes of 0xFF, known to begin the first scan
+    Frame frame = {0, 0, 3, FrameMode::none, first_layout};
+    Scan scan = {};
+    uint8_t quantisation_of[4] = {}; // by component id
+    QuantisationTables quantisation = {};
+    DecodeTable dc_tables[4] = {}, ac_tables[4] = {};
+    bool dc_defined[4] = {}, ac_defined[4] = {}; // in this stream
+    uint32_t restart_interval = 0;
+    Comments comments = {};
     struct {
-        uint32_t position;
-        uint8_t marker;
-    } unexpected;
-    EntropyState entropy;
-    bool stop;        // no scan is to follow
-    bool scan_marker; // SOS met inside entropy-coded data
-    Picture picture;
-    Progress progress;
-    bool under_way; // between First and the end of a decode
-    bool running;   // a call is decoding, so that what is called now comes from a progress handler
-    bool abandoned; // ... which has ended the decode
-    int32_t final;  // the caller's word that no input follows
+        uint32_t position = 0;
+        uint8_t marker = 0;
+    } unexpected = {};
+    EntropyState entropy = {};
+    bool stop = false;        // no scan is to follow
+    bool scan_marker = false; // SOS met inside entropy-coded data
+    Picture picture = {};
+    Progress progress = {};
+    bool under_way = false; // between First and the end of a decode
+    bool running = false;   // a call is decoding, so what is called now comes from its handler
+    bool abandoned = false; // ... which has ended the decode
+    int32_t final = 0;      // the caller's word that no input follows
 
     // Before a stream is read. The tables stay as they are.
     void reset();
     bool is_final() const { return final == 1; }
 };
-
-extern DecodeState decode_state;
 
 } // namespace kirvo

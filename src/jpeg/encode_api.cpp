@@ -1,7 +1,5 @@
 // The encoder's entry points.
-#include "jpeg/encoder.hpp"
-
-#include "jpeg/encode_settings.hpp"
+#include "jpeg/session.hpp"
 
 using namespace kirvo;
 
@@ -20,20 +18,26 @@ EncodeRequest grey_request(HGLOBAL dib, const Rect& region, int32_t mode, int32_
     return {EncodeFamily::grey, dib, region, mode == from_table, mcus_per_call};
 }
 
+Status start(const EncodeRequest& request, HGLOBAL* output) {
+    if (session.busy())
+        return Status::busy;
+    return session.encoder.start(request, session.settings, session.slots, output);
+}
+
 HGLOBAL first(const EncodeRequest& request, int32_t* status) {
     HGLOBAL output = nullptr;
-    const Status result = start_encode(request, &output);
+    const Status result = start(request, &output);
     report(status, result);
     return result == Status::ok ? output : nullptr;
 }
 
 int32_t next(EncodeFamily family, int32_t control, uint32_t* stream_bytes) {
     if (control == abort_control) {
-        abandon_encode();
+        session.encoder.abandon();
         return code(Status::abandoned);
     }
     EncodeProgress progress = EncodeProgress::more;
-    const Status status = continue_encode(family, &progress, stream_bytes);
+    const Status status = session.encoder.advance(family, &progress, stream_bytes);
     if (status != Status::ok)
         return code(status);
     return progress == EncodeProgress::done ? finished : 0;
@@ -42,12 +46,12 @@ int32_t next(EncodeFamily family, int32_t control, uint32_t* stream_bytes) {
 // The stream in a block; its length goes to the library's own variable.
 Status encode_whole(const EncodeRequest& request, OwnedBlock* stream) {
     HGLOBAL output = nullptr;
-    const Status status = start_encode(request, &output);
+    const Status status = start(request, &output);
     if (status != Status::ok)
         return status;
     int32_t result;
     do
-        result = next(request.family, 0, &encode_settings.output_bytes);
+        result = next(request.family, 0, &session.settings.output_bytes);
     while (result == 0);
     if (result < 0)
         return static_cast<Status>(result);
@@ -60,7 +64,7 @@ Status write_stream(const char* path, const OwnedBlock& stream) {
     if (!file.create(path))
         return Status::cannot_open;
     const LockedBlock bytes(stream.get());
-    const bool written = bytes && file.write(bytes.data(), encode_settings.output_bytes);
+    const bool written = bytes && file.write(bytes.data(), session.settings.output_bytes);
     return written && file.close() ? Status::ok : Status::write_error;
 }
 
@@ -77,7 +81,7 @@ HGLOBAL encode_to_block(const EncodeRequest& request, uint32_t* stream_bytes, in
     const Status result = encode_whole(request, &stream);
     report(status, result);
     if (result == Status::ok)
-        report(stream_bytes, encode_settings.output_bytes);
+        report(stream_bytes, session.settings.output_bytes);
     return stream.release();
 }
 
@@ -99,8 +103,8 @@ int32_t WINAPI JpgCodMainEx(LPCSTR path, HGLOBAL dib, int32_t left, int32_t top,
 
 HGLOBAL WINAPI JpgCodMainHGLOBAL(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
                                  int32_t height, uint32_t* stream_bytes, int32_t* status) {
-    return encode_to_block(colour_request(dib, {left, top, width, height}, all_mcus),
-                           stream_bytes, status);
+    return encode_to_block(colour_request(dib, {left, top, width, height}, all_mcus), stream_bytes,
+                           status);
 }
 
 HGLOBAL WINAPI JpgCodFirst_M(HGLOBAL dib, int32_t left, int32_t top, int32_t width, int32_t height,
@@ -114,8 +118,7 @@ int32_t WINAPI JpgCodNext_M(int32_t control, uint32_t* stream_bytes) {
 
 int32_t WINAPI JpgCodMainEx_M(LPCSTR path, HGLOBAL dib, int32_t left, int32_t top, int32_t width,
                               int32_t height, int32_t grey_mode) {
-    return encode_to_file(path,
-                          grey_request(dib, {left, top, width, height}, grey_mode, all_mcus));
+    return encode_to_file(path, grey_request(dib, {left, top, width, height}, grey_mode, all_mcus));
 }
 
 HGLOBAL WINAPI JpgCodMainHGLOBAL_M(HGLOBAL dib, int32_t left, int32_t top, int32_t width,

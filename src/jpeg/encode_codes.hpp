@@ -21,7 +21,7 @@ constexpr uint32_t run_of_sixteen = 0xF0;
 constexpr uint32_t highest_category = 11;
 
 // Code words by symbol: the category of a DC difference, or run * 16 + category of an AC value.
-template <size_t Size, int N>
+template<size_t Size, int N>
 constexpr std::array<Bits, Size> code_words(const HuffmanTable<N>& table) {
     std::array<Bits, Size> words = {};
     uint32_t code = 0;

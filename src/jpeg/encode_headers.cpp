@@ -1,7 +1,7 @@
 #include "jpeg/encode_headers.hpp"
 
+#include "core/memory.hpp"
 #include "jpeg/encode_codes.hpp"
-#include "jpeg/encode_settings.hpp"
 
 #include <cstring>
 
@@ -10,29 +10,29 @@ namespace kirvo {
 namespace {
 
 constexpr uint8_t start_and_jfif[] = {
-    0xFF, 0xD8,                   // SOI
-    0xFF, 0xE0, 0, 16,            // APP0
-    'J',  'F',  'I', 'F', 0,      //
+    0xFF, 0xD8,                    // SOI
+    0xFF, 0xE0, 0,   16,           // APP0
+    'J',  'F',  'I', 'F', 0,       //
     1,    0,    0,   0,   1, 0, 1, // version 1.00, no units, density 1 x 1
-    0,    0,                      // no thumbnail
+    0,    0,                       // no thumbnail
 };
 constexpr uint8_t grey_scan[] = {0xFF, 0xDA, 0, 8, 1, 1, 0x00, 0, 63, 0};
 constexpr uint8_t colour_scan[] = {0xFF, 0xDA, 0, 12, 3, 1, 0x00, 2, 0x11, 3, 0x11, 0, 63, 0};
 
-template <size_t N>
+template<size_t N>
 void append(OutputStream& stream, const uint8_t (&bytes)[N]) {
     stream.append(bytes, N);
 }
 
-void append_comment(OutputStream& stream) {
-    const LockedBlock comment(encode_settings.comment);
+void append_comment(OutputStream& stream, const EncodeSettings& settings) {
+    const LockedBlock comment(settings.comment);
     if (comment)
-        stream.append(comment.data(), encode_settings.comment_bytes);
+        stream.append(comment.data(), settings.comment_bytes);
 }
 
-void append_quantisers(OutputStream& stream, uint8_t slot) {
-    append(stream, {0xFF, 0xDB, 0, 67, slot});
-    stream.append(quantisation_slots[slot].data(), quantisation_slots[slot].size());
+void append_quantisers(OutputStream& stream, uint8_t number, const QuantisationSlot& slot) {
+    append(stream, {0xFF, 0xDB, 0, 67, number});
+    stream.append(slot.data(), slot.size());
 }
 
 void append_frame(OutputStream& stream, const FrameHeader& frame) {
@@ -85,13 +85,14 @@ bool OutputStream::append_stuffed(const uint8_t* bytes, size_t count) {
     return true;
 }
 
-void write_headers(OutputStream& stream, const FrameHeader& frame) {
+void write_headers(OutputStream& stream, const FrameHeader& frame, const QuantisationSlots& slots,
+                   EncodeSettings& settings) {
     append(stream, start_and_jfif);
-    append_comment(stream);
-    discard_comment();
-    append_quantisers(stream, 0);
+    append_comment(stream, settings);
+    settings.discard_comment();
+    append_quantisers(stream, 0, slots[0]);
     if (!frame.grey)
-        append_quantisers(stream, 1);
+        append_quantisers(stream, 1, slots[1]);
     append_frame(stream, frame);
     stream.append(dht_segment.data(), dht_segment.size());
     if (frame.grey)

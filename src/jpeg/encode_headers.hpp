@@ -1,7 +1,7 @@
 // The segments of a stream before its entropy-coded data.
 #pragma once
 
-#include "core/dib.hpp"
+#include "jpeg/encode_settings.hpp"
 
 namespace kirvo {
 
@@ -28,7 +28,8 @@ constexpr uint32_t header_room = 1024;
 
 // Writes SOI to SOS, with the DQT payloads from the quantisation slots; takes and frees the pending
 // comment. The block must have room for all.
-void write_headers(OutputStream& stream, const FrameHeader& frame);
+void write_headers(OutputStream& stream, const FrameHeader& frame, const QuantisationSlots& slots,
+                   EncodeSettings& settings);
 
 // False when there is no room.
 bool write_end_of_image(OutputStream& stream);

@@ -2,31 +2,21 @@
 
 #include "core/memory.hpp"
 #include "core/status.hpp"
-#include "jpeg/tables.hpp"
+#include "jpeg/session.hpp"
 
 #include <algorithm>
 #include <cstring>
 
 namespace kirvo {
 
-constinit EncodeSettings encode_settings;
-
 namespace {
 
-using QuantiserTable = std::array<uint8_t, 64>;
-
-// Six tables each, in natural order. Table 0 is the custom one. The others follow no rule: tables 1
-// and 2 are coarser at low frequencies than at high ones.
-using Bank = std::array<QuantiserTable, 6>;
-
-constexpr QuantiserTable ones() {
-    QuantiserTable table = {};
-    table.fill(1);
-    return table;
-}
+// The tables of levels 1 to 5. They follow no rule: those of levels 1 and 2 are coarser at low
+// frequencies than at high ones.
+using Bank = std::array<QuantiserTable, 5>;
 
 // clang-format off
-constinit Bank luminance_bank = {ones(), {
+constexpr Bank luminance_bank = {{{
     2, 2, 2, 3, 3, 3, 2, 2,  2, 2, 3, 3, 3, 2, 2, 2,  2, 3, 3, 3, 3, 2, 2, 2,  3, 3, 3, 3, 2, 2, 2, 2,
     3, 3, 3, 2, 2, 2, 2, 2,  3, 2, 2, 2, 2, 2, 2, 2,  2, 2, 2, 2, 2, 2, 2, 2,  2, 2, 2, 2, 2, 2, 2, 2,
 }, {
@@ -47,8 +37,8 @@ constinit Bank luminance_bank = {ones(), {
     25, 26,  32,  35,  47,  72,  109, 144,  28,  32,  35,  39,  54,  81,  117, 154,
     37, 40,  47,  54,  61,  88,  126, 166,  63,  65,  72,  81,  88,  96,  137, 180,
     95, 102, 109, 117, 126, 137, 147, 196,  126, 135, 144, 154, 166, 180, 196, 210,
-}};
-constinit Bank chrominance_bank = {ones(), {
+}}};
+constexpr Bank chrominance_bank = {{{
     2, 2, 3, 3, 3, 3, 2, 2,  2, 3, 3, 3, 3, 2, 2, 2,  3, 3, 3, 3, 3, 2, 2, 2,  3, 3, 3, 3, 2, 2, 2, 2,
     3, 3, 3, 2, 2, 2, 2, 2,  3, 2, 2, 2, 2, 2, 2, 2,  2, 2, 2, 2, 2, 2, 2, 2,  2, 2, 2, 2, 2, 2, 2, 2,
 }, {
@@ -69,7 +59,7 @@ constinit Bank chrominance_bank = {ones(), {
     28,  30,  36,  40,  54,  82,  124, 164,  32,  36,  40,  44,  62,  92,  134, 176,
     42,  46,  54,  62,  70,  100, 144, 190,  72,  74,  82,  92,  100, 110, 156, 206,
     108, 116, 124, 134, 144, 156, 168, 224,  144, 154, 164, 176, 190, 206, 224, 240,
-}};
+}}};
 // clang-format on
 
 constexpr int32_t all_coefficients = 64;
@@ -78,17 +68,6 @@ constexpr int32_t level_5_coefficients = 21;
 bool acceptable(const int16_t* table) {
     return table != nullptr &&
            std::all_of(table, table + 64, [](int16_t entry) { return entry >= 1 && entry <= 255; });
-}
-
-int32_t coded_count() {
-    switch (encode_settings.level) {
-    case 0:
-        return encode_settings.custom_count;
-    case 5:
-        return level_5_coefficients;
-    default:
-        return all_coefficients;
-    }
 }
 
 void fill_slot(QuantisationSlot& slot, const QuantiserTable& table) {
@@ -103,18 +82,28 @@ void load_custom(QuantiserTable& table, const int16_t* entries) {
 
 } // namespace
 
-void discard_comment() {
-    if (encode_settings.comment != nullptr)
-        GlobalFree(encode_settings.comment);
-    encode_settings.comment = nullptr;
-    encode_settings.comment_bytes = 0;
+void EncodeSettings::fill(QuantisationSlots& slots) const {
+    const auto number = static_cast<size_t>(level - 1);
+    fill_slot(slots[0], level == 0 ? custom_luminance : luminance_bank[number]);
+    fill_slot(slots[1], level == 0 ? custom_chrominance : chrominance_bank[number]);
 }
 
-int32_t prepare_tables() {
-    const auto level = static_cast<size_t>(encode_settings.level);
-    fill_slot(quantisation_slots[0], luminance_bank[level]);
-    fill_slot(quantisation_slots[1], chrominance_bank[level]);
-    return coded_count();
+int32_t EncodeSettings::coded_count() const {
+    switch (level) {
+    case 0:
+        return custom_count;
+    case 5:
+        return level_5_coefficients;
+    default:
+        return all_coefficients;
+    }
+}
+
+void EncodeSettings::discard_comment() {
+    if (comment != nullptr)
+        GlobalFree(comment);
+    comment = nullptr;
+    comment_bytes = 0;
 }
 
 } // namespace kirvo
@@ -124,7 +113,7 @@ using namespace kirvo;
 int32_t WINAPI JpgCodSetSubsample(int32_t mode) {
     if (mode != 1 && mode != 2 && mode != 4)
         return code(Status::bad_parameter);
-    encode_settings.sampling = mode;
+    session.settings.sampling = mode;
     return code(Status::ok);
 }
 
@@ -135,7 +124,7 @@ int32_t WINAPI JpgCodSetQ(int32_t q) {
 int32_t WINAPI JpgCodSetQEx(int32_t level) {
     if (level < 0 || level > 5)
         return code(Status::bad_parameter);
-    encode_settings.level = level;
+    session.settings.level = level;
     return code(Status::ok);
 }
 
@@ -147,15 +136,15 @@ int32_t WINAPI JpgCodSetQtableEx(const int16_t* luminance, const int16_t* chromi
                                  int32_t count) {
     if (!acceptable(luminance) || !acceptable(chrominance))
         return code(Status::bad_parameter);
-    load_custom(luminance_bank[0], luminance);
-    load_custom(chrominance_bank[0], chrominance);
-    encode_settings.custom_count = count >= 1 && count <= 64 ? count : all_coefficients;
+    load_custom(session.settings.custom_luminance, luminance);
+    load_custom(session.settings.custom_chrominance, chrominance);
+    session.settings.custom_count = count >= 1 && count <= 64 ? count : all_coefficients;
     return code(Status::ok);
 }
 
 void WINAPI JpgCodSetComment(const uint8_t* text, uint32_t length) {
     constexpr uint32_t marker_and_length = 4;
-    discard_comment();
+    session.settings.discard_comment();
     if (length == 0 || text == nullptr)
         return;
     OwnedBlock block(allocate_block(uint64_t{length} + marker_and_length));
@@ -168,12 +157,12 @@ void WINAPI JpgCodSetComment(const uint8_t* text, uint32_t length) {
     segment[2] = static_cast<uint8_t>((length + 2) >> 8);
     segment[3] = static_cast<uint8_t>(length + 2);
     std::memcpy(segment + marker_and_length, text, length);
-    encode_settings.comment = block.release();
-    encode_settings.comment_bytes = length + marker_and_length;
+    session.settings.comment = block.release();
+    session.settings.comment_bytes = length + marker_and_length;
 }
 
 uint32_t WINAPI JpgCodGetStatus(uint32_t* source_bytes, uint32_t* output_bytes) {
-    report(source_bytes, encode_settings.source_bytes);
-    report(output_bytes, encode_settings.output_bytes);
-    return encode_settings.output_bytes;
+    report(source_bytes, session.settings.source_bytes);
+    report(output_bytes, session.settings.output_bytes);
+    return session.settings.output_bytes;
 }

@@ -11,7 +11,7 @@ namespace kirvo {
 
 // A Huffman table as a DHT segment lists it: the number of codes of each length from 1 to 16, and
 // the symbols in the order of their codes.
-template <int N>
+template<int N>
 struct HuffmanTable {
     std::array<uint8_t, 16> counts;
     std::array<uint8_t, N> symbols;
@@ -74,6 +74,6 @@ inline constexpr HuffmanTable<ac_symbols> chrominance_ac = {
 // segments into them, and every encode start writes its two tables into slots 0 and 1, from which
 // its own DQT segments are made. They keep their values from one stream to the next.
 using QuantisationSlot = std::array<uint8_t, 64>;
-extern std::array<QuantisationSlot, 4> quantisation_slots;
+using QuantisationSlots = std::array<QuantisationSlot, 4>;
 
 } // namespace kirvo

@@ -31,7 +31,7 @@ class SpinGuard {
     const bool alone_;
 };
 
-template <typename Object>
+template<typename Object>
 class HandleTable {
   public:
     // Null when the table cannot grow.
@@ -56,7 +56,7 @@ class HandleTable {
     }
 
     // Calls use(object) for a live handle; false for any other.
-    template <typename Use>
+    template<typename Use>
     bool with(const void* handle, Use use) {
         const SpinGuard guard(lock_);
         Slot* slot = find(handle);
@@ -81,7 +81,7 @@ class HandleTable {
     }
 
     // Calls see(object) for every live handle.
-    template <typename See>
+    template<typename See>
     void each(See see) {
         const SpinGuard guard(lock_);
         for (uint32_t index = 0; index < used_; ++index) {

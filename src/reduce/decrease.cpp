@@ -1,5 +1,6 @@
 // Conversions to fixed palettes of their own design: 256 and 16 colours with error diffusion, and
 // greys beside the system colours.
+#include "simd/kernels.hpp"
 #include "reduce/diffusion.hpp"
 #include "reduce/palettes.hpp"
 #include "reduce/reduction.hpp"
@@ -44,24 +45,10 @@ HGLOBAL decrease_16(HGLOBAL dib, int32_t* status) {
     return reduction.answer(status);
 }
 
-// The pixel is blue | green << 8 | red << 16.
-uint8_t grey_slot(uint32_t pixel) {
-    const uint32_t blue = pixel & 255, green = pixel >> 8 & 255, red = pixel >> 16;
-    const auto grey = static_cast<int32_t>((29 * blue + 150 * green + 77 * red + 128) >> 8);
-    return static_cast<uint8_t>(std::max(grey - grey_slot_offset, first_grey_slot));
-}
-
-// By way of whole words, over which the compiler makes a vector loop.
 void grey_row(const uint8_t* bgr, uint8_t* to, size_t width) {
-    constexpr PixelFormat word_format = {32, default_masks32};
-    constexpr size_t chunk = 512;
-    uint32_t words[chunk];
-    for (size_t x = 0; x < width; x += chunk) {
-        const size_t count = std::min(width - x, chunk);
-        pack_row(word_format, bgr + 3 * x, reinterpret_cast<uint8_t*>(words), count);
-        for (size_t i = 0; i < count; ++i)
-            to[x + i] = grey_slot(words[i]);
-    }
+    kernels().luminance(to, bgr, width);
+    for (size_t i = 0; i < width; ++i)
+        to[i] = static_cast<uint8_t>(std::max(to[i] - grey_slot_offset, first_grey_slot));
 }
 
 HGLOBAL decrease_grey(HGLOBAL dib, int32_t* status) {

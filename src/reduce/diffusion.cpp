@@ -17,7 +17,7 @@ constexpr int32_t lowest_value = -128, highest_value = 383;
 constexpr uint32_t value_count = highest_value - lowest_value + 1;
 
 // One entry for each value, as the function makes it.
-template <typename Entry, typename Make>
+template<typename Entry, typename Make>
 constexpr std::array<Entry, value_count> for_each_value(Make make) {
     std::array<Entry, value_count> entries = {};
     for (uint32_t i = 0; i < value_count; ++i)
@@ -46,7 +46,7 @@ struct Quantised {
 
 // A value goes to the level above it: to level i when it reaches the level below that, or 32 for
 // the first level above 0.
-template <size_t n>
+template<size_t n>
 constexpr Level cube_level(int32_t value, const std::array<uint8_t, n>& levels, uint32_t weight) {
     for (size_t i = n - 1; i > 0; --i) {
         if (value >= (i == 1 ? 32 : levels[i - 1]))
@@ -60,7 +60,7 @@ struct CubeLevel {
     Level level;
 };
 
-template <size_t n>
+template<size_t n>
 constexpr std::array<CubeLevel, value_count> cube_channel(const std::array<uint8_t, n>& levels,
                                                           uint32_t weight) {
     return for_each_value<CubeLevel>([&](int32_t value) {
@@ -164,7 +164,7 @@ void ErrorDiffusion::add_errors(const uint8_t* bgr) {
                                          (ahead[i] >> 3) + (behind[i] >> 4));
 }
 
-template <typename Quantiser>
+template<typename Quantiser>
 void ErrorDiffusion::quantise_row(const uint8_t* bgr, uint8_t* indices) {
     add_errors(bgr);
     direction_ = -direction_;

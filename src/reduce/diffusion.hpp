@@ -19,7 +19,7 @@ class ErrorDiffusion {
     void to_16(const uint8_t* bgr, uint8_t* indices);
 
   private:
-    template <typename Quantiser>
+    template<typename Quantiser>
     void quantise_row(const uint8_t* bgr, uint8_t* indices);
     void add_errors(const uint8_t* bgr);
 

@@ -69,14 +69,10 @@ Status increase(const LockedDib& from, OwnedBlock& result) {
     const LockedDib to(made.get());
     const Colours colours(from);
     const Rows rows = from.rows(RowStart::after_header), to_rows = to.rows(RowStart::after_header);
-    Progress progress;
-    progress.start();
-    for (int32_t row = 0; row < to.height(); ++row) {
-        progress.step(row, to.height());
+    each_step(to.height(), [&](int32_t row) {
         expand_row(colours, rows[row], from.bits(), to_rows[row], static_cast<size_t>(to.width()));
-    }
-    progress.finish();
-    result = static_cast<OwnedBlock&&>(made);
+    });
+    result = std::move(made);
     return Status::ok;
 }
 

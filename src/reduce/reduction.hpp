@@ -30,17 +30,12 @@ class Reduction {
     void set_colours(const uint32_t* colours);
     // Calls work(bgr, to, row), which answers a status, for every stored row from 24-bit pixels to
     // the new image, until one fails.
-    template <typename Work>
+    template<typename Work>
     void each_row(const Work& work) {
-        Progress progress;
-        progress.start();
-        for (int32_t row = 0; row < source_.height(); ++row) {
-            progress.step(row, source_.height());
+        each_step(source_.height(), [&](int32_t row) {
             status_ = work(reader_->bgr(row), rows_[row], row);
-            if (status_ != Status::ok)
-                return;
-        }
-        progress.finish();
+            return status_ == Status::ok;
+        });
     }
 
     // Ends the conversion: the new image, or null and nothing left of it.

@@ -41,13 +41,6 @@ struct Vector : VectorAvx {
     static Register equal16(Register a, Register b) {
         return _mm512_movm_epi16(_mm512_cmpeq_epi16_mask(a, b));
     }
-    template<size_t n>
-    static Register equal_any16(Register a, const int (&values)[n]) {
-        __mmask32 found = 0;
-        for (int value : values)
-            found |= _mm512_cmpeq_epi16_mask(a, all16(value));
-        return _mm512_movm_epi16(found);
-    }
     static Register select(Register mask, Register yes, Register no) {
         return _mm512_ternarylogic_epi32(mask, yes, no, 0xCA);
     }
@@ -76,7 +69,7 @@ struct Vector : VectorAvx {
         static constexpr Places places[] = {Places([](int p) { return 3 * p; }),
                                             Places([](int p) { return 3 * p + 1; }),
                                             Places([](int p) { return 3 * p + 2; })};
-        return moved({load(bgr), load(bgr + 64), load(bgr + 128)}, places);
+        return moved({load_once(bgr), load_once(bgr + 64), load_once(bgr + 128)}, places);
     }
     static void store_planes(uint8_t* bgr, const Planes& p) {
         static constexpr Places places[] = {

@@ -21,13 +21,6 @@ namespace {
 struct Vector : VectorX86 {
     static Register equal8(Register a, Register b) { return _mm_cmpeq_epi8(a, b); }
     static Register equal16(Register a, Register b) { return _mm_cmpeq_epi16(a, b); }
-    template<size_t n>
-    static Register equal_any16(Register a, const int (&values)[n]) {
-        Register found = zero();
-        for (int value : values)
-            found |= equal16(a, all16(value));
-        return found;
-    }
     static Register select(Register mask, Register yes, Register no) {
         return (mask & yes) | (no & ~mask);
     }

@@ -10,12 +10,17 @@ struct VectorX86 {
     using Register = KIRVO_REGISTER;
     static constexpr size_t size = sizeof(Register); // bytes
 
-    static Register load(const void* from) {
-        Register v;
-        std::memcpy(&v, from, sizeof v);
+    // A memcpy would not do: the compiler moves 64 bytes in parts of 16.
+    using Anywhere [[gnu::aligned(1), gnu::may_alias]] = Register;
+    static Register load(const void* from) { return *static_cast<const Anywhere*>(from); }
+    // For more than one use: the compiler would load for each of them, often across two lines of the
+    // cache.
+    static Register load_once(const void* from) {
+        Register v = load(from);
+        __asm__("" : "+v"(v));
         return v;
     }
-    static void store(void* to, Register v) { std::memcpy(to, &v, sizeof v); }
+    static void store(void* to, Register v) { *static_cast<Anywhere*>(to) = v; }
     static Register zero() { return Register{}; }
     static Register either(Register a, Register b) { return a | b; }
     static Register both(Register a, Register b) { return a & b; }

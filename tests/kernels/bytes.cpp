@@ -117,7 +117,8 @@ const Case<decltype(Kernels::correct)> correct = {
             to[i] = static_cast<uint8_t>(std::clamp(from[i] + plus[i] - minus[i], 0, 255));
     },
     [](auto kernel, Trial& trial) {
-        const auto [to, from] = trial.rows(trial.count);
+        uint8_t* to = trial.room<uint8_t>(trial.count);
+        const uint8_t* from = trial.values<uint8_t>(trial.count);
         uint8_t* plus = trial.values<uint8_t>(trial.count);
         uint8_t* minus = trial.values<uint8_t>(trial.count);
         for (size_t i = 0; i < trial.count; ++i)

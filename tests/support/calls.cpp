@@ -9,7 +9,7 @@ namespace kirvo_test {
 
 namespace {
 
-template <typename Container>
+template<typename Container>
 bool has(const Container& values, const typename Container::value_type& value) {
     return std::find(values.begin(), values.end(), value) != values.end();
 }

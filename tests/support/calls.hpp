@@ -33,11 +33,11 @@ class Choices {
         return low + static_cast<int32_t>(below(static_cast<uint32_t>(high - low) + 1));
     }
     void fill(void* to, size_t bytes);
-    template <typename T, size_t n>
+    template<typename T, size_t n>
     const T& pick(const T (&values)[n]) {
         return values[below(n)];
     }
-    template <typename T>
+    template<typename T>
     const T& pick(const std::vector<T>& values) {
         return values[below(static_cast<uint32_t>(values.size()))];
     }

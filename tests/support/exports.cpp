@@ -51,12 +51,12 @@ constexpr std::string_view positions[] = {"x",  "y",  "left",    "top",    "x0",
 constexpr std::string_view extents[] = {"width", "height", "new_width", "new_height"};
 constexpr std::string_view sizes[] = {"size", "length"};
 
-template <size_t n>
+template<size_t n>
 constexpr bool contains(const std::string_view (&names)[n], std::string_view name) {
     return std::find(names, names + n, name) != names + n;
 }
 
-template <typename T>
+template<typename T>
 constexpr Parameter memory_at(Kind kind, std::string_view function, std::string_view name) {
     for (const Memory& memory : memories) {
         if (memory.function == function && memory.parameter == name)
@@ -68,7 +68,7 @@ constexpr Parameter memory_at(Kind kind, std::string_view function, std::string_
         return {kind, sizeof(void*), sizeof(T), 0, name};
 }
 
-template <typename T>
+template<typename T>
 constexpr Parameter parameter(std::string_view function, std::string_view name) {
     const auto plain = [&](Kind kind) { return Parameter{kind, sizeof(T), 0, 0, name}; };
     if constexpr (std::is_same_v<T, double>) {
@@ -105,10 +105,10 @@ constexpr std::string_view word(std::string_view text, size_t n) {
     return text.substr(0, text.find(' '));
 }
 
-template <typename Function>
+template<typename Function>
 struct Signature;
 
-template <typename R, typename... Arguments>
+template<typename R, typename... Arguments>
 struct Signature<R(WINAPI*)(Arguments...)> {
     static constexpr size_t count = sizeof...(Arguments);
     static_assert(count <= Export::most_parameters, "raise Export::most_parameters");
@@ -137,14 +137,14 @@ struct Signature<R(WINAPI*)(Arguments...)> {
     }
 
   private:
-    template <size_t... i>
+    template<size_t... i>
     static constexpr Parameters parameters([[maybe_unused]] std::string_view function,
                                            [[maybe_unused]] std::string_view names,
                                            std::index_sequence<i...>) {
         return {parameter<Arguments>(function, word(names, i))...};
     }
 
-    template <typename T>
+    template<typename T>
     static T argument(const Value& value) {
         if constexpr (std::is_same_v<T, double>)
             return value.real;
@@ -154,7 +154,7 @@ struct Signature<R(WINAPI*)(Arguments...)> {
             return static_cast<T>(value.number);
     }
 
-    template <size_t... i>
+    template<size_t... i>
     static Value call(R(WINAPI* function)(Arguments...), [[maybe_unused]] const Value* arguments,
                       std::index_sequence<i...>) {
         if constexpr (std::is_void_v<R>) {

@@ -93,13 +93,13 @@ bool refuse() {
     return true;
 }
 
-template <typename Block>
+template<typename Block>
 Block counted(Block block) {
     watch.blocks += block != nullptr;
     return block;
 }
 
-template <typename Function>
+template<typename Function>
 void replace(const char* module, const char* name, Function function) {
     watch.patches.push_back(
         std::make_unique<ImportPatch>(module, name, reinterpret_cast<void*>(function)));

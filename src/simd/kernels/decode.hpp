@@ -184,14 +184,13 @@ struct DecodeKernels {
     template<typename Convert>
     [[gnu::always_inline]] static void each_pixels(uint8_t* bgr, size_t pixels,
                                                    const Convert& convert) {
-        size_t i = 0;
-        for (; i + V::size <= pixels; i += V::size)
-            convert(i, bgr + 3 * i);
-        if (i == pixels)
-            return;
         uint8_t rest[3 * V::size];
-        convert(i, rest);
-        std::memcpy(bgr + 3 * i, rest, 3 * (pixels - i));
+        for (size_t i = 0; i < pixels; i += V::size) {
+            const bool whole = pixels - i >= V::size;
+            convert(i, whole ? bgr + 3 * i : rest);
+            if (!whole)
+                std::memcpy(bgr + 3 * i, rest, 3 * (pixels - i));
+        }
     }
 };
 

@@ -12,7 +12,7 @@ struct FilterKernels {
     using Halves = typename V::Halves;
 
     static Halves widened(const uint8_t* from) {
-        const Register v = V::load(from);
+        const Register v = V::load_once(from);
         return {V::widen_low8(v), V::widen_high8(v)};
     }
     static Halves sum(const Halves& a, const Halves& b) {

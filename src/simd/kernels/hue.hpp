@@ -26,6 +26,14 @@ struct HueKernels {
     using Register = typename V::Register;
     using Planes = typename V::Planes;
 
+    static Register is_short(Register hue) {
+        Register found = V::zero();
+#pragma GCC unroll 8
+        for (int degrees : short_hues)
+            found = V::either(found, V::equal16(hue, V::all16(degrees)));
+        return found;
+    }
+
     // Degrees, less 360 where red is largest and blue above green. The spread is not 0; where the
     // difference counts downwards, negative is -1.
     static Register hue(Register difference, Register spread, Register base, Register negative) {
@@ -36,7 +44,7 @@ struct HueKernels {
         const Register down = V::but_not(negative, V::either(whole, V::equal16(base, V::all16(0))));
         const Register away = V::add16(V::sub16(V::differing(degrees, negative), negative), down);
         const Register hue = V::add16(base, away);
-        return V::add16(hue, V::both(whole, V::equal_any16(hue, short_hues)));
+        return V::add16(hue, V::both(whole, is_short(hue)));
     }
 
     struct Position {
@@ -55,6 +63,7 @@ struct HueKernels {
     // -1 where that falls short.
     static Register short8(Register within, Register spread) {
         Register found = V::zero();
+#pragma GCC unroll 8
         for (const ShortPart& part : short_parts)
             found = V::either(found, V::both(V::equal8(within, V::all8(part.within)),
                                              V::equal8(spread, V::all8(part.spread))));

@@ -8,17 +8,24 @@
 namespace kirvo {
 namespace {
 
+// Each helper calls its block in one place only, so that the compiler inlines it and takes what stays
+// the same out of the loop.
+
 // Calls block(to, from) for every `step` bytes; `to` may be `from`. The rest goes through a buffer.
 template<size_t step, typename F>
 [[gnu::always_inline]] inline void each_block(uint8_t* to, const uint8_t* from, size_t bytes,
                                               const F& block) {
-    for (; bytes >= step; bytes -= step, to += step, from += step)
-        block(to, from);
-    if (bytes != 0) {
-        uint8_t rest[step] = {};
-        std::memcpy(rest, from, bytes);
-        block(rest, rest);
-        std::memcpy(to, rest, bytes);
+    uint8_t rest[step];
+    for (; bytes != 0; to += step, from += step) {
+        const bool whole = bytes >= step;
+        if (!whole)
+            std::memcpy(rest, from, bytes);
+        block(whole ? to : rest, whole ? from : rest);
+        if (!whole) {
+            std::memcpy(to, rest, bytes);
+            break;
+        }
+        bytes -= step;
     }
 }
 
@@ -28,11 +35,8 @@ template<size_t step, typename F>
 [[gnu::always_inline]] inline bool each_step(size_t count, const F& block) {
     if (count < step)
         return false;
-    size_t i = 0;
-    for (; i + step <= count; i += step)
-        block(i);
-    if (i != count)
-        block(count - step);
+    for (size_t i = 0; i < count; i += step)
+        block(i + step <= count ? i : count - step);
     return true;
 }
 

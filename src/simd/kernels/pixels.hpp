@@ -103,17 +103,19 @@ struct PixelKernels {
     template<int from_bytes, int to_bytes>
     static void convert(const uint8_t* from, uint8_t* to, size_t pixels, const PixelMoves& moves) {
         const Moves moved(moves);
-        const auto block = [&](const uint8_t* in, uint8_t* out) {
-            V::template store_row<to_bytes>(out, moved(V::template load_row<from_bytes>(in)));
-        };
         constexpr size_t step = V::words;
-        for (; pixels >= step; pixels -= step, from += step * from_bytes, to += step * to_bytes)
-            block(from, to);
-        if (pixels != 0) {
-            uint8_t in[step * from_bytes] = {}, out[step * to_bytes];
-            std::memcpy(in, from, pixels * from_bytes);
-            block(in, out);
-            std::memcpy(to, out, pixels * to_bytes);
+        uint8_t last_in[step * from_bytes], last_out[step * to_bytes];
+        for (; pixels != 0; from += step * from_bytes, to += step * to_bytes) {
+            const bool whole = pixels >= step;
+            if (!whole)
+                std::memcpy(last_in, from, pixels * from_bytes);
+            const Register words = V::template load_row<from_bytes>(whole ? from : last_in);
+            V::template store_row<to_bytes>(whole ? to : last_out, moved(words));
+            if (!whole) {
+                std::memcpy(to, last_out, pixels * to_bytes);
+                break;
+            }
+            pixels -= step;
         }
     }
 };

@@ -53,9 +53,9 @@ TEST(ProgressMessages, PassesShareTheHundredAndTheLastValueSent) {
     Progress progress;
     progress.start();
     for (int i = 0; i < 4; ++i)
-        progress.step(i, 4, 0, 30);
+        progress.step(i, 4, {0, 30});
     for (int i = 0; i < 4; ++i)
-        progress.step(i, 4, 30, 70);
+        progress.step(i, 4, {30, 70});
     progress.finish();
     // 0 7 15 22 | 30 47 65 82
     EXPECT_EQ(recorder.percents(), (std::vector{0, 7, 15, 22, 30, 47, 65, 82, 100}));

@@ -27,7 +27,6 @@ const Member members[] = {
     {kirvo::DibCheckRect24or32, {24, 32}, Status::needs_24_32},
     {kirvo::DibCheckRect16to32, {16, 24, 32}, Status::needs_16_24_32},
     {kirvo::DibCheckRect8to32, {8, 16, 24, 32}, Status::needs_8_16_24_32},
-    {kirvo::DibCheckRect8_24_32, {8, 24, 32}, Status::needs_8_24_32},
 };
 
 Status run(Check check, HGLOBAL handle, const Rect& rect,

@@ -37,7 +37,7 @@ class DecodeWithoutMemory : public testing::TestWithParam<bool> {
 
 // Runs an operation with the first, second, ... allocation failing until it succeeds; returns how
 // often it failed. Comments that find no memory are counted only, and fail nothing.
-template <typename Operation>
+template<typename Operation>
 int failures_until_success(Operation operation, int expected_error) {
     for (int n = 1;; ++n) {
         kirvo::fail_allocation(static_cast<uint32_t>(n));

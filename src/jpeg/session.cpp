@@ -1,4 +1,4 @@
-#include "jpeg/tables.hpp"
+#include "jpeg/session.hpp"
 
 namespace kirvo {
 
@@ -39,9 +39,16 @@ constexpr QuantisationSlot ones() {
     return slot;
 }
 
+constexpr QuantisationSlots first_slots = {halved(luminance_example), halved(chrominance_example),
+                                           ones(), ones()};
+
+// These begin as zeros. Inside the session, which does not, they would have them all stored in the
+// library's file.
+constinit Encoder encoder;
+constinit DecodeBuffers decode_buffers = {};
+
 } // namespace
 
-constinit std::array<QuantisationSlot, 4> quantisation_slots = {
-    halved(luminance_example), halved(chrominance_example), ones(), ones()};
+constinit Session session = {first_slots, {}, encoder, {session.slots, decode_buffers}};
 
 } // namespace kirvo
