@@ -70,8 +70,7 @@ endif()
 # Every kernel at every level: tests/kernels.
 file(GLOB kernel_test_sources CONFIGURE_DEPENDS tests/kernels/*.cpp)
 add_executable(kirvo_kernel_tests ${kernel_test_sources})
-target_compile_options(kirvo_kernel_tests PRIVATE ${KIRVO_TEST_FLAGS})
-target_precompile_headers(kirvo_kernel_tests REUSE_FROM kirvo_internal_test_support)
+target_compile_options(kirvo_kernel_tests PRIVATE -O2 -Wall -Wextra)
 target_link_libraries(kirvo_kernel_tests PRIVATE kirvo_internal_test_support)
 add_test(NAME kirvo_kernel_tests
          COMMAND kirvo_kernel_tests --gtest_brief=1
