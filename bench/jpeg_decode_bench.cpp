@@ -45,8 +45,6 @@ const Row ours_444("jpeg/decode 4:4:4/ours", [] { return ours(Jpeg::s444); });
 const Row turbo_444("jpeg/decode 4:4:4/libjpeg-turbo", [] { return turbo(Jpeg::s444); });
 const Row ours_440("jpeg/decode 4:4:0/ours", [] { return ours(Jpeg::s440); });
 const Row turbo_440("jpeg/decode 4:4:0/libjpeg-turbo", [] { return turbo(Jpeg::s440); });
-const Row ours_411("jpeg/decode 4:1:1/ours", [] { return ours(Jpeg::s411); });
-const Row turbo_411("jpeg/decode 4:1:1/libjpeg-turbo", [] { return turbo(Jpeg::s411); });
 const Row ours_grey("jpeg/decode grey/ours", [] { return ours(Jpeg::grey); });
 const Row turbo_grey("jpeg/decode grey/libjpeg-turbo", [] { return turbo(Jpeg::grey); });
 const Row ours_progressive("jpeg/decode progressive/ours", [] { return ours(Jpeg::progressive); });

@@ -21,21 +21,32 @@ struct Operation {
 const int32_t &w = photo_width, &h = photo_height;
 
 // A function that makes an image of the whole photo.
-template<auto function, auto... values> void make(HGLOBAL dib) {
+template<auto function, auto... values>
+void make(HGLOBAL dib) {
     GlobalFree(function(dib, 0, 0, w, h, values..., nullptr));
 }
-template<auto convert> void reduce(HGLOBAL dib) { GlobalFree(convert(dib, nullptr)); }
+template<auto convert>
+void reduce(HGLOBAL dib) {
+    GlobalFree(convert(dib, nullptr));
+}
 // One that changes it.
-template<auto function> void change(HGLOBAL dib) { function(dib, 0, 0, w, h); }
+template<auto function>
+void change(HGLOBAL dib) {
+    function(dib, 0, 0, w, h);
+}
 
-template<int thousandths, int smooth> void zoom(HGLOBAL dib) {
+template<int thousandths, int smooth>
+void zoom(HGLOBAL dib) {
     GlobalFree(Dib24ZoomEx2(dib, 0, 0, w, h, w * thousandths / 1000, h * thousandths / 1000,
                             nullptr, smooth));
 }
 
-int bits_of(HGLOBAL dib) { return DibQueryBitCount(dib); }
+int bits_of(HGLOBAL dib) {
+    return DibQueryBitCount(dib);
+}
 
-template<int mode> void compose(HGLOBAL dib) {
+template<int mode>
+void compose(HGLOBAL dib) {
     SetKeyColorDib24Add(0x123456);
     Dib24Add(dib, 0, 0, photo_of(bits_of(dib)), 0, 0, w, h, mode);
 }
@@ -57,7 +68,8 @@ void colours(HGLOBAL dib) {
     DibCountColors(dib, &count);
 }
 
-template<int factor> void kernel(HGLOBAL dib) {
+template<int factor>
+void kernel(HGLOBAL dib) {
     SetFilter3x3(-factor, -2, 3, 4, 20 * factor, -4, 3, -2, -factor, 18 * factor);
     make<DibFilter3x3>(dib);
 }
@@ -69,11 +81,14 @@ void map(HGLOBAL dib) {
     GlobalFree(DibColorMapEx(dib, 0, 0, w, h, table, nullptr));
 }
 
-template<int luminance> void darkest(HGLOBAL dib) {
+template<int luminance>
+void darkest(HGLOBAL dib) {
     make<DibBlockMxM, 2, 0, luminance>(dib);
 }
 
-constexpr uint32_t pair(uint32_t low, uint32_t high) { return low | high << 16; }
+constexpr uint32_t pair(uint32_t low, uint32_t high) {
+    return low | high << 16;
+}
 
 void keep_hues(HGLOBAL dib) {
     make<Dib24FilterEx, pair(0x202, 20), pair(140, 1), 0u, 0u, 0u>(dib);
@@ -88,9 +103,9 @@ void interleave(HGLOBAL dib) {
 
 const Operation operations[] = {
     {"copy/duplicate", {8, 16, 32}, make<Dib24DupEx>},
-    {"copy/copy", {8, 24}, [](HGLOBAL dib) {
-         Dib24CopyEx(dib, 0, 0, photo_of(bits_of(dib)), 0, 0, w, h);
-     }},
+    {"copy/copy",
+     {8, 24},
+     [](HGLOBAL dib) { Dib24CopyEx(dib, 0, 0, photo_of(bits_of(dib)), 0, 0, w, h); }},
     {"compose/add", {32}, compose<0>},
     {"compose/average", {32}, compose<1>},
     {"compose/black transparent", {32}, compose<2>},
@@ -156,7 +171,8 @@ const bool added = [] {
 }();
 
 // Pictures made from nothing.
-template<auto function, auto... colours> Work drawn() {
+template<auto function, auto... colours>
+Work drawn() {
     return [] { GlobalFree(function(w, h, 24, colours..., nullptr)); };
 }
 const Row solid("draw/solid/ours", drawn<Dib24Solid, 0x123456u>);

@@ -40,6 +40,11 @@ class Target {
 // What the case is called in messages, where it has a name.
 extern const char* current_case;
 
+// Puts back what calls leave behind for calls to come: settings, a comment for the next stream, a
+// watching window, comments read, the level of the processor. The tables that the decoder keeps
+// from stream to stream are put back by reset_decoder (jpeg.hpp).
+void stand_as_at_first();
+
 // Ends the process unless a condition holds.
 void require(bool condition, const char* what);
 

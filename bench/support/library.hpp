@@ -10,7 +10,8 @@ constexpr int most_libraries = 2;
 int library_in_use();
 
 // A block made on first use, once by each library: none takes blocks of another.
-template<typename Make> HGLOBAL kept(const Make& make) {
+template<typename Make>
+HGLOBAL kept(const Make& make) {
     static HGLOBAL made[most_libraries];
     HGLOBAL& block = made[library_in_use()];
     if (block == nullptr)

@@ -1,6 +1,6 @@
 // Runs our rows on two builds of the library in turns:
 //
-//     kirvo_compare OLD.so NEW.so [--megapixels 12|1] [--turns N] [PATTERN]
+//     kirvo_compare OLD.so NEW.so [--megapixels 12|1] [--rounds N] [PATTERN]
 //
 // PATTERN is a regular expression that a row's name has to contain.
 #include "support/lazy_work.hpp"
@@ -15,6 +15,7 @@
 #include <malloc.h>
 #include <regex>
 #include <string>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
@@ -54,27 +55,70 @@ double time_of(const Work& work, int runs) {
     return (now() - start) / runs;
 }
 
-// Both libraries take short turns, each first in every second round. What is compared is the two
-// turns of a round, between which the machine changes least.
-void measure(Measured& row, int rounds) {
-    constexpr double shortest_turn = 20;
-    const Work* works[2];
+struct Round {
+    double milliseconds[2];
+};
+
+// The libraries take short turns, each first in every second round.
+std::vector<Round> rounds_of(LazyWork& row, int count, int first) {
+    constexpr double shortest_turn = 10;
     double once = 0;
-    for (const int library : {0, 1}) {
+    for (const int library : {first, 1 - first}) {
         use_library(library);
-        works[library] = &row.work.get();
-        (*works[library])(); // the memory of all results has been used before
-        once = time_of(*works[library], 1);
+        const Work& work = row.get();
+        work(); // the memory of all results has been used before
+        once = time_of(work, 1);
     }
     const int runs = std::max(1, static_cast<int>(shortest_turn / once));
-    std::vector<double> times[2], ratios;
-    for (int round = 0; round < rounds; ++round) {
-        for (const int turn : {0, 1}) {
-            const int library = (round + turn) % 2;
+    std::vector<Round> rounds(static_cast<size_t>(count));
+    for (Round& round : rounds) {
+        for (const int library : {first, 1 - first}) {
             use_library(library);
-            times[library].push_back(time_of(*works[library], runs));
+            round.milliseconds[library] = time_of(row.get(), runs);
         }
-        ratios.push_back(times[0].back() / times[1].back());
+        first = 1 - first;
+    }
+    return rounds;
+}
+
+[[noreturn]] void give_up(const char* what) {
+    std::fprintf(stderr, "%s\n", what);
+    std::exit(1);
+}
+
+// In a process of its own, whose blocks lie elsewhere in the machine's memory than those of the
+// next: where they lie is a matter of luck and changes times by several per cent.
+void add_session(std::vector<Round>& rounds, LazyWork& row, int count, int first) {
+    int ends[2];
+    if (pipe(ends) != 0)
+        give_up("no pipe");
+    const pid_t child = fork();
+    if (child == 0) {
+        const std::vector<Round> own = rounds_of(row, count, first);
+        const size_t bytes = own.size() * sizeof(Round);
+        _exit(write(ends[1], own.data(), bytes) == static_cast<ssize_t>(bytes) ? 0 : 1);
+    }
+    close(ends[1]);
+    Round round;
+    while (read(ends[0], &round, sizeof round) == static_cast<ssize_t>(sizeof round))
+        rounds.push_back(round);
+    close(ends[0]);
+    int status;
+    if (child < 0 || waitpid(child, &status, 0) != child || status != 0)
+        give_up("a row ended early");
+}
+
+// What is compared is the two turns of a round, between which the machine changes least.
+void measure(Measured& row, int rounds_each) {
+    constexpr int sessions = 6;
+    std::vector<Round> rounds;
+    for (int i = 0; i < sessions; ++i)
+        add_session(rounds, row.work, rounds_each, i % 2);
+    std::vector<double> times[2], ratios;
+    for (const Round& round : rounds) {
+        for (const int library : {0, 1})
+            times[library].push_back(round.milliseconds[library]);
+        ratios.push_back(round.milliseconds[0] / round.milliseconds[1]);
     }
     for (const int library : {0, 1})
         row.milliseconds[library] = median(times[library]);
@@ -106,16 +150,16 @@ int main(int argc, char** argv) {
     using namespace kirvo_bench;
     if (argc < 3) {
         std::fprintf(stderr,
-                     "kirvo_compare OLD.so NEW.so [--megapixels 12|1] [--turns N] [PATTERN]\n");
+                     "kirvo_compare OLD.so NEW.so [--megapixels 12|1] [--rounds N] [PATTERN]\n");
         return 2;
     }
-    int rounds = 15;
+    int rounds = 6; // of each of six processes
     std::string pattern;
     for (int i = 3; i < argc; ++i) {
         const std::string argument = argv[i];
         if (argument == "--megapixels" && i + 1 < argc)
             set_photo_megapixels(std::atoi(argv[++i]));
-        else if (argument == "--turns" && i + 1 < argc)
+        else if (argument == "--rounds" && i + 1 < argc)
             rounds = std::max(1, std::atoi(argv[++i]));
         else
             pattern = argument;
@@ -123,6 +167,7 @@ int main(int argc, char** argv) {
     mallopt(M_MMAP_MAX, 0); // used memory stays with the process
     mallopt(M_TRIM_THRESHOLD, INT_MAX);
     load_libraries(argv[1], argv[2]);
+    photo_bgr(); // which all processes share
     const std::regex wanted(pattern);
     std::vector<const Measured*> measured;
     for (Measured& row : all_rows()) {

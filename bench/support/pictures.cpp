@@ -20,11 +20,15 @@ void set_photo_megapixels(int megapixels) {
     photo_height = megapixels == 1 ? 1024 : 3000;
 }
 
-double photo_megapixels() { return photo_width / 1e6 * photo_height; }
+double photo_megapixels() {
+    return photo_width / 1e6 * photo_height;
+}
 
 namespace {
 
-size_t bgr_stride() { return size_t{3} * static_cast<size_t>(photo_width); }
+size_t bgr_stride() {
+    return size_t{3} * static_cast<size_t>(photo_width);
+}
 
 // Copies rows given from the top into a new packed DIB, bottom row first.
 HGLOBAL make_dib(const std::vector<uint8_t>& rows, int bits) {
@@ -43,8 +47,8 @@ HGLOBAL make_dib(const std::vector<uint8_t>& rows, int bits) {
 }
 
 std::vector<uint8_t> encode(Jpeg kind) {
-    static constexpr int samplings[] = {TJSAMP_420, TJSAMP_422,  TJSAMP_444, TJSAMP_440,
-                                        TJSAMP_411, TJSAMP_GRAY, TJSAMP_420};
+    static constexpr int samplings[] = {TJSAMP_420, TJSAMP_422,  TJSAMP_444,
+                                        TJSAMP_440, TJSAMP_GRAY, TJSAMP_420};
     const int sampling = samplings[static_cast<int>(kind)];
     const int flags = kind == Jpeg::progressive ? TJFLAG_PROGRESSIVE : 0;
     unsigned char* bytes = nullptr;
@@ -90,7 +94,9 @@ HGLOBAL photo_dib() {
     return kept([] { return make_dib(photo_bgr(), 24); });
 }
 
-HGLOBAL scratch_dib() { return scratch_of(24); }
+HGLOBAL scratch_dib() {
+    return scratch_of(24);
+}
 
 HGLOBAL grey_dib() {
     return kept([] { return make_dib(photo_grey(), 8); });
@@ -109,19 +115,21 @@ HGLOBAL photo_of(int bits) {
     }
 }
 
-template<int bits> HGLOBAL scratch() {
-    return kept([] {
-        return Dib24DupEx(photo_of(bits), 0, 0, photo_width, photo_height, nullptr);
-    });
+template<int bits>
+HGLOBAL scratch() {
+    return kept(
+        [] { return Dib24DupEx(photo_of(bits), 0, 0, photo_width, photo_height, nullptr); });
 }
 
 HGLOBAL scratch_of(int bits) {
-    return bits == 8 ? scratch<8>() : bits == 16 ? scratch<16>() : bits == 32 ? scratch<32>()
-                                                                              : scratch<24>();
+    return bits == 8    ? scratch<8>()
+           : bits == 16 ? scratch<16>()
+           : bits == 32 ? scratch<32>()
+                        : scratch<24>();
 }
 
 const std::vector<uint8_t>& photo_jpeg(Jpeg kind) {
-    static std::vector<uint8_t> streams[7];
+    static std::vector<uint8_t> streams[6];
     std::vector<uint8_t>& stream = streams[static_cast<int>(kind)];
     if (stream.empty())
         stream = encode(kind);

@@ -26,7 +26,7 @@ const std::vector<uint8_t>& photo_bgr();
 const std::vector<uint8_t>& photo_grey();
 
 // JPEG streams of quality 75 made by libjpeg-turbo; 4:2:0 has about 2 bits a pixel.
-enum class Jpeg { s420, s422, s444, s440, s411, grey, progressive };
+enum class Jpeg { s420, s422, s444, s440, grey, progressive };
 const std::vector<uint8_t>& photo_jpeg(Jpeg kind);
 
 } // namespace kirvo_bench

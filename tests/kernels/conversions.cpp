@@ -10,9 +10,7 @@ namespace kirvo_test {
 
 namespace {
 
-uint32_t low_bits(size_t bytes) {
-    return static_cast<uint32_t>((uint64_t{1} << 8 * bytes) - 1);
-}
+uint32_t low_bits(size_t bytes) { return static_cast<uint32_t>((uint64_t{1} << 8 * bytes) - 1); }
 
 // A field that moves some bits of the source's pixel to bits that the result's pixel has.
 FieldMove any_move(Random& random, size_t from_bytes, size_t to_bytes) {

@@ -11,13 +11,9 @@ namespace kirvo_test {
 
 namespace {
 
-constexpr size_t rounded_up(size_t count) {
-    return (count + 63) / 64 * 64;
-}
+constexpr size_t rounded_up(size_t count) { return (count + 63) / 64 * 64; }
 
-uint8_t clamped(double value) {
-    return static_cast<uint8_t>(std::clamp(value, 0.0, 255.0));
-}
+uint8_t clamped(double value) { return static_cast<uint8_t>(std::clamp(value, 0.0, 255.0)); }
 
 // cos(k pi / 16) in units of 2^-15, rounded down, as the transform has it; 1 / sqrt(2) for the
 // mean.
@@ -28,13 +24,7 @@ int64_t factor(int x, int u) {
 }
 
 // Sums wrap at 32 bits.
-int64_t wrapped(int64_t value) {
-    return static_cast<int32_t>(static_cast<uint32_t>(value));
-}
-// A quotient by 2^bits, rounded down.
-int64_t halved(int64_t value, int bits) {
-    return static_cast<int64_t>(std::floor(std::ldexp(static_cast<double>(value), -bits)));
-}
+int64_t wrapped(int64_t value) { return static_cast<int32_t>(static_cast<uint32_t>(value)); }
 
 // A block's coefficients stand by pairs of horizontal frequencies, 0 and 4, 2 and 6, 1 and 3, 5
 // and 7; in each there are pairs of coefficients, one for each vertical frequency in this order.
@@ -60,7 +50,7 @@ void transform_plainly(const int16_t* block, int32_t, int16_t* samples, ptrdiff_
             int64_t sum = 0;
             for (size_t u = 0; u < 8; ++u)
                 sum += 8 * block[place_of(v, u)] * factors[x][u];
-            rows[v][x] = halved(wrapped(sum), 16);
+            rows[v][x] = wrapped(sum) >> 16;
         }
     for (size_t y = 0; y < 8; ++y)
         for (size_t x = 0; x < 8; ++x) {
@@ -68,7 +58,7 @@ void transform_plainly(const int16_t* block, int32_t, int16_t* samples, ptrdiff_
             for (size_t v = 0; v < 8; ++v)
                 sum += rows[v][x] * factors[y][v];
             samples[static_cast<ptrdiff_t>(y) * stride + static_cast<ptrdiff_t>(x)] =
-                static_cast<int16_t>(halved(wrapped(sum), 19));
+                static_cast<int16_t>(wrapped(sum) >> 19);
         }
 }
 

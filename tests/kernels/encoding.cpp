@@ -1,6 +1,6 @@
 // Pixels to samples, samples to quantised coefficients.
+#include "jpeg/quantiser.hpp"
 #include "kernels/cases.hpp"
-#include "kernels/quantiser.hpp"
 #include "kernels/zigzag.hpp"
 
 #include <cmath>
@@ -13,13 +13,9 @@ namespace kirvo_test {
 
 namespace {
 
-constexpr size_t rounded_up(size_t count) {
-    return (count + 63) / 64 * 64;
-}
+constexpr size_t rounded_up(size_t count) { return (count + 63) / 64 * 64; }
 
-double floor_of(double numerator, double divisor) {
-    return std::floor(numerator / divisor);
-}
+double floor_of(double numerator, double divisor) { return std::floor(numerator / divisor); }
 
 struct Planes {
     int8_t *y, *cb, *cr;
@@ -34,11 +30,6 @@ int64_t factor(int u, int x) {
     const double pi = std::acos(-1.0);
     const double cosine = u == 0 ? std::cos(pi / 4) : std::cos((2 * x + 1) * u * pi / 16);
     return static_cast<int64_t>(cosine * 32767 + (cosine < 0 ? -1e-6 : 1e-6));
-}
-
-// A number over 2^bits, rounded down.
-int64_t floor_shift(int64_t value, int bits) {
-    return static_cast<int64_t>(std::floor(std::ldexp(static_cast<double>(value), -bits)));
 }
 
 // Rows, then columns, each output as one sum of products.
@@ -56,20 +47,23 @@ void forward_dct(const int8_t* samples, ptrdiff_t stride, int64_t (&out)[8][8]) 
             int64_t sum = 0;
             for (size_t x = 0; x < 8; ++x)
                 sum += factors[u][x] * samples[y * stride + static_cast<ptrdiff_t>(x)];
-            rows[y][u] = floor_shift(sum, 13);
+            rows[y][u] = sum >> 13;
         }
     for (size_t v = 0; v < 8; ++v)
         for (size_t u = 0; u < 8; ++u) {
             int64_t sum = 1 << 18;
             for (size_t y = 0; y < 8; ++y)
                 sum += factors[v][y] * rows[y][u];
-            out[v][u] = floor_shift(sum, 19);
+            out[v][u] = sum >> 19;
         }
 }
 
 // Half away from zero; 0 for a coefficient that is not coded.
 int64_t quantised(int64_t coefficient, int divisor) {
-    return divisor == 0 ? 0 : std::llround(static_cast<double>(coefficient) / divisor);
+    if (divisor == 0)
+        return 0;
+    const int64_t quotient = (std::abs(coefficient) + divisor / 2) / divisor;
+    return coefficient < 0 ? -quotient : quotient;
 }
 
 void code_block(const int8_t* samples, ptrdiff_t stride, const Quantiser& quantiser,
@@ -113,6 +107,12 @@ int8_t* any_samples(Trial& trial, size_t count) {
         for (size_t i = 0; i < count; ++i)
             samples[i] = static_cast<int8_t>(trial.random.between(-3, 3));
     return samples;
+}
+
+Quantiser make_quantiser(const uint8_t* table, int32_t count) {
+    Quantiser quantiser;
+    set_quantiser(quantiser, table, count);
+    return quantiser;
 }
 
 Quantiser any_quantiser(Random& random) {

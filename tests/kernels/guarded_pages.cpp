@@ -18,9 +18,7 @@ constexpr size_t page = 4096;
 void* take(size_t bytes) {
     return VirtualAlloc(nullptr, bytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
 }
-void give_back(void* memory, size_t) {
-    VirtualFree(memory, 0, MEM_RELEASE);
-}
+void give_back(void* memory, size_t) { VirtualFree(memory, 0, MEM_RELEASE); }
 void forbid(void* place) {
     DWORD before;
     if (!VirtualProtect(place, page, PAGE_NOACCESS, &before))
@@ -31,9 +29,7 @@ void* take(size_t bytes) {
     void* memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     return memory == MAP_FAILED ? nullptr : memory;
 }
-void give_back(void* memory, size_t bytes) {
-    munmap(memory, bytes);
-}
+void give_back(void* memory, size_t bytes) { munmap(memory, bytes); }
 void forbid(void* place) {
     if (mprotect(place, page, PROT_NONE) != 0)
         std::abort();

@@ -13,9 +13,7 @@ namespace {
 
 constexpr int all_degrees = 360;
 
-Hue hue_of_pixel(const uint8_t* bgr) {
-    return hue_of(bgr[2], bgr[1], bgr[0]);
-}
+Hue hue_of_pixel(const uint8_t* bgr) { return hue_of(bgr[2], bgr[1], bgr[0]); }
 
 uint8_t* copied(Trial& trial, const std::vector<uint8_t>& pixels) {
     uint8_t* from = trial.values<uint8_t>(pixels.size(), 0, 0);

@@ -11,7 +11,7 @@ using namespace kirvo_test;
 class KernelTest : public testing::Test {
   public:
     explicit KernelTest(const AnyCase& kernel) : kernel_(kernel) {}
-    void TestBody() override { check(kernel_); }
+    void TestBody() override { check(kernel_, levels()); }
 
   private:
     const AnyCase& kernel_;

@@ -10,9 +10,7 @@ namespace kirvo_test {
 
 namespace {
 
-uint8_t clamped(int64_t value) {
-    return static_cast<uint8_t>(std::clamp<int64_t>(value, 0, 255));
-}
+uint8_t clamped(int64_t value) { return static_cast<uint8_t>(std::clamp<int64_t>(value, 0, 255)); }
 
 // Three rows with a margin of one pixel at both ends.
 struct MarginedRows {

@@ -1,10 +1,9 @@
-// Copies past the caches.
+// Which copies go past the caches.
 
 #include "image/stream.hpp"
 
 #include "image/duplicate.hpp"
 #include "internal/cpu_levels.hpp"
-#include "internal/guarded.hpp"
 #include "simd/kernels.hpp"
 #include "support/random.hpp"
 
@@ -12,25 +11,6 @@
 
 using namespace kirvo;
 using namespace kirvo_test;
-
-namespace {
-
-size_t random_place(Random& random) {
-    return static_cast<size_t>(random.between(0, 63));
-}
-
-} // namespace
-
-TEST(Stream, AnyCountBetweenAnyPlaces) {
-    Random random(1);
-    for (size_t count = 0; count < 400; ++count) {
-        Guarded from(count, random_place(random)), to(count, random_place(random));
-        random.fill(from.data(), count);
-        kernels().copy_past_caches(to.data(), from.data(), count);
-        ASSERT_EQ(to.content(), from.content()) << count;
-        ASSERT_TRUE(to.intact()) << count;
-    }
-}
 
 TEST(Stream, OnlyLongRunsOfLargeResultsGoPastTheCaches) {
     constexpr size_t large = 16 << 20;
