@@ -102,7 +102,7 @@ typedef enum KirvoFilesStatus {
     KIRVO_FILES_CLAIM_TOO_LARGE = -117,
     /** The format is not one that is written, or the name does not tell a format. */
     KIRVO_FILES_NOT_WRITTEN = -118,
-    /** The format has no room for a picture this large. */
+    /** The format has no room for a picture this large; or a file of 2 GB or more. */
     KIRVO_FILES_TOO_LARGE = -119,
     /** The picture does not become so small as was asked for. */
     KIRVO_FILES_SIZE_LIMIT = -120,
@@ -225,8 +225,8 @@ typedef struct KirvoFilesOpenOptions {
  *  bits are 0x00FF0000, 0x0000FF00 and 0x000000FF; the top byte is alpha (255 opaque, not
  *  multiplied into the colours) or 0. Without that flag alpha is laid over the background: of true
  *  colour the result has 24 bits; a transparent entry of a palette becomes the mixed colour.
- *  More than 8 bits of a channel are reduced to 8; CMYK becomes RGB without a profile. A note tells
- *  each of these.
+ *  Icons and cursors have 24 bits, or 32 with their alpha or mask under that flag. More than 8 bits
+ * of a channel are reduced to 8; CMYK becomes RGB without a profile. A note tells each of these.
  *
  *  A baseline JPEG that Kirvo's decoder is made for is decoded by it, every other by libjpeg-turbo
  *  or the system. A picture that ends early or is damaged is refused with
@@ -246,7 +246,8 @@ typedef struct KirvoFilesOpenOptions {
  *          #KIRVO_FILES_CANNOT_OPEN; #KIRVO_FILES_READ_ERROR; #KIRVO_FILES_EMPTY;
  *          #KIRVO_FILES_NOT_A_PICTURE; #KIRVO_FILES_ENDS_EARLY; #KIRVO_FILES_DAMAGED;
  *          #KIRVO_FILES_UNSUPPORTED; #KIRVO_FILES_NO_CODEC; #KIRVO_FILES_CLAIM_TOO_LARGE;
- *          #KIRVO_FILES_NO_FRAME; #KIRVO_FILES_ABANDONED */
+ *          #KIRVO_FILES_NO_FRAME; #KIRVO_FILES_TOO_LARGE for a file of 2 GB and more;
+ *          #KIRVO_FILES_ABANDONED */
 KIRVO_FILES_API int32_t WINAPI KirvoFilesOpen(const char* name,
                                               const KirvoFilesOpenOptions* options, HGLOBAL* dib,
                                               KirvoFile* file);
@@ -330,7 +331,7 @@ typedef struct KirvoFilesDescription {
     uint32_t sampleAcross; /**< JPEG: luma samples for a chroma sample across: 1, 2 or 4 */
     uint32_t sampleDown;   /**< JPEG: likewise down */
     uint32_t fileBytes;    /**< bytes of the file */
-    uint32_t wholeRows;    /**< rows that are good, from the top of the file's picture */
+    uint32_t wholeRows;    /**< rows that are good, in the order that the file stores them */
     uint32_t notes;        /**< number of notes */
     double dpiAcross;      /**< dots an inch across */
     double dpiDown;        /**< dots an inch down */
@@ -416,6 +417,18 @@ typedef enum KirvoFilesDataKind {
  *  @return how many there are; 0 for none */
 KIRVO_FILES_API uint32_t WINAPI KirvoFilesData(KirvoFile file, int32_t kind, void* bytes,
                                                uint32_t capacity);
+
+/** Gives a file's metadata other bytes, to be saved with a picture: EXIF, an ICC profile, XMP or a
+ *  JPEG comment.
+ *  @param[in,out] file what is known of a file; where it is null, a new one is made, which knows
+ *         nothing else
+ *  @param kind #KIRVO_FILES_DATA_EXIF, #KIRVO_FILES_DATA_ICC, #KIRVO_FILES_DATA_XMP or
+ *         #KIRVO_FILES_DATA_COMMENT
+ *  @param bytes copied; may be null with count 0
+ *  @param count number of bytes; 0 takes away what there was
+ *  @return #KIRVO_FILES_OK; #KIRVO_FILES_BAD_PARAMETER; #KIRVO_FILES_NO_MEMORY */
+KIRVO_FILES_API int32_t WINAPI KirvoFilesSetData(KirvoFile* file, int32_t kind, const void* bytes,
+                                                 uint32_t count);
 
 /** @} */
 
