@@ -49,7 +49,6 @@ void add_everywhere(Command& program) {
     program.set_version_flag("--version", long_version, "Versions, and the formats");
     program.usage = {"COMMAND [options]"};
     program.examples = {
-        "kirvo convert photo.jpg small.png --resize 50%",
         "kirvo convert *.jpg small --fit 800x800 --sharpen strong",
     };
     program.notes = "Exit codes: 0 done, 1 an input failed, 2 wrong usage, 130 interrupted.";

@@ -137,8 +137,8 @@ void convert_picture(const Conversion& conversion, const Job& job, Outcome& outc
     Picture picture = read(conversion, job, outcome);
     tell(outcome, job, picture.known.notes());
     WriteOptions writing = conversion.writing;
-    writing.replace = job.in_place();
-    if (job.in_place())
+    writing.replace = job.in_place;
+    if (job.in_place)
         writing.to = format_in_place(job, picture.known.description().format);
     save_mask(conversion, picture);
     apply_steps(conversion, job, picture);
@@ -159,7 +159,7 @@ void turn(const Conversion& conversion, const Job& job, Outcome& outcome) {
     const Watch watch("turning");
     const uint32_t flags = conversion.writing.strip ? KIRVO_FILES_STRIP : 0;
     make_folder_of(job, job.output);
-    Output output(job.output, job.in_place() || settings.force);
+    Output output(job.output, job.in_place || settings.force);
     Known known;
     int32_t status = 0;
     {
@@ -194,7 +194,7 @@ Outcome failed(const Job& job, const std::exception& error) {
 }
 
 void check_target(const Job& job) {
-    if (job.in_place() || job.is_pattern)
+    if (job.in_place || job.is_pattern)
         return;
     std::error_code error;
     if (fs::equivalent(path_of(job.input), path_of(job.output), error))

@@ -39,7 +39,7 @@ struct Job {
     size_t number = 0;
 
     bool makes_folders = false; // that the output lies in
-    bool in_place() const { return input == output && input != "-"; }
+    bool in_place = false;      // the input is replaced
 };
 
 // Made in one process and told in another.

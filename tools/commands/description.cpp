@@ -50,13 +50,20 @@ Json quantisers(const std::vector<uint8_t>& bytes) {
     return tables;
 }
 
+// Of the properties of a file those that others of its format have not.
+uint32_t worth_telling(Format format) {
+    const bool either_way_up = format == KIRVO_FILES_BMP || format == KIRVO_FILES_TARGA;
+    return ~((either_way_up ? 0u : KIRVO_FILES_TOP_DOWN) |
+             (format == KIRVO_FILES_WEBP ? 0u : KIRVO_FILES_LOSSLESS));
+}
+
 void add_numbers(Json& out, const KirvoFilesDescription& d) {
     out["width"] = d.width;
     out["height"] = d.height;
     out["bits"] = d.fileBits;
     out["channels"] = d.channels;
     for (const auto& [name, flag] : properties) {
-        if (d.flags & flag)
+        if (d.flags & flag & worth_telling(d.format))
             out[name] = true;
     }
     if (d.quality != 0)

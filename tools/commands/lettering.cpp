@@ -62,8 +62,7 @@ const char* rows_of(char letter) {
 
 } // namespace
 
-void draw_text(const Image& image, int32_t x, int32_t y, const std::string& text,
-               uint32_t colour) {
+void draw_text(const Image& image, int32_t x, int32_t y, const std::string& text, uint32_t colour) {
     for (const char letter : text) {
         if (const char* rows = rows_of(letter)) {
             for (int32_t dot = 0; dot < letter_height * 6 - 1; ++dot) {

@@ -122,13 +122,14 @@ Conversion conversion_of(const Json& json) {
 }
 
 Json as_json(const Job& job) {
-    return {{"input", job.input},   {"output", job.output}, {"is_pattern", job.is_pattern},
-            {"folder", job.folder}, {"number", job.number}, {"makes_folders", job.makes_folders}};
+    return {{"input", job.input},      {"output", job.output}, {"is_pattern", job.is_pattern},
+            {"folder", job.folder},    {"number", job.number}, {"makes_folders", job.makes_folders},
+            {"in_place", job.in_place}};
 }
 
 Job job_of(const Json& json) {
-    return {json["input"],  json["output"], json["is_pattern"],
-            json["folder"], json["number"], json["makes_folders"]};
+    return {json["input"],  json["output"],        json["is_pattern"], json["folder"],
+            json["number"], json["makes_folders"], json["in_place"]};
 }
 
 Json as_json(const Outcome& outcome) {

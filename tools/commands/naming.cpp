@@ -56,6 +56,7 @@ class Naming {
         job.input = input.name;
         job.folder = input.folder;
         job.number = number;
+        job.in_place = operands_.in_place;
         if (operands_.in_place)
             job.output = input.name;
         else if (is_pattern(operands_.output))
@@ -118,8 +119,7 @@ void check_outputs(const std::vector<Job>& jobs, const std::string& to) {
     std::map<std::string, std::string> sources;
     for (const Job& job : jobs) {
         check_writable(job.output, to);
-        if (job.in_place() && !to.empty() &&
-            format_for(job.output, to) != format_for(job.output, ""))
+        if (job.in_place && !to.empty() && format_for(job.output, to) != format_for(job.output, ""))
             throw UsageError(job.input + ": --in-place keeps a file's format; to change it, name "
                                          "an output or a folder with -o");
         const std::string target = job.is_pattern ? named_by(job.output, job, 0, 0) : job.output;
