@@ -59,6 +59,14 @@ std::vector<std::string> words_of(const Command& command, const Command& program
     return words;
 }
 
+// What a command's positionals may be.
+std::vector<std::string> operand_words(const Command& command) {
+    std::vector<std::string> words;
+    for (const Entry& entry : positionals(command))
+        words.insert(words.end(), entry.words.begin(), entry.words.end());
+    return words;
+}
+
 // Does any of a command's positionals name a file or a folder?
 bool takes(const Command& command, Kind kind) {
     const auto places = positionals(command);
@@ -102,7 +110,8 @@ std::string bash(const Command& program) {
                      each->full_name() + "' ;;\n";
         cases += "    '" + name + "')\n        case $previous in\n" +
                  bash_values(*command, program) + "        esac\n        words='" +
-                 joined(words_of(*command, program)) + "'\n        files=" +
+                 joined(words_of(*command, program)) + "'\n        operands='" +
+                 joined(operand_words(*command)) + "'\n        files=" +
                  (takes(*command, Kind::file)     ? "-f"
                   : takes(*command, Kind::folder) ? "-d"
                                                   : "") +
@@ -110,7 +119,7 @@ std::string bash(const Command& program) {
     }
     return "# bash completion for kirvo\n\n"
            "_kirvo_words() {\n"
-           "    local command=kirvo words= files= i\n"
+           "    local command=kirvo words= operands= files= i\n"
            "    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}\n"
            "    for ((i = 1; i < COMP_CWORD; ++i)); do\n"
            "        case \"$command ${COMP_WORDS[i]}\" in\n" +
@@ -119,11 +128,11 @@ std::string bash(const Command& program) {
            "    case $command in\n" +
            cases +
            "    esac\n"
-           "    if [[ $current == -* || -z $files ]]; then\n"
+           "    if [[ $current == -* || -z $files$operands ]]; then\n"
            "        compgen -W \"$words\" -- \"$current\"\n"
-           "    else\n"
-           "        compgen $files -- \"$current\"\n"
-           "    fi\n}\n\n"
+           "    fi\n"
+           "    compgen -W \"$operands\" -- \"$current\"\n"
+           "    [[ $current == -* || -z $files ]] || compgen $files -- \"$current\"\n}\n\n"
            "_kirvo() { mapfile -t COMPREPLY < <(_kirvo_words); }\n\n"
            "complete -o filenames -F _kirvo kirvo\n";
 }
@@ -276,6 +285,9 @@ std::string fish(const Command& program) {
                     " -d " + single_quoted(each->get_description()) + "\n";
         if (takes(*command, Kind::file))
             text += "complete -c kirvo -n " + single_quoted(condition) + " -F\n";
+        if (const auto words = operand_words(*command); !words.empty())
+            text += "complete -c kirvo -n " + single_quoted(condition) + " -a " +
+                    single_quoted(joined(words)) + "\n";
         if (command == &program)
             continue;
         for (const Entry& entry : options(*command))
@@ -292,7 +304,10 @@ std::string powershell(const Command& program) {
     std::string table;
     for (const Command* command : tree(program)) {
         table += "        " + single_quoted(command->full_name()) + " = " +
-                 single_quoted(joined(words_of(*command, program))) + "\n";
+                 single_quoted(joined(operand_words(*command), " ") +
+                               (operand_words(*command).empty() ? "" : " ") +
+                               joined(words_of(*command, program))) +
+                 "\n";
         for (const Entry& entry : all_options(*command, program)) {
             if (kind_of(entry) == Kind::words)
                 for (const std::string& name : entry.names)
