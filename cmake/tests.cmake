@@ -158,6 +158,9 @@ elseif(TARGET kirvo_tool AND NOT KIRVO_SANITIZE)
         string(TOLOWER ${group} name)
         add_test(NAME kirvo_tool_${name} COMMAND ${terminal} ${group} $<TARGET_FILE:kirvo_tool>)
     endforeach()
+    add_test(NAME kirvo_tool_workers
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/workers.py
+                     $<TARGET_FILE:kirvo_tool>)
     add_test(NAME kirvo_readme
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/readme.py
                      $<TARGET_FILE:kirvo_tool> $<TARGET_FILE:kirvo_sample>)

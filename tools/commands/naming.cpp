@@ -115,6 +115,13 @@ void check_operands(const Operands& operands) {
         throw UsageError("--suffix: a part of a name has no slash");
 }
 
+void check_no_folder(const std::string& name) {
+    std::error_code error;
+    if (fs::is_directory(path_of(name), error))
+        throw Failure(name, std::make_error_code(std::errc::is_a_directory).message() +
+                                "; -r takes the pictures in it");
+}
+
 void check_outputs(const std::vector<Job>& jobs, const std::string& to) {
     std::map<std::string, std::string> sources;
     for (const Job& job : jobs) {
@@ -177,8 +184,10 @@ std::vector<Job> jobs_of(const Operands& given, const std::string& to) {
     const Naming naming(operands, to);
     const std::vector<Found> found = inputs_of(operands.names, operands.recursive, operands.output);
     std::vector<Job> jobs;
-    for (const Found& input : found)
+    for (const Found& input : found) {
+        check_no_folder(input.name);
         jobs.push_back(naming.job(input, jobs.size() + 1));
+    }
     if (jobs.size() > 1 && jobs[0].output == operands.output && !jobs[0].is_pattern)
         throw UsageError("-o " + operands.output +
                          " is one file: for several name a folder, or a pattern with {name}");
