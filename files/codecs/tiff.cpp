@@ -452,15 +452,6 @@ void set_fields(const Saving& saving, TIFF* tiff) {
         TIFFSetField(tiff, TIFFTAG_XRESOLUTION, saving.options.dpi_across);
         TIFFSetField(tiff, TIFFTAG_YRESOLUTION, saving.options.dpi_down);
     }
-    if (saving.source == nullptr || saving.options.has(KIRVO_FILES_STRIP))
-        return;
-    const Known& source = *saving.source;
-    if (!source.icc.empty())
-        TIFFSetField(tiff, TIFFTAG_ICCPROFILE, static_cast<uint32_t>(source.icc.size()),
-                     source.icc.data());
-    if (!source.xmp.empty())
-        TIFFSetField(tiff, TIFFTAG_XMLPACKET, static_cast<uint32_t>(source.xmp.size()),
-                     source.xmp.data());
 }
 
 } // namespace
@@ -483,12 +474,9 @@ Status tiff_encode(Saving& saving) {
 }
 
 const char* tiff_name() {
-    static char name[40];
-    if (name[0] == 0)
-        std::sscanf(TIFFGetVersion(), "LIBTIFF, Version %20s", name + 8);
-    if (name[0] == 0)
-        std::memcpy(name, "libtiff ", 8);
-    return name;
+    static char name[40] = "libtiff ";
+    static const int read = std::sscanf(TIFFGetVersion(), "LIBTIFF, Version %20s", name + 8);
+    return read == 1 ? name : "libtiff";
 }
 
 } // namespace kirvo_files
