@@ -37,7 +37,13 @@ bool is_os2(uint32_t header_size) {
     return header_size == 12 || (header_size >= 16 && header_size < 40) || header_size == 64;
 }
 
-void read_masks(Bytes bytes, uint64_t header, Layout& layout) {
+// Some programs put the pixels where the masks should be, and mean the usual ones.
+bool masks_are_missing(Bytes bytes, const Layout& layout, uint64_t pixels_at) {
+    return pixels_at == layout.palette_at &&
+           bytes.size() < pixels_at + 12 + row_bytes(layout.width, layout.bits) * layout.height;
+}
+
+void read_masks(Bytes bytes, uint64_t header, uint64_t pixels_at, Layout& layout) {
     if (layout.compression == rgb) {
         const uint32_t* usual = nullptr;
         static const uint32_t five[] = {0x7C00, 0x03E0, 0x001F}, eight[] = {0xFF0000, 0xFF00, 0xFF};
@@ -46,6 +52,11 @@ void read_masks(Bytes bytes, uint64_t header, Layout& layout) {
         return;
     }
     const bool inner = has_inner_masks(layout.header_size);
+    if (!inner && masks_are_missing(bytes, layout, pixels_at)) {
+        static const uint32_t five[] = {0xF800, 0x07E0, 0x001F}, eight[] = {0xFF0000, 0xFF00, 0xFF};
+        std::memcpy(layout.masks, layout.bits == 16 ? five : eight, sizeof five);
+        return;
+    }
     const bool with_alpha =
         inner ? layout.header_size >= 56 : layout.compression == alpha_bitfields;
     for (uint32_t i = 0; i < (with_alpha ? 4u : 3u); ++i)
@@ -93,7 +104,7 @@ Status read_layout(Job& job, uint64_t header, uint64_t pixels_at, Layout& layout
     }
     layout.palette_at = header + size;
     if (layout.bits == 16 || layout.bits == 32)
-        read_masks(bytes, header, layout);
+        read_masks(bytes, header, pixels_at, layout);
     const bool indexed = layout.bits <= 8;
     const uint64_t most = indexed ? uint64_t{1} << layout.bits : 0;
     uint64_t entries = layout.colours;
@@ -201,7 +212,7 @@ class RunLengths {
         if (outside_)
             return job_.damaged(Text::format("runs of pixels lead out of the picture"),
                                 static_cast<uint32_t>(y_));
-        if (!done_ && y_ < layout_.height && !(y_ + 1 == layout_.height && x_ == layout_.width))
+        if (!done_ && y_ < layout_.height && !(y_ + 1 == layout_.height && x_ >= layout_.width))
             return job_.ends_early(static_cast<uint32_t>(y_), !layout_.top_down);
         return KIRVO_FILES_OK;
     }
@@ -238,7 +249,9 @@ class RunLengths {
     // The pixel in a byte of the file, or in its right half.
     void put(uint64_t from, uint32_t half) {
         if (x_ >= layout_.width || y_ >= layout_.height) {
-            outside_ |= !std::exchange(grace_, false) || x_ > layout_.width;
+            // Encoders pad rows to four bytes.
+            outside_ |= y_ >= layout_.height || x_ >= (layout_.width + 7) / 8 * 8;
+            ++x_;
             return;
         }
         uint8_t* row = job_.dib.row(place_of(layout_, y_));
@@ -254,7 +267,6 @@ class RunLengths {
             row[x / 2] = static_cast<uint8_t>(x % 2 != 0 ? row[x / 2] | index : index << 4);
         }
         ++x_;
-        grace_ = true;
     }
 
     Job& job_;
@@ -262,7 +274,6 @@ class RunLengths {
     uint64_t at_, x_ = 0, y_ = 0;
     uint32_t bits_ = 8;
     bool done_ = false, outside_ = false;
-    bool grace_ = true; // encoders pad odd rows by one pixel
 };
 
 // Rows that are there, of rows of so many bytes of which the last may lack its padding.

@@ -48,6 +48,8 @@ void png_chunk(Job& job, uint64_t at, Bytes body) {
         }
     } else if (bytes.begins("tRNS", at)) {
         known.set(KIRVO_FILES_HAS_ALPHA);
+    } else if (bytes.begins("iCCP", at)) {
+        known.text(KIRVO_FILES_TEXT_PROFILE) = Text::cleaned(body.part(0, 79));
     } else if (bytes.begins("pHYs", at) && body[8] == 1) {
         known.numbers.dpiAcross = body.be32(0) * 0.0254;
         known.numbers.dpiDown = body.be32(4) * 0.0254;
@@ -112,6 +114,7 @@ Status read_png(Job& job) {
         const uint64_t length = bytes.be32(at);
         png_chunk(job, at + 4, bytes.part(at + 8, length));
         at += 12 + length;
+        job.cut_off = at > bytes.size();
     }
     Status status;
     if (known.numbers.frames > 1 && wants_other_frame(job, status))
@@ -150,6 +153,7 @@ Status read_gif(Job& job) {
             at += uint64_t{1} + bytes[at];
         ++at;
     }
+    job.cut_off = !bytes.has(at, 1);
     known.numbers.frames = frames != 0 ? frames : 1;
     known.numbers.channels = 1;
     known.numbers.fileBits = (bytes[10] & 7u) + 1;
@@ -204,6 +208,7 @@ Status read_webp(Job& job) {
         }
         at += 8 + length + length % 2;
     }
+    job.cut_off = uint64_t{8} + bytes.le32(4) > bytes.size();
     const bool alpha = known.is(KIRVO_FILES_HAS_ALPHA);
     known.numbers.frames = frames != 0 ? frames : 1;
     known.numbers.channels = alpha ? 4 : 3;

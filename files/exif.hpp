@@ -57,7 +57,8 @@ Text profile_name(Bytes icc);
 
 // The parts of a TIFF file that EXIF would have: a block of its own. Empty when there are none.
 bool exif_of_tiff(Bytes file, uint64_t directory, Buffer& exif);
-// A TIFF file of one directory with the entries of an EXIF block added; false without memory.
-bool add_exif_to_tiff(Buffer& file, Bytes exif);
+// A TIFF file of one directory with the entries of an EXIF block added, a profile and XMP; false
+// without memory.
+bool add_to_tiff(Buffer& file, Bytes exif, Bytes icc, Bytes xmp);
 
 } // namespace kirvo_files

@@ -53,6 +53,12 @@ class Directory {
         return true;
     }
 
+    bool add_bytes(uint32_t tag, uint32_t type, Bytes bytes) {
+        const auto count = static_cast<uint32_t>(bytes.size());
+        return bytes.empty() ||
+               add_value(Tiff(out_.bytes()), TiffEntry{tag, type, count, bytes, 0});
+    }
+
     bool add_pointer(uint32_t tag, uint64_t to) {
         Buffer entry;
         return put(entry, tag, 2) && put(entry, 4, 2) && put(entry, 1, 4) &&
@@ -96,7 +102,7 @@ class Directory {
         Buffer entry, value;
         if (!value.append(given.value))
             return false;
-        if (from.little() != little_)
+        if (type_bytes(given.type) > 1 && from.little() != little_)
             swap(value, given.type);
         if (!put(entry, given.tag, 2) || !put(entry, given.type, 2) || !put(entry, given.count, 4))
             return false;
@@ -162,21 +168,23 @@ bool exif_of_tiff(Bytes file, uint64_t directory, Buffer& exif) {
     return true;
 }
 
-bool add_exif_to_tiff(Buffer& file, Bytes exif) {
-    const Tiff from(exif);
-    if (!from.good())
-        return true;
-    Directory first(file, Tiff(file.bytes()).little());
+bool add_to_tiff(Buffer& file, Bytes exif, Bytes icc, Bytes xmp) {
+    const bool little = Tiff(file.bytes()).little();
+    Directory first(file, little);
     {
         const Tiff own(file.bytes());
         if (!first.add_own(own, own.first_directory()))
             return false;
     }
-    const bool little = Tiff(file.bytes()).little();
-    const uint32_t at = from.first_directory();
-    if (!first.add(from, at, is_about_picture) ||
-        !add_inner(file, first, from, at, exif_pointer, little) ||
-        !add_inner(file, first, from, at, gps_pointer, little))
+    const Tiff from(exif);
+    if (from.good()) {
+        const uint32_t at = from.first_directory();
+        if (!first.add(from, at, is_about_picture) ||
+            !add_inner(file, first, from, at, exif_pointer, little) ||
+            !add_inner(file, first, from, at, gps_pointer, little))
+            return false;
+    }
+    if (!first.add_bytes(0x02BC, 1, xmp) || !first.add_bytes(0x8773, 7, icc))
         return false;
     const uint64_t place = first.finish();
     for (uint32_t i = 0; i < 4 && place != 0; ++i)

@@ -10,7 +10,8 @@ struct Job {
     const OpenOptions& options;
     bool headers_only;
     Known& known;
-    Dib dib; // the result
+    Dib dib;              // the result
+    bool cut_off = false; // the headers say that the file ends early
 
     // A size that the headers claim; false, with the status to answer, when the picture is not to
     // be decoded.

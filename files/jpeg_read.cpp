@@ -42,7 +42,7 @@ Status decode_broken(Job& job, const JpegHeaders& headers, const Walk& walk) {
         return status; // the caller does not want it
     if (!job.options.has(KIRVO_FILES_KIRVO_ONLY)) {
         Known unheard;
-        Job again{job.bytes, job.options, false, unheard, {}};
+        Job again{job.bytes, job.options, false, unheard, {}, false};
         unheard.numbers = job.known.numbers;
         if (decode(KIRVO_FILES_JPEG, again, &headers) == KIRVO_FILES_OK) {
             job.dib = std::move(again.dib);

@@ -216,7 +216,9 @@ Status Writer::webp() {
 // ---- the others ----
 
 Status Writer::tiff() {
-    return metadata_.exif.empty() || add_exif_to_tiff(saving_.out, metadata_.exif.bytes())
+    if (metadata_.exif.empty() && metadata_.icc.empty() && metadata_.xmp.empty())
+        return KIRVO_FILES_OK;
+    return add_to_tiff(saving_.out, metadata_.exif.bytes(), metadata_.icc, metadata_.xmp)
                ? KIRVO_FILES_OK
                : KIRVO_FILES_NO_MEMORY;
 }

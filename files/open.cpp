@@ -98,7 +98,8 @@ Status open(const char* name, const Bytes* memory, const KirvoFilesOpenOptions* 
     Status status = KIRVO_FILES_OK;
     if (memory == nullptr)
         status = read_file(name, content, *known);
-    Job job{memory != nullptr ? *memory : content.bytes(), options, headers_only, *known, {}};
+    Job job{
+        memory != nullptr ? *memory : content.bytes(), options, headers_only, *known, {}, false};
     if (status == KIRVO_FILES_OK)
         status = read_any(name, job);
     if (status == KIRVO_FILES_OK && !headers_only)

@@ -52,6 +52,9 @@ class Decoder {
         const bool alpha = (header_.color_type & 4) != 0 ||
                            (!palette && spng_get_trns(context_, &transparency) == 0);
         grey_ = (header_.color_type & 2) == 0;
+        spng_iccp profile = {};
+        if (spng_get_iccp(context_, &profile) == 0)
+            job_.known.icc.append(profile.profile, profile.profile_len);
         // The library does not make 8 bits of grey with alpha: such rows come as true colour.
         if (palette || (grey_ && !alpha && header_.bit_depth <= 8))
             return indexed();
@@ -240,9 +243,8 @@ Status png_encode(Saving& saving) {
 
 const char* png_name() {
     static char name[40];
-    if (name[0] == 0)
-        std::snprintf(name, sizeof name, "libspng %s", spng_version_string());
-    return name;
+    static const int length = std::snprintf(name, sizeof name, "libspng %s", spng_version_string());
+    return length > 0 ? name : "libspng";
 }
 
 } // namespace kirvo_files

@@ -121,6 +121,8 @@ class Decoder {
         if (one && (model_ == PHOTOMETRIC_PALETTE || model_ == PHOTOMETRIC_MINISBLACK ||
                     model_ == PHOTOMETRIC_MINISWHITE))
             return indexed();
+        if (sample_format_ == SAMPLEFORMAT_UINT && plain_samples())
+            return by_samples();
         return by_strips();
     }
 
@@ -169,6 +171,139 @@ class Decoder {
         }
     }
 
+    // Grey, RGB, palettes and CMYK of whole numbers, with or without alpha.
+    bool plain_samples() const {
+        const uint16_t colours = colour_samples();
+        return colours != 0 && samples_ >= colours && samples_ <= 8 &&
+               (bits_ == 1 || bits_ == 2 || bits_ == 4 || bits_ == 8 || bits_ == 16);
+    }
+    uint16_t colour_samples() const {
+        switch (model_) {
+        case PHOTOMETRIC_MINISBLACK:
+        case PHOTOMETRIC_MINISWHITE:
+        case PHOTOMETRIC_PALETTE:
+            return 1;
+        case PHOTOMETRIC_RGB:
+            return 3;
+        case PHOTOMETRIC_SEPARATED:
+            return 4;
+        default:
+            return 0;
+        }
+    }
+
+    Status by_samples() {
+        uint16_t extras = 0, *kinds = nullptr;
+        TIFFGetFieldDefaulted(tiff_, TIFFTAG_EXTRASAMPLES, &extras, &kinds);
+        const bool alpha = extras > 0 && kinds[0] != EXTRASAMPLE_UNSPECIFIED &&
+                           model_ != PHOTOMETRIC_SEPARATED && samples_ > colour_samples();
+        multiplied_ = alpha && kinds[0] == EXTRASAMPLE_ASSOCALPHA;
+        Raster raster(job_);
+        const bool grey = colour_samples() == 1 && model_ != PHOTOMETRIC_PALETTE;
+        const Status status = raster.make(alpha  ? Pixels::rgba
+                                          : grey ? Pixels::grey
+                                                 : Pixels::rgb,
+                                          width_, height_);
+        if (status != KIRVO_FILES_OK)
+            return status;
+        const bool tiled = TIFFIsTiled(tiff_) != 0;
+        if (tiled) {
+            TIFFGetField(tiff_, TIFFTAG_TILEWIDTH, &tile_width_);
+            TIFFGetField(tiff_, TIFFTAG_TILELENGTH, &tile_height_);
+        } else {
+            tile_width_ = width_;
+            tile_height_ = 1;
+        }
+        const auto size =
+            static_cast<uint64_t>(tiled ? TIFFTileSize(tiff_) : TIFFScanlineSize(tiff_));
+        // A band of rows, every sample of 8 bits.
+        if (tile_width_ == 0 || tile_height_ == 0 || size == 0 || !piece_.resize(size + 8) ||
+            !band_.resize(uint64_t{tile_height_} * width_ * samples_) ||
+            !line_.resize(uint64_t{4} * width_))
+            return KIRVO_FILES_NO_MEMORY;
+        for (uint32_t y = 0; y < height_; y += tile_height_) {
+            if (!read_band(y, tiled))
+                return finish(raster, broken(y));
+            for (uint32_t i = 0; i < tile_height_ && y + i < height_; ++i) {
+                convert_row(&band_[size_t{i} * width_ * samples_], alpha, grey);
+                raster.put(y + i, line_.data());
+            }
+        }
+        return finish(raster, KIRVO_FILES_OK);
+    }
+
+    bool read_band(uint32_t y, bool tiled) {
+        const uint16_t planes = planes_ == PLANARCONFIG_SEPARATE ? samples_ : uint16_t{1};
+        for (uint16_t plane = 0; plane < planes; ++plane)
+            for (uint32_t x = 0; x < width_; x += tile_width_) {
+                const bool good = read_piece(x, y, plane, tiled);
+                if (!good)
+                    return false;
+                unpack(x, planes == 1 ? samples_ : 1u, plane);
+            }
+        return true;
+    }
+
+    bool read_piece(uint32_t x, uint32_t y, uint16_t plane, bool tiled) {
+        if (tiled)
+            return TIFFReadTile(tiff_, piece_.data(), x, y, 0, plane) >= 0;
+        if (planes_ != PLANARCONFIG_SEPARATE)
+            return TIFFReadScanline(tiff_, piece_.data(), y, 0) == 1;
+        return TIFFReadEncodedStrip(tiff_, TIFFComputeStrip(tiff_, y, plane), piece_.data(),
+                                    static_cast<tmsize_t>(piece_.size())) >= 0;
+    }
+
+    // The samples of a piece into the band.
+    void unpack(uint32_t left, uint32_t count, uint32_t first) {
+        const uint64_t stride = (uint64_t{tile_width_} * count * bits_ + 7) / 8;
+        const uint32_t most = bits_ <= 8 ? (1u << bits_) - 1 : 65535;
+        const bool index = model_ == PHOTOMETRIC_PALETTE;
+        const Bytes piece = piece_.bytes();
+        for (uint32_t y = 0; y < tile_height_; ++y)
+            for (uint32_t x = 0; x < tile_width_ && left + x < width_; ++x)
+                for (uint32_t i = 0; i < count; ++i) {
+                    const uint64_t bit = (uint64_t{x} * count + i) * bits_;
+                    const uint64_t at = y * stride + bit / 8;
+                    uint32_t value;
+                    if (bits_ == 16) {
+                        uint16_t wide = 0;
+                        if (piece.has(at, 2))
+                            std::memcpy(&wide, piece.data() + at, 2);
+                        value = wide;
+                    } else {
+                        value = piece[at] >> (8 - bits_ - bit % 8) & most;
+                    }
+                    if (!index)
+                        value = (value * 255 + most / 2) / most;
+                    band_[(size_t{y} * width_ + left + x) * samples_ + first + i] =
+                        static_cast<uint8_t>(value);
+                }
+    }
+
+    void convert_row(const uint8_t* in, bool alpha, bool grey) {
+        uint16_t* map[3] = {};
+        const bool palette = model_ == PHOTOMETRIC_PALETTE &&
+                             TIFFGetField(tiff_, TIFFTAG_COLORMAP, &map[0], &map[1], &map[2]) != 0;
+        uint8_t* out = line_.data();
+        for (uint32_t x = 0; x < width_; ++x, in += samples_) {
+            const uint32_t opacity = alpha ? in[colour_samples()] : 255;
+            for (uint32_t i = 0; i < (grey && !alpha ? 1u : 3u); ++i) {
+                uint32_t value = in[colour_samples() == 1 ? 0 : i];
+                if (palette)
+                    value = map[i][value & ((1u << (bits_ & 15)) - 1)] >> 8;
+                else if (model_ == PHOTOMETRIC_MINISWHITE)
+                    value = 255 - value;
+                else if (model_ == PHOTOMETRIC_SEPARATED)
+                    value = ((255 - value) * (255u - in[3]) + 127) / 255;
+                if (multiplied_ && opacity != 0)
+                    value = (value * 255 + opacity / 2) / opacity;
+                *out++ = static_cast<uint8_t>(value < 255 ? value : 255);
+            }
+            if (alpha)
+                *out++ = static_cast<uint8_t>(opacity);
+        }
+    }
+
     // Everything else as the library's own conversion to 32 bits makes it, strip by strip.
     Status by_strips() {
         TIFFRGBAImage image = {};
@@ -185,7 +320,7 @@ class Decoder {
     }
 
     Status strips(TIFFRGBAImage& image) {
-        const bool alpha = image.alpha != 0, multiplied = image.alpha == EXTRASAMPLE_ASSOCALPHA;
+        const bool alpha = image.alpha != 0;
         Raster raster(job_);
         const Status status = raster.make(alpha ? Pixels::rgba : Pixels::rgb, width_, height_);
         if (status != KIRVO_FILES_OK)
@@ -207,7 +342,7 @@ class Decoder {
             if (TIFFRGBAImageGet(&image, words, width_, count) == 0 || stream_.words[0] != 0)
                 return finish(raster, broken(y));
             for (uint32_t i = 0; i < count; ++i) {
-                take_row(words + size_t{width_} * i, alpha, multiplied, line.data());
+                take_row(words + size_t{width_} * i, alpha, line.data());
                 raster.put(y + i, line.data());
             }
         }
@@ -220,7 +355,7 @@ class Decoder {
     }
 
     // The library multiplies alpha into colours that were not, as far as 8 bits can take it back.
-    void take_row(const uint32_t* in, bool alpha, bool, uint8_t* out) const {
+    void take_row(const uint32_t* in, bool alpha, uint8_t* out) const {
         for (uint32_t x = 0; x < width_; ++x) {
             const uint32_t pixel = in[x], opacity = TIFFGetA(pixel);
             for (const uint32_t value : {TIFFGetR(pixel), TIFFGetG(pixel), TIFFGetB(pixel)}) {
@@ -248,6 +383,9 @@ class Decoder {
     Job& job_;
     Stream stream_;
     TIFF* tiff_ = nullptr;
+    Buffer piece_, band_, line_;
+    bool multiplied_ = false;
+    uint32_t tile_width_ = 0, tile_height_ = 0;
     uint32_t width_ = 0, height_ = 0;
     uint16_t bits_ = 1, samples_ = 1, model_ = 0, planes_ = 1, sample_format_ = 1;
 };
@@ -314,15 +452,6 @@ void set_fields(const Saving& saving, TIFF* tiff) {
         TIFFSetField(tiff, TIFFTAG_XRESOLUTION, saving.options.dpi_across);
         TIFFSetField(tiff, TIFFTAG_YRESOLUTION, saving.options.dpi_down);
     }
-    if (saving.source == nullptr || saving.options.has(KIRVO_FILES_STRIP))
-        return;
-    const Known& source = *saving.source;
-    if (!source.icc.empty())
-        TIFFSetField(tiff, TIFFTAG_ICCPROFILE, static_cast<uint32_t>(source.icc.size()),
-                     source.icc.data());
-    if (!source.xmp.empty())
-        TIFFSetField(tiff, TIFFTAG_XMLPACKET, static_cast<uint32_t>(source.xmp.size()),
-                     source.xmp.data());
 }
 
 } // namespace
@@ -345,12 +474,9 @@ Status tiff_encode(Saving& saving) {
 }
 
 const char* tiff_name() {
-    static char name[40];
-    if (name[0] == 0)
-        std::sscanf(TIFFGetVersion(), "LIBTIFF, Version %20s", name + 8);
-    if (name[0] == 0)
-        std::memcpy(name, "libtiff ", 8);
-    return name;
+    static char name[40] = "libtiff ";
+    static const int read = std::sscanf(TIFFGetVersion(), "LIBTIFF, Version %20s", name + 8);
+    return read == 1 ? name : "libtiff";
 }
 
 } // namespace kirvo_files

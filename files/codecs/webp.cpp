@@ -167,11 +167,10 @@ Status webp_encode(Saving& saving, uint32_t quality) {
 
 const char* webp_name() {
     static char name[40];
-    const int version = WebPGetDecoderVersion();
-    if (name[0] == 0)
-        std::snprintf(name, sizeof name, "libwebp %d.%d.%d", version >> 16, version >> 8 & 255,
-                      version & 255);
-    return name;
+    static const int version = WebPGetDecoderVersion();
+    static const int length = std::snprintf(name, sizeof name, "libwebp %d.%d.%d", version >> 16,
+                                            version >> 8 & 255, version & 255);
+    return length > 0 ? name : "libwebp";
 }
 
 } // namespace kirvo_files
