@@ -166,6 +166,14 @@ elseif(TARGET kirvo_tool AND NOT KIRVO_SANITIZE)
                      $<TARGET_FILE:kirvo_tool> $<TARGET_FILE:kirvo_sample>)
 endif()
 
+# Thumbnails on a cluster of this machine.
+if(TARGET kirvo_tool AND NOT WIN32 AND NOT KIRVO_SANITIZE)
+    add_test(NAME kirvo_many_machines
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/examples/many_machines.py
+                     ${PROJECT_BINARY_DIR} $<TARGET_FILE:kirvo_tool>)
+    set_tests_properties(kirvo_many_machines PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 900)
+endif()
+
 # The guide's examples: each is a program that tests itself.
 file(GLOB guide_examples CONFIGURE_DEPENDS docs/snippets/*.c docs/snippets/*.cpp)
 if(WIN32)
