@@ -1,6 +1,7 @@
 # The command line `kirvo` (tools) and the generator of sample pictures (tools/sample).
 
-add_library(kirvo_scene STATIC tools/sample/scene.cpp)
+add_library(kirvo_scene STATIC tools/sample/lettering.cpp tools/sample/noise.cpp
+                               tools/sample/portrait.cpp tools/sample/scene.cpp)
 target_include_directories(kirvo_scene PUBLIC tools/sample)
 target_compile_options(kirvo_scene PRIVATE -Wall -Wextra -Wconversion)
 add_executable(kirvo_sample tools/sample/main.cpp)
