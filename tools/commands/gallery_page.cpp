@@ -18,11 +18,11 @@ a { color: inherit }
 main { display: grid; grid-template-columns: repeat(auto-fill, minmax(260px, 1fr)); gap: 1.5em }
 figure { margin: 0; display: flex; flex-direction: column; background: var(--mat);
     border: 1px solid var(--edge); border-radius: 6px; overflow: hidden }
-figure a { display: block; aspect-ratio: 3 / 2; background: var(--paper) }
-img { width: 100%; height: 100%; object-fit: contain; display: block }
+figure a { position: relative; aspect-ratio: 3 / 2; background: var(--paper) }
+img { position: absolute; width: 100%; height: 100%; object-fit: contain }
 figcaption { padding: .7em .9em .9em }
 b { display: block; font-weight: 600; overflow-wrap: anywhere }
-code { font: 12px/1.5 ui-monospace, monospace; color: var(--quiet) }
+code { font: 12px/1.5 ui-monospace, monospace; color: var(--quiet); overflow-wrap: anywhere }
 code span { white-space: nowrap }
 </style>
 <h1>Every effect on one picture</h1>

@@ -71,8 +71,8 @@ const std::vector<Effect>& effects() {
     static const std::vector<Effect> all = {
         {"--crop", {whole("X", 0), whole("Y", 0), whole("W", 1), whole("H", 1)},
          "Cuts a rectangle out", "", crop, moves, "inside the picture"},
-        {"--resize", {size()}, "Resizes; what shrinks is averaged, unless by --nearest", "",
-         resize, moves, "800x600, 800x or x600 (in proportion), 50%"},
+        {"--resize", {size()}, "Resizes, averaging what shrinks", "",
+         resize, moves, "800x600, 800x or x600 (in proportion), 50%; with --nearest no averages"},
         {"--fit", {size()}, "Reduces to fit, with the proportions kept", "240x240", fit, moves},
         {"--rotate", {choice({"90", "180", "270"})}, "Turns clockwise by degrees", "90", rotate,
          moves},
