@@ -3,9 +3,7 @@
 
 #include <atomic>
 
-#ifdef _WIN32
-#include <process.h>
-#else
+#ifndef _WIN32
 #include <pthread.h>
 #endif
 
@@ -17,32 +15,34 @@ bool writes(int32_t format) {
     return (KirvoFilesAbilities(format) & KIRVO_FILES_WRITES) != 0;
 }
 
+#ifdef _WIN32
+template<typename Work>
+DWORD WINAPI run_one(void* work) {
+    (*static_cast<Work*>(work))();
+    return 0;
+}
+#else
+template<typename Work>
+void* run_one(void* work) {
+    (*static_cast<Work*>(work))();
+    return nullptr;
+}
+#endif
+
 // Runs work in several threads and waits for all.
 template<uint32_t count, typename Work>
 void in_threads(Work& work) {
 #ifdef _WIN32
     HANDLE threads[count];
     for (HANDLE& thread : threads)
-        thread = CreateThread(
-            nullptr, 0,
-            [](void* data) -> DWORD {
-                (*static_cast<Work*>(data))();
-                return 0;
-            },
-            &work, 0, nullptr);
+        thread = CreateThread(nullptr, 0, run_one<Work>, &work, 0, nullptr);
     WaitForMultipleObjects(count, threads, TRUE, INFINITE);
     for (HANDLE thread : threads)
         CloseHandle(thread);
 #else
     pthread_t threads[count];
     for (pthread_t& thread : threads)
-        pthread_create(
-            &thread, nullptr,
-            [](void* data) -> void* {
-                (*static_cast<Work*>(data))();
-                return nullptr;
-            },
-            &work);
+        pthread_create(&thread, nullptr, run_one<Work>, &work);
     for (pthread_t thread : threads)
         pthread_join(thread, nullptr);
 #endif
