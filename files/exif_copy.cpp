@@ -20,9 +20,8 @@ bool is_all(uint32_t tag) {
     return tag != maker_note && tag != interoperability; // both lead to places of their own
 }
 
-bool is_for_exif(uint32_t tag) {
-    return is_about_picture(tag) || tag == 0x0112 || tag == 0x011A || tag == 0x011B ||
-           tag == 0x0128;
+bool is_orientation(uint32_t tag) {
+    return tag == 0x0112;
 }
 
 // A directory that is being collected, its values already written.
@@ -156,7 +155,9 @@ bool exif_of_tiff(Bytes file, uint64_t directory, Buffer& exif) {
     Directory first(exif, from.little());
     exif.clear();
     if (!exif.append(from.little() ? "II*\0\0\0\0" : "MM\0*\0\0\0", 8) ||
-        !first.add(from, directory, is_for_exif) ||
+        !first.add(from, directory, is_about_picture) ||
+        (from.number_of(directory, 0x0112, 1) != 1 &&
+         !first.add(from, directory, is_orientation)) ||
         !add_inner(exif, first, from, directory, exif_pointer, from.little()) ||
         !add_inner(exif, first, from, directory, gps_pointer, from.little()))
         return false;

@@ -249,8 +249,9 @@ class Decoder {
             return TIFFReadTile(tiff_, piece_.data(), x, y, 0, plane) >= 0;
         if (planes_ != PLANARCONFIG_SEPARATE)
             return TIFFReadScanline(tiff_, piece_.data(), y, 0) == 1;
+        const uint32_t rows = height_ - y < tile_height_ ? height_ - y : tile_height_;
         return TIFFReadEncodedStrip(tiff_, TIFFComputeStrip(tiff_, y, plane), piece_.data(),
-                                    static_cast<tmsize_t>(piece_.size())) >= 0;
+                                    TIFFVStripSize(tiff_, rows)) >= 0;
     }
 
     // The samples of a piece into the band.
