@@ -70,6 +70,9 @@ foreach(source IN LISTS test_sources)
 endforeach()
 if(TARGET kirvo_tool)
     add_dependencies(kirvo_tool_tests kirvo_tool) # which they run
+    if(WIN32)
+        target_sources(kirvo_tool_tests PRIVATE examples/program.rc) # names in UTF-8
+    endif()
 endif()
 
 # Many operations in one process.
@@ -163,6 +166,9 @@ elseif(TARGET kirvo_tool AND NOT KIRVO_SANITIZE)
         string(TOLOWER ${group} name)
         add_test(NAME kirvo_tool_${name} COMMAND ${terminal} ${group} $<TARGET_FILE:kirvo_tool>)
     endforeach()
+    add_test(NAME kirvo_tool_pictures
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/pictures.py
+                     $<TARGET_FILE:kirvo_tool>)
     add_test(NAME kirvo_tool_workers
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/workers.py
                      $<TARGET_FILE:kirvo_tool>)
