@@ -70,9 +70,6 @@ foreach(source IN LISTS test_sources)
 endforeach()
 if(TARGET kirvo_tool)
     add_dependencies(kirvo_tool_tests kirvo_tool) # which they run
-    if(WIN32)
-        target_sources(kirvo_tool_tests PRIVATE examples/program.rc) # names in UTF-8
-    endif()
 endif()
 
 # Many operations in one process.

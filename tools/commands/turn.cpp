@@ -15,8 +15,7 @@ struct Everything {
 const std::vector<std::string> ways = {"upright", "90", "180", "270", "flip", "mirror"};
 
 bool run(Everything& all) {
-    all.conversion.turning->way =
-        Values("kirvo turn", {mode("WAY", ways, 0)}, all.way).integer(0);
+    all.conversion.turning->way = Values("kirvo turn", {mode("WAY", ways, 0)}, all.way).integer(0);
     // One file alone is turned itself: nothing is lost by it.
     Operands& operands = all.operands;
     if (operands.names.size() == 1 && operands.output.empty() && operands.suffix.empty())
@@ -35,7 +34,8 @@ void add_turn(Command& program, bool& good) {
     command->examples = {"kirvo turn 90 photo.jpg", "kirvo turn upright --in-place *.jpg",
                          "kirvo turn mirror photo.jpg mirrored.jpg"};
     command->notes =
-        "A file alone is turned itself, several with --in-place. Nothing is decoded: what comes out is "
+        "A file alone is turned itself, several with --in-place. Nothing is decoded: what comes "
+        "out is "
         "as good as what went in. Rows or columns at an edge that do not fill a block of 8 "
         "or 16 pixels cannot move; they are kept where they are, or cut off with --trim.";
     CLI::Option* way =
