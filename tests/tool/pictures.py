@@ -288,7 +288,7 @@ class Turning(Pictures):
         self.check("turn", "90", self.photo, copy, code=1)  # which would be the output
         self.assertEqual((digest(self.photo), digest(copy)), (before, before))
         text = self.check("turn", "90", "--in-place", self.photo, copy)
-        self.assertIn("2 converted, 0 failed", text)
+        self.assertIn("2 turned, 0 failed", text)
         self.assertEqual(pixels_of(copy)[:2], (240, 320))
         self.check("convert", self.photo, self.path("x.bmp"))
         before = digest(self.path("x.bmp"))
