@@ -152,6 +152,17 @@ if(NOT WIN32 AND NOT KIRVO_SANITIZE)
                      $<TARGET_FILE:kirvo> $<TARGET_FILE:kirvo_sample>)
 endif()
 
+# Files of other programs, as the second library and others read them. Pillow is Debian's.
+find_program(KIRVO_DEBIAN_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)
+if(NOT WIN32 AND NOT KIRVO_SANITIZE AND NOT KIRVO_COVERAGE AND KIRVO_DEBIAN_PYTHON)
+    foreach(group IN ITEMS Written Jpeg Installed Orientation Metadata)
+        string(TOLOWER ${group} name)
+        add_test(NAME kirvo_files_real_${name}
+                 COMMAND ${KIRVO_DEBIAN_PYTHON} ${PROJECT_SOURCE_DIR}/tests/files/real_files.py
+                         ${group} ${PROJECT_BINARY_DIR})
+    endforeach()
+endif()
+
 # The command line in a terminal.
 set(terminal ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/terminal.py)
 if(TARGET kirvo_tool AND WIN32)
