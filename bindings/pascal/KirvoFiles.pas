@@ -330,60 +330,60 @@ function KirvoFilesFormatOf(name: PAnsiChar): LongInt;
 
 { Opens a picture, whatever its format. }
 function KirvoFilesOpen(name: PAnsiChar; options: PKirvoFilesOpenOptions; out dib: HGLOBAL;
-  file: PKirvoFile): LongInt;
+  file_: PKirvoFile): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesOpen';
 
 { KirvoFilesOpen with a UTF-16 name. }
 function KirvoFilesOpenW(name: PWideChar; options: PKirvoFilesOpenOptions; out dib: HGLOBAL;
-  file: PKirvoFile): LongInt;
+  file_: PKirvoFile): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesOpenW';
 
 { KirvoFilesOpen of a file that is in memory. }
 function KirvoFilesOpenMemory(bytes: Pointer; count: LongWord; options: PKirvoFilesOpenOptions;
-  out dib: HGLOBAL; file: PKirvoFile): LongInt;
+  out dib: HGLOBAL; file_: PKirvoFile): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesOpenMemory';
 
 { What the headers of a file say. }
 function KirvoFilesInfo(name: PAnsiChar; options: PKirvoFilesOpenOptions;
-  out file: TKirvoFile): LongInt;
+  out file_: TKirvoFile): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesInfo';
 
 { KirvoFilesInfo with a UTF-16 name. }
 function KirvoFilesInfoW(name: PWideChar; options: PKirvoFilesOpenOptions;
-  out file: TKirvoFile): LongInt;
+  out file_: TKirvoFile): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesInfoW';
 
 { KirvoFilesInfo of a file that is in memory. }
 function KirvoFilesInfoMemory(bytes: Pointer; count: LongWord; options: PKirvoFilesOpenOptions;
-  out file: TKirvoFile): LongInt;
+  out file_: TKirvoFile): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesInfoMemory';
 
 { Frees what is known of a file. }
-procedure KirvoFilesClose(file: TKirvoFile);
+procedure KirvoFilesClose(file_: TKirvoFile);
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesClose';
 
 // What is known of a file
 
 { A file in numbers. }
-function KirvoFilesDescribe(file: TKirvoFile; out description: TKirvoFilesDescription): LongInt;
+function KirvoFilesDescribe(file_: TKirvoFile; out description: TKirvoFilesDescription): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesDescribe';
 
 { What a note is about. }
-function KirvoFilesNote(file: TKirvoFile; index: LongWord): LongInt;
+function KirvoFilesNote(file_: TKirvoFile; index: LongWord): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesNote';
 
 { A text about a file. }
-function KirvoFilesText(file: TKirvoFile; kind: LongInt; index: LongWord; text: PAnsiChar;
+function KirvoFilesText(file_: TKirvoFile; kind: LongInt; index: LongWord; text: PAnsiChar;
   capacity: LongWord): LongWord;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesText';
 
 { Bytes that come with a file. }
-function KirvoFilesData(file: TKirvoFile; kind: LongInt; bytes: Pointer;
+function KirvoFilesData(file_: TKirvoFile; kind: LongInt; bytes: Pointer;
   capacity: LongWord): LongWord;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesData';
 
 { Gives a file's metadata other bytes, to be saved with a picture. }
-function KirvoFilesSetData(out file: TKirvoFile; kind: LongInt; bytes: Pointer;
+function KirvoFilesSetData(out file_: TKirvoFile; kind: LongInt; bytes: Pointer;
   count: LongWord): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesSetData';
 
@@ -391,29 +391,29 @@ function KirvoFilesSetData(out file: TKirvoFile; kind: LongInt; bytes: Pointer;
 
 { Saves a picture as a file, complete or not at all. }
 function KirvoFilesSave(name: PAnsiChar; dib: HGLOBAL; source: TKirvoFile;
-  options: PKirvoFilesSaveOptions; file: PKirvoFile): LongInt;
+  options: PKirvoFilesSaveOptions; file_: PKirvoFile): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesSave';
 
 { KirvoFilesSave with a UTF-16 name. }
 function KirvoFilesSaveW(name: PWideChar; dib: HGLOBAL; source: TKirvoFile;
-  options: PKirvoFilesSaveOptions; file: PKirvoFile): LongInt;
+  options: PKirvoFilesSaveOptions; file_: PKirvoFile): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesSaveW';
 
 { Saves a picture into a block of memory. }
 function KirvoFilesSaveMemory(dib: HGLOBAL; source: TKirvoFile; options: PKirvoFilesSaveOptions;
-  out block: HGLOBAL; out count: LongWord; file: PKirvoFile): LongInt;
+  out block: HGLOBAL; out count: LongWord; file_: PKirvoFile): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesSaveMemory';
 
 // Turn a JPEG without loss
 
 { Turns a JPEG without loss. }
 function KirvoFilesTurn(source, target: PAnsiChar; turning, edges: LongInt; flags: LongWord;
-  file: PKirvoFile): LongInt;
+  file_: PKirvoFile): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesTurn';
 
 { KirvoFilesTurn with UTF-16 names. }
 function KirvoFilesTurnW(source, target: PWideChar; turning, edges: LongInt; flags: LongWord;
-  file: PKirvoFile): LongInt;
+  file_: PKirvoFile): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesTurnW';
 
 // Conveniences of this unit

@@ -20,7 +20,7 @@ TYPES = {
 POINTERS = {"int": "PInteger", "uint": "PKirvoLongWord", "int16": "PSmallInt", "uint16": "PWord",
             "byte": "PByte", "any": "Pointer", "image": "PKirvoHandle",
             "known": "PKirvoFile", "letter": "PAnsiChar"}
-RESERVED = {"to", "end", "object", "final"}
+RESERVED = {"to", "end", "object", "final", "file"}
 
 
 def type_of(kind):
