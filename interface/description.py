@@ -15,14 +15,14 @@ class Kind:
 class Parameter:
     kind: Kind | str  # a structure is known by its name
     name: str
-    way: str = ""     # "in" or "out": an address
+    way: str = ""     # "in", "out" or "inout": an address
     count: str | None = None  # of an array
     nullable: bool = False
 
     @property
     def c(self):
         base = c_type(self.kind)
-        return {"": base, "in": f"const {base}*", "out": f"{base}*"}[self.way]
+        return {"": base, "in": f"const {base}*", "out": f"{base}*", "inout": f"{base}*"}[self.way]
 
 
 @dataclasses.dataclass
@@ -145,7 +145,7 @@ class Description:
 
     def _parameter(self, text):
         way, kind, name, count, null = re.fullmatch(
-            r"(?:(in|out) )?(\w+) (\w+)(?:\[(\w*)\])?(\?)?", text).groups()
+            r"(?:(in|out|inout) )?(\w+) (\w+)(?:\[(\w*)\])?(\?)?", text).groups()
         return Parameter(self._kind(kind), name, way or "", count, bool(null))
 
     def _function(self, text):

@@ -428,7 +428,7 @@ namespace KirvoImaging
         /// KIRVO_FILES_ABANDONED</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesOpen(byte[] name,
-            KirvoFilesOpenOptions options, out IntPtr dib, out IntPtr file);
+            [In] ref KirvoFilesOpenOptions options, out IntPtr dib, out IntPtr file);
 
         /// <summary>Opens a picture, whatever its format.</summary>
         /// <remarks>The depth follows the file: 1, 4 and 8 bits for palettes of as many colours and
@@ -463,7 +463,77 @@ namespace KirvoImaging
         /// KIRVO_FILES_ABANDONED</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesOpen(byte[] name,
-            KirvoFilesOpenOptions options, out IntPtr dib, IntPtr file);
+            [In] ref KirvoFilesOpenOptions options, out IntPtr dib, IntPtr file);
+
+        /// <summary>Opens a picture, whatever its format.</summary>
+        /// <remarks>The depth follows the file: 1, 4 and 8 bits for palettes of as many colours and
+        /// for grey, 16 for BMP and Targa files of 5-5-5 or 5-6-5 bits, 24 for colour, 32 for BMP
+        /// and Targa files of 32 bits without alpha, and for pictures with alpha under
+        /// KIRVO_FILES_KEEP_ALPHA. The three masks of 32 bits are 0x00FF0000, 0x0000FF00 and
+        /// 0x000000FF; the top byte is alpha (255 opaque, not multiplied into the colours) or 0.
+        /// Without that flag alpha is laid over the background: of true colour the result has 24
+        /// bits; a transparent entry of a palette becomes the mixed colour. Icons and cursors have
+        /// 24 bits, or 32 with their alpha or mask under that flag. More than 8 bits of a channel
+        /// are reduced to 8; CMYK becomes RGB without a profile. A note tells each of these. A
+        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, every other by
+        /// libjpeg-turbo or the system. A picture that ends early or is damaged is refused with
+        /// KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with KIRVO_FILES_KEEP_GOING it opens with
+        /// a note, and KirvoFilesDescription.wholeRows says how much of it is good. A claim is too
+        /// large when the picture would take more than 64 MB and more than 1500 bytes of it for
+        /// each byte of the file, more than any of the formats packs real pictures into; or more
+        /// than 2^31 - 1 bytes at all, which no flag allows. Files of 2 GB and more are not
+        /// read.</remarks>
+        /// <param name="name">the file</param>
+        /// <param name="options">how; may be null</param>
+        /// <param name="dib">receives the picture, owned by the caller (GlobalFree); null on
+        /// failure</param>
+        /// <param name="file">receives what is known of the file, also on failure (then at least
+        /// KIRVO_FILES_TEXT_REASON), or null when there is no memory; may be null</param>
+        /// <returns>KIRVO_FILES_OK; KIRVO_FILES_BAD_PARAMETER; KIRVO_FILES_NO_MEMORY;
+        /// KIRVO_FILES_MISSING; KIRVO_FILES_IS_FOLDER; KIRVO_FILES_NO_PERMISSION;
+        /// KIRVO_FILES_CANNOT_OPEN; KIRVO_FILES_READ_ERROR; KIRVO_FILES_EMPTY;
+        /// KIRVO_FILES_NOT_A_PICTURE; KIRVO_FILES_ENDS_EARLY; KIRVO_FILES_DAMAGED;
+        /// KIRVO_FILES_UNSUPPORTED; KIRVO_FILES_NO_CODEC; KIRVO_FILES_CLAIM_TOO_LARGE;
+        /// KIRVO_FILES_NO_FRAME; KIRVO_FILES_TOO_LARGE for a file of 2 GB and more;
+        /// KIRVO_FILES_ABANDONED</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoFilesStatus KirvoFilesOpen(byte[] name, IntPtr options,
+            out IntPtr dib, out IntPtr file);
+
+        /// <summary>Opens a picture, whatever its format.</summary>
+        /// <remarks>The depth follows the file: 1, 4 and 8 bits for palettes of as many colours and
+        /// for grey, 16 for BMP and Targa files of 5-5-5 or 5-6-5 bits, 24 for colour, 32 for BMP
+        /// and Targa files of 32 bits without alpha, and for pictures with alpha under
+        /// KIRVO_FILES_KEEP_ALPHA. The three masks of 32 bits are 0x00FF0000, 0x0000FF00 and
+        /// 0x000000FF; the top byte is alpha (255 opaque, not multiplied into the colours) or 0.
+        /// Without that flag alpha is laid over the background: of true colour the result has 24
+        /// bits; a transparent entry of a palette becomes the mixed colour. Icons and cursors have
+        /// 24 bits, or 32 with their alpha or mask under that flag. More than 8 bits of a channel
+        /// are reduced to 8; CMYK becomes RGB without a profile. A note tells each of these. A
+        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, every other by
+        /// libjpeg-turbo or the system. A picture that ends early or is damaged is refused with
+        /// KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with KIRVO_FILES_KEEP_GOING it opens with
+        /// a note, and KirvoFilesDescription.wholeRows says how much of it is good. A claim is too
+        /// large when the picture would take more than 64 MB and more than 1500 bytes of it for
+        /// each byte of the file, more than any of the formats packs real pictures into; or more
+        /// than 2^31 - 1 bytes at all, which no flag allows. Files of 2 GB and more are not
+        /// read.</remarks>
+        /// <param name="name">the file</param>
+        /// <param name="options">how; may be null</param>
+        /// <param name="dib">receives the picture, owned by the caller (GlobalFree); null on
+        /// failure</param>
+        /// <param name="file">receives what is known of the file, also on failure (then at least
+        /// KIRVO_FILES_TEXT_REASON), or null when there is no memory; may be null</param>
+        /// <returns>KIRVO_FILES_OK; KIRVO_FILES_BAD_PARAMETER; KIRVO_FILES_NO_MEMORY;
+        /// KIRVO_FILES_MISSING; KIRVO_FILES_IS_FOLDER; KIRVO_FILES_NO_PERMISSION;
+        /// KIRVO_FILES_CANNOT_OPEN; KIRVO_FILES_READ_ERROR; KIRVO_FILES_EMPTY;
+        /// KIRVO_FILES_NOT_A_PICTURE; KIRVO_FILES_ENDS_EARLY; KIRVO_FILES_DAMAGED;
+        /// KIRVO_FILES_UNSUPPORTED; KIRVO_FILES_NO_CODEC; KIRVO_FILES_CLAIM_TOO_LARGE;
+        /// KIRVO_FILES_NO_FRAME; KIRVO_FILES_TOO_LARGE for a file of 2 GB and more;
+        /// KIRVO_FILES_ABANDONED</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoFilesStatus KirvoFilesOpen(byte[] name, IntPtr options,
+            out IntPtr dib, IntPtr file);
 
         /// <summary>KirvoFilesOpen with a UTF-16 name.</summary>
         /// <param name="name">the file</param>
@@ -473,7 +543,7 @@ namespace KirvoImaging
         /// <returns>as KirvoFilesOpen</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesOpenW(
-            [MarshalAs(UnmanagedType.LPWStr)] string name, KirvoFilesOpenOptions options,
+            [MarshalAs(UnmanagedType.LPWStr)] string name, [In] ref KirvoFilesOpenOptions options,
             out IntPtr dib, out IntPtr file);
 
         /// <summary>KirvoFilesOpen with a UTF-16 name.</summary>
@@ -484,20 +554,30 @@ namespace KirvoImaging
         /// <returns>as KirvoFilesOpen</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesOpenW(
-            [MarshalAs(UnmanagedType.LPWStr)] string name, KirvoFilesOpenOptions options,
+            [MarshalAs(UnmanagedType.LPWStr)] string name, [In] ref KirvoFilesOpenOptions options,
             out IntPtr dib, IntPtr file);
 
-        /// <summary>KirvoFilesOpen of a file that is in memory.</summary>
-        /// <remarks>Q0, RAW and Photo CD files need a name and are no pictures here.</remarks>
-        /// <param name="bytes">the file's content, which is not kept</param>
-        /// <param name="count">number of bytes</param>
+        /// <summary>KirvoFilesOpen with a UTF-16 name.</summary>
+        /// <param name="name">the file</param>
         /// <param name="options">how; may be null</param>
         /// <param name="dib">receives the picture</param>
         /// <param name="file">receives what is known; may be null</param>
         /// <returns>as KirvoFilesOpen</returns>
         [DllImport(Library, ExactSpelling = true)]
-        public static extern KirvoFilesStatus KirvoFilesOpenMemory([In] byte[] bytes, uint count,
-            KirvoFilesOpenOptions options, out IntPtr dib, out IntPtr file);
+        public static extern KirvoFilesStatus KirvoFilesOpenW(
+            [MarshalAs(UnmanagedType.LPWStr)] string name, IntPtr options, out IntPtr dib,
+            out IntPtr file);
+
+        /// <summary>KirvoFilesOpen with a UTF-16 name.</summary>
+        /// <param name="name">the file</param>
+        /// <param name="options">how; may be null</param>
+        /// <param name="dib">receives the picture</param>
+        /// <param name="file">receives what is known; may be null</param>
+        /// <returns>as KirvoFilesOpen</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoFilesStatus KirvoFilesOpenW(
+            [MarshalAs(UnmanagedType.LPWStr)] string name, IntPtr options, out IntPtr dib,
+            IntPtr file);
 
         /// <summary>KirvoFilesOpen of a file that is in memory.</summary>
         /// <remarks>Q0, RAW and Photo CD files need a name and are no pictures here.</remarks>
@@ -509,7 +589,43 @@ namespace KirvoImaging
         /// <returns>as KirvoFilesOpen</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesOpenMemory([In] byte[] bytes, uint count,
-            KirvoFilesOpenOptions options, out IntPtr dib, IntPtr file);
+            [In] ref KirvoFilesOpenOptions options, out IntPtr dib, out IntPtr file);
+
+        /// <summary>KirvoFilesOpen of a file that is in memory.</summary>
+        /// <remarks>Q0, RAW and Photo CD files need a name and are no pictures here.</remarks>
+        /// <param name="bytes">the file's content, which is not kept</param>
+        /// <param name="count">number of bytes</param>
+        /// <param name="options">how; may be null</param>
+        /// <param name="dib">receives the picture</param>
+        /// <param name="file">receives what is known; may be null</param>
+        /// <returns>as KirvoFilesOpen</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoFilesStatus KirvoFilesOpenMemory([In] byte[] bytes, uint count,
+            [In] ref KirvoFilesOpenOptions options, out IntPtr dib, IntPtr file);
+
+        /// <summary>KirvoFilesOpen of a file that is in memory.</summary>
+        /// <remarks>Q0, RAW and Photo CD files need a name and are no pictures here.</remarks>
+        /// <param name="bytes">the file's content, which is not kept</param>
+        /// <param name="count">number of bytes</param>
+        /// <param name="options">how; may be null</param>
+        /// <param name="dib">receives the picture</param>
+        /// <param name="file">receives what is known; may be null</param>
+        /// <returns>as KirvoFilesOpen</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoFilesStatus KirvoFilesOpenMemory([In] byte[] bytes, uint count,
+            IntPtr options, out IntPtr dib, out IntPtr file);
+
+        /// <summary>KirvoFilesOpen of a file that is in memory.</summary>
+        /// <remarks>Q0, RAW and Photo CD files need a name and are no pictures here.</remarks>
+        /// <param name="bytes">the file's content, which is not kept</param>
+        /// <param name="count">number of bytes</param>
+        /// <param name="options">how; may be null</param>
+        /// <param name="dib">receives the picture</param>
+        /// <param name="file">receives what is known; may be null</param>
+        /// <returns>as KirvoFilesOpen</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoFilesStatus KirvoFilesOpenMemory([In] byte[] bytes, uint count,
+            IntPtr options, out IntPtr dib, IntPtr file);
 
         /// <summary>What the headers of a file say.</summary>
         /// <remarks>Nothing is decoded, whatever size is claimed, and no memory is taken for
@@ -522,7 +638,20 @@ namespace KirvoImaging
         /// <returns>as KirvoFilesOpen without what only decoding finds out</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesInfo(byte[] name,
-            KirvoFilesOpenOptions options, out IntPtr file);
+            [In] ref KirvoFilesOpenOptions options, out IntPtr file);
+
+        /// <summary>What the headers of a file say.</summary>
+        /// <remarks>Nothing is decoded, whatever size is claimed, and no memory is taken for
+        /// pixels.</remarks>
+        /// <param name="name">the file</param>
+        /// <param name="options">how; only frame counts, and KIRVO_FILES_NO_TURN for the order of
+        /// width and height; may be null</param>
+        /// <param name="file">receives what is known, also on failure, or null when there is no
+        /// memory</param>
+        /// <returns>as KirvoFilesOpen without what only decoding finds out</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoFilesStatus KirvoFilesInfo(byte[] name, IntPtr options,
+            out IntPtr file);
 
         /// <summary>KirvoFilesInfo with a UTF-16 name.</summary>
         /// <param name="name">the file</param>
@@ -531,8 +660,17 @@ namespace KirvoImaging
         /// <returns>as KirvoFilesInfo</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesInfoW(
-            [MarshalAs(UnmanagedType.LPWStr)] string name, KirvoFilesOpenOptions options,
+            [MarshalAs(UnmanagedType.LPWStr)] string name, [In] ref KirvoFilesOpenOptions options,
             out IntPtr file);
+
+        /// <summary>KirvoFilesInfo with a UTF-16 name.</summary>
+        /// <param name="name">the file</param>
+        /// <param name="options">how; may be null</param>
+        /// <param name="file">receives what is known</param>
+        /// <returns>as KirvoFilesInfo</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoFilesStatus KirvoFilesInfoW(
+            [MarshalAs(UnmanagedType.LPWStr)] string name, IntPtr options, out IntPtr file);
 
         /// <summary>KirvoFilesInfo of a file that is in memory.</summary>
         /// <param name="bytes">the file's content, which is not kept</param>
@@ -542,7 +680,17 @@ namespace KirvoImaging
         /// <returns>as KirvoFilesInfo</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesInfoMemory([In] byte[] bytes, uint count,
-            KirvoFilesOpenOptions options, out IntPtr file);
+            [In] ref KirvoFilesOpenOptions options, out IntPtr file);
+
+        /// <summary>KirvoFilesInfo of a file that is in memory.</summary>
+        /// <param name="bytes">the file's content, which is not kept</param>
+        /// <param name="count">number of bytes</param>
+        /// <param name="options">how; may be null</param>
+        /// <param name="file">receives what is known</param>
+        /// <returns>as KirvoFilesInfo</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoFilesStatus KirvoFilesInfoMemory([In] byte[] bytes, uint count,
+            IntPtr options, out IntPtr file);
 
         /// <summary>Frees what is known of a file.</summary>
         /// <param name="file">the handle; may be null</param>
@@ -557,7 +705,7 @@ namespace KirvoImaging
         /// <returns>KIRVO_FILES_OK, or KIRVO_FILES_BAD_PARAMETER</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesDescribe(IntPtr file,
-            out KirvoFilesDescription description);
+            ref KirvoFilesDescription description);
 
         /// <summary>What a note is about; its words are KirvoFilesText with
         /// KIRVO_FILES_TEXT_NOTE.</summary>
@@ -600,7 +748,7 @@ namespace KirvoImaging
         /// <param name="count">number of bytes; 0 takes away what there was</param>
         /// <returns>KIRVO_FILES_OK; KIRVO_FILES_BAD_PARAMETER; KIRVO_FILES_NO_MEMORY</returns>
         [DllImport(Library, ExactSpelling = true)]
-        public static extern KirvoFilesStatus KirvoFilesSetData(out IntPtr file, int kind,
+        public static extern KirvoFilesStatus KirvoFilesSetData(ref IntPtr file, int kind,
             [In] byte[] bytes, uint count);
 
         // Save
@@ -634,7 +782,7 @@ namespace KirvoImaging
         /// KIRVO_FILES_ABANDONED. Nothing but KIRVO_FILES_OK changes any file</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesSave(byte[] name, IntPtr dib, IntPtr source,
-            KirvoFilesSaveOptions options, out IntPtr file);
+            [In] ref KirvoFilesSaveOptions options, out IntPtr file);
 
         /// <summary>Saves a picture as a file, complete or not at all.</summary>
         /// <remarks>It is written beside its place under a name of its own that nobody else can
@@ -665,7 +813,69 @@ namespace KirvoImaging
         /// KIRVO_FILES_ABANDONED. Nothing but KIRVO_FILES_OK changes any file</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesSave(byte[] name, IntPtr dib, IntPtr source,
-            KirvoFilesSaveOptions options, IntPtr file);
+            [In] ref KirvoFilesSaveOptions options, IntPtr file);
+
+        /// <summary>Saves a picture as a file, complete or not at all.</summary>
+        /// <remarks>It is written beside its place under a name of its own that nobody else can
+        /// open, and put into its place when it is complete and safe on the disk. A file that is
+        /// replaced hands on its permissions; where the name is a link, what it points at is
+        /// replaced and the link stays. With a source, its EXIF (orientation set to 1 where it was
+        /// turned, thumbnail dropped, sizes updated), ICC profile, XMP and resolution go along
+        /// where the format has a place; a note tells what was left out. A JPEG of a JPEG keeps the
+        /// source's quantisation tables and sampling unless quality, level or subsample say
+        /// otherwise. JPEG is encoded by Kirvo where it can; where not (a grey stream that outgrows
+        /// Kirvo's block, tables of 16 bits), another way is taken and noted. Formats: BMP 1 to 32
+        /// bits; JPEG; PNG 1, 4, 8, 24 bits and 32 with alpha; Targa 8 bits, 16, 24 and 32, with
+        /// KIRVO_FILES_RLE packed; TIFF 1 to 32 bits; WebP 24 bits and 32 with alpha. A picture of
+        /// a depth that the format does not have goes into the next larger one. JPEG and formats
+        /// without alpha save the colours alone; a note says so where there was alpha.</remarks>
+        /// <param name="name">the file</param>
+        /// <param name="dib">packed DIB of 1, 4, 8, 16, 24 or 32 bits</param>
+        /// <param name="source">what is known of the file that the picture came from; may be
+        /// null</param>
+        /// <param name="options">how; may be null</param>
+        /// <param name="file">receives what is known of the file written (notes, format, decoder,
+        /// fileBytes), also on failure, or null when there is no memory; may be null</param>
+        /// <returns>KIRVO_FILES_OK; KIRVO_FILES_BAD_PARAMETER; KIRVO_FILES_NO_MEMORY;
+        /// KIRVO_FILES_MISSING for a folder that is not there; KIRVO_FILES_IS_FOLDER;
+        /// KIRVO_FILES_NO_PERMISSION; KIRVO_FILES_CANNOT_WRITE; KIRVO_FILES_DISK_FULL;
+        /// KIRVO_FILES_EXISTS; KIRVO_FILES_NO_CODEC; KIRVO_FILES_NOT_WRITTEN;
+        /// KIRVO_FILES_TOO_LARGE; KIRVO_FILES_SIZE_LIMIT; KIRVO_FILES_UNSUPPORTED for a depth;
+        /// KIRVO_FILES_ABANDONED. Nothing but KIRVO_FILES_OK changes any file</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoFilesStatus KirvoFilesSave(byte[] name, IntPtr dib, IntPtr source,
+            IntPtr options, out IntPtr file);
+
+        /// <summary>Saves a picture as a file, complete or not at all.</summary>
+        /// <remarks>It is written beside its place under a name of its own that nobody else can
+        /// open, and put into its place when it is complete and safe on the disk. A file that is
+        /// replaced hands on its permissions; where the name is a link, what it points at is
+        /// replaced and the link stays. With a source, its EXIF (orientation set to 1 where it was
+        /// turned, thumbnail dropped, sizes updated), ICC profile, XMP and resolution go along
+        /// where the format has a place; a note tells what was left out. A JPEG of a JPEG keeps the
+        /// source's quantisation tables and sampling unless quality, level or subsample say
+        /// otherwise. JPEG is encoded by Kirvo where it can; where not (a grey stream that outgrows
+        /// Kirvo's block, tables of 16 bits), another way is taken and noted. Formats: BMP 1 to 32
+        /// bits; JPEG; PNG 1, 4, 8, 24 bits and 32 with alpha; Targa 8 bits, 16, 24 and 32, with
+        /// KIRVO_FILES_RLE packed; TIFF 1 to 32 bits; WebP 24 bits and 32 with alpha. A picture of
+        /// a depth that the format does not have goes into the next larger one. JPEG and formats
+        /// without alpha save the colours alone; a note says so where there was alpha.</remarks>
+        /// <param name="name">the file</param>
+        /// <param name="dib">packed DIB of 1, 4, 8, 16, 24 or 32 bits</param>
+        /// <param name="source">what is known of the file that the picture came from; may be
+        /// null</param>
+        /// <param name="options">how; may be null</param>
+        /// <param name="file">receives what is known of the file written (notes, format, decoder,
+        /// fileBytes), also on failure, or null when there is no memory; may be null</param>
+        /// <returns>KIRVO_FILES_OK; KIRVO_FILES_BAD_PARAMETER; KIRVO_FILES_NO_MEMORY;
+        /// KIRVO_FILES_MISSING for a folder that is not there; KIRVO_FILES_IS_FOLDER;
+        /// KIRVO_FILES_NO_PERMISSION; KIRVO_FILES_CANNOT_WRITE; KIRVO_FILES_DISK_FULL;
+        /// KIRVO_FILES_EXISTS; KIRVO_FILES_NO_CODEC; KIRVO_FILES_NOT_WRITTEN;
+        /// KIRVO_FILES_TOO_LARGE; KIRVO_FILES_SIZE_LIMIT; KIRVO_FILES_UNSUPPORTED for a depth;
+        /// KIRVO_FILES_ABANDONED. Nothing but KIRVO_FILES_OK changes any file</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoFilesStatus KirvoFilesSave(byte[] name, IntPtr dib, IntPtr source,
+            IntPtr options, IntPtr file);
 
         /// <summary>KirvoFilesSave with a UTF-16 name.</summary>
         /// <param name="name">the file</param>
@@ -677,7 +887,7 @@ namespace KirvoImaging
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesSaveW(
             [MarshalAs(UnmanagedType.LPWStr)] string name, IntPtr dib, IntPtr source,
-            KirvoFilesSaveOptions options, out IntPtr file);
+            [In] ref KirvoFilesSaveOptions options, out IntPtr file);
 
         /// <summary>KirvoFilesSave with a UTF-16 name.</summary>
         /// <param name="name">the file</param>
@@ -689,7 +899,31 @@ namespace KirvoImaging
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesSaveW(
             [MarshalAs(UnmanagedType.LPWStr)] string name, IntPtr dib, IntPtr source,
-            KirvoFilesSaveOptions options, IntPtr file);
+            [In] ref KirvoFilesSaveOptions options, IntPtr file);
+
+        /// <summary>KirvoFilesSave with a UTF-16 name.</summary>
+        /// <param name="name">the file</param>
+        /// <param name="dib">the picture</param>
+        /// <param name="source">where it came from; may be null</param>
+        /// <param name="options">how; may be null</param>
+        /// <param name="file">receives what is known; may be null</param>
+        /// <returns>as KirvoFilesSave</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoFilesStatus KirvoFilesSaveW(
+            [MarshalAs(UnmanagedType.LPWStr)] string name, IntPtr dib, IntPtr source,
+            IntPtr options, out IntPtr file);
+
+        /// <summary>KirvoFilesSave with a UTF-16 name.</summary>
+        /// <param name="name">the file</param>
+        /// <param name="dib">the picture</param>
+        /// <param name="source">where it came from; may be null</param>
+        /// <param name="options">how; may be null</param>
+        /// <param name="file">receives what is known; may be null</param>
+        /// <returns>as KirvoFilesSave</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoFilesStatus KirvoFilesSaveW(
+            [MarshalAs(UnmanagedType.LPWStr)] string name, IntPtr dib, IntPtr source,
+            IntPtr options, IntPtr file);
 
         /// <summary>Saves a picture into a block of memory.</summary>
         /// <param name="dib">the picture</param>
@@ -702,7 +936,8 @@ namespace KirvoImaging
         /// <returns>as KirvoFilesSave, without what concerns files</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesSaveMemory(IntPtr dib, IntPtr source,
-            KirvoFilesSaveOptions options, out IntPtr block, out uint count, out IntPtr file);
+            [In] ref KirvoFilesSaveOptions options, out IntPtr block, out uint count,
+            out IntPtr file);
 
         /// <summary>Saves a picture into a block of memory.</summary>
         /// <param name="dib">the picture</param>
@@ -715,7 +950,33 @@ namespace KirvoImaging
         /// <returns>as KirvoFilesSave, without what concerns files</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesSaveMemory(IntPtr dib, IntPtr source,
-            KirvoFilesSaveOptions options, out IntPtr block, out uint count, IntPtr file);
+            [In] ref KirvoFilesSaveOptions options, out IntPtr block, out uint count, IntPtr file);
+
+        /// <summary>Saves a picture into a block of memory.</summary>
+        /// <param name="dib">the picture</param>
+        /// <param name="source">where it came from; may be null</param>
+        /// <param name="options">how; the format has to be told</param>
+        /// <param name="block">receives the file's bytes, owned by the caller (GlobalFree), and no
+        /// others: GlobalSize may be a little more; null on failure</param>
+        /// <param name="count">receives the number of bytes</param>
+        /// <param name="file">receives what is known; may be null</param>
+        /// <returns>as KirvoFilesSave, without what concerns files</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoFilesStatus KirvoFilesSaveMemory(IntPtr dib, IntPtr source,
+            IntPtr options, out IntPtr block, out uint count, out IntPtr file);
+
+        /// <summary>Saves a picture into a block of memory.</summary>
+        /// <param name="dib">the picture</param>
+        /// <param name="source">where it came from; may be null</param>
+        /// <param name="options">how; the format has to be told</param>
+        /// <param name="block">receives the file's bytes, owned by the caller (GlobalFree), and no
+        /// others: GlobalSize may be a little more; null on failure</param>
+        /// <param name="count">receives the number of bytes</param>
+        /// <param name="file">receives what is known; may be null</param>
+        /// <returns>as KirvoFilesSave, without what concerns files</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoFilesStatus KirvoFilesSaveMemory(IntPtr dib, IntPtr source,
+            IntPtr options, out IntPtr block, out uint count, IntPtr file);
 
         // Turn a JPEG without loss
 

@@ -365,7 +365,7 @@ procedure KirvoFilesClose(file_: TKirvoFile);
 // What is known of a file
 
 { A file in numbers. }
-function KirvoFilesDescribe(file_: TKirvoFile; out description: TKirvoFilesDescription): LongInt;
+function KirvoFilesDescribe(file_: TKirvoFile; var description: TKirvoFilesDescription): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesDescribe';
 
 { What a note is about. }
@@ -383,7 +383,7 @@ function KirvoFilesData(file_: TKirvoFile; kind: LongInt; bytes: Pointer;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesData';
 
 { Gives a file's metadata other bytes, to be saved with a picture. }
-function KirvoFilesSetData(out file_: TKirvoFile; kind: LongInt; bytes: Pointer;
+function KirvoFilesSetData(var file_: TKirvoFile; kind: LongInt; bytes: Pointer;
   count: LongWord): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesSetData';
 

@@ -401,7 +401,7 @@ KirvoFilesClose = _declare(
 
 KirvoFilesDescribe = _declare(
     _files, c_int32, HANDLE, POINTER(KirvoFilesDescription),
-    usage="KirvoFilesDescribe(file, out description)",
+    usage="KirvoFilesDescribe(file, inout description)",
     summary="A file in numbers.")
 
 KirvoFilesNote = _declare(
@@ -421,7 +421,7 @@ KirvoFilesData = _declare(
 
 KirvoFilesSetData = _declare(
     _files, c_int32, POINTER(HANDLE), c_int32, c_void_p, c_uint32,
-    usage="KirvoFilesSetData(out file, kind, in bytes[count], count)",
+    usage="KirvoFilesSetData(inout file, kind, in bytes[count], count)",
     summary="Gives a file's metadata other bytes, to be saved with a picture.")
 
 

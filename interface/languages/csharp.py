@@ -1,4 +1,5 @@
 """C#."""
+import itertools
 import textwrap
 
 from description import Function
@@ -17,6 +18,7 @@ TYPES = {
     "letter": "byte",
 }
 RESERVED = {"object"}
+CLASSES = {"KirvoWindowHost"}
 IMPORT = "[DllImport({}, ExactSpelling = true{})]"
 TEXT = ", BestFitMapping = false, ThrowOnUnmappableChar = true"
 LIBRARIES = {"Kirvo": "Library", "KirvoFiles": "Library", "kernel32": '"kernel32.dll"', "gdi32": '"gdi32.dll"',
@@ -32,10 +34,12 @@ def parameter(given, pointer=False):
     kind = type_of(given.kind)
     if given.count is not None:
         return f"[{given.way.capitalize()}] {kind}[] {name}"
-    if given.nullable and given.way == "in":
-        return f"{kind} {name}"  # a class: an address that may be null
+    if kind in CLASSES:
+        return f"{kind} {name}"  # an address that may be null
     if given.nullable and pointer:
         return f"IntPtr {name}"
+    if given.way in ("in", "inout"):
+        return f"{'[In] ' if given.way == 'in' else ''}ref {kind} {name}"
     if getattr(given.kind, "name", "") == "wide":
         return f"[MarshalAs(UnmanagedType.LPWStr)] string {name}"
     if kind == "string":
@@ -66,9 +70,10 @@ def function_documentation(function, header):
 def declarations(function, header):
     text = TEXT if any(getattr(given.kind, "name", "") == "file" for given in function.parameters) else ""
     result = type_of(function.result) if function.result else "void"
-    variables = [parameter(given) for given in function.parameters]
-    addresses = [parameter(given, pointer=True) for given in function.parameters]
-    for overload in [variables] if variables == addresses else [variables, addresses]:
+    # Where null is an answer, an address may stand in place of each variable.
+    overloads = itertools.product(*(dict.fromkeys([parameter(given), parameter(given, pointer=True)])
+                                    for given in function.parameters))
+    for overload in map(list, overloads):
         yield from function_documentation(function, header)
         yield "        " + IMPORT.format(LIBRARIES[function.home], text)
         head = f"        public static extern {result} {function.name}("

@@ -35,7 +35,7 @@ def parameter(given):
     """What stands before and behind the name."""
     if given.way and (given.count is not None or given.nullable):
         return "", pointer_to(given.kind)
-    return {"": "", "out": "out ", "in": "const "}[given.way], type_of(given.kind)
+    return {"": "", "out": "out ", "in": "const ", "inout": "var "}[given.way], type_of(given.kind)
 
 
 def signature(head, function, tail, indent):

@@ -229,6 +229,8 @@ def csharp_parameter(text, given):
     way, _, kind = text.rpartition(":")
     if text == "Byte[]" and not given.way:
         return text, None
+    if kind.endswith("&") and not way:
+        return kind[:-1], "any"  # ref
     if kind == "KirvoWindowHost":
         return kind, "in"  # a class is passed as its address
     if given.way and given.nullable and text == "IntPtr":
@@ -324,8 +326,8 @@ def pascal_parameters(text, parameters):
     found = []
     for part in filter(None, re.split(r";\s*", text)):
         names, kind = part.split(": ")
-        way = re.match("(?:(out|const) )?", names)[1]
-        found += [(kind, {"out": "out", "const": "in", None: None}[way])] * len(names.split(","))
+        way = re.match("(?:(out|const|var) )?", names)[1]
+        found += [(kind, {"out": "out", "const": "in", "var": "any", None: None}[way])] * len(names.split(","))
     return [(kind, "any") if way is None and given.way else (kind, way)
             for (kind, way), given in zip(found, parameters, strict=True)]
 
