@@ -50,13 +50,18 @@ foreach(source IN LISTS test_sources)
     set(program kirvo_${name}_tests)
     if(NOT TARGET ${program})
         set(side public)
-        if(name MATCHES "^internal_")
-            set(side internal)
+        if(name MATCHES "^internal_" AND NOT name STREQUAL internal_pictures)
+            set(side internal) # the second library is tested from inside on top of the first
         endif()
         add_executable(${program})
         target_compile_options(${program} PRIVATE ${KIRVO_TEST_FLAGS})
         target_precompile_headers(${program} REUSE_FROM kirvo_${side}_test_support)
         target_link_libraries(${program} PRIVATE kirvo_${side}_test_support)
+        if(name STREQUAL "files")
+            target_link_libraries(${program} PRIVATE kirvo_files)
+        elseif(name STREQUAL "internal_pictures")
+            target_link_libraries(${program} PRIVATE kirvo_files_objects)
+        endif()
         add_test(NAME ${program}
                  COMMAND ${program} --gtest_brief=1 --gtest_output=xml:reports/${program}.xml
                  WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
@@ -115,6 +120,8 @@ file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/interface.json CONTENT "{
     \"system\": \"${CMAKE_SYSTEM_NAME}\",
     \"pointer_bytes\": \"${CMAKE_SIZEOF_VOID_P}\",
     \"library\": \"$<TARGET_FILE:kirvo>\",
+    \"files_library\": \"$<TARGET_FILE:kirvo_files>\",
+    \"files_objects\": [\"$<JOIN:$<TARGET_OBJECTS:kirvo_files_objects>,\", \">\"],
     \"c_compiler\": \"${CMAKE_C_COMPILER}\",
     \"cpp_compiler\": \"${CMAKE_CXX_COMPILER}\",
     \"nm\": \"${CMAKE_NM}\",
@@ -136,6 +143,11 @@ foreach(check IN LISTS checks)
     add_test(NAME kirvo_check_${check}
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/interface/check.py ${check}
                      ${PROJECT_BINARY_DIR}/interface.json)
+    if(NOT check STREQUAL baseline)
+        add_test(NAME kirvo_files_check_${check}
+                 COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/interface/check.py ${check}
+                         ${PROJECT_BINARY_DIR}/interface.json kirvo_files)
+    endif()
 endforeach()
 
 # The declarations for other languages, where there are compilers.
@@ -150,6 +162,12 @@ foreach(check IN LISTS checks)
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/bindings/check.py
                      ${check} ${PROJECT_BINARY_DIR}/interface.json)
     set_tests_properties(kirvo_bindings_${check} PROPERTIES SKIP_RETURN_CODE 77)
+    if(NOT check STREQUAL current)
+        add_test(NAME kirvo_files_bindings_${check}
+                 COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/bindings/check.py
+                         ${check} ${PROJECT_BINARY_DIR}/interface.json kirvo_files)
+        set_tests_properties(kirvo_files_bindings_${check} PROPERTIES SKIP_RETURN_CODE 77)
+    endif()
 endforeach()
 
 # What other programs have encoded, against what they decode.
@@ -157,6 +175,17 @@ if(NOT WIN32 AND NOT KIRVO_SANITIZE)
     add_test(NAME kirvo_jpeg_real_files
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/jpeg/real_files.py
                      $<TARGET_FILE:kirvo> $<TARGET_FILE:kirvo_sample>)
+endif()
+
+# Files of other programs, as the second library and others read them. Pillow is Debian's.
+find_program(KIRVO_DEBIAN_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)
+if(NOT WIN32 AND NOT KIRVO_SANITIZE AND NOT KIRVO_COVERAGE AND KIRVO_DEBIAN_PYTHON)
+    foreach(group IN ITEMS Written Jpeg Installed Orientation Metadata)
+        string(TOLOWER ${group} name)
+        add_test(NAME kirvo_files_real_${name}
+                 COMMAND ${KIRVO_DEBIAN_PYTHON} ${PROJECT_SOURCE_DIR}/tests/files/real_files.py
+                         ${group} ${PROJECT_BINARY_DIR})
+    endforeach()
 endif()
 
 # The command line in a terminal.
@@ -170,9 +199,23 @@ elseif(TARGET kirvo_tool AND NOT KIRVO_SANITIZE)
         string(TOLOWER ${group} name)
         add_test(NAME kirvo_tool_${name} COMMAND ${terminal} ${group} $<TARGET_FILE:kirvo_tool>)
     endforeach()
+    add_test(NAME kirvo_tool_pictures
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/pictures.py
+                     $<TARGET_FILE:kirvo_tool>)
+    add_test(NAME kirvo_tool_workers
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/workers.py
+                     $<TARGET_FILE:kirvo_tool>)
     add_test(NAME kirvo_readme
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/readme.py
                      $<TARGET_FILE:kirvo_tool> $<TARGET_FILE:kirvo_sample>)
+endif()
+
+# Thumbnails on a cluster of this machine.
+if(TARGET kirvo_tool AND NOT WIN32 AND NOT KIRVO_SANITIZE)
+    add_test(NAME kirvo_many_machines
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/examples/many_machines.py
+                     ${PROJECT_BINARY_DIR} $<TARGET_FILE:kirvo_tool>)
+    set_tests_properties(kirvo_many_machines PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 900)
 endif()
 
 # The guide's examples: each is a program that tests itself.

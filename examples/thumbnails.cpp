@@ -77,9 +77,9 @@ int main(int argc, char** argv) {
         return 2;
     }
     std::error_code error;
-    const fs::path to = argv[2];
+    const fs::path to = fs::u8path(argv[2]); // names are UTF-8: on Windows the manifest sees to that
     fs::create_directories(to, error);
-    fs::directory_iterator files(argv[1], error);
+    fs::directory_iterator files(fs::u8path(argv[1]), error);
     if (error) {
         std::fprintf(stderr, "%s: %s\n", argv[1], error.message().c_str());
         return 1;
@@ -89,7 +89,7 @@ int main(int argc, char** argv) {
     int made = 0, failed = 0;
     for (; files != fs::directory_iterator(); files.increment(error)) {
         const fs::path from = files->path();
-        std::string kind = from.extension().string();
+        std::string kind = from.extension().u8string();
         for (char& c : kind)
             c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
         const bool jpeg = kind == ".jpg" || kind == ".jpeg";
@@ -99,11 +99,11 @@ int main(int argc, char** argv) {
         if (!jpeg)
             thumbnail += ".jpg";
         try {
-            const Image image = jpeg ? read_jpeg(from.string()) : read_bmp(from.string());
-            write_thumbnail(image, size, thumbnail.string());
+            const Image image = jpeg ? read_jpeg(from.u8string()) : read_bmp(from.u8string());
+            write_thumbnail(image, size, thumbnail.u8string());
             ++made;
         } catch (const Failure& failure) {
-            std::fprintf(stderr, "%s: status %d\n", from.string().c_str(),
+            std::fprintf(stderr, "%s: status %d\n", from.u8string().c_str(),
                          static_cast<int>(failure.status));
             ++failed;
         }
