@@ -1,5 +1,5 @@
 // Pixels to samples, samples to quantised coefficients.
-#include "jpeg/quantiser.hpp"
+#include "jpeg/encode/quantiser.hpp"
 #include "kernels/cases.hpp"
 #include "kernels/zigzag.hpp"
 

@@ -1,5 +1,5 @@
 // Quantiser tables as the encoder's kernels use them.
-#include "jpeg/quantiser.hpp"
+#include "jpeg/encode/quantiser.hpp"
 
 #include <algorithm>
 #include <gtest/gtest.h>
