@@ -47,6 +47,7 @@ TEST_P(ToyTest, DoesWhatTheOracleDoes) { check(case_named(GetParam()), {{"the to
 INSTANTIATE_TEST_SUITE_P(Kernels, ToyTest,
                          testing::Values("add", "average", "subtract", "scale", "map", "invert",
                                          "veil", "correct", "triple", "copy_past_caches", "set_hue",
-                                         "turn_hue", "keep_rgb", "keep_hsv"));
+                                         "turn_hue", "keep_rgb", "keep_hsv"),
+                         [](const auto& tested) { return std::string(tested.param); });
 
 } // namespace kirvo_test
