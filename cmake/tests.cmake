@@ -218,7 +218,7 @@ foreach(example IN LISTS guide_examples)
     string(REPLACE "." "_" name ${name})
     add_executable(kirvo_guide_${name} ${example})
     target_compile_options(kirvo_guide_${name} PRIVATE ${KIRVO_TEST_FLAGS})
-    target_link_libraries(kirvo_guide_${name} PRIVATE kirvo)
+    target_link_libraries(kirvo_guide_${name} PRIVATE kirvo kirvo_files)
     add_test(NAME kirvo_guide_${name} COMMAND kirvo_guide_${name}
              WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
 endforeach()

@@ -553,8 +553,10 @@ typedef enum KirvoFilesEdges {
     KIRVO_FILES_EDGES_KEEP = 2  /**< they stay where they are, unturned; a note says so */
 } KirvoFilesEdges;
 
-/** Turns a JPEG without loss. Metadata stays, orientation becomes 1, sizes are updated and the
- *  thumbnail is dropped. Both names may be the same.
+/** Turns a JPEG without loss: a baseline one on every system, others (progressive, arithmetic
+ *  coding) where the library is built with libjpeg-turbo. An orientation that the file has counts
+ *  first: what people see is what is turned. Metadata stays, orientation becomes 1, sizes are
+ *  updated and the thumbnail is dropped. Both names may be the same.
  *  @param source the file to turn
  *  @param target the file to write, as KirvoFilesSave does
  *  @param turning a #KirvoFilesTurning
@@ -562,7 +564,7 @@ typedef enum KirvoFilesEdges {
  *  @param flags #KIRVO_FILES_STRIP, #KIRVO_FILES_NEW_ONLY, or 0
  *  @param[out] file receives what is known of the file written, also on failure; may be null
  *  @return as KirvoFilesOpen and KirvoFilesSave; #KIRVO_FILES_UNSUPPORTED for a file that is no
- * JPEG; #KIRVO_FILES_EDGE */
+ *          JPEG; #KIRVO_FILES_NO_CODEC; #KIRVO_FILES_EDGE */
 KIRVO_FILES_API int32_t WINAPI KirvoFilesTurn(const char* source, const char* target,
                                               int32_t turning, int32_t edges, uint32_t flags,
                                               KirvoFile* file);

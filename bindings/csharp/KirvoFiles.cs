@@ -980,8 +980,10 @@ namespace KirvoImaging
 
         // Turn a JPEG without loss
 
-        /// <summary>Turns a JPEG without loss.</summary>
-        /// <remarks>Metadata stays, orientation becomes 1, sizes are updated and the thumbnail is
+        /// <summary>Turns a JPEG without loss: a baseline one on every system, others (progressive,
+        /// arithmetic coding) where the library is built with libjpeg-turbo.</summary>
+        /// <remarks>An orientation that the file has counts first: what people see is what is
+        /// turned. Metadata stays, orientation becomes 1, sizes are updated and the thumbnail is
         /// dropped. Both names may be the same.</remarks>
         /// <param name="source">the file to turn</param>
         /// <param name="target">the file to write, as KirvoFilesSave does</param>
@@ -991,13 +993,15 @@ namespace KirvoImaging
         /// <param name="file">receives what is known of the file written, also on failure; may be
         /// null</param>
         /// <returns>as KirvoFilesOpen and KirvoFilesSave; KIRVO_FILES_UNSUPPORTED for a file that
-        /// is no JPEG; KIRVO_FILES_EDGE</returns>
+        /// is no JPEG; KIRVO_FILES_NO_CODEC; KIRVO_FILES_EDGE</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesTurn(byte[] source, byte[] target,
             int turning, int edges, uint flags, out IntPtr file);
 
-        /// <summary>Turns a JPEG without loss.</summary>
-        /// <remarks>Metadata stays, orientation becomes 1, sizes are updated and the thumbnail is
+        /// <summary>Turns a JPEG without loss: a baseline one on every system, others (progressive,
+        /// arithmetic coding) where the library is built with libjpeg-turbo.</summary>
+        /// <remarks>An orientation that the file has counts first: what people see is what is
+        /// turned. Metadata stays, orientation becomes 1, sizes are updated and the thumbnail is
         /// dropped. Both names may be the same.</remarks>
         /// <param name="source">the file to turn</param>
         /// <param name="target">the file to write, as KirvoFilesSave does</param>
@@ -1007,7 +1011,7 @@ namespace KirvoImaging
         /// <param name="file">receives what is known of the file written, also on failure; may be
         /// null</param>
         /// <returns>as KirvoFilesOpen and KirvoFilesSave; KIRVO_FILES_UNSUPPORTED for a file that
-        /// is no JPEG; KIRVO_FILES_EDGE</returns>
+        /// is no JPEG; KIRVO_FILES_NO_CODEC; KIRVO_FILES_EDGE</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesTurn(byte[] source, byte[] target,
             int turning, int edges, uint flags, IntPtr file);

@@ -229,6 +229,23 @@ class Jpeg(Folder):
             self.assertIn("ends early: whole to row", LIBRARY.open(path).texts["reason"])
             self.assertTrue(LIBRARY.open(path, KEEP_GOING).ok)
 
+    def test_turns_are_those_of_jpegtran(self):
+        picture().save(self.folder / "colour.ppm")
+        turns = {1: "-rotate 90", 2: "-rotate 180", 3: "-rotate 270", 4: "-flip vertical",
+                 5: "-flip horizontal"}
+        options = ["", "-sample 1x1", "-sample 2x1", "-sample 1x2", "-sample 4x1", "-grayscale",
+                   "-restart 2B", "-optimize", "-progressive", "-arithmetic"]
+        source, ours, theirs = (self.folder / name for name in ("s.jpg", "ours.jpg", "theirs.jpg"))
+        for option, (turning, words), edges in itertools.product(options, turns.items(), (1, 2)):
+            source.write_bytes(run("cjpeg", "-quality", "80", *option.split(),
+                                   self.folder / "colour.ppm"))
+            status = LIBRARY.files.KirvoFilesTurn(os.fsencode(source), os.fsencode(ours), turning, edges,
+                                                  0, None)
+            self.assertEqual(status, 0, f"{option} {words}")
+            trim = ["-trim"] if edges == 1 else []
+            theirs.write_bytes(run("jpegtran", *words.split(), *trim, source))
+            self.assertEqual(run("djpeg", ours), run("djpeg", theirs), f"{option} {words} {trim}")
+
     def test_cmyk(self):
         paths = self.write([("cmyk.jpg", "colour", "-colorspace", "CMYK", "-quality", "95")])
         self.assertEqual(self.check(paths, lambda path, opened: 1), [])
