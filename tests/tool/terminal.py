@@ -244,8 +244,8 @@ class WindowsInterruption(unittest.TestCase):
         subprocess.run([*windows, "make", "solid", "900x600", pictures[0], "-c", "blue"], check=True)
         for copy in pictures[1:]:
             shutil.copy(pictures[0], copy)
-        code = self.interrupt("convert", *pictures, "-o", self.folder / "out", "-j2",
-                              *["--hue", "2,10"] * 600, after=2)
+        code = self.interrupt("convert", *pictures, "-o", self.folder / "out", "-j2", "--resize",
+                              "4000x3000", *["--hue", "2,10"] * 500, after=2)
         self.assertEqual(code, 130)
         time.sleep(1)
         self.assertEqual(sorted(self.folder.glob("**/*.part")), [])
