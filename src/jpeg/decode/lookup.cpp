@@ -140,7 +140,7 @@ void append(AcPair& pair, LookupEntry entry) {
 AcPair pair_of(const Lookup& lookup, uint32_t bits) {
     const LookupEntry first = lookup.entries[bits];
     if (!is_whole(first))
-        return {{}, 0, 0, no_pair, 0};
+        return {0, 0, 0, no_pair, {}};
     AcPair pair = single(first);
     if (!has_ac_value(first))
         return pair;

@@ -6,7 +6,7 @@
 
 namespace kirvo {
 
-constexpr uint32_t lookup_bits = 11;
+constexpr uint32_t lookup_bits = 10;
 
 // Longer codes begin with ones: 16 bits from here on are looked up as a whole.
 constexpr uint32_t first_long = 0xFC00;
@@ -60,11 +60,11 @@ struct Lookup {
 // values lie in them, and perhaps the end of the block behind. Both values are always stored: where
 // there is only one, it is there twice; where there is none, a 0 goes to a place that holds 0.
 struct AcPair {
-    int16_t value[2];
-    uint8_t length; // bits of all of it
-    uint8_t first;  // the values' distances from position k, where the zeros begin
+    uint8_t length;  // bits of all of it
+    uint8_t advance; // of position k, where the zeros begin; past_block more at the block's end
+    uint8_t first;   // the values' distances from k
     uint8_t second;
-    uint8_t advance; // of k; past_block more at the end of the block
+    int16_t value[2];
 };
 
 constexpr uint8_t past_block = 128;
