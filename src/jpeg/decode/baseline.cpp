@@ -20,7 +20,9 @@ class McuReader {
         for (int32_t c = 0; c < frame.components; ++c) {
             const uint32_t table = c == 0 ? 0 : 1;
             components_[c] = fast_.baseline_tables_of(
-                table, table, coding_of(state, c, static_cast<uint32_t>(c) + 1, table, table));
+                table, table,
+                {&state.dc_tables[table], &state.ac_tables[table], no_quantisation.data(),
+                 &state.entropy.predictor[c]});
         }
         for (int32_t i = 0; i < blocks_; ++i)
             tables_[i] = &components_[component_of(layout, i)];

@@ -147,13 +147,12 @@ ALWAYS_INLINE bool read_coefficient(BitBuffer& bits, const FastReader::Tables& t
     return true;
 }
 
-// The AC coefficients of a baseline block, and a zigzag position after which they are 0. The DC
+// The AC coefficients of a baseline block, not multiplied, and a zigzag position after which they are 0. The DC
 // place may be overwritten.
 ALWAYS_INLINE bool read_ac(BitBuffer& bits, const FastReader::Tables& tables, int16_t* block,
                            uint8_t& last) {
     constexpr int32_t lookups_per_refill = BitBuffer::full / lookup_bits;
     const AcPair* pairs = tables.pairs->entries;
-    const uint16_t* quantisation = tables.coding.quantisation;
     int32_t k = 1;
     for (;;) {
         refill(bits);
@@ -164,10 +163,8 @@ ALWAYS_INLINE bool read_ac(BitBuffer& bits, const FastReader::Tables& tables, in
             if (second >= 63) // behind the block's last place begins another block
                 goto single;
             bits.drop(pair.length);
-            block[block_place[static_cast<size_t>(first)]] =
-                wrap16(quantisation[first] * pair.value[0]);
-            block[block_place[static_cast<size_t>(second)]] =
-                wrap16(quantisation[second] * pair.value[1]);
+            block[block_place[static_cast<size_t>(first)]] = pair.value[0];
+            block[block_place[static_cast<size_t>(second)]] = pair.value[1];
             k += pair.advance;
             if (k > 63)
                 goto ended;
