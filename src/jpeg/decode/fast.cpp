@@ -50,7 +50,7 @@ ALWAYS_INLINE void refill(BitBuffer& bits) {
         return;
     }
     bits.word |= ahead >> bits.count;
-    bits.next += (BitBuffer::width - 1 - bits.count) / 8;
+    bits.next += (BitBuffer::width - 1 - bits.count) >> 3;
     bits.count |= BitBuffer::full;
 }
 
@@ -249,12 +249,12 @@ bool FastReader::try_mcu(const Tables* const* tables, int32_t count, Block* bloc
     EntropyState& entropy = state_.entropy;
     BitBuffer bits = bits_;
     int16_t predictors[3];
-    std::copy(std::begin(entropy.predictor), std::end(entropy.predictor), predictors);
+    std::memcpy(predictors, entropy.predictor, sizeof predictors);
     for (int32_t i = 0; i < count; ++i) {
         int16_t dc = 0;
         if (!read_dc(bits, *tables[i], 0, dc) || !read_ac(bits, *tables[i], blocks[i], last[i]) ||
             bits.count < 0) {
-            std::copy(std::begin(predictors), std::end(predictors), entropy.predictor);
+            std::memcpy(entropy.predictor, predictors, sizeof predictors);
             std::memset(blocks, 0, static_cast<size_t>(count) * sizeof(Block));
             return false;
         }
