@@ -1,6 +1,7 @@
 #include "jpeg/decode/fast.hpp"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #define ALWAYS_INLINE [[gnu::always_inline]] inline
@@ -22,10 +23,15 @@ Word load_big_endian(const uint8_t* from) {
         return __builtin_bswap32(value);
 }
 
-// Never misses one.
-bool may_hold_ff(Word value) {
-    constexpr Word ones = ~Word{0} / 0xFF;
-    return ((~value - ones) & value & ones << 7) != 0;
+constexpr Word ones = ~Word{0} / 0xFF; // in every byte
+
+// Right for a word; of its bytes one above a 0xFF may be taken for another.
+bool has_ff(Word value) { return ((~value - ones) & value & ones << 7) != 0; }
+
+// How many bits stand before the first 0xFF that there is.
+int32_t bits_before_ff(Word value) {
+    const Word found = ((value & ~(ones << 7)) + ones) & value & ones << 7;
+    return std::countl_zero(found);
 }
 
 // A byte at a time up to a marker or a fill byte, as which the input ends. By value, so that the
@@ -42,16 +48,37 @@ bool may_hold_ff(Word value) {
     return bits;
 }
 
+// Puts whole bytes behind those that are there.
+ALWAYS_INLINE void append(BitBuffer& bits, Word ahead) {
+    bits.word |= ahead >> bits.count;
+    bits.count |= BitBuffer::full;
+}
+ALWAYS_INLINE int32_t room_in_bytes(const BitBuffer& bits) {
+    return (BitBuffer::width - 1 - bits.count) >> 3;
+}
+
+// Most often the 0xFF ahead is a single one, stuffed.
+[[gnu::noinline]] BitBuffer refill_over_ff(BitBuffer bits) {
+    const Word ahead = load_big_endian(bits.next);
+    const int32_t before = bits_before_ff(ahead);
+    const Word behind_mask = ~Word{0} >> before >> 8, behind = ahead & behind_mask;
+    if (before == BitBuffer::full || behind > behind_mask >> 8 || has_ff(behind))
+        return refill_bytes(bits);
+    const int32_t bytes = room_in_bytes(bits);
+    bits.next += 8 * bytes > before ? bytes + 1 : bytes;
+    append(bits, (ahead & ~behind_mask) | behind << 8);
+    return bits;
+}
+
 // Makes all bits available that a marker does not keep back.
 ALWAYS_INLINE void refill(BitBuffer& bits) {
     const Word ahead = load_big_endian(bits.next);
-    if (may_hold_ff(ahead)) {
-        bits = refill_bytes(bits);
+    if (has_ff(ahead)) {
+        bits = refill_over_ff(bits);
         return;
     }
-    bits.word |= ahead >> bits.count;
-    bits.next += (BitBuffer::width - 1 - bits.count) >> 3;
-    bits.count |= BitBuffer::full;
+    bits.next += room_in_bytes(bits);
+    append(bits, ahead);
 }
 
 // Where a code and its value may be longer than a full buffer.
@@ -241,8 +268,9 @@ bool FastReader::read_mcu(const Tables* const* tables, int32_t count, Block* blo
     if (!usable_ || scan.spectral_start != 0 || scan.spectral_end != 63 || scan.shift != 0 ||
         entropy.eob_run != 0)
         return false;
-    return try_mcu(tables, count, blocks, last) ||
-           (pass_restart() && try_mcu(tables, count, blocks, last));
+    if (bits_.next[0] == 0xFF)
+        pass_restart();
+    return try_mcu(tables, count, blocks, last);
 }
 
 bool FastReader::try_mcu(const Tables* const* tables, int32_t count, Block* blocks, uint8_t* last) {
@@ -268,18 +296,17 @@ bool FastReader::try_mcu(const Tables* const* tables, int32_t count, Block* bloc
 
 // Goes behind a restart marker that comes next, as an encoder puts it between two MCUs: less than a
 // byte of ones may stand before it, in which no table has a code.
-bool FastReader::pass_restart() {
+void FastReader::pass_restart() {
     const BitBuffer bits = refill_bytes(bits_);
     const Word padding = ~(~Word{0} >> bits.count);
     if (bits.count >= 8 || bits.word != padding || bits.next[0] != 0xFF ||
         !is_restart(bits.next[1]))
-        return false;
+        return;
     std::fill(std::begin(state_.entropy.predictor), std::end(state_.entropy.predictor), int16_t{0});
     entered_ = bits.next + 2;
     entered_byte_ = 0xFF;
     bits_ = {0, 0, entered_};
     moved_ = true;
-    return true;
 }
 
 bool FastReader::read_block(const Tables& tables, Block& block) {

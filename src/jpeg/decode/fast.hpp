@@ -63,7 +63,7 @@ class FastReader {
 
   private:
     bool try_mcu(const Tables* const* tables, int32_t count, Block* blocks, uint8_t* last);
-    bool pass_restart();
+    void pass_restart();
 
     DecodeState& state_;
     BitBuffer bits_;
