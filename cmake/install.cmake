@@ -3,12 +3,12 @@
 
 include(CMakePackageConfigHelpers)
 
-install(TARGETS kirvo EXPORT Kirvo)
-install(FILES include/kirvo.h TYPE INCLUDE)
+install(TARGETS kirvo kirvo_files EXPORT Kirvo)
+install(FILES include/kirvo.h include/kirvo_files.h include/kirvo.hpp TYPE INCLUDE)
 if(WIN32)
-    install(FILES kirvo.def TYPE LIB)
+    install(FILES kirvo.def kirvo_files.def TYPE LIB)
     if(KIRVO_LLVM_DLLTOOL)
-        install(FILES ${PROJECT_BINARY_DIR}/Kirvo.lib TYPE LIB)
+        install(FILES ${PROJECT_BINARY_DIR}/Kirvo.lib ${PROJECT_BINARY_DIR}/KirvoFiles.lib TYPE LIB)
     endif()
 endif()
 
@@ -29,8 +29,11 @@ get_target_property(library_name kirvo OUTPUT_NAME)
 if(NOT library_name)
     set(library_name kirvo)
 endif()
-configure_file(packaging/kirvo.pc.in kirvo.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/kirvo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+get_target_property(files_library_name kirvo_files OUTPUT_NAME)
+foreach(name IN ITEMS kirvo kirvo_files)
+    configure_file(packaging/${name}.pc.in ${name}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()
 
 # Documents, in the places where README.md links to them; the reference when it has been built.
 install(FILES README.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
@@ -42,7 +45,7 @@ install(DIRECTORY bindings examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
         PATTERN __pycache__ EXCLUDE)
 
 # Builds what is installed.
-add_custom_target(kirvo_installed DEPENDS kirvo)
+add_custom_target(kirvo_installed DEPENDS kirvo kirvo_files)
 foreach(target IN ITEMS kirvo_tool kirvo_papers)
     if(TARGET ${target})
         add_dependencies(kirvo_installed ${target})

@@ -252,6 +252,8 @@ namespace KirvoImaging
         public const int SWP_NOMOVE = 2;
         /// <summary>SetWindowPos: the order of windows stays</summary>
         public const int SWP_NOZORDER = 4;
+        /// <summary>version of this header: 1.0.4.2, as GetVerKirvoDll tells it</summary>
+        public const int KIRVO_VERSION = 16778242;
 
         // Names of Windows
 

@@ -135,6 +135,8 @@ SM_CXFRAME = 32
 SWP_NOMOVE = 2
 # SetWindowPos: the order of windows stays
 SWP_NOZORDER = 4
+# version of this header: 1.0.4.2, as GetVerKirvoDll tells it
+KIRVO_VERSION = 0x1000402
 
 
 class BITMAPINFOHEADER(Structure):

@@ -1,0 +1,103 @@
+#!/usr/bin/env python3
+"""The object layers: check.py CHECK build/<preset>/interface.json
+
+A check whose compiler is missing is skipped (exit code 77).
+"""
+import json
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+
+SOURCE = pathlib.Path(__file__).parents[2]
+sys.path[:0] = [str(SOURCE / "interface")]
+sys.dont_write_bytecode = True
+from description import Description
+from header import Header
+from layers import Layers
+
+CONFIG = json.loads(pathlib.Path(sys.argv[2]).read_text())
+FOLDER = pathlib.Path(CONFIG["library"]).parent
+WINDOWS = CONFIG["system"] == "Windows"
+BITS = str(8 * int(CONFIG["pointer_bytes"]))
+SKIPPED = 77
+
+
+def run(*command, code=0, folder=None):
+    """What a command prints. It finds the libraries."""
+    if str(command[0]).endswith(".exe") and WINDOWS:
+        command = (SOURCE / "script/wine", BITS, *command)
+    environment = {**os.environ, "LD_LIBRARY_PATH": str(FOLDER), "PYTHONDONTWRITEBYTECODE": "1"}
+    result = subprocess.run(list(map(str, command)), env=environment, text=True,
+                            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, cwd=folder)
+    assert result.returncode == code, f"{command}: {result.returncode}\n{result.stdout}"
+    return result.stdout
+
+
+def need(program, package):
+    if not shutil.which(program):
+        print(f"needs {program}: Debian's {package}")
+        sys.exit(SKIPPED)
+
+
+def joined(name, first=str.capitalize):
+    """A method's name in capitals: rotate_90 is Rotate90."""
+    head, *rest = name.split("_")
+    return first(head) + "".join(map(str.capitalize, rest))
+
+
+# Where each layer lies, and how it begins a method.
+LAYERS = {
+    "include/kirvo.hpp": lambda name: rf"^    (?:template.*|static )?[\w:<>& ]+? ?&?{name}\(",
+    "bindings/python/src/kirvo/_image.py": lambda name: rf"^    def {name}\(",
+    "bindings/csharp/KirvoImage.cs": lambda name: rf"^ +public (?:static )?[\w\[\]]+ {joined(name)}\(",
+    "bindings/pascal/KirvoImages.pas":
+        lambda name: rf"^    (?:class )?(?:function|procedure) {joined(name)}\b",
+    "bindings/vb/KirvoImage.cls": lambda name: rf"^Public (?:Function|Sub) {joined(name)}\(",
+}
+
+
+def check_effects(folder):
+    """Every effect of the description is reached by a method in every layer."""
+    layers = Layers(Description(), Header()) # which fails where a function has no method
+    missing = []
+    for path, begins in LAYERS.items():
+        text = (SOURCE / path).read_text(encoding="utf-8").replace("\r\n", "\n")
+        for name in layers.names:
+            if not re.search(begins(name), text, re.MULTILINE):
+                missing.append(f"{path}: no {name}")
+        for function in layers.covered - {one for names in layers.same.values() for one in names}:
+            if not re.search(rf"\b{function}\b", text):
+                missing.append(f"{path}: {function} is not called")
+    assert not missing, "\n".join(missing)
+
+
+def check_current(folder):
+    """What kirvo.h says in words is what its comments say; the written files are up to date."""
+    print(run(SOURCE / "script/bindings", "--check"))
+
+
+def check_cpp(folder):
+    """kirvo.hpp by every compiler that is there, at two standards."""
+    compilers = [CONFIG["cpp_compiler"]]
+    if not WINDOWS:
+        need("clang++", "clang")
+        compilers.append("clang++")
+    libraries = ["-lKirvoFiles", "-lKirvo", "-static"] if WINDOWS else ["-lkirvofiles", "-lkirvo", "-pthread"]
+    if WINDOWS:
+        for dll in FOLDER.glob("*.dll"):
+            shutil.copy(dll, folder)
+    for compiler in compilers:
+        for standard in ("c++17", "c++20"):
+            program = folder / ("layer.exe" if WINDOWS else "layer")
+            run(compiler, f"-std={standard}", "-Wall", "-Wextra", "-Wconversion", "-pedantic", "-Werror",
+                f"-I{SOURCE}/include", SOURCE / "tests/layers/cpp.cpp", f"-L{FOLDER}", *libraries,
+                "-o", program)
+            print(compiler, standard, run(program, folder))
+
+
+with tempfile.TemporaryDirectory() as made_for_this:
+    globals()[f"check_{sys.argv[1]}"](pathlib.Path(made_for_this))
