@@ -3,7 +3,7 @@
 
 include(CMakePackageConfigHelpers)
 
-install(TARGETS kirvo kirvo_files EXPORT Kirvo)
+install(TARGETS kirvo kirvo_files EXPORT Kirvo COMPONENT libraries)
 install(FILES include/kirvo.h include/kirvo_files.h include/kirvo.hpp TYPE INCLUDE)
 if(WIN32)
     install(FILES kirvo.def kirvo_files.def TYPE LIB)

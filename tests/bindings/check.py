@@ -133,8 +133,9 @@ def python_parameter(kind, c):
 
 def check_python(folder):
     os.environ["KIRVO_LIBRARY"] = str(LIBRARY)
-    sys.path.insert(0, str(BINDINGS / "python"))
-    import kirvo
+    os.environ["PYTHONPATH"] = str(BINDINGS / "python/src")
+    sys.path.insert(0, os.environ["PYTHONPATH"])
+    from kirvo import flat as kirvo
     declared = {}
     for function in DESCRIPTION.functions:
         python = kirvo.functions[function.name]
