@@ -41,17 +41,11 @@ class Libraries:
                     path.write_bytes(pathlib.Path(match[2]).read_bytes())
                     paths.append(path)
                     self._take_licence(pathlib.Path(match[2]))
-        # Names of their own: a program may have other versions of these libraries.
-        renamed = {path.name: path.name.replace(".so", "-kirvo.so", 1) for path in paths
-                   if not path.name.startswith("libkirvo")}
         for path in paths:
             path.chmod(0o755)
-            changes = [word for names in renamed.items() for word in ("--replace-needed", *names)]
-            if path.name in renamed:
-                changes += ["--set-soname", renamed[path.name]]
-            run("patchelf", *changes, "--set-rpath", "$ORIGIN", path)
+            run("patchelf", "--set-rpath", "$ORIGIN", path)
         self.glibc = max(self._glibc(path) for path in paths)
-        self.files = {renamed.get(path.name, path.name): path.read_bytes() for path in sorted(paths)}
+        self.files = {path.name: path.read_bytes() for path in sorted(paths)}
 
     def _take_licence(self, library):
         for name in (library, library.resolve(), str(library).replace("/lib/", "/usr/lib/", 1)):
