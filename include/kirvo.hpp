@@ -980,9 +980,9 @@ class Image {
      *  @param other packed DIB of 8, 16, 24 or 32 bits
      *  @param options what else it may be told */
     Image& paste(const Image& other, const PasteOptions& options = {}) {
-        ready({8, 16, 24, 32});
+        ready({16, 24, 32});
         const Image depth = other.as_deep_as(*this);
-        apply("paste", {8, 16, 24, 32}, {}, [&](HGLOBAL dib, const Area&) {
+        apply("paste", {16, 24, 32}, {}, [&](HGLOBAL dib, const Area&) {
             return Dib24CopyEx(dib, options.to_left, options.to_top, depth.handle(), 0, 0, depth.width(), depth.height());
         });
         return *this;

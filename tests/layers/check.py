@@ -75,10 +75,6 @@ def check_effects(folder):
     assert not missing, "\n".join(missing)
 
 
-def check_current(folder):
-    """What kirvo.h says in words is what its comments say; the written files are up to date."""
-    print(run(SOURCE / "script/bindings", "--check"))
-
 
 def check_cpp(folder):
     """kirvo.hpp by every compiler that is there, at two standards."""
@@ -97,6 +93,40 @@ def check_cpp(folder):
                 f"-I{SOURCE}/include", SOURCE / "tests/layers/cpp.cpp", f"-L{FOLDER}", *libraries,
                 "-o", program)
             print(compiler, standard, run(program, folder))
+
+
+def check_python(folder):
+    """The package from its source, with the libraries just built."""
+    os.environ["KIRVO_LIBRARY"] = CONFIG["library"]
+    os.environ["PYTHONPATH"] = str(SOURCE / "bindings/python/src")
+    run("/usr/bin/python3", SOURCE / "tests/layers/python_layer.py", SOURCE / "bindings/python")
+
+
+def check_csharp(folder):
+    """The classes from their source; what they promise, and the example."""
+    need("mcs", "mono-mcs")
+    need("mono", "mono-runtime")
+    csharp = SOURCE / "bindings/csharp"
+    for source in (SOURCE / "tests/layers/CSharpLayer.cs", csharp / "Photo.cs"):
+        program = folder / f"{source.stem}.exe"
+        run("mcs", "-warn:4", "-warnaserror", "-r:System.Drawing", f"-out:{program}", f"-doc:{folder}/doc.xml",
+            source, *(csharp / name for name in ("Kirvo.cs", "KirvoImage.cs", "KirvoBitmap.cs")))
+        shutil.copy(csharp / "Kirvo.dll.config", f"{program}.config")
+    run("mono", folder / "CSharpLayer.exe", folder)
+    check_photo(folder, "mono", folder / "Photo.exe")
+
+
+def check_photo(folder, *command):
+    """The example that every language has: its picture, its progress and its error."""
+    photo = folder / "写真.jpg"
+    shutil.copy(SOURCE / "docs/contact-sheet.jpg", photo)
+    shown = run(*command, photo, folder / "page.png")
+    assert shown.count(" 100%") >= 4, shown # opened, cropped, resized, sharpened
+    page = (folder / "page.png").read_bytes()
+    assert page.startswith(b"\x89PNG") and int.from_bytes(page[16:20], "big") == 800
+    photo.write_bytes(b"no picture at all" * 100)
+    assert "写真.jpg: " in run(*command, photo, folder / "other.png", code=1)
+    assert not (folder / "other.png").exists()
 
 
 with tempfile.TemporaryDirectory() as made_for_this:

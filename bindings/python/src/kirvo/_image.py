@@ -677,9 +677,9 @@ class Image:
         to_left: corner of the rectangle in the destination
         to_top: corner of the rectangle in the destination
         """
-        self._ready((8, 16, 24, 32))
+        self._ready((16, 24, 32))
         other = other.convert(self.bits)
-        self._apply("paste", (8, 16, 24, 32), None,
+        self._apply("paste", (16, 24, 32), None,
                     lambda dib, a: flat.Dib24CopyEx(dib, to_left, to_top, other._dib, 0, 0, other.width, other.height))
 
     def compose(self, other: Image, mode: int = 0, to_left: int = 0, to_top: int = 0) -> None:
