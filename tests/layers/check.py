@@ -116,6 +116,23 @@ def check_csharp(folder):
     check_photo(folder, "mono", folder / "Photo.exe")
 
 
+def check_pascal(folder):
+    """The classes by Free Pascal; what they promise, and Lazarus' package and example."""
+    need("fpc", "fp-compiler")
+    pascal = SOURCE / "bindings/pascal"
+    run("fpc", f"-Fl{FOLDER}", f"-FE{folder}", f"-Fu{pascal}", SOURCE / "tests/layers/PascalLayer.dpr")
+    run(folder / "PascalLayer", folder)
+    need("lazbuild", "lcl-utils")
+    need("Xvfb", "xvfb")
+    project = folder / "project"
+    shutil.copytree(pascal, project)
+    os.environ["LIBRARY_PATH"] = str(FOLDER) # for the linker
+    lazarus = ["lazbuild", f"--primary-config-path={folder}/lazarus", "--quiet"]
+    run(*lazarus, "--widgetset=gtk2", "--add-package-link", project / "kirvo.lpk")
+    run(*lazarus, "--widgetset=gtk2", project / "photo.lpi", f"--opt=-Fl{FOLDER}")
+    check_photo(folder, "xvfb-run", "-a", project / "photo")
+
+
 def check_photo(folder, *command):
     """The example that every language has: its picture, its progress and its error."""
     photo = folder / "写真.jpg"
