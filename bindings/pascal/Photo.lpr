@@ -1,6 +1,9 @@
 { A photo made ready for a page, 800 pixels wide: Photo IN OUT.png
 
-  Built with lazbuild photo.lpi, which needs the package kirvo.lpk. }
+  Built with lazbuild, which has been shown the package kirvo_lazarus.lpk before:
+
+      lazbuild --add-package-link kirvo_lazarus.lpk
+      KIRVO_LIBRARIES=<folder of libkirvo.so> lazbuild photo.lpi }
 program Photo;
 
 {$MODE DELPHI}

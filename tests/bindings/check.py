@@ -343,7 +343,7 @@ BASIC_RESERVED = set("""
     raiseevent redim rem resume return rset scale seek select set sgn shared single spc static stop
     string sub tab then to true type typeof ubound unlock until variant wend while with withevents
     write xor""".split())
-BASIC_BLOCKS = {"Sub": "End Sub", "Function": "End Function", "If": "End If",
+BASIC_BLOCKS = {"Sub": "End Sub", "Function": "End Function", "If": "End If", "Property": "End Property",
                 "Select": "End Select", "Enum": "End Enum", "Type": "End Type"}
 
 
@@ -377,7 +377,7 @@ def check_basic_blocks(lines):
     stack = []
     outside = r"Attribute |Option Explicit$|(Public|Private) (Declare |Const |Enum |Type |\w+ As )"
     for line in lines:
-        match = re.match(r"(?:(?:Public|Private) )?(Sub|Function|If|Select|Enum|Type)\b(?!.* Lib )",
+        match = re.match(r"(?:(?:Public|Private) )?(Sub|Function|If|Select|Enum|Type|Property)\b(?!.* Lib )",
                          line)
         if match and (match[1] != "If" or line.endswith(" Then")):
             assert not stack or match[1] in ("If", "Select"), line
@@ -429,6 +429,7 @@ def check_basic(folder):
         twice = {name for name in names if names.count(name) > 1}
         assert not twice, f"named twice: {twice}"
         check_basic_numbers(lines)
+    check_basic_class(functions)
     code = [line for line in basic_lines(form, {})
             if not re.match(r"VERSION|Begin|End$|\w+ +=", line)]
     check_basic_blocks(code)
@@ -436,6 +437,45 @@ def check_basic(folder):
         for name, given in re.findall(r"\b((?:Jpg|Dib)\w+)\(?(.*?)\)?$", line):
             arity = next(len(function.parameters) for function in functions if function.name == name)
             assert given.count(",") + 1 == arity, line
+
+
+def given_to(line, name):
+    """The arguments of a call, by the commas between its parentheses."""
+    rest = re.split(rf"\b{name}\b", line, maxsplit=1)[1]
+    depth, found, inside = 0, [""], rest.lstrip()
+    called = inside.startswith("(")
+    for sign in inside:
+        depth += (sign == "(") - (sign == ")")
+        if called and depth == 0:
+            break
+        if sign == "," and depth == called:
+            found.append("")
+        else:
+            found[-1] += sign
+    return [text for text in found if text.strip("( ")]
+
+
+def check_basic_class(functions):
+    """The object layer: blocks, names, and every call of a function with as many arguments as it has."""
+    arity = {function.name: len(function.parameters) for function in functions}
+    for safe, wide in ((True, True), (True, False), (False, False)):
+        lines = [line for line in basic_lines(BINDINGS / "vb/KirvoImage.cls", {"VBA7": safe, "Win64": wide})
+                 if not re.match(r"VERSION|BEGIN|END$|MultiUse", line)]
+        check_basic_blocks(lines)
+        assert safe or not any("LongPtr" in line or "PtrSafe" in line for line in lines)
+        called = set()
+        for line in lines:
+            for name in set(re.findall(r"\b\w+\b", re.sub('"[^"]*"', '""', line))) & set(arity):
+                assert len(given_to(line, name)) == arity[name] or " Lib " in line, line
+                called.add(name)
+            if match := re.match(r"(?:Public|Private) (?:Sub|Function) \w+\((.*)\)", line):
+                for part in filter(None, match[1].split(", ")):
+                    name = re.match(r"(?:Optional )?By(?:Val|Ref) (\w+)(?:\(\))? As ", part)[1]
+                    assert name.lower() not in BASIC_RESERVED, line
+        assert len(called) > 50
+        names = re.findall(r"^(?:Public|Private) (?:Sub|Function|Property Get) (\w+)", "\n".join(lines),
+                           re.MULTILINE)
+        assert len(names) == len({name.lower() for name in names}), "named twice"
 
 
 def check_basic_numbers(lines):

@@ -126,10 +126,10 @@ def check_pascal(folder):
     need("Xvfb", "xvfb")
     project = folder / "project"
     shutil.copytree(pascal, project)
-    os.environ["LIBRARY_PATH"] = str(FOLDER) # for the linker
+    os.environ["KIRVO_LIBRARIES"] = str(FOLDER) # for the linker
     lazarus = ["lazbuild", f"--primary-config-path={folder}/lazarus", "--quiet"]
-    run(*lazarus, "--widgetset=gtk2", "--add-package-link", project / "kirvo.lpk")
-    run(*lazarus, "--widgetset=gtk2", project / "photo.lpi", f"--opt=-Fl{FOLDER}")
+    run(*lazarus, "--widgetset=gtk2", "--add-package-link", project / "kirvo_lazarus.lpk")
+    run(*lazarus, "--widgetset=gtk2", project / "photo.lpi")
     check_photo(folder, "xvfb-run", "-a", project / "photo")
 
 
