@@ -88,6 +88,6 @@ elseif(KIRVO_LIBRARY_TYPE STREQUAL SHARED)
     if(NOT KIRVO_SANITIZE)
         target_link_options(kirvo_files PRIVATE -Wl,--no-undefined)
     endif()
-    # An installed library finds the first one beside it.
-    set_target_properties(kirvo_files PROPERTIES INSTALL_RPATH $ORIGIN)
+    # It finds the first library beside it, wherever that is.
+    set_target_properties(kirvo_files PROPERTIES INSTALL_RPATH $ORIGIN BUILD_WITH_INSTALL_RPATH ON)
 endif()

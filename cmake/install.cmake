@@ -30,10 +30,9 @@ if(NOT library_name)
     set(library_name kirvo)
 endif()
 get_target_property(files_library_name kirvo_files OUTPUT_NAME)
-foreach(name IN ITEMS kirvo kirvo_files)
-    configure_file(packaging/${name}.pc.in ${name}.pc @ONLY)
-    install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-endforeach()
+configure_file(packaging/kirvo.pc.in kirvo.pc @ONLY)
+configure_file(packaging/kirvofiles.pc.in kirvofiles.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/kirvo.pc ${PROJECT_BINARY_DIR}/kirvofiles.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 # Documents, in the places where README.md links to them; the reference when it has been built.
 install(FILES README.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
@@ -72,10 +71,11 @@ else()
     set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
     set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "image processing on packed DIBs")
     set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"Library, header, CMake and pkg-config files, command line and documents of
+"Libraries, headers, CMake and pkg-config files, command line and documents of
 Kirvo: BMP, Targa, icon and other files, a JPEG encoder and decoder, colour
 reduction and some sixty image operations over one image model, the packed
-DIB. Every result is settled to the bit and the same as that of the library
+DIB; and KirvoFiles, which opens and saves BMP, JPEG, PNG, TIFF, WebP, GIF,
+Targa and icon files with their metadata. Every result is settled to the bit and the same as that of the library
 for Windows.")
     set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/triggers)
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)

@@ -73,7 +73,11 @@ build() {
         cmake --build --preset "$preset" --parallel "$jobs" ${2:+--target "${@:2}"}
 }
 
-need_compiler() { need cmake ninja-build g++ libcli11-dev nlohmann-json3-dev googletest "$@"; }
+# What every build takes, the libraries of picture formats for KirvoFiles among it.
+need_compiler() {
+    need cmake ninja-build g++ libcli11-dev nlohmann-json3-dev googletest libjpeg62-turbo-dev \
+        libturbojpeg0-dev libspng-dev libtiff-dev libwebp-dev libgif-dev "$@"
+}
 
 # Gives the programs that follow a display: the caller's, or a virtual one that all scripts share
 # and that ends a few seconds after its last user. Users hold display.users shared, the process that

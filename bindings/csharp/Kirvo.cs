@@ -1455,6 +1455,126 @@ namespace KirvoImaging
         /// KIRVO_NO_MEMORY</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoStatus Dib24Separate(IntPtr dib, int x, int y, int width,
+            int height, out IntPtr red, out IntPtr green, IntPtr blue);
+
+        /// <summary>Separates the channels: three new images of the source's depth, each with one
+        /// channel and the others 0.</summary>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="x">rectangle</param>
+        /// <param name="y">rectangle</param>
+        /// <param name="width">rectangle</param>
+        /// <param name="height">rectangle</param>
+        /// <param name="red">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="green">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="blue">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <returns>KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
+        /// KIRVO_NO_MEMORY</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus Dib24Separate(IntPtr dib, int x, int y, int width,
+            int height, out IntPtr red, IntPtr green, out IntPtr blue);
+
+        /// <summary>Separates the channels: three new images of the source's depth, each with one
+        /// channel and the others 0.</summary>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="x">rectangle</param>
+        /// <param name="y">rectangle</param>
+        /// <param name="width">rectangle</param>
+        /// <param name="height">rectangle</param>
+        /// <param name="red">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="green">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="blue">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <returns>KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
+        /// KIRVO_NO_MEMORY</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus Dib24Separate(IntPtr dib, int x, int y, int width,
+            int height, out IntPtr red, IntPtr green, IntPtr blue);
+
+        /// <summary>Separates the channels: three new images of the source's depth, each with one
+        /// channel and the others 0.</summary>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="x">rectangle</param>
+        /// <param name="y">rectangle</param>
+        /// <param name="width">rectangle</param>
+        /// <param name="height">rectangle</param>
+        /// <param name="red">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="green">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="blue">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <returns>KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
+        /// KIRVO_NO_MEMORY</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus Dib24Separate(IntPtr dib, int x, int y, int width,
+            int height, IntPtr red, out IntPtr green, out IntPtr blue);
+
+        /// <summary>Separates the channels: three new images of the source's depth, each with one
+        /// channel and the others 0.</summary>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="x">rectangle</param>
+        /// <param name="y">rectangle</param>
+        /// <param name="width">rectangle</param>
+        /// <param name="height">rectangle</param>
+        /// <param name="red">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="green">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="blue">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <returns>KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
+        /// KIRVO_NO_MEMORY</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus Dib24Separate(IntPtr dib, int x, int y, int width,
+            int height, IntPtr red, out IntPtr green, IntPtr blue);
+
+        /// <summary>Separates the channels: three new images of the source's depth, each with one
+        /// channel and the others 0.</summary>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="x">rectangle</param>
+        /// <param name="y">rectangle</param>
+        /// <param name="width">rectangle</param>
+        /// <param name="height">rectangle</param>
+        /// <param name="red">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="green">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="blue">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <returns>KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
+        /// KIRVO_NO_MEMORY</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus Dib24Separate(IntPtr dib, int x, int y, int width,
+            int height, IntPtr red, IntPtr green, out IntPtr blue);
+
+        /// <summary>Separates the channels: three new images of the source's depth, each with one
+        /// channel and the others 0.</summary>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="x">rectangle</param>
+        /// <param name="y">rectangle</param>
+        /// <param name="width">rectangle</param>
+        /// <param name="height">rectangle</param>
+        /// <param name="red">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="green">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="blue">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <returns>KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
+        /// KIRVO_NO_MEMORY</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus Dib24Separate(IntPtr dib, int x, int y, int width,
             int height, IntPtr red, IntPtr green, IntPtr blue);
 
         /// <summary>Maps every channel through a table: table[channel].</summary>

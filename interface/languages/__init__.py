@@ -53,8 +53,12 @@ def numbers(description):
 
 
 def statuses(description):
-    return next(group.enums["KirvoStatus"] for group in description.groups
-                if "KirvoStatus" in group.enums)
+    return description.statuses[1]
+
+
+def is_library(home):
+    """Whether functions of this home are the library's own, on every system."""
+    return home.startswith("Kirvo")
 
 
 def title(group, header):

@@ -1,16 +1,17 @@
 """Visual Basic 6 and VBA."""
-from languages import capitals, comment, escaped, listed, numbers, plain, statuses, title
+from languages import (capitals, comment, escaped, is_library, listed, numbers, plain, statuses,
+                       title)
 
-PATH = "vb/Kirvo.bas"
+PATHS = {"Kirvo": "vb/Kirvo.bas", "KirvoFiles": "vb/KirvoFiles.bas"}
 NEWLINE = "\r\n"  # the editor reads no other
 
 TYPES = {
-    "status": "Long", "int": "Long", "uint": "Long", "int16": "Integer", "uint16": "Integer",
+    "filesstatus": "Long", "status": "Long", "int": "Long", "uint": "Long", "int16": "Integer", "uint16": "Integer",
     "byte": "Byte", "double": "Double", "bool": "Long", "colour": "Long", "image": "LongPtr",
     "block": "LongPtr", "header": "LongPtr", "file": "String", "window": "LongPtr",
     "palette": "LongPtr", "object": "LongPtr", "address": "LongPtr", "size": "LongPtr",
     "uintptr": "LongPtr", "any": "Any", "WORD": "Integer", "DWORD": "Long", "LONG": "Long",
-    "BYTE": "Byte",
+    "BYTE": "Byte", "known": "LongPtr", "text": "String", "wide": "LongPtr", "letter": "Byte",
 }
 # Names that the language keeps to itself.
 RESERVED = {"to", "end", "object", "scale", "error"}
@@ -30,7 +31,7 @@ def parameter(given, pointer):
 
 def declaration(function, safe, pointer):
     word = "Function" if function.result else "Sub"
-    library = {"Kirvo": "Kirvo.dll"}.get(function.home, function.home)
+    library = f"{function.home}.dll" if is_library(function.home) else function.home
     head = f'Public Declare {safe}{word} {function.name} Lib "{library}" ('
     result = f") As {type_of(function.result, pointer)}" if function.result else ")"
     parameters = [parameter(given, pointer) for given in function.parameters]
@@ -53,7 +54,7 @@ def structure(given, header):
     yield from comment(header.comments[given.name].sentence, "' ")
     yield f"Public Type {given.name}"
     for field in given.fields:
-        meaning = plain(header.comments[field.name].sentence)
+        meaning = plain(header.field(given, field).sentence)
         yield f"    {field.name} As {type_of(field.kind, 'LongPtr')} ' {meaning}"
     yield "End Type"
 
@@ -62,7 +63,7 @@ def sections(description, header):
     made = {"statuses": [], "constants": [], "structures": [], "messages": []}
     for group, names in numbers(description):
         for name, value in names.items():
-            place = "statuses" if "KirvoStatus" in group.enums else "constants"
+            place = "statuses" if description.statuses[0] in group.enums else "constants"
             indent = "    " if place == "statuses" else ""
             made[place] += comment(header.comments[name].sentence, "' ", indent=indent)
             made[place].append(f"    {name} = {value}" if place == "statuses" else
@@ -75,7 +76,7 @@ def sections(description, header):
     for name in statuses(description):
         text = plain(header.comments[name].sentence).replace('"', '""')
         made["messages"].append(f"    Case {name}")
-        made["messages"].append(f'        KirvoMessage = "{name}: {text}"')
+        made["messages"].append(f'        {description.library}Message = "{name}: {text}"')
     return made
 
 

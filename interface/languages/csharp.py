@@ -1,24 +1,27 @@
 """C#."""
+import itertools
 import textwrap
 
 from description import Function
 from languages import capitals, escaped, listed, numbers, plain, statuses, title
 
-PATH = "csharp/Kirvo.cs"
+PATHS = {"Kirvo": "csharp/Kirvo.cs", "KirvoFiles": "csharp/KirvoFiles.cs"}
 NEWLINE = "\n"
 
 TYPES = {
-    "status": "KirvoStatus", "int": "int", "uint": "uint", "int16": "short", "uint16": "ushort",
+    "filesstatus": "KirvoFilesStatus", "status": "KirvoStatus", "int": "int", "uint": "uint", "int16": "short", "uint16": "ushort",
     "byte": "byte", "double": "double", "bool": "bool", "colour": "uint", "image": "IntPtr",
     "block": "IntPtr", "header": "IntPtr", "file": "string", "window": "IntPtr",
     "palette": "IntPtr", "object": "IntPtr", "address": "IntPtr", "size": "UIntPtr",
     "uintptr": "UIntPtr", "intptr": "IntPtr", "any": "byte", "WORD": "ushort", "DWORD": "uint",
-    "LONG": "int", "BYTE": "byte",
+    "LONG": "int", "BYTE": "byte", "known": "IntPtr", "text": "byte[]", "wide": "string",
+    "letter": "byte",
 }
 RESERVED = {"object"}
+CLASSES = {"KirvoWindowHost"}
 IMPORT = "[DllImport({}, ExactSpelling = true{})]"
 TEXT = ", BestFitMapping = false, ThrowOnUnmappableChar = true"
-LIBRARIES = {"Kirvo": "Library", "kernel32": '"kernel32.dll"', "gdi32": '"gdi32.dll"',
+LIBRARIES = {"Kirvo": "Library", "KirvoFiles": "Library", "kernel32": '"kernel32.dll"', "gdi32": '"gdi32.dll"',
              "": "Library"}
 
 
@@ -31,10 +34,14 @@ def parameter(given, pointer=False):
     kind = type_of(given.kind)
     if given.count is not None:
         return f"[{given.way.capitalize()}] {kind}[] {name}"
-    if given.nullable and given.way == "in":
-        return f"{kind} {name}"  # a class: an address that may be null
+    if kind in CLASSES:
+        return f"{kind} {name}"  # an address that may be null
     if given.nullable and pointer:
         return f"IntPtr {name}"
+    if given.way in ("in", "inout"):
+        return f"{'[In] ' if given.way == 'in' else ''}ref {kind} {name}"
+    if getattr(given.kind, "name", "") == "wide":
+        return f"[MarshalAs(UnmanagedType.LPWStr)] string {name}"
     if kind == "string":
         return f"[MarshalAs(UnmanagedType.LPStr)] string {name}"
     return f"{given.way} {kind} {name}".lstrip()
@@ -61,11 +68,12 @@ def function_documentation(function, header):
 
 
 def declarations(function, header):
-    text = TEXT if any(type_of(given.kind) == "string" for given in function.parameters) else ""
+    text = TEXT if any(getattr(given.kind, "name", "") == "file" for given in function.parameters) else ""
     result = type_of(function.result) if function.result else "void"
-    variables = [parameter(given) for given in function.parameters]
-    addresses = [parameter(given, pointer=True) for given in function.parameters]
-    for overload in [variables] if variables == addresses else [variables, addresses]:
+    # Where null is an answer, an address may stand in place of each variable.
+    overloads = itertools.product(*(dict.fromkeys([parameter(given), parameter(given, pointer=True)])
+                                    for given in function.parameters))
+    for overload in map(list, overloads):
         yield from function_documentation(function, header)
         yield "        " + IMPORT.format(LIBRARIES[function.home], text)
         head = f"        public static extern {result} {function.name}("
@@ -80,7 +88,7 @@ def structure(given, header):
     yield f"    public {word} {given.name}"
     yield "    {"
     for field in given.fields:
-        yield from documentation("summary", header.comments[field.name].sentence)
+        yield from documentation("summary", header.field(given, field).sentence)
         if isinstance(field, Function):
             yield f"        public {field.name}Function {field.name};"
         else:
@@ -100,7 +108,7 @@ def sections(description, header):
     made = {"statuses": [], "constants": [], "structures": [], "functions": []}
     for group, names in numbers(description):
         for name, value in names.items():
-            place = "statuses" if "KirvoStatus" in group.enums else "constants"
+            place = "statuses" if description.statuses[0] in group.enums else "constants"
             made[place] += documentation("summary", header.comments[name].sentence)
             made[place].append(f"        {name} = {value}," if place == "statuses" else
                                f"        public const int {name} = {value};")

@@ -3,22 +3,25 @@ import itertools
 import textwrap
 
 from description import Function
-from languages import WIDTH, capitals, comment, escaped, listed, numbers, plain, statuses, title
+from languages import (WIDTH, capitals, comment, escaped, is_library, listed, numbers, plain, statuses,
+                       title)
 
-PATH = "pascal/Kirvo.pas"
+PATHS = {"Kirvo": "pascal/Kirvo.pas", "KirvoFiles": "pascal/KirvoFiles.pas"}
 NEWLINE = "\n"
 
 TYPES = {
-    "status": "LongInt", "int": "LongInt", "uint": "LongWord", "int16": "SmallInt",
+    "filesstatus": "LongInt", "status": "LongInt", "int": "LongInt", "uint": "LongWord", "int16": "SmallInt",
     "uint16": "Word", "byte": "Byte", "double": "Double", "bool": "LongBool",
     "colour": "LongWord", "image": "HGLOBAL", "block": "HGLOBAL", "header": "Pointer",
     "file": "PAnsiChar", "window": "HWND", "palette": "HPALETTE", "object": "THandle",
     "address": "Pointer", "size": "KirvoUIntPtr", "uintptr": "KirvoUIntPtr",
-    "intptr": "KirvoIntPtr", "WORD": "Word", "DWORD": "LongWord", "LONG": "LongInt", "BYTE": "Byte",
+    "intptr": "KirvoIntPtr", "known": "TKirvoFile", "text": "PAnsiChar", "wide": "PWideChar",
+    "letter": "AnsiChar", "WORD": "Word", "DWORD": "LongWord", "LONG": "LongInt", "BYTE": "Byte",
 }
 POINTERS = {"int": "PInteger", "uint": "PKirvoLongWord", "int16": "PSmallInt", "uint16": "PWord",
-            "byte": "PByte", "any": "Pointer", "image": "PKirvoHandle"}
-RESERVED = {"to", "end", "object", "final"}
+            "byte": "PByte", "any": "Pointer", "image": "PKirvoHandle",
+            "known": "PKirvoFile", "letter": "PAnsiChar"}
+RESERVED = {"to", "end", "object", "final", "file"}
 
 
 def type_of(kind):
@@ -33,7 +36,7 @@ def parameter(given):
     """What stands before and behind the name."""
     if given.way and (given.count is not None or given.nullable):
         return "", pointer_to(given.kind)
-    return {"": "", "out": "out ", "in": "const "}[given.way], type_of(given.kind)
+    return {"": "", "out": "out ", "in": "const ", "inout": "var "}[given.way], type_of(given.kind)
 
 
 def signature(head, function, tail, indent):
@@ -53,9 +56,10 @@ def declaration(function, header):
     yield from comment(header.comments[function.name].brief, "{ ", " }")
     yield from signature(" " + function.name, function, "", "  ")
     convention = "{$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF}"
-    if function.home != "Kirvo":
+    if not is_library(function.home):
         convention = "cdecl;"
-    yield f"  {convention} external KirvoLibrary name '{function.name}';"
+    library = function.home if is_library(function.home) else "Kirvo"  # which stands in for Windows
+    yield f"  {convention} external {library}Library name '{function.name}';"
 
 
 def record(structure, header):
@@ -63,7 +67,7 @@ def record(structure, header):
     yield from comment(header.comments[structure.name].brief, "{ ", " }", "  ")
     yield f"  T{structure.name} = record"
     for field in structure.fields:
-        meaning = "".join(comment(header.comments[field.name].sentence, "// "))
+        meaning = "".join(comment(header.field(structure, field).sentence, "// "))
         if isinstance(field, Function):
             yield "    " + meaning
             lines = signature("", field, " cdecl;", "      ")

@@ -4,15 +4,16 @@ import textwrap
 from description import Function
 from languages import comment, listed, numbers, plain, statuses, title
 
-PATH = "python/src/kirvo/flat.py"
+PATHS = {"Kirvo": "python/src/kirvo/flat.py", "KirvoFiles": "python/src/kirvo/flat_files.py"}
 NEWLINE = "\n"
 
 TYPES = {
-    "status": "c_int32", "int": "c_int32", "uint": "c_uint32", "int16": "c_int16",
+    "filesstatus": "c_int32", "status": "c_int32", "int": "c_int32", "uint": "c_uint32", "int16": "c_int16",
     "uint16": "c_uint16", "byte": "c_uint8", "double": "c_double", "bool": "c_int32",
     "colour": "c_uint32", "image": "HANDLE", "block": "HANDLE", "header": "c_void_p",
     "file": "FileName", "window": "HANDLE", "palette": "HANDLE", "object": "HANDLE",
     "address": "c_void_p", "size": "c_size_t", "uintptr": "c_size_t", "intptr": "c_ssize_t",
+    "known": "HANDLE", "text": "Text", "wide": "c_void_p", "letter": "c_char",
     "WORD": "c_uint16", "DWORD": "c_uint32", "LONG": "c_int32", "BYTE": "c_uint8",
 }
 
@@ -40,7 +41,8 @@ def declaration(function, header):
     result = type_of(function.result) if function.result else "None"
     yield ""
     yield f"{function.name} = _declare("
-    library = "_kirvo" if function.home in ("Kirvo", "") else f"_{function.home}"
+    library = {"Kirvo": "_kirvo", "KirvoFiles": "_files", "": "_kirvo"}.get(function.home,
+                                                                         f"_{function.home}")
     yield from listed(f"    {library}, ", [result, *map(parameter, function.parameters)], ",")
     yield f'    usage="{call}",'
     yield f'    summary="{text}")'
@@ -66,7 +68,7 @@ def structure(given, header):
 def sections(description, header):
     made = {"constants": [], "statuses": [], "structures": [], "functions": []}
     for group, names in numbers(description):
-        if "KirvoStatus" not in group.enums:
+        if description.statuses[0] not in group.enums:
             for name, value in names.items():
                 made["constants"] += comment(header.comments[name].sentence, "# ")
                 made["constants"].append(f"{name} = {value:#x}" if value > 32 else

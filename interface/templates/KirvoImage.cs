@@ -124,8 +124,8 @@ namespace KirvoImaging
         public double DpiDown;
     }
 
-    /// <summary>The functions of KirvoFiles. Names are UTF-8 on every system.</summary>
-    static class KirvoFiles
+    /// <summary>The functions of KirvoFilesCalls. Names are UTF-8 on every system.</summary>
+    static class KirvoFilesCalls
     {
         const string Library = "KirvoFiles.dll";
 
@@ -198,7 +198,7 @@ namespace KirvoImaging
 
         protected override bool ReleaseHandle()
         {
-            KirvoFiles.KirvoFilesClose(handle);
+            KirvoFilesCalls.KirvoFilesClose(handle);
             return true;
         }
     }
@@ -368,9 +368,9 @@ namespace KirvoImaging
         public static KirvoImage Open(string name, IProgress<int> progress = null,
             CancellationToken token = default(CancellationToken), KirvoOpenOptions options = null)
         {
-            byte[] bytes = KirvoFiles.Name(name);
+            byte[] bytes = KirvoFilesCalls.Name(name);
             return Opened(progress, token, (out IntPtr dib, out IntPtr known) =>
-                KirvoFiles.KirvoFilesOpen(bytes, options, out dib, out known));
+                KirvoFilesCalls.KirvoFilesOpen(bytes, options, out dib, out known));
         }
 
         /// <summary>Opens a file that is in memory.</summary>
@@ -380,7 +380,7 @@ namespace KirvoImaging
         public static KirvoImage Open(byte[] bytes, KirvoOpenOptions options = null)
         {
             return Opened(null, CancellationToken.None, (out IntPtr dib, out IntPtr known) =>
-                KirvoFiles.KirvoFilesOpenMemory(bytes, (uint)bytes.Length, options, out dib, out known));
+                KirvoFilesCalls.KirvoFilesOpenMemory(bytes, (uint)bytes.Length, options, out dib, out known));
         }
 
         /// <summary>Opens what a stream gives from where it stands.</summary>
@@ -410,7 +410,7 @@ namespace KirvoImaging
                 try
                 {
                     operation.End(status == KirvoStatus.KIRVO_OK);
-                    KirvoFiles.Check(status, known);
+                    KirvoFilesCalls.Check(status, known);
                     return image;
                 }
                 catch
@@ -427,9 +427,9 @@ namespace KirvoImaging
         /// <param name="options">how; may be null</param>
         public void Save(string name, KirvoSaveOptions options = null)
         {
-            byte[] bytes = KirvoFiles.Name(name);
+            byte[] bytes = KirvoFilesCalls.Name(name);
             Saved((IntPtr dib, IntPtr source, out IntPtr known) =>
-                KirvoFiles.KirvoFilesSave(bytes, dib, source, options, out known));
+                KirvoFilesCalls.KirvoFilesSave(bytes, dib, source, options, out known));
         }
 
         /// <summary>The picture as the bytes of a file.</summary>
@@ -440,11 +440,11 @@ namespace KirvoImaging
         {
             KirvoSaveOptions how = options ?? new KirvoSaveOptions();
             if (how.Format == 0)
-                how.Format = KirvoFiles.KirvoFilesFormatOf(KirvoFiles.Name(format));
+                how.Format = KirvoFilesCalls.KirvoFilesFormatOf(KirvoFilesCalls.Name(format));
             IntPtr made = IntPtr.Zero;
             uint count = 0;
             Saved((IntPtr dib, IntPtr source, out IntPtr known) =>
-                KirvoFiles.KirvoFilesSaveMemory(dib, source, how, out made, out count, out known));
+                KirvoFilesCalls.KirvoFilesSaveMemory(dib, source, how, out made, out count, out known));
             using (new KirvoBlock(made))
             {
                 var bytes = new byte[count];
@@ -479,7 +479,7 @@ namespace KirvoImaging
                     using (new KirvoFile(known))
                     {
                         operation.End(status == KirvoStatus.KIRVO_OK);
-                        KirvoFiles.Check(status, known);
+                        KirvoFilesCalls.Check(status, known);
                     }
                 }
                 GC.KeepAlive(file);
@@ -494,8 +494,8 @@ namespace KirvoImaging
             {
                 var notes = new List<string>();
                 if (file != null)
-                    for (uint i = 0; KirvoFiles.KirvoFilesNote(file.DangerousGetHandle(), i) != 0; ++i)
-                        notes.Add(KirvoFiles.Text(file.DangerousGetHandle(), 1, i));
+                    for (uint i = 0; KirvoFilesCalls.KirvoFilesNote(file.DangerousGetHandle(), i) != 0; ++i)
+                        notes.Add(KirvoFilesCalls.Text(file.DangerousGetHandle(), 1, i));
                 GC.KeepAlive(file);
                 return notes;
             }
