@@ -8,7 +8,7 @@ import weakref
 from ctypes import byref, c_int32, c_uint8, c_uint32, c_void_p
 from typing import Any, Callable, NamedTuple, Optional, Sequence, Union
 
-from . import _files, flat
+from . import _files, flat, flat_files
 from ._files import Error
 from ._operation import Operation, Progress, progress as watched
 
@@ -54,7 +54,7 @@ class _File:
 
     def __init__(self, handle: Any) -> None:
         self.handle = handle
-        weakref.finalize(self, _files.close, handle).atexit = False
+        weakref.finalize(self, flat_files.KirvoFilesClose, handle).atexit = False
 
 
 def _check(status: int, what: str) -> None:
@@ -105,7 +105,7 @@ class Image:
         limits: whether claims of sizes out of proportion to the file are refused
         """
         return cls._opened(progress, _options(frame, background, turn, keep_alpha, keep_going, limits),
-                           os.fsdecode(path), _files.open_file, _files.name_of(path))
+                           os.fsdecode(path), flat_files.KirvoFilesOpen, _files.name_of(path))
 
     @classmethod
     def from_bytes(cls, data: bytes, progress: Optional[Progress] = None, *, frame: int = 0,
@@ -114,10 +114,10 @@ class Image:
         """Opens a file that is in memory; the rest as open."""
         data = bytes(data)
         return cls._opened(progress, _options(frame, background, turn, keep_alpha, keep_going, limits),
-                           None, _files.open_memory, data, len(data))
+                           None, flat_files.KirvoFilesOpenMemory, data, len(data))
 
     @classmethod
-    def _opened(cls, progress: Optional[Progress], options: _files.OpenOptions,
+    def _opened(cls, progress: Optional[Progress], options: Any,
                 filename: Optional[str], function: Any, *what: Any) -> Image:
         if progress:
             with watched(progress):
@@ -149,23 +149,23 @@ class Image:
         try:
             with Operation() as operation:
                 operation.begin()
-                status = _files.save_file(_files.name_of(path), self._dib, self._known, byref(how),
+                status = flat_files.KirvoFilesSave(_files.name_of(path), self._dib, self._known, byref(how),
                                           byref(file))
                 operation.done(status == 0)
                 _files.check(status, file, os.fsdecode(path))
         finally:
-            _files.close(file)
+            flat_files.KirvoFilesClose(file)
 
     def to_bytes(self, format: str, *, quality: int = 0, strip: bool = False, size_limit: int = 0,
                  **options: int) -> bytes:
         """The picture as the bytes of a file; format: "png", "jpg", ...; the rest as save."""
-        number = int(_files.format_of(format.encode()))
+        number = int(flat_files.KirvoFilesFormatOf(format.encode()))
         how = _save_options(quality, strip, False, size_limit, {"format": number, **options})
         file, block, count = c_void_p(), c_void_p(), c_uint32()
         try:
             with Operation() as operation:
                 operation.begin()
-                status = _files.save_memory(self._dib, self._known, byref(how), byref(block),
+                status = flat_files.KirvoFilesSaveMemory(self._dib, self._known, byref(how), byref(block),
                                             byref(count), byref(file))
                 operation.done(status == 0)
                 _files.check(status, file)
@@ -173,7 +173,7 @@ class Image:
         finally:
             flat.GlobalUnlock(block)
             flat.GlobalFree(block)
-            _files.close(file)
+            flat_files.KirvoFilesClose(file)
 
     def _repr_png_(self) -> bytes:
         return self.to_bytes("png", strip=True)
@@ -187,8 +187,8 @@ class Image:
         """What had to be left out or repaired when the picture was opened."""
         said = _files.Description(ctypes.sizeof(_files.Description))
         if self._file:
-            _files.describe(self._known, byref(said))
-        return [_files.words(self._known, _files.TEXT_NOTE, index) for index in range(said.notes)]
+            flat_files.KirvoFilesDescribe(self._known, byref(said))
+        return [_files.words(self._known, flat_files.KIRVO_FILES_TEXT_NOTE, index) for index in range(said.notes)]
 
     # Size and pixels
 
@@ -453,20 +453,20 @@ class Image:
 
 
 def _options(frame: int, background: Optional[int], turn: bool, keep_alpha: bool, keep_going: bool,
-             limits: bool) -> _files.OpenOptions:
-    flags = (0 if turn else _files.NO_TURN) | (_files.KEEP_ALPHA if keep_alpha else 0) | \
-        (_files.KEEP_GOING if keep_going else 0) | (0 if limits else _files.NO_LIMITS) | \
-        (0 if background is None else _files.BACKGROUND)
+             limits: bool) -> Any:
+    flags = (0 if turn else flat_files.KIRVO_FILES_NO_TURN) | (flat_files.KIRVO_FILES_KEEP_ALPHA if keep_alpha else 0) | \
+        (flat_files.KIRVO_FILES_KEEP_GOING if keep_going else 0) | (0 if limits else flat_files.KIRVO_FILES_NO_LIMITS) | \
+        (0 if background is None else flat_files.KIRVO_FILES_BACKGROUND)
     return _files.OpenOptions(ctypes.sizeof(_files.OpenOptions), flags, background or 0, frame)
 
 
 def _save_options(quality: int, strip: bool, new_only: bool, size_limit: int,
-                  options: dict[str, int]) -> _files.SaveOptions:
+                  options: dict[str, int]) -> Any:
     how = _files.SaveOptions(size=ctypes.sizeof(_files.SaveOptions), quality=quality,
                              sizeLimit=size_limit)
     for name, value in options.items():
         if name not in (field[0] for field in _files.SaveOptions._fields_):
             raise TypeError(f"save has no option {name}")
         setattr(how, name, value)
-    how.flags |= (_files.STRIP if strip else 0) | (_files.NEW_ONLY if new_only else 0)
+    how.flags |= (flat_files.KIRVO_FILES_STRIP if strip else 0) | (flat_files.KIRVO_FILES_NEW_ONLY if new_only else 0)
     return how

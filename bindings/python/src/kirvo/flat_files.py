@@ -13,7 +13,7 @@ Texts are given as str or bytes and received in ctypes.create_string_buffer, nul
     kirvo_files.KirvoFilesClose(photo)
 
 The library is the file that the environment variable KIRVO_FILES_LIBRARY names, else KirvoFiles.dll or
-libkirvofiles.so beside this module, else the one that the system finds. kirvo_files.h tells the rest.
+libkirvofiles.so beside the first library, else the one that the system finds. kirvo_files.h tells the rest.
 
 Written by script/bindings from interface/kirvo_files.txt and kirvo_files.h: changes belong there.
 """
@@ -45,7 +45,7 @@ class Text(ctypes.c_char_p):
 
 
 def _load():
-    beside = pathlib.Path(__file__).with_name(_FILE)
+    beside = pathlib.Path(os.environ.get("KIRVO_LIBRARY", __file__)).with_name(_FILE)
     path = os.environ.get("KIRVO_FILES_LIBRARY") or (str(beside) if beside.exists() else _FILE)
     return ctypes.WinDLL(path) if _WINDOWS else ctypes.CDLL(path)
 
