@@ -168,7 +168,7 @@ def check_python(folder):
 
 def check_python_files(files, folder):
     """A picture goes through the second library."""
-    import kirvo
+    from kirvo import flat as kirvo
     byref, dib, photo = ctypes.byref, kirvo.HANDLE(), files.KirvoFile()
     make_photo(folder / "写真.bmp")
     files.check(files.KirvoFilesOpen(folder / "写真.bmp", None, byref(dib), byref(photo)), photo)
