@@ -3,8 +3,8 @@
 
 include(CMakePackageConfigHelpers)
 
-install(TARGETS kirvo kirvo_files EXPORT Kirvo)
-install(FILES include/kirvo.h include/kirvo_files.h TYPE INCLUDE)
+install(TARGETS kirvo kirvo_files EXPORT Kirvo COMPONENT libraries)
+install(FILES include/kirvo.h include/kirvo_files.h include/kirvo.hpp TYPE INCLUDE)
 if(WIN32)
     install(FILES kirvo.def kirvo_files.def TYPE LIB)
     if(KIRVO_LLVM_DLLTOOL)
@@ -35,7 +35,7 @@ configure_file(packaging/kirvofiles.pc.in kirvofiles.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kirvo.pc ${PROJECT_BINARY_DIR}/kirvofiles.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 # Documents, in the places where README.md links to them; the reference when it has been built.
-install(FILES README.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES README.md CHANGELOG.md SECURITY.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES docs/contact-sheet.jpg DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 install(DIRECTORY docs/guide DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/build/docs/html DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs

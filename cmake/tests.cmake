@@ -30,7 +30,6 @@ file(GLOB support_sources CONFIGURE_DEPENDS tests/support/*.cpp)
 foreach(side IN ITEMS public internal)
     add_library(kirvo_${side}_test_support STATIC ${support_sources})
     target_include_directories(kirvo_${side}_test_support PUBLIC tests)
-    target_compile_definitions(kirvo_${side}_test_support PUBLIC KIRVO_VERSION=${KIRVO_VERSION})
     target_compile_options(kirvo_${side}_test_support PRIVATE ${KIRVO_TEST_FLAGS})
     target_precompile_headers(kirvo_${side}_test_support PRIVATE <gtest/gtest.h> <kirvo.h>)
     target_link_libraries(kirvo_${side}_test_support PUBLIC gtest kirvo_export_list)
@@ -170,6 +169,18 @@ foreach(check IN LISTS checks)
     endif()
 endforeach()
 
+# The object layers: their own promises, and every effect in each of them.
+set(checks cpp)
+if(NOT WIN32 AND NOT KIRVO_SANITIZE)
+    list(APPEND checks effects python csharp pascal)
+endif()
+foreach(check IN LISTS checks)
+    add_test(NAME kirvo_layer_${check}
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/layers/check.py
+                     ${check} ${PROJECT_BINARY_DIR}/interface.json)
+    set_tests_properties(kirvo_layer_${check} PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 600)
+endforeach()
+
 # What other programs have encoded, against what they decode.
 if(NOT WIN32 AND NOT KIRVO_SANITIZE)
     add_test(NAME kirvo_jpeg_real_files
@@ -237,7 +248,7 @@ endforeach()
 
 # The examples, on real pictures.
 if(KIRVO_EXAMPLES)
-    set(examples convert pieces thumbnails vignette)
+    set(examples convert pieces photo thumbnails vignette)
     if(WIN32)
         list(APPEND examples window)
     endif()

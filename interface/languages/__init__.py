@@ -35,6 +35,11 @@ def plain(text):
     return text
 
 
+def capitals(name):
+    """A name of layers.txt as languages of capitals write it: rotate_90 is Rotate90."""
+    return "".join(word[:1].upper() + word[1:] for word in name.split("_"))
+
+
 def escaped(name, reserved):
     return name + "_" if name.lower() in reserved else name
 

@@ -1,5 +1,6 @@
 """Visual Basic 6 and VBA."""
-from languages import comment, escaped, is_library, listed, numbers, plain, statuses, title
+from languages import (capitals, comment, escaped, is_library, listed, numbers, plain, statuses,
+                       title)
 
 PATHS = {"Kirvo": "vb/Kirvo.bas", "KirvoFiles": "vb/KirvoFiles.bas"}
 NEWLINE = "\r\n"  # the editor reads no other
@@ -77,3 +78,78 @@ def sections(description, header):
         made["messages"].append(f"    Case {name}")
         made["messages"].append(f'        {description.library}Message = "{name}: {text}"')
     return made
+
+
+# The object layer
+
+IMAGE_PATH = "vb/KirvoImage.cls"
+KINDS = {"int": "Long", "uint": "Long", "double": "Double", "colour": "Long", "flag": "Boolean",
+         "image": "KirvoImage"}
+AREA = ["Optional ByVal areaLeft As Long = 0", "Optional ByVal areaTop As Long = 0",
+        "Optional ByVal areaWidth As Long = -1", "Optional ByVal areaHeight As Long = -1"]
+PLACES = {"x": "areaLeft", "y": "areaTop", "width": "Across(areaLeft, areaWidth)",
+          "height": "Down(areaTop, areaHeight)"}
+
+
+def camel(one):
+    name = capitals(one.name)
+    return escaped(name[0].lower() + name[1:], RESERVED)
+
+
+def declared(one):
+    if one.parameter.count:
+        return f"ByRef {camel(one)}() As Byte"
+    if one.optional:
+        return f"Optional ByVal {camel(one)} As {KINDS[one.kind]} = {capitals(one.value)}"
+    return f"ByVal {camel(one)} As {KINDS[one.kind]}"
+
+
+def argument(one):
+    if one.role in PLACES:
+        return PLACES[one.role]
+    if one.role == "fixed":
+        return one.value.replace("own.width", "Width").replace("own.height", "Height").replace(
+            "other.width", "other.Width").replace("other.height", "other.Height")
+    if one.parameter.count:
+        return f"{camel(one)}(0)"
+    return {"own": "source.Handle", "status": "status", "other": "same.Handle"}.get(
+        one.role, f"-CLng({camel(one)})" if one.kind == "flag" else camel(one))
+
+
+def method_lines(method):
+    name = capitals(method.name)
+    texts = [method.comment.brief]
+    texts += [f"{camel(one)}: {method.meaning(one.parameter.name)}." for one in method.parameters]
+    yield from comment(" ".join(texts), "' ")
+    given = [declared(one) for one in method.parameters] + (AREA if method.has_area else [])
+    word, result = ("Sub", "") if method.way == "change" else ("Function", " As KirvoImage")
+    yield from listed(f"Public {word} {name}(", given or [""], f"){result}", continued=" _")
+    other = any(one.role == "other" for one in method.arguments)
+    yield "    Dim status As Long" + ("" if method.way == "static" else ", source As KirvoImage") + \
+        (", same As KirvoImage" if other else "")
+    depths = " ".join(map(str, method.depths))
+    call = [argument(one) for one in method.arguments]
+    if method.way == "change":
+        yield f'    MakeDepth "{depths}"'
+        yield "    Set source = Me"
+    elif method.way == "method":
+        yield f'    Set source = {"AtDepth" if method.makes else "CopyAtDepth"}("{depths}")'
+    if other:
+        yield "    Set same = other.Convert(source.Bits)"
+    yield "    Watch"
+    if method.makes:
+        yield from listed(f"    Set {name} = Made({method.function.name}(", call,
+                          f'), status, "{name}")', continued=" _", indent=" " * 8)
+    else:
+        yield from listed(f"    status = {method.function.name}(", call, ")", continued=" _",
+                          indent=" " * 8)
+        yield f'    Check status, "{name}"'
+        if method.way == "method":
+            yield "    Set source.Listener = Listener"
+            yield f"    Set {name} = source"
+    yield f"End {word}"
+    yield ""
+
+
+def image_sections(layers):
+    return {"methods": [line for method in layers.methods for line in method_lines(method)]}

@@ -138,9 +138,10 @@ def python_parameter(kind, c):
 
 
 def check_python(folder):
-    os.environ.update(KIRVO_LIBRARY=str(LIBRARY), KIRVO_FILES_LIBRARY=str(FILES_LIBRARY))
-    sys.path.insert(0, str(BINDINGS / "python"))
-    kirvo = importlib.import_module(NAME)
+    os.environ.update(KIRVO_LIBRARY=str(LIBRARY), KIRVO_FILES_LIBRARY=str(FILES_LIBRARY),
+                      PYTHONPATH=str(BINDINGS / "python/src"))
+    sys.path.insert(0, os.environ["PYTHONPATH"])
+    kirvo = importlib.import_module({"kirvo": "kirvo.flat", "kirvo_files": "kirvo.flat_files"}[NAME])
     declared = {}
     for function in DESCRIPTION.functions:
         python = kirvo.functions[function.name]
@@ -167,7 +168,7 @@ def check_python(folder):
 
 def check_python_files(files, folder):
     """A picture goes through the second library."""
-    import kirvo
+    from kirvo import flat as kirvo
     byref, dib, photo = ctypes.byref, kirvo.HANDLE(), files.KirvoFile()
     make_photo(folder / "写真.bmp")
     files.check(files.KirvoFilesOpen(folder / "写真.bmp", None, byref(dib), byref(photo)), photo)
@@ -400,7 +401,7 @@ BASIC_RESERVED = set("""
     raiseevent redim rem resume return rset scale seek select set sgn shared single spc static stop
     string sub tab then to true type typeof ubound unlock until variant wend while with withevents
     write xor""".split())
-BASIC_BLOCKS = {"Sub": "End Sub", "Function": "End Function", "If": "End If",
+BASIC_BLOCKS = {"Sub": "End Sub", "Function": "End Function", "If": "End If", "Property": "End Property",
                 "Select": "End Select", "Enum": "End Enum", "Type": "End Type"}
 
 
@@ -434,7 +435,7 @@ def check_basic_blocks(lines):
     stack = []
     outside = r"Attribute |Option Explicit$|(Public|Private) (Declare |Const |Enum |Type |\w+ As )"
     for line in lines:
-        match = re.match(r"(?:(?:Public|Private) )?(Sub|Function|If|Select|Enum|Type)\b(?!.* Lib )",
+        match = re.match(r"(?:(?:Public|Private) )?(Sub|Function|If|Select|Enum|Type|Property)\b(?!.* Lib )",
                          line)
         if match and (match[1] != "If" or line.endswith(" Then")):
             assert not stack or match[1] in ("If", "Select"), line
@@ -488,6 +489,7 @@ def check_basic(folder):
         check_basic_numbers(lines)
     if not FIRST:
         return
+    check_basic_class(functions)
     code = [line for line in basic_lines(form, {})
             if not re.match(r"VERSION|Begin|End$|\w+ +=", line)]
     check_basic_blocks(code)
@@ -495,6 +497,45 @@ def check_basic(folder):
         for name, given in re.findall(r"\b((?:Jpg|Dib)\w+)\(?(.*?)\)?$", line):
             arity = next(len(function.parameters) for function in functions if function.name == name)
             assert given.count(",") + 1 == arity, line
+
+
+def given_to(line, name):
+    """The arguments of a call, by the commas between its parentheses."""
+    rest = re.split(rf"\b{name}\b", line, maxsplit=1)[1]
+    depth, found, inside = 0, [""], rest.lstrip()
+    called = inside.startswith("(")
+    for sign in inside:
+        depth += (sign == "(") - (sign == ")")
+        if called and depth == 0:
+            break
+        if sign == "," and depth == called:
+            found.append("")
+        else:
+            found[-1] += sign
+    return [text for text in found if text.strip("( ")]
+
+
+def check_basic_class(functions):
+    """The object layer: blocks, names, and every call of a function with as many arguments as it has."""
+    arity = {function.name: len(function.parameters) for function in functions}
+    for safe, wide in ((True, True), (True, False), (False, False)):
+        lines = [line for line in basic_lines(BINDINGS / "vb/KirvoImage.cls", {"VBA7": safe, "Win64": wide})
+                 if not re.match(r"VERSION|BEGIN|END$|MultiUse", line)]
+        check_basic_blocks(lines)
+        assert safe or not any("LongPtr" in line or "PtrSafe" in line for line in lines)
+        called = set()
+        for line in lines:
+            for name in set(re.findall(r"\b\w+\b", re.sub('"[^"]*"', '""', line))) & set(arity):
+                assert len(given_to(line, name)) == arity[name] or " Lib " in line, line
+                called.add(name)
+            if match := re.match(r"(?:Public|Private) (?:Sub|Function) \w+\((.*)\)", line):
+                for part in filter(None, match[1].split(", ")):
+                    name = re.match(r"(?:Optional )?By(?:Val|Ref) (\w+)(?:\(\))? As ", part)[1]
+                    assert name.lower() not in BASIC_RESERVED, line
+        assert len(called) > 50
+        names = re.findall(r"^(?:Public|Private) (?:Sub|Function|Property Get) (\w+)", "\n".join(lines),
+                           re.MULTILINE)
+        assert len(names) == len({name.lower() for name in names}), "named twice"
 
 
 def check_basic_numbers(lines):

@@ -117,6 +117,9 @@ def type_assertions(description):
                    f'__builtin_offsetof({name}, {field.name}), "{name}.{field.name}");')
     for name, value in description.constants.items():
         yield f'_Static_assert({name} == {value}, "{name}");'
+    for function in description.functions:
+        if function.home == "Kirvo":
+            yield f"PFN_{function.name} pointer_to_{function.name} = {function.name};"
 
 
 def check_types():
@@ -199,6 +202,9 @@ def check_version():
         written = re.findall(r"(?<![\w.])(?:\d+\.){3}\d+(?![\w.]\w)", (SOURCE / name).read_text())
         assert set(written) == {version.TEXT}, f"{name}: {written}"
     assert f"0x{version.NUMBER:08X} for {version.TEXT}" in (SOURCE / "include/kirvo.h").read_text()
+    assert Description().constants["KIRVO_VERSION"] == version.NUMBER
+    head = re.search(r"^## (\S+)", (SOURCE / "CHANGELOG.md").read_text(), re.M)[1]
+    assert head == version.TEXT, f"CHANGELOG.md begins with {head}"
     if not WINDOWS:
         return
     # VS_FIXEDFILEINFO follows its signature.

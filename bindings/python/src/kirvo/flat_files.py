@@ -4,7 +4,7 @@ Declares every function of the second library for ctypes, as the module kirvo do
 Texts are given as str or bytes and received in ctypes.create_string_buffer, null is None:
 
     from ctypes import byref
-    import kirvo, kirvo_files
+    from kirvo import flat as kirvo, flat_files as kirvo_files
 
     dib, photo = kirvo.HANDLE(), kirvo_files.KirvoFile()
     kirvo_files.check(kirvo_files.KirvoFilesOpen("photo.heic", None, byref(dib), byref(photo)), photo)
@@ -13,7 +13,7 @@ Texts are given as str or bytes and received in ctypes.create_string_buffer, nul
     kirvo_files.KirvoFilesClose(photo)
 
 The library is the file that the environment variable KIRVO_FILES_LIBRARY names, else KirvoFiles.dll or
-libkirvofiles.so beside this module, else the one that the system finds. kirvo_files.h tells the rest.
+libkirvofiles.so beside the first library, else the one that the system finds. kirvo_files.h tells the rest.
 
 Written by script/bindings from interface/kirvo_files.txt and kirvo_files.h: changes belong there.
 """
@@ -25,7 +25,7 @@ import sys
 from ctypes import (POINTER, Structure, c_char, c_double, c_int32, c_uint16, c_uint32, c_void_p,
                     sizeof)
 
-import kirvo  # loads the first library, which the second needs
+from . import flat as kirvo  # loads the first library, which the second needs
 
 _WINDOWS = sys.platform == "win32"
 _FILE = "KirvoFiles.dll" if _WINDOWS else "libkirvofiles.so"
@@ -45,7 +45,7 @@ class Text(ctypes.c_char_p):
 
 
 def _load():
-    beside = pathlib.Path(__file__).with_name(_FILE)
+    beside = pathlib.Path(os.environ.get("KIRVO_LIBRARY", __file__)).with_name(_FILE)
     path = os.environ.get("KIRVO_FILES_LIBRARY") or (str(beside) if beside.exists() else _FILE)
     return ctypes.WinDLL(path) if _WINDOWS else ctypes.CDLL(path)
 
