@@ -65,6 +65,7 @@ target_include_directories(kirvo INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
 target_link_libraries(kirvo PRIVATE $<TARGET_PROPERTY:kirvo_objects,INTERFACE_LINK_LIBRARIES>)
 include(${CMAKE_CURRENT_LIST_DIR}/exports.cmake)
+kirvo_exports(kirvo kirvo_objects kirvo.def cmake/standins.def)
 
 if(KIRVO_COVERAGE)
     target_compile_options(kirvo_objects PRIVATE -O1 --coverage)
@@ -74,6 +75,8 @@ endif()
 
 if(WIN32)
     enable_language(RC)
+    set(library_name Kirvo)
+    set(library_description ${PROJECT_DESCRIPTION})
     configure_file(cmake/version.rc.in version.rc @ONLY)
     target_sources(kirvo PRIVATE ${PROJECT_BINARY_DIR}/version.rc)
     set_target_properties(kirvo PROPERTIES OUTPUT_NAME Kirvo PREFIX "" IMPORT_PREFIX lib

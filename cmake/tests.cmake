@@ -50,13 +50,18 @@ foreach(source IN LISTS test_sources)
     set(program kirvo_${name}_tests)
     if(NOT TARGET ${program})
         set(side public)
-        if(name MATCHES "^internal_")
-            set(side internal)
+        if(name MATCHES "^internal_" AND NOT name STREQUAL internal_pictures)
+            set(side internal) # the second library is tested from inside on top of the first
         endif()
         add_executable(${program})
         target_compile_options(${program} PRIVATE ${KIRVO_TEST_FLAGS})
         target_precompile_headers(${program} REUSE_FROM kirvo_${side}_test_support)
         target_link_libraries(${program} PRIVATE kirvo_${side}_test_support)
+        if(name STREQUAL "files")
+            target_link_libraries(${program} PRIVATE kirvo_files)
+        elseif(name STREQUAL "internal_pictures")
+            target_link_libraries(${program} PRIVATE kirvo_files_objects)
+        endif()
         add_test(NAME ${program}
                  COMMAND ${program} --gtest_brief=1 --gtest_output=xml:reports/${program}.xml
                  WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
@@ -170,9 +175,20 @@ elseif(TARGET kirvo_tool AND NOT KIRVO_SANITIZE)
         string(TOLOWER ${group} name)
         add_test(NAME kirvo_tool_${name} COMMAND ${terminal} ${group} $<TARGET_FILE:kirvo_tool>)
     endforeach()
+    add_test(NAME kirvo_tool_workers
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/workers.py
+                     $<TARGET_FILE:kirvo_tool>)
     add_test(NAME kirvo_readme
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/readme.py
                      $<TARGET_FILE:kirvo_tool> $<TARGET_FILE:kirvo_sample>)
+endif()
+
+# Thumbnails on a cluster of this machine.
+if(TARGET kirvo_tool AND NOT WIN32 AND NOT KIRVO_SANITIZE)
+    add_test(NAME kirvo_many_machines
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/examples/many_machines.py
+                     ${PROJECT_BINARY_DIR} $<TARGET_FILE:kirvo_tool>)
+    set_tests_properties(kirvo_many_machines PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 900)
 endif()
 
 # The guide's examples: each is a program that tests itself.

@@ -1,11 +1,25 @@
-# The command line `kirvo` (tools/*.cpp) and the generator of sample pictures (tools/sample).
+# The command line `kirvo` (tools) and the generator of sample pictures (tools/sample).
 
-add_library(kirvo_scene STATIC tools/sample/scene.cpp)
+add_library(kirvo_scene STATIC tools/sample/lettering.cpp tools/sample/noise.cpp
+                               tools/sample/portrait.cpp tools/sample/scene.cpp)
 target_include_directories(kirvo_scene PUBLIC tools/sample)
 target_compile_options(kirvo_scene PRIVATE -Wall -Wextra -Wconversion)
 add_executable(kirvo_sample tools/sample/main.cpp)
 target_compile_options(kirvo_sample PRIVATE -Wall -Wextra -Wconversion)
 target_link_libraries(kirvo_sample PRIVATE kirvo_scene)
+
+# What Windows shows of a program, and the manifest that gives it names in UTF-8 of any length.
+function(kirvo_program_resources target description)
+    if(NOT WIN32)
+        return()
+    endif()
+    get_target_property(name ${target} OUTPUT_NAME)
+    set(KIRVO_MANIFEST ${PROJECT_SOURCE_DIR}/examples/program.manifest)
+    configure_file(cmake/program.rc.in ${target}.rc @ONLY)
+    target_sources(${target} PRIVATE ${PROJECT_BINARY_DIR}/${target}.rc)
+    set_source_files_properties(${PROJECT_BINARY_DIR}/${target}.rc PROPERTIES
+                                OBJECT_DEPENDS ${KIRVO_MANIFEST})
+endfunction()
 
 # The tool needs libraries of headers only; the library itself does without them.
 foreach(header IN ITEMS CLI/CLI.hpp nlohmann/json.hpp)
@@ -17,7 +31,13 @@ if(NOT KIRVO_CLI_INCLUDE OR NOT KIRVO_nlohmann_INCLUDE)
     return()
 endif()
 
-file(GLOB tool_sources CONFIGURE_DEPENDS tools/*.cpp)
+file(GLOB_RECURSE tool_sources CONFIGURE_DEPENDS tools/*.cpp)
+list(FILTER tool_sources EXCLUDE REGEX "/tools/sample/")
+set(other_system win32)
+if(WIN32)
+    set(other_system posix)
+endif()
+list(FILTER tool_sources EXCLUDE REGEX "_${other_system}\\.cpp$")
 if(tool_sources)
     # Links to their folders keep the rest of the system's headers away from the cross compilers.
     file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/include)
@@ -29,8 +49,10 @@ if(tool_sources)
     add_executable(kirvo_tool ${tool_sources})
     set_target_properties(kirvo_tool PROPERTIES OUTPUT_NAME kirvo)
     target_include_directories(kirvo_tool SYSTEM PRIVATE ${PROJECT_BINARY_DIR}/include)
+    target_include_directories(kirvo_tool PRIVATE tools)
     target_compile_options(kirvo_tool PRIVATE -Wall -Wextra)
-    target_link_libraries(kirvo_tool PRIVATE kirvo)
+    target_link_libraries(kirvo_tool PRIVATE kirvo kirvo_files)
+    kirvo_program_resources(kirvo_tool "Kirvo's command line")
     # An installed tool finds the library beside it, wherever that is.
     set_target_properties(kirvo_tool PROPERTIES INSTALL_RPATH $ORIGIN/../${CMAKE_INSTALL_LIBDIR})
     install(TARGETS kirvo_tool)

@@ -46,7 +46,7 @@ def shown(effect):
     own = [picture for picture in pictures.pictures() if picture.function == effect]
     if not own:
         return ""
-    before = [] if pictures.made(own[0]) else [figure("before.jpg", "before")]
+    before = [] if pictures.made(own[0]) else [figure(f"{own[0].before}.jpg", "before")]
     figures = before + [figure(picture.file, f"{picture.options}") for picture in own]
     return f'@htmlonly[block] <div class="shown">{"".join(figures)}</div> @endhtmlonly'
 

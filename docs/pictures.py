@@ -9,7 +9,8 @@ import subprocess
 import sys
 
 LIST = pathlib.Path(__file__).with_name("pictures.txt")
-Picture = collections.namedtuple("Picture", "function file options")
+Picture = collections.namedtuple("Picture", "function file options before")
+KINDS = ("portrait", "lettering")  # of samples beside the landscape
 
 
 def pictures():
@@ -17,10 +18,14 @@ def pictures():
     for line in LIST.read_text().splitlines():
         if line and not line.startswith("#"):
             function, options = line.split(maxsplit=1)
+            first, _, rest = options.partition(" ")
+            if first in KINDS:
+                options = rest
             count[function] += 1
             # dithered pictures are larger as JPEG files, and no longer what they were
             kind = "bmp" if options.startswith("--palette") else "jpg"
-            yield Picture(function, f"{function}-{count[function]}.{kind}", options)
+            yield Picture(function, f"{function}-{count[function]}.{kind}", options,
+                          first if first in KINDS else "before")
 
 
 def made(picture):
@@ -36,24 +41,29 @@ def make_all(programs, folder):
     def convert(source, target, *options):
         run("kirvo", "--quiet", "--force", "convert", source, target, *options)
 
-    fine = ["--quality", "2", "--subsample", "1"]
+    fine = ["--level", "2", "--subsample", "1"]
     run("kirvo_sample", "scene.bmp", "1200", "800")
     run("kirvo_sample", "scene2.bmp", "1200", "800", "2")
-    convert("scene.bmp", "before.bmp", "--resize", "240x160", "--smooth")
+    convert("scene.bmp", "before.bmp", "--resize", "240x160")
     convert("before.bmp", "before.jpg", *fine)
-    convert("scene2.bmp", "other.bmp", "--resize", "240x160", "--smooth")
-    convert("scene2.bmp", "small.bmp", "--resize", "120x80", "--smooth")
+    for kind in KINDS:
+        run("kirvo_sample", "large.bmp", "1200", "800", "1", kind)
+        convert("large.bmp", f"{kind}.bmp", "--resize", "240x160")
+        convert(f"{kind}.bmp", f"{kind}.jpg", *fine)
+    (folder / "large.bmp").unlink()
+    convert("scene2.bmp", "other.bmp", "--resize", "240x160")
+    convert("scene2.bmp", "small.bmp", "--resize", "120x80")
     convert("other.bmp", "parts.bmp", "--keep", "rgball,128,255,1,0,255,0,0,255,0")
-    convert("scene.bmp", "scene.jpg", "--crop", "0,160,1200,480", "--quality", "3")
+    convert("scene.bmp", "scene.jpg", "--crop", "0,160,1200,480", "--level", "3")
     for picture in pictures():
         words = picture.options.split()
         if made(picture):
             run("kirvo", "--force", *words[:3], picture.file, *words[3:])
-        elif "--quality" in words:
+        elif "--level" in words:
             convert("before.bmp", picture.file, *words)
         else:
-            convert("before.bmp", picture.file, *words, *fine)
-    for name in ("scene", "scene2", "before", "other", "parts", "small"):
+            convert(f"{picture.before}.bmp", picture.file, *words, *fine)
+    for name in ("scene", "scene2", "before", *KINDS, "other", "parts", "small"):
         (folder / f"{name}.bmp").unlink()
 
 

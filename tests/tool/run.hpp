@@ -51,6 +51,15 @@ inline Outcome kirvo(const std::string& arguments) {
     return {code, std::string(bytes.begin(), bytes.end())};
 }
 
+// The system's words for a file that is missing.
+inline std::string no_such_file() {
+#ifdef _WIN32
+    return "";
+#else
+    return "No such file or directory";
+#endif
+}
+
 inline bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }

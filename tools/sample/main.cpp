@@ -1,10 +1,14 @@
-// Writes a sample picture: kirvo_sample FILE.bmp [WIDTH HEIGHT [SEED]]
+// Writes a sample picture: kirvo_sample FILE.bmp [WIDTH HEIGHT [SEED
+// [landscape|portrait|lettering]]]
+#include "lettering.hpp"
+#include "portrait.hpp"
 #include "scene.hpp"
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace {
@@ -23,7 +27,8 @@ void put32(uint8_t* to, uint32_t value) {
     put16(to + 2, value >> 16);
 }
 
-bool write_bmp(const kirvo_sample::Scene& scene, const char* name) {
+template<typename Scene>
+bool write_bmp(const Scene& scene, const char* name) {
     const auto width = static_cast<uint32_t>(scene.width());
     const auto height = static_cast<uint32_t>(scene.height());
     const uint32_t stride = (width * 3 + 3) & ~3u;
@@ -49,18 +54,30 @@ bool write_bmp(const kirvo_sample::Scene& scene, const char* name) {
     return std::fflush(file.get()) == 0;
 }
 
+bool write(const std::string& kind, int width, int height, uint32_t seed, const char* name) {
+    if (kind == "portrait")
+        return write_bmp(kirvo_sample::Portrait(width, height, seed), name);
+    if (kind == "lettering")
+        return write_bmp(kirvo_sample::Lettering(width, height, seed), name);
+    return write_bmp(kirvo_sample::Scene(width, height, seed), name);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     const int width = argc > 3 ? std::atoi(argv[2]) : 4000;
     const int height = argc > 3 ? std::atoi(argv[3]) : 3000;
     const auto seed = static_cast<uint32_t>(argc > 4 ? std::atoi(argv[4]) : 1);
+    const std::string kind = argc > 5 ? argv[5] : "landscape";
+    const bool is_known = kind == "landscape" || kind == "portrait" || kind == "lettering";
     const bool is_named = argc > 1 && argv[1][0] != '-';
-    if (!is_named || argc == 3 || width < 1 || height < 1 || width > 30000 || height > 20000) {
-        std::fprintf(stderr, "usage: kirvo_sample FILE.bmp [WIDTH HEIGHT [SEED]]\n");
+    if (!is_named || !is_known || argc == 3 || width < 1 || height < 1 || width > 30000 ||
+        height > 20000) {
+        std::fprintf(stderr, "usage: kirvo_sample FILE.bmp [WIDTH HEIGHT [SEED "
+                             "[landscape|portrait|lettering]]]\n");
         return 2;
     }
-    if (!write_bmp({width, height, seed}, argv[1])) {
+    if (!write(kind, width, height, seed, argv[1])) {
         std::perror(argv[1]);
         return 1;
     }

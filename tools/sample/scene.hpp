@@ -3,15 +3,13 @@
 // same picture.
 #pragma once
 
+#include "noise.hpp"
+
 #include <array>
 #include <cstdint>
 #include <vector>
 
 namespace kirvo_sample {
-
-struct Colour {
-    float red, green, blue; // 0 to 1
-};
 
 class Scene {
   public:
@@ -38,11 +36,9 @@ class Scene {
 
     float ridge(float x, int layer) const;
     const Column& column_at(float x) const;
-    float noise(float x, float y, uint32_t layer) const;
-    float fractal(float x, float y, int octaves, uint32_t layer, float roughness = 0.5f) const;
 
     int width_, height_;
-    uint32_t seed_;
+    Noise noise_;
     std::vector<Column> columns_;
 };
 

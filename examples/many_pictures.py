@@ -1,0 +1,158 @@
+#!/usr/bin/env python3
+"""Makes thumbnails of a tree of pictures on many machines: many_pictures.py FROM TO [options]
+
+Each picture below FROM becomes a JPEG file of the same name below TO. The work goes to the workers of
+a Dask cluster; without --scheduler to processes on this machine. A picture whose worker dies is given
+to another, one that fails is tried again, and a run that was stopped goes on where it was: what is
+there and newer than its picture is not made again.
+
+Debian: apt install python3-distributed. Every machine sees FROM and TO under these names, has
+libkirvo.so and libkirvofiles.so, and this script's folder tells them where kirvo.py is; the guide
+many-machines.md shows how to start them.
+"""
+import argparse
+import os
+import pathlib
+import sys
+
+from distributed import Client, LocalCluster, as_completed
+from distributed.diagnostics.plugin import UploadFile
+
+HERE = pathlib.Path(__file__).resolve().parent
+BINDINGS = [HERE, HERE.parent / "bindings/python"]
+KINDS = {".bmp", ".dib", ".gif", ".ico", ".jfif", ".jpe", ".jpeg", ".jpg", ".png", ".tga", ".tif",
+         ".tiff", ".webp"}
+
+
+def thumbnail(source, target, size):
+    """Runs on a worker: makes one thumbnail, complete or not at all. Answers why not, or None."""
+    import ctypes
+    import threading
+
+    import kirvo
+
+    class SaveOptions(ctypes.Structure):
+        _fields_ = [("size", ctypes.c_uint32), ("format", ctypes.c_int32),
+                    ("flags", ctypes.c_uint32), ("quality", ctypes.c_uint32),
+                    ("level", ctypes.c_uint32), ("subsample", ctypes.c_uint32),
+                    ("sizeLimit", ctypes.c_uint32), ("bits", ctypes.c_uint32),
+                    ("compression", ctypes.c_int32), ("reserved", ctypes.c_uint32),
+                    ("dpi", ctypes.c_double * 2)]
+
+    name = os.environ.get("KIRVO_FILES_LIBRARY")
+    if name is None and "KIRVO_LIBRARY" in os.environ:
+        name = os.path.join(os.path.dirname(os.environ["KIRVO_LIBRARY"]), "libkirvofiles.so")
+    files = ctypes.CDLL(name or "libkirvofiles.so")
+    files.KirvoFilesClose.argtypes = [ctypes.c_void_p]
+    # Kirvo does one thing at a time in a process, whatever number of threads a worker has.
+    one_at_a_time = kirvo.__dict__.setdefault("one_at_a_time", threading.Lock())
+
+    def reason(status, file):
+        text = ctypes.create_string_buffer(1000)
+        if file:
+            files.KirvoFilesText(file, 0, 0, text, len(text))
+        return text.value.decode(errors="replace") or f"status {status}"
+
+    def opened():
+        picture, file = ctypes.c_void_p(), ctypes.c_void_p()
+        status = files.KirvoFilesOpen(os.fsencode(source), None, ctypes.byref(picture),
+                                      ctypes.byref(file))
+        why = None if status == 0 else reason(status, file)
+        files.KirvoFilesClose(file)
+        return kirvo.Block(picture.value), why
+
+    def reduced(picture):
+        header = kirvo.BITMAPINFOHEADER.from_buffer_copy(bytes(picture)[:40])
+        width, height, bits = header.biWidth, header.biHeight, header.biBitCount
+        scale = min(1, size / max(width, height))
+        status = ctypes.c_int32()
+        if bits <= 8:  # colours of a palette have no average
+            picture = kirvo.Block(kirvo.IncreaseColor16M(picture, ctypes.byref(status)))
+            kirvo.check(status)
+        small = kirvo.Block(kirvo.Dib24ZoomEx2(picture, 0, 0, width, height,
+                                               max(1, round(width * scale)),
+                                               max(1, round(height * scale)),
+                                               ctypes.byref(status), 1))
+        kirvo.check(status)
+        return small
+
+    with one_at_a_time:
+        picture, why = opened()
+        if why:
+            return why
+        with picture, reduced(picture) as small:
+            os.makedirs(os.path.dirname(target), exist_ok=True)
+            options, file = SaveOptions(), ctypes.c_void_p()
+            options.size, options.format = ctypes.sizeof(options), 2  # JPEG
+            status = files.KirvoFilesSave(os.fsencode(target), ctypes.c_void_p(small.handle), None,
+                                          ctypes.byref(options), ctypes.byref(file))
+            why = None if status == 0 else reason(status, file)
+            files.KirvoFilesClose(file)
+            if why:  # a disk may be full in passing: worth another attempt
+                raise OSError(f"{target}: {why}")
+    return None
+
+
+def work_to_do(top, to):
+    """The pictures whose thumbnails are missing or older, and these."""
+    for folder, folders, names in os.walk(top):
+        folders.sort()
+        folders[:] = [name for name in folders if pathlib.Path(folder, name).resolve() != to]
+        for name in sorted(names):
+            source = pathlib.Path(folder, name)
+            if source.suffix.lower() not in KINDS:
+                continue
+            target = to / source.relative_to(top)
+            if target.suffix.lower() not in (".jpg", ".jpeg"):
+                target = target.with_name(target.name + ".jpg")
+            try:
+                if target.stat().st_mtime >= source.stat().st_mtime:
+                    continue
+            except OSError:
+                pass
+            yield str(source), str(target)
+
+
+def run(client, work, size):
+    """Answers how many have failed."""
+    module = next(folder / "kirvo.py" for folder in BINDINGS if (folder / "kirvo.py").exists())
+    client.register_worker_plugin(UploadFile(str(module)))  # to workers that come later too
+    sources, targets = zip(*work)
+    futures = client.map(thumbnail, sources, targets, size=size, retries=3, pure=False)
+    source_of = {future.key: source for future, source in zip(futures, sources)}
+    failed = 0
+    for done, future in enumerate(as_completed(futures), 1):
+        error = future.exception()
+        why = str(error) if error else future.result()
+        if why:
+            failed += 1
+            name = source_of[future.key]
+            print(why if why.startswith(name) else f"{name}: {why}", file=sys.stderr)
+        future.release()
+        if sys.stderr.isatty():
+            print(f"\r{done} of {len(work)}", end="", file=sys.stderr)
+    return failed
+
+
+def main():
+    parser = argparse.ArgumentParser(description="Thumbnails of a tree of pictures, on a cluster.")
+    parser.add_argument("tree", metavar="FROM", type=pathlib.Path)
+    parser.add_argument("to", metavar="TO", type=pathlib.Path)
+    parser.add_argument("--size", type=int, default=160, help="pixels of the longer side (160)")
+    parser.add_argument("--scheduler", help="address of a cluster: tcp://host:8786")
+    arguments = parser.parse_args()
+    if arguments.size < 1 or not arguments.tree.is_dir():
+        parser.error(f"{arguments.tree}: no such folder" if arguments.size > 0 else "--size: 1 or more")
+    tree, to = arguments.tree.resolve(), arguments.to.resolve()
+    work = list(work_to_do(tree, to))
+    failed = 0
+    if work:
+        address = arguments.scheduler or LocalCluster(threads_per_worker=1, dashboard_address=None)
+        with Client(address) as client:
+            failed = run(client, work, arguments.size)
+    print(f"{len(work) - failed} made, {failed} failed")
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,47 @@
+// What the segments of a JPEG file say, and whether its entropy-coded data keeps it.
+#pragma once
+
+#include "job.hpp"
+
+namespace kirvo_files {
+
+struct JpegComponent {
+    uint8_t id = 0, across = 0, down = 0, quantiser = 0;
+    uint8_t dc = 0, ac = 0; // tables of the first scan
+};
+
+struct JpegHeaders {
+    uint8_t frame = 0; // second byte of its marker
+    uint32_t precision = 0, width = 0, height = 0, components = 0;
+    JpegComponent component[4];
+    uint32_t most_across = 1, most_down = 1;
+    Bytes huffman[2][4]; // DC and AC: 16 counts and the symbols
+    uint32_t restart_interval = 0;
+    bool has_jfif = false, has_adobe = false, wide_quantisers = false, odd_segments = false;
+    uint32_t adobe_transform = 0;
+    uint32_t scan_components = 0, spectral_start = 0, spectral_end = 0, approximation = 0;
+    uint64_t scan_at = 0; // of the entropy-coded data
+};
+
+// Reads all segments up to the first scan, metadata into what is known.
+Status read_jpeg_headers(Bytes bytes, Known& known, JpegHeaders& headers);
+
+// Why Kirvo's decoder is not the one for this file; null when it is.
+const char* beyond_kirvo(const JpegHeaders& headers);
+
+// How far the one scan of a baseline file can be decoded.
+struct Walk {
+    uint32_t whole_rows = 0;  // of pixels
+    bool complete = false;    // every MCU is there
+    bool out_of_data = false; // what is missing was cut off
+    uint64_t end = 0;         // where the data ends
+};
+Walk walk_scan(Bytes bytes, const JpegHeaders& headers);
+
+// The quality 1 to 100 whose tables are nearest; 0 without tables.
+uint32_t nearest_quality(const JpegTables& tables);
+// The tables of a quality, row by row.
+void tables_of_quality(uint32_t quality, uint16_t (&luma)[64], uint16_t (&chroma)[64]);
+extern const uint8_t zigzag[64]; // row by row places in the order of the stream
+
+} // namespace kirvo_files

@@ -1,0 +1,86 @@
+// JPEG: Kirvo's decoder where the file is one it is made for, another one elsewhere.
+#include "codec.hpp"
+#include "formats.hpp"
+
+namespace kirvo_files {
+namespace {
+
+Status decode_elsewhere(Job& job, const JpegHeaders& headers, const char* why) {
+    const Status status = decode(KIRVO_FILES_JPEG, job, &headers);
+    if (status == KIRVO_FILES_NO_CODEC)
+        return job.known.fail(KIRVO_FILES_UNSUPPORTED,
+                              Text::format("Kirvo's decoder does not offer it (%s), and there is no"
+                                           " other",
+                                           why));
+    if (status == KIRVO_FILES_OK)
+        job.known.note(KIRVO_FILES_NOTE_DECODER,
+                       Text::format("decoded by %s: %s", decoder_name(KIRVO_FILES_JPEG), why));
+    return status;
+}
+
+Status by_kirvo_alone(Job& job, const char* why) {
+    if (why != nullptr)
+        job.known.note(KIRVO_FILES_NOTE_DECODER,
+                       Text::format("decoded by Kirvo alone, which is not made for it: %s", why));
+    const Status status = kirvo_decode(job, job.known.numbers.channels == 1);
+    return status != KIRVO_FILES_NO_CODEC
+               ? status
+               : job.known.fail(KIRVO_FILES_UNSUPPORTED,
+                                Text::format("Kirvo's decoder does not take it%s%s",
+                                             why != nullptr ? ": " : "",
+                                             why != nullptr ? why : ""));
+}
+
+// A baseline file whose data is not all there.
+Status decode_broken(Job& job, const JpegHeaders& headers, const Walk& walk) {
+    const Status status = walk.out_of_data
+                              ? job.ends_early(walk.whole_rows)
+                              : job.damaged(Text::format("damaged: whole to row %u of %u",
+                                                         walk.whole_rows, headers.height),
+                                            walk.whole_rows);
+    if (status != KIRVO_FILES_OK)
+        return status; // the caller does not want it
+    if (!job.options.has(KIRVO_FILES_KIRVO_ONLY)) {
+        Known unheard;
+        Job again{job.bytes, job.options, false, unheard, {}, false};
+        unheard.numbers = job.known.numbers;
+        if (decode(KIRVO_FILES_JPEG, again, &headers) == KIRVO_FILES_OK) {
+            job.dib = std::move(again.dib);
+            job.known.text(KIRVO_FILES_TEXT_DECODER) =
+                Text::format("%s", decoder_name(KIRVO_FILES_JPEG));
+            return KIRVO_FILES_OK;
+        }
+    }
+    const Status last = kirvo_decode(job, headers.components == 1);
+    return last == KIRVO_FILES_NO_CODEC
+               ? job.known.fail(KIRVO_FILES_DAMAGED, Text::format("no decoder takes it"))
+               : last;
+}
+
+} // namespace
+
+Status read_jpeg(Job& job) {
+    JpegHeaders headers;
+    Status status = read_jpeg_headers(job.bytes, job.known, headers);
+    if (status != KIRVO_FILES_OK)
+        return status;
+    if (headers.height == 0)
+        return job.unsupported("a JPEG whose height follows its data");
+    if (!job.claim(headers.width, headers.height, headers.components == 1 ? 8 : 24, status))
+        return status;
+    const char* why = beyond_kirvo(headers);
+    if (why != nullptr)
+        return job.options.has(KIRVO_FILES_KIRVO_ONLY) ? by_kirvo_alone(job, why)
+                                                       : decode_elsewhere(job, headers, why);
+    const Walk walk = walk_scan(job.bytes, headers);
+    if (!walk.complete)
+        return decode_broken(job, headers, walk);
+    status = kirvo_decode(job, headers.components == 1);
+    if (status != KIRVO_FILES_NO_CODEC)
+        return status;
+    return job.options.has(KIRVO_FILES_KIRVO_ONLY)
+               ? by_kirvo_alone(job, nullptr)
+               : decode_elsewhere(job, headers, "Kirvo's decoder is busy or refuses it");
+}
+
+} // namespace kirvo_files

@@ -1,0 +1,241 @@
+#include "lock.hpp"
+#include "system.hpp"
+
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <pthread.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace kirvo_files {
+namespace {
+
+pthread_mutex_t codec = PTHREAD_MUTEX_INITIALIZER;
+std::atomic<WriteFault> fault{WriteFault::none};
+std::atomic<uint64_t> fault_after{0};
+
+Status refused(Known& known, const char* name, int error, Status otherwise) {
+    Status status = otherwise;
+    switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+        status = KIRVO_FILES_MISSING;
+        break;
+    case EISDIR:
+        status = KIRVO_FILES_IS_FOLDER;
+        break;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        status = KIRVO_FILES_NO_PERMISSION;
+        break;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+        status = KIRVO_FILES_DISK_FULL;
+        break;
+    case EEXIST:
+        status = KIRVO_FILES_EXISTS;
+        break;
+    case ENOMEM:
+        status = KIRVO_FILES_NO_MEMORY;
+        break;
+    default:
+        break;
+    }
+    char words[200] = "";
+    return known.fail(status, Text::format("%s: %s", name, strerror_r(error, words, sizeof words)));
+}
+
+class File {
+  public:
+    File(const char* name, int flags, mode_t mode = 0) : number_(open(name, flags, mode)) {}
+    ~File() { close_now(); }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    explicit operator bool() const { return number_ >= 0; }
+    int number() const { return number_; }
+    bool close_now() {
+        const int number = std::exchange(number_, -1);
+        return number < 0 || close(number) == 0;
+    }
+
+  private:
+    int number_;
+};
+
+ssize_t write_some(int file, const uint8_t* from, size_t count, uint64_t done) {
+    const uint64_t limit = fault_after;
+    switch (fault.load()) {
+    case WriteFault::disk_full:
+        if (done + count > limit) {
+            errno = ENOSPC;
+            return -1;
+        }
+        break;
+    case WriteFault::short_write:
+        count = count > 7 ? 7 : count;
+        break;
+    case WriteFault::none:
+        break;
+    }
+    return write(file, from, count);
+}
+
+bool write_all(int file, Bytes content) {
+    for (size_t done = 0; done < content.size();) {
+        const ssize_t count = write_some(file, content.data() + done, content.size() - done, done);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            return false;
+        done += static_cast<size_t>(count);
+    }
+    return true;
+}
+
+// What a link stands for; the name itself where there is no file yet.
+Text target_of(const char* name) {
+    char* real = realpath(name, nullptr);
+    Text target = Text::format("%s", real != nullptr ? real : name);
+    std::free(real);
+    return target;
+}
+
+// A new file beside another, which nobody else can open.
+class Beside {
+  public:
+    explicit Beside(const char* target) {
+        const char* title = std::strrchr(target, '/');
+        const int folder = title != nullptr ? static_cast<int>(title - target + 1) : 0;
+        static std::atomic<uint32_t> counter{0};
+        for (uint32_t attempt = 0; attempt < 100 && file_ < 0; ++attempt) {
+            name_ = Text::format("%.*s.kirvo-%x-%x.part", folder, target,
+                                 static_cast<unsigned>(getpid()), counter++);
+            file_ = open(name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+            if (file_ < 0 && errno != EEXIST)
+                break;
+        }
+    }
+    ~Beside() {
+        if (file_ >= 0)
+            close(file_);
+        if (file_ >= 0 && !placed_)
+            unlink(name_.c_str());
+    }
+    Beside(const Beside&) = delete;
+    Beside& operator=(const Beside&) = delete;
+
+    int file() const { return file_; }
+    bool place(const char* target, bool new_only) {
+        if (new_only) // a link does not replace what is there
+            return link(name_.c_str(), target) == 0;
+        placed_ = rename(name_.c_str(), target) == 0;
+        return placed_;
+    }
+
+  private:
+    Text name_;
+    int file_ = -1;
+    bool placed_ = false;
+};
+
+mode_t usual_mode() {
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
+// The permissions of the file that is replaced, or those of any new one.
+void set_permissions(int file, const struct stat* old) {
+    if (old != nullptr && fchown(file, old->st_uid, old->st_gid) != 0 &&
+        fchown(file, static_cast<uid_t>(-1), old->st_gid) != 0) {
+        // Another's file that we may replace becomes ours.
+    }
+    fchmod(file, old != nullptr ? old->st_mode & 07777 : usual_mode());
+}
+
+} // namespace
+
+KirvoLock::KirvoLock() {
+    pthread_mutex_lock(&codec);
+}
+
+KirvoLock::~KirvoLock() {
+    pthread_mutex_unlock(&codec);
+}
+
+void fail_writing(WriteFault kind, uint64_t after) {
+    fault = kind;
+    fault_after = after;
+}
+
+Status read_file(const char* name, Buffer& content, Known& known) {
+    const File file(name, O_RDONLY | O_CLOEXEC);
+    struct stat about;
+    if (!file || fstat(file.number(), &about) != 0)
+        return refused(known, name, errno, KIRVO_FILES_CANNOT_OPEN);
+    if (S_ISDIR(about.st_mode))
+        return refused(known, name, EISDIR, KIRVO_FILES_CANNOT_OPEN);
+    if (about.st_size > static_cast<off_t>(max_bytes))
+        return known.fail(KIRVO_FILES_TOO_LARGE, Text::format("%s: 2 GB or more", name));
+    // Pipes do not tell their size: what comes is taken until nothing does.
+    const bool sized = S_ISREG(about.st_mode) && about.st_size > 0;
+    uint64_t room = sized ? static_cast<uint64_t>(about.st_size) : 1 << 16, done = 0;
+    for (;;) {
+        if (!content.resize(room))
+            return KIRVO_FILES_NO_MEMORY;
+        const ssize_t count =
+            read(file.number(), content.data() + done, static_cast<size_t>(room - done));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return refused(known, name, errno, KIRVO_FILES_READ_ERROR);
+        done += static_cast<uint64_t>(count);
+        if (count == 0 || (sized && done == room))
+            break;
+        if (done == room)
+            room *= 2;
+    }
+    content.resize(done);
+    return KIRVO_FILES_OK;
+}
+
+Status write_file(const char* name, Bytes content, bool new_only, Known& known) {
+    struct stat about;
+    const bool exists = stat(name, &about) == 0;
+    if (exists && S_ISDIR(about.st_mode))
+        return refused(known, name, EISDIR, KIRVO_FILES_CANNOT_WRITE);
+    if (exists && new_only)
+        return refused(known, name, EEXIST, KIRVO_FILES_EXISTS);
+    if (exists && !S_ISREG(about.st_mode)) { // a pipe or a device has no place beside it
+        const File file(name, O_WRONLY | O_CLOEXEC);
+        return file && write_all(file.number(), content)
+                   ? KIRVO_FILES_OK
+                   : refused(known, name, errno, KIRVO_FILES_CANNOT_WRITE);
+    }
+    if (exists && access(name, W_OK) != 0)
+        return refused(known, name, errno, KIRVO_FILES_CANNOT_WRITE);
+    const Text target = target_of(name);
+    if (target.empty())
+        return KIRVO_FILES_NO_MEMORY;
+    Beside file(target.c_str());
+    if (file.file() < 0)
+        return refused(known, name, errno, KIRVO_FILES_CANNOT_WRITE);
+    if (!write_all(file.file(), content) || fsync(file.file()) != 0)
+        return refused(known, name, errno, KIRVO_FILES_CANNOT_WRITE);
+    set_permissions(file.file(), exists ? &about : nullptr);
+    return file.place(target.c_str(), new_only)
+               ? KIRVO_FILES_OK
+               : refused(known, name, errno, KIRVO_FILES_CANNOT_WRITE);
+}
+
+Text ansi_name(const char* name) {
+    return Text::format("%s", name);
+}
+
+} // namespace kirvo_files

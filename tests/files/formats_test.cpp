@@ -1,0 +1,195 @@
+// The other formats, as far as this build and this system have codecs for them; texts; threads.
+#include "files/opened.hpp"
+
+#include <atomic>
+
+#ifndef _WIN32
+#include <pthread.h>
+#endif
+
+using namespace kirvo_test;
+
+namespace {
+
+bool writes(int32_t format) {
+    return (KirvoFilesAbilities(format) & KIRVO_FILES_WRITES) != 0;
+}
+
+#ifdef _WIN32
+template<typename Work>
+DWORD WINAPI run_one(void* work) {
+    (*static_cast<Work*>(work))();
+    return 0;
+}
+#else
+template<typename Work>
+void* run_one(void* work) {
+    (*static_cast<Work*>(work))();
+    return nullptr;
+}
+#endif
+
+// Runs work in several threads and waits for all.
+template<uint32_t count, typename Work>
+void in_threads(Work& work) {
+#ifdef _WIN32
+    HANDLE threads[count];
+    for (HANDLE& thread : threads)
+        thread = CreateThread(nullptr, 0, run_one<Work>, &work, 0, nullptr);
+    WaitForMultipleObjects(count, threads, TRUE, INFINITE);
+    for (HANDLE thread : threads)
+        CloseHandle(thread);
+#else
+    pthread_t threads[count];
+    for (pthread_t& thread : threads)
+        pthread_create(&thread, nullptr, run_one<Work>, &work);
+    for (pthread_t thread : threads)
+        pthread_join(thread, nullptr);
+#endif
+}
+
+} // namespace
+
+TEST(Formats, what_loses_nothing_comes_back_as_it_was) {
+    for (int32_t format : {KIRVO_FILES_PNG, KIRVO_FILES_TIFF, KIRVO_FILES_WEBP}) {
+        if (!writes(format))
+            continue;
+        for (uint32_t bits : {8u, 24u, 32u}) {
+            const Picture picture(37, 11, bits);
+            const Saved saved =
+                save(picture.dib, as(format, KIRVO_FILES_WITH_ALPHA | KIRVO_FILES_WEBP_LOSSLESS));
+            ASSERT_EQ(saved.status, KIRVO_FILES_OK) << format;
+            const Opened opened(saved.bytes, KIRVO_FILES_KEEP_ALPHA);
+            ASSERT_EQ(opened.status, KIRVO_FILES_OK)
+                << format << ", " << bits << opened.text(KIRVO_FILES_TEXT_REASON);
+            EXPECT_EQ(opened.about.format, format);
+            for (uint32_t y = 0; y < 11; ++y)
+                for (uint32_t x = 0; x < 37; ++x) {
+                    const uint32_t colour = Picture::colour(x, y, bits);
+                    EXPECT_EQ(opened.pixel(x, y), bits == 8 ? colour * 0x010101 : colour)
+                        << format << ", " << bits;
+                }
+        }
+    }
+}
+
+TEST(Formats, every_compression_of_tiff_comes_back) {
+    if (!writes(KIRVO_FILES_TIFF))
+        return;
+    const Picture picture(50, 30);
+    for (int32_t compression = 0; compression <= KIRVO_FILES_COMPRESSION_PACKBITS; ++compression) {
+        KirvoFilesSaveOptions options = as(KIRVO_FILES_TIFF);
+        options.compression = compression;
+        const Saved saved = save(picture.dib, options);
+        const Opened opened(saved.bytes);
+        ASSERT_EQ(opened.status, KIRVO_FILES_OK) << compression;
+        EXPECT_EQ(opened.pixel(49, 29), Picture::colour(49, 29));
+    }
+}
+
+TEST(Formats, without_a_codec_the_answer_says_so) {
+    Bytes webp = {'R', 'I', 'F', 'F', 22, 0, 0, 0, 'W', 'E', 'B', 'P', 'V', 'P', '8',
+                  'X', 10,  0,   0,   0,  0, 0, 0, 0,   7,   0,   0,   7,   0,   0};
+    const Opened opened(webp);
+    EXPECT_NE(opened.status, KIRVO_FILES_OK);
+    EXPECT_EQ(opened.about.width, 8u);
+    if ((KirvoFilesAbilities(KIRVO_FILES_WEBP) & KIRVO_FILES_READS) == 0) {
+        EXPECT_EQ(opened.status, KIRVO_FILES_NO_CODEC);
+        EXPECT_EQ(opened.text(KIRVO_FILES_TEXT_REASON),
+                  "this system has no decoder for WebP files");
+    }
+}
+
+TEST(Formats, cut_anywhere_no_file_passes_for_whole) {
+    const Picture picture(40, 30);
+    for (int32_t format : {KIRVO_FILES_BMP, KIRVO_FILES_TARGA, KIRVO_FILES_PNG, KIRVO_FILES_TIFF,
+                           KIRVO_FILES_WEBP}) {
+        if (!writes(format))
+            continue;
+        const Bytes whole = save(picture.dib, as(format)).bytes;
+        ASSERT_FALSE(whole.empty());
+        const Opened all(whole);
+        for (size_t size = 0; size < whole.size(); size += size < 200 ? 1 : 41) {
+            const Bytes cut(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size));
+            const Opened opened(cut);
+            const Opened going(cut, KIRVO_FILES_KEEP_GOING);
+            if (opened.status != KIRVO_FILES_OK)
+                continue;
+            // What opens has every pixel: the file's end held none.
+            for (uint32_t y = 0; y < 30; ++y)
+                for (uint32_t x = 0; x < 40; ++x)
+                    ASSERT_EQ(opened.pixel(x, y), all.pixel(x, y)) << format << ", " << size;
+        }
+    }
+}
+
+TEST(Formats, grey_is_saved_as_grey) {
+    const Picture picture(20, 10);
+    for (int32_t format = KIRVO_FILES_BMP; format <= KIRVO_FILES_TIFF; ++format) {
+        if (!writes(format))
+            continue;
+        const Opened opened(save(picture.dib, as(format, KIRVO_FILES_GREY)).bytes);
+        ASSERT_EQ(opened.status, KIRVO_FILES_OK);
+        EXPECT_EQ(opened.bits(), 8u) << format;
+    }
+}
+
+TEST(Formats, depths_are_converted_where_nothing_has_to_be_chosen) {
+    const Picture picture(20, 10);
+    for (uint32_t bits : {16u, 24u, 32u}) {
+        KirvoFilesSaveOptions options = as(KIRVO_FILES_BMP);
+        options.bits = bits;
+        EXPECT_EQ(Opened(save(picture.dib, options).bytes).bits(), bits);
+    }
+    KirvoFilesSaveOptions options = as(KIRVO_FILES_BMP);
+    options.bits = 8;
+    EXPECT_EQ(save(picture.dib, options).status, KIRVO_FILES_UNSUPPORTED);
+}
+
+TEST(Formats, have_names_and_extensions) {
+    for (int32_t format = 1; format < KIRVO_FILES_FORMATS; ++format) {
+        char name[40], extensions[80];
+        EXPECT_GT(KirvoFilesFormatText(format, KIRVO_FILES_FORMAT_NAME, name, sizeof name), 1u);
+        EXPECT_GT(KirvoFilesFormatText(format, KIRVO_FILES_FORMAT_EXTENSIONS, extensions,
+                                       sizeof extensions),
+                  1u);
+        if (char* blank = std::strchr(extensions, ' '))
+            *blank = 0;
+        EXPECT_EQ(KirvoFilesFormatOf(extensions), format);
+    }
+    EXPECT_EQ(KirvoFilesFormatText(99, KIRVO_FILES_FORMAT_NAME, nullptr, 0), 1u);
+}
+
+TEST(Formats, every_status_has_words_of_its_own) {
+    std::vector<std::string> all;
+    for (int32_t status = KIRVO_FILES_ABANDONED; status <= KIRVO_FILES_BAD_PARAMETER; ++status) {
+        char words[100], less[5];
+        const uint32_t size = KirvoFilesStatusText(status, words, sizeof words);
+        EXPECT_EQ(size, std::strlen(words) + 1);
+        EXPECT_EQ(KirvoFilesStatusText(status, less, sizeof less), size);
+        EXPECT_EQ(std::string(less), std::string(words).substr(0, 4));
+        EXPECT_EQ(std::count(all.begin(), all.end(), words), 0) << words;
+        EXPECT_STRNE(words, "unknown status");
+        all.push_back(words);
+    }
+}
+
+TEST(Threads, any_of_them_opens_and_saves_at_any_time) {
+    const Picture picture(64, 48);
+    const Bytes expected = save(picture.dib, as(KIRVO_FILES_JPEG, 0, 80)).bytes;
+    ASSERT_FALSE(expected.empty());
+    std::atomic<uint32_t> wrong{0};
+    auto work = [&] {
+        for (int i = 0; i < 30; ++i) {
+            const Saved saved = save(picture.dib, as(KIRVO_FILES_JPEG, 0, 80));
+            wrong += saved.bytes != expected;
+            HGLOBAL dib = nullptr;
+            wrong +=
+                KirvoFilesOpenMemory(saved.bytes.data(), static_cast<uint32_t>(saved.bytes.size()),
+                                     nullptr, &dib, nullptr) != KIRVO_FILES_OK;
+            GlobalFree(dib);
+        }
+    };
+    in_threads<6>(work);
+    EXPECT_EQ(wrong, 0u);
+}

@@ -1,0 +1,237 @@
+// JPEG files: which decoder, damage, tables and sampling that are kept, qualities and sizes.
+#include "files/opened.hpp"
+
+#include <cmath>
+
+using namespace kirvo_test;
+
+namespace {
+
+// A stream of Kirvo's encoder, with 8 MCUs between nothing: one plain baseline scan.
+Bytes baseline(uint32_t width, uint32_t height, int32_t level, int32_t sampling) {
+    const Picture picture(width, height);
+    JpgCodSetSubsample(sampling);
+    JpgCodSetQEx(level);
+    uint32_t count = 0;
+    int32_t status = 0;
+    HGLOBAL block = JpgCodMainHGLOBAL(picture.dib, 0, 0, static_cast<int32_t>(width),
+                                      static_cast<int32_t>(height), &count, &status);
+    const auto* data = static_cast<const uint8_t*>(GlobalLock(block));
+    Bytes bytes(data, data + count);
+    GlobalUnlock(block);
+    GlobalFree(block);
+    JpgCodSetSubsample(4);
+    JpgCodSetQEx(4);
+    return bytes;
+}
+
+// Where a segment begins; 0 for none.
+size_t segment(const Bytes& bytes, uint8_t marker) {
+    for (size_t at = 2; at + 4 <= bytes.size() && bytes[at] == 0xFF;
+         at += 2 + (size_t{bytes[at + 2]} << 8 | bytes[at + 3])) {
+        if (bytes[at + 1] == marker)
+            return at;
+        if (bytes[at + 1] == 0xDA)
+            break;
+    }
+    return 0;
+}
+
+double mean_error(const Opened& opened, uint32_t width, uint32_t height) {
+    double sum = 0;
+    for (uint32_t y = 0; y < height; ++y)
+        for (uint32_t x = 0; x < width; ++x)
+            for (int shift : {0, 8, 16})
+                sum += std::abs(static_cast<int>(opened.pixel(x, y) >> shift & 255) -
+                                static_cast<int>(Picture::colour(x, y) >> shift & 255));
+    return sum / (3.0 * width * height);
+}
+
+} // namespace
+
+TEST(Jpeg, a_baseline_file_is_decoded_by_kirvo_to_the_bit) {
+    const Bytes bytes = baseline(50, 40, 3, 2);
+    const Opened opened(bytes);
+    ASSERT_EQ(opened.status, KIRVO_FILES_OK) << opened.text(KIRVO_FILES_TEXT_REASON);
+    EXPECT_EQ(opened.text(KIRVO_FILES_TEXT_DECODER), "Kirvo");
+    EXPECT_EQ(opened.text(KIRVO_FILES_TEXT_VARIANT), "baseline, YCbCr 4:2:2");
+    EXPECT_EQ(opened.about.sampleAcross, 2u);
+    EXPECT_EQ(opened.about.sampleDown, 1u);
+    HGLOBAL block = GlobalAlloc(GHND, bytes.size());
+    std::memcpy(GlobalLock(block), bytes.data(), bytes.size());
+    GlobalUnlock(block);
+    uint32_t width, height;
+    int32_t status;
+    HGLOBAL direct =
+        JpgDecMainHGLOBAL(block, static_cast<int32_t>(bytes.size()), &width, &height, &status);
+    ASSERT_EQ(status, KIRVO_OK);
+    uint32_t colour = 0;
+    for (int32_t y = 0; y < 40; ++y)
+        for (int32_t x = 0; x < 50; ++x) {
+            DibGetPixelColor(direct, x, y, &colour); // 0x00BBGGRR
+            EXPECT_EQ(opened.pixel(static_cast<uint32_t>(x), static_cast<uint32_t>(y)),
+                      (colour & 255) << 16 | (colour & 0xFF00) | colour >> 16);
+        }
+    GlobalFree(direct);
+    GlobalFree(block);
+}
+
+TEST(Jpeg, a_file_that_ends_early_tells_its_last_whole_row) {
+    const Bytes whole = baseline(64, 160, 2, 4);
+    const size_t data = segment(whole, 0xDA) + 14;
+    uint32_t last = 0;
+    for (size_t size = data + 1; size + 2 < whole.size(); size += 37) {
+        const Bytes cut(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size));
+        const Opened refused(cut);
+        ASSERT_EQ(refused.status, KIRVO_FILES_ENDS_EARLY) << size;
+        EXPECT_EQ(refused.about.wholeRows % 16, 0u);
+        EXPECT_GE(refused.about.wholeRows, last);
+        last = refused.about.wholeRows;
+        EXPECT_EQ(refused.text(KIRVO_FILES_TEXT_REASON),
+                  "ends early: whole to row " + std::to_string(last) + " of 160");
+    }
+    EXPECT_GE(last, 128u);
+    const Bytes cut(whole.begin(), whole.end() - static_cast<ptrdiff_t>(whole.size() / 4));
+    const Opened opened(cut, KIRVO_FILES_KEEP_GOING);
+    const Opened all(whole);
+    ASSERT_EQ(opened.status, KIRVO_FILES_OK);
+    EXPECT_TRUE(opened.has_note(KIRVO_FILES_NOTE_ENDS_EARLY));
+    for (uint32_t y = 0; y < opened.about.wholeRows; ++y)
+        for (uint32_t x = 0; x < 64; ++x) // another decoder's rounding apart
+            for (int shift : {0, 8, 16})
+                EXPECT_LE(std::abs(static_cast<int>(opened.pixel(x, y) >> shift & 255) -
+                                   static_cast<int>(all.pixel(x, y) >> shift & 255)),
+                          6);
+}
+
+TEST(Jpeg, without_the_last_marker_the_picture_is_whole) {
+    Bytes bytes = baseline(33, 17, 3, 1);
+    bytes.resize(bytes.size() - 2);
+    EXPECT_EQ(Opened(bytes).status, KIRVO_FILES_OK);
+}
+
+TEST(Jpeg, an_end_marker_in_the_middle_is_an_early_end) {
+    Bytes bytes = baseline(64, 160, 2, 4);
+    const size_t middle = (segment(bytes, 0xDA) + bytes.size()) / 2;
+    bytes.resize(middle);
+    bytes.insert(bytes.end(), {0xFF, 0xD9});
+    EXPECT_EQ(Opened(bytes).status, KIRVO_FILES_ENDS_EARLY);
+}
+
+TEST(Jpeg, an_empty_application_segment_and_other_oddities_open) {
+    const Bytes plain = baseline(40, 24, 2, 4);
+    Bytes empty = plain;
+    empty.insert(empty.begin() + 2, {0xFF, 0xE5, 0x00, 0x02});
+    Bytes filled = plain;
+    filled.insert(filled.begin() + 2, {0xFF, 0xFF});
+    Bytes zeros = plain; // components 0, 1, 2
+    const size_t frame = segment(zeros, 0xC0), scan = segment(zeros, 0xDA);
+    for (size_t i = 0; i < 3; ++i) {
+        zeros[frame + 10 + 3 * i] = static_cast<uint8_t>(i);
+        zeros[scan + 5 + 2 * i] = static_cast<uint8_t>(i);
+    }
+    Bytes extended = plain;
+    extended[frame + 1] = 0xC1;
+    for (const Bytes& bytes : {empty, filled, zeros, extended}) {
+        const Opened opened(bytes);
+        ASSERT_EQ(opened.status, KIRVO_FILES_OK) << opened.text(KIRVO_FILES_TEXT_REASON);
+        EXPECT_TRUE(opened.has_note(KIRVO_FILES_NOTE_DECODER));
+        EXPECT_LT(mean_error(opened, 40, 24), 8);
+    }
+    const Opened alone(zeros, KIRVO_FILES_KIRVO_ONLY);
+    EXPECT_TRUE(alone.status != KIRVO_FILES_OK || alone.has_note(KIRVO_FILES_NOTE_DECODER));
+}
+
+TEST(Jpeg, saved_from_a_jpeg_keeps_its_tables_and_sampling) {
+    for (int32_t sampling : {1, 2, 4}) {
+        const Opened source(baseline(64, 48, 2, sampling));
+        const Saved saved = save(source.dib, as(KIRVO_FILES_JPEG), source.file);
+        ASSERT_EQ(saved.status, KIRVO_FILES_OK);
+        const Opened again(saved.bytes);
+        EXPECT_EQ(again.data(KIRVO_FILES_DATA_QUANTISERS),
+                  source.data(KIRVO_FILES_DATA_QUANTISERS));
+        EXPECT_EQ(again.about.sampleAcross, source.about.sampleAcross);
+        EXPECT_EQ(again.about.sampleDown, source.about.sampleDown);
+        const Saved fresh = save(source.dib, as(KIRVO_FILES_JPEG, KIRVO_FILES_FRESH), source.file);
+        EXPECT_EQ(Opened(fresh.bytes).about.quality, 90u);
+    }
+}
+
+TEST(Jpeg, every_quality_writes_the_tables_of_that_quality) {
+    const Picture picture(32, 32);
+    for (uint32_t quality : {1u, 10u, 50u, 75u, 90u, 97u, 100u}) {
+        const Saved saved = save(picture.dib, as(KIRVO_FILES_JPEG, 0, quality));
+        ASSERT_EQ(saved.status, KIRVO_FILES_OK);
+        const Opened opened(saved.bytes);
+        EXPECT_EQ(opened.about.quality, quality);
+        const Bytes tables = opened.data(KIRVO_FILES_DATA_QUANTISERS);
+        // The first quantiser of luma is 16 at quality 50, scaled.
+        const uint32_t scale = quality < 50 ? 5000 / quality : 200 - 2 * quality;
+        const uint32_t first = std::clamp((16 * scale + 50) / 100, 1u, 255u);
+        EXPECT_EQ(tables.at(0) | tables.at(1) << 8, static_cast<int>(first));
+        EXPECT_EQ(opened.about.sampleAcross, quality >= 90 ? 1u : 2u);
+    }
+}
+
+TEST(Jpeg, levels_write_the_entropy_coded_data_of_kirvos_encoder) {
+    const Picture picture(70, 50);
+    for (int32_t level = 1; level <= 5; ++level) {
+        KirvoFilesSaveOptions options = as(KIRVO_FILES_JPEG);
+        options.level = static_cast<uint32_t>(level);
+        options.subsample = 2;
+        const Bytes ours = save(picture.dib, options).bytes, own = baseline(70, 50, level, 2);
+        const size_t from = segment(ours, 0xDB), own_from = segment(own, 0xDB);
+        EXPECT_EQ(Bytes(ours.begin() + static_cast<ptrdiff_t>(from), ours.end()),
+                  Bytes(own.begin() + static_cast<ptrdiff_t>(own_from), own.end()))
+            << "level " << level;
+    }
+}
+
+TEST(Jpeg, a_grey_picture_of_noise_is_written_at_every_quality) {
+    Picture noise(160, 120, 8);
+    auto* data = static_cast<uint8_t*>(GlobalLock(noise.dib));
+    uint32_t seed = 1;
+    for (uint32_t i = 0; i < 160 * 120; ++i) {
+        seed = seed * 1664525 + 1013904223;
+        data[40 + 1024 + i] = static_cast<uint8_t>(seed >> 24);
+    }
+    GlobalUnlock(noise.dib);
+    for (uint32_t level = 0; level <= 5; ++level)
+        for (uint32_t quality : {100u, 60u}) {
+            KirvoFilesSaveOptions options = as(KIRVO_FILES_JPEG, KIRVO_FILES_GREY, quality);
+            options.level = level;
+            const Saved saved = save(noise.dib, options);
+            ASSERT_EQ(saved.status, KIRVO_FILES_OK) << level;
+            EXPECT_EQ(Opened(saved.bytes).about.channels, 1u);
+        }
+}
+
+TEST(Jpeg, a_size_limit_gives_the_best_quality_below_it) {
+    const Picture picture(120, 90);
+    const size_t free = save(picture.dib, as(KIRVO_FILES_JPEG)).bytes.size();
+    KirvoFilesSaveOptions options = as(KIRVO_FILES_JPEG);
+    options.sizeLimit = static_cast<uint32_t>(free / 2);
+    const Saved saved = save(picture.dib, options);
+    ASSERT_EQ(saved.status, KIRVO_FILES_OK);
+    EXPECT_LE(saved.bytes.size(), free / 2);
+    const uint32_t quality = Opened(saved.bytes).about.quality;
+    EXPECT_GT(save(picture.dib, as(KIRVO_FILES_JPEG, 0, quality + 1)).bytes.size(), free / 2);
+    options.sizeLimit = 100;
+    EXPECT_EQ(save(picture.dib, options).status, KIRVO_FILES_SIZE_LIMIT);
+}
+
+TEST(Jpeg, lying_headers_and_cuts_anywhere_are_answered) {
+    const Bytes whole = baseline(24, 16, 4, 4);
+    for (size_t size = 0; size < whole.size(); ++size) {
+        const Opened cut(Bytes(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size)));
+        if (size < whole.size() - 3) {
+            EXPECT_NE(cut.status, KIRVO_FILES_OK) << size;
+        }
+    }
+    for (size_t at = 2; at < segment(whole, 0xDA) + 14; ++at)
+        for (uint8_t value : {0x00, 0x01, 0x7F, 0xFF}) {
+            Bytes lying = whole;
+            lying[at] = value;
+            const Opened opened(lying, KIRVO_FILES_KEEP_GOING); // no crash, no leak
+        }
+}

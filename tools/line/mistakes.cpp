@@ -1,0 +1,77 @@
+#include "line/mistakes.hpp"
+
+#include "line/colours.hpp"
+#include "line/suggestions.hpp"
+
+#include <algorithm>
+
+namespace {
+
+bool takes_colours(const std::string& word) {
+    return word == "-c" || word == "--colour" || word == "--color";
+}
+
+std::vector<std::string> option_names(const Command& command, const Command& program) {
+    std::vector<std::string> names;
+    for (const auto& group : {options(command), effect_options(command), options(program)}) {
+        for (const Entry& entry : group)
+            names.insert(names.end(), entry.names.begin(), entry.names.end());
+    }
+    return names;
+}
+
+std::vector<std::string> command_names(const Command& command) {
+    std::vector<std::string> names = {"help"};
+    for (const Command* each : command.commands())
+        names.push_back(each->get_name());
+    return names;
+}
+
+} // namespace
+
+const Command& named_command(const Command& program) {
+    const Command* command = &program;
+    while (!command->CLI::App::get_subcommands().empty())
+        command = static_cast<const Command*>(command->CLI::App::get_subcommands().front());
+    return *command;
+}
+
+std::vector<std::string> usual_words(std::vector<std::string> words) {
+    if (words.empty())
+        return {"--help"};
+    if (words.front() == "help") {
+        words.erase(words.begin());
+        words.push_back("--help");
+    }
+    std::vector<std::string> usual;
+    for (size_t i = 0; i < words.size(); ++i) {
+        usual.push_back(words[i]);
+        if (!takes_colours(words[i]) || i + 1 == words.size())
+            continue;
+        usual.push_back(words[++i]);
+        while (i + 1 < words.size() && is_colour(words[i + 1]))
+            usual.back() += "," + words[++i];
+    }
+    return usual;
+}
+
+std::string explained(const Command& program, const CLI::ParseError& error) {
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr)
+        return error.what();
+    const std::vector<std::string> extra = program.remaining(true);
+    if (extra.empty())
+        return error.what();
+    const Command& command = named_command(program);
+    const auto option = std::find_if(extra.begin(), extra.end(), [](const std::string& word) {
+        return word.size() > 1 && word[0] == '-';
+    });
+    if (option != extra.end()) {
+        const std::string name = option->substr(0, option->find('='));
+        return command.full_name() + " has no option " + name +
+               suggestion(name, option_names(command, program));
+    }
+    if (!command.commands().empty())
+        return "'" + extra.front() + "' is no command" +
+               suggestion(extra.front(), command_names(command));
+    return "'" + extra.front() + "': there is nothing that it could be";
+}

@@ -1,6 +1,0 @@
-// The manual page kirvo(1).
-#pragma once
-
-#include "command.hpp"
-
-std::string manual_page(const Command& program, const std::string& version);

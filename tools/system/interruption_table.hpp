@@ -1,0 +1,10 @@
+// The names and processes that the handler of interruptions goes through.
+#pragma once
+
+#include "system/interruption.hpp"
+
+#include <atomic>
+
+constexpr size_t most_perishable = most_workers + 8;
+extern std::atomic<const std::filesystem::path::value_type*> perishable[most_perishable];
+extern std::atomic<std::ptrdiff_t> mortal[most_workers];
