@@ -75,7 +75,7 @@ void show_about(Viewer& viewer) {
     const uint32_t version = GetVerKirvoDll();
     std::wstring text = L"KirvoView, a viewer on Kirvo.dll ";
     for (int shift = 24; shift >= 0; shift -= 8)
-        text += std::to_wstring(version >> shift & 255) + (shift > 0 ? L"." : L"");
+        text += digits(version >> shift & 255) + (shift > 0 ? L"." : L"");
     MessageBoxW(viewer.window, (text + L" and KirvoFiles.dll.\n\nMIT licence").c_str(),
                 L"About KirvoView", MB_OK | MB_ICONINFORMATION);
 }

@@ -1,5 +1,7 @@
 #include "commands.hpp"
 
+#include "text.hpp"
+
 #include <string>
 
 const std::vector<Menu>& menus() {
@@ -105,6 +107,6 @@ std::wstring key_name(const MenuEntry& entry) {
         break;
     }
     if (entry.key >= VK_F1 && entry.key <= VK_F12)
-        return name + L"F" + std::to_wstring(entry.key - VK_F1 + 1);
+        return name + L"F" + digits(entry.key - VK_F1 + 1);
     return name + static_cast<wchar_t>(entry.key);
 }

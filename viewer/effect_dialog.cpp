@@ -13,6 +13,7 @@
 #include <commdlg.h>
 
 #include <algorithm>
+#include <cstdio>
 
 namespace {
 
@@ -141,10 +142,10 @@ class EffectDialog : public Dialog {
         dialog.Flags = CC_FULLOPEN | CC_RGBINIT;
         if (!ChooseColorW(&dialog))
             return L"";
-        wchar_t text[8];
-        swprintf(text, 8, L"%02X%02X%02X", GetRValue(dialog.rgbResult), GetGValue(dialog.rgbResult),
-                 GetBValue(dialog.rgbResult));
-        return text;
+        char text[8];
+        std::snprintf(text, sizeof text, "%02X%02X%02X", GetRValue(dialog.rgbResult),
+                      GetGValue(dialog.rgbResult), GetBValue(dialog.rgbResult));
+        return wide(text);
     }
 
     // As on the command line: what is left out at the end needs no commas.

@@ -2,6 +2,7 @@
 
 #include "commands.hpp"
 #include "text.hpp"
+#include "trace.hpp"
 
 #include <map>
 
@@ -52,6 +53,7 @@ HMENU make_effects_menu() {
         popups.push_back(CreatePopupMenu());
     for (size_t i = 0; i < effects().size(); ++i) {
         const Effect& effect = effects()[i];
+        trace("command " + std::to_string(command_effect + i) + " is " + effect.option);
         const std::wstring text =
             title_of(effect.option) + (effect.parameters.empty() ? L"" : L"\u2026");
         AppendMenuW(popups[group_of(effect.option)], MF_STRING, command_effect + i, text.c_str());

@@ -75,7 +75,7 @@ void on_drop(Viewer& viewer, HDROP drop) {
     DragQueryFileW(drop, 0, name.data(), static_cast<UINT>(name.size()) + 1);
     DragFinish(drop);
     SetForegroundWindow(viewer.window);
-    if (!viewer.working && may_leave_picture(viewer))
+    if (!name.empty() && !viewer.working && may_leave_picture(viewer))
         open_file(viewer, name);
 }
 

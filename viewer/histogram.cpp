@@ -1,5 +1,6 @@
 #include "histogram.hpp"
 
+#include "text.hpp"
 #include "theme.hpp"
 #include "trace.hpp"
 
@@ -63,8 +64,8 @@ void draw(HDC dc, const RECT& area, const Counts* counts) {
     RECT words = {6, area.bottom - line, area.right, area.bottom};
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, theme::text());
-    const std::wstring text = std::to_wstring(counts->colours) + L" colours; the highest column " +
-                              std::to_wstring(highest) + L" pixels";
+    const std::wstring text =
+        digits(counts->colours) + L" colours; the highest column " + digits(highest) + L" pixels";
     DrawTextW(dc, text.c_str(), -1, &words, DT_SINGLELINE | DT_VCENTER);
 }
 

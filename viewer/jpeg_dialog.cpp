@@ -34,7 +34,7 @@ class JpegDialog : public Dialog {
 
     void on_scroll(HWND bar) override {
         quality_ = static_cast<uint32_t>(SendMessageW(bar, TBM_GETPOS, 0, 0));
-        set_text(number, std::to_wstring(quality_));
+        set_text(number, digits(quality_));
         changed();
     }
 
@@ -72,8 +72,7 @@ class JpegDialog : public Dialog {
             [=, this, alive = std::weak_ptr<int>(alive_)](const std::string& error) {
                 if (alive.expired())
                     return;
-                set_text(words,
-                         error.empty() ? std::to_wstring(trial->bytes) + L" bytes" : wide(error));
+                set_text(words, error.empty() ? digits(trial->bytes) + L" bytes" : wide(error));
                 trace("JPEG of quality " + std::to_string(quality) + ": " +
                       std::to_string(trial->bytes) + " bytes");
                 if (trial->image)

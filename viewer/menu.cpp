@@ -92,7 +92,7 @@ void list_recent(const Viewer& viewer, HMENU popup) {
             name.insert(at, 1, L'&');
         InsertMenuW(popup, static_cast<UINT>(before) + static_cast<UINT>(i),
                     MF_BYPOSITION | MF_STRING, command_recent + i,
-                    (L"&" + std::to_wstring(i + 1) + L" " + name).c_str());
+                    (L"&" + digits(i + 1) + L" " + name).c_str());
     }
 }
 

@@ -135,6 +135,7 @@ void open_file(Viewer& viewer, const std::wstring& name) {
                 show_opened(viewer, path, *opened);
             else
                 show_failure(viewer, path, error);
+            trace("ready");
         });
 }
 

@@ -1,5 +1,6 @@
 // A rectangle selected by numbers: what dragging is for the mouse.
 #include "dialog.hpp"
+#include "text.hpp"
 #include "viewer.hpp"
 
 namespace {
@@ -20,8 +21,7 @@ class SelectDialog : public Dialog {
         for (int i = 0; i < 4; ++i) {
             const int x = 12 + i % 2 * 150, y = 14 + i / 2 * 34;
             add(L"STATIC", names[i], 0, -1, x, y + 4, 52, 18);
-            add(L"EDIT", std::to_wstring(values[i]), WS_TABSTOP | ES_NUMBER, left + i, x + 56, y,
-                76, 24);
+            add(L"EDIT", digits(values[i]), WS_TABSTOP | ES_NUMBER, left + i, x + 56, y, 76, 24);
         }
         add(L"STATIC", L"", 0, words, 12, 84, 290, 18);
         add_buttons(306, 110);
@@ -37,8 +37,8 @@ class SelectDialog : public Dialog {
         const bool good = x < width_ && y < height_ && width > 0 && height > 0 &&
                           width <= width_ - x && height <= height_ - y;
         rectangle_ = {x, y, x + width, y + height};
-        set_text(words, L"The picture has " + std::to_wstring(width_) + L" \u00d7 " +
-                            std::to_wstring(height_) + L" pixels");
+        set_text(words,
+                 L"The picture has " + digits(width_) + L" \u00d7 " + digits(height_) + L" pixels");
         return good;
     }
 

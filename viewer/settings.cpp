@@ -58,9 +58,9 @@ void put(const std::wstring& key, const std::wstring& value) {
                                ini_file().c_str());
 }
 
-void put(const wchar_t* key, long long value) { put(key, std::to_wstring(value)); }
+void put(const wchar_t* key, long long value) { put(key, digits(value)); }
 
-std::wstring recent_key(size_t i) { return L"Recent" + std::to_wstring(i + 1); }
+std::wstring recent_key(size_t i) { return L"Recent" + digits(i + 1); }
 
 } // namespace
 

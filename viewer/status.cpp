@@ -55,7 +55,7 @@ void lay_out_status(HWND status) {
     SendMessageW(status, WM_SIZE, 0, 0);
     RECT area;
     GetClientRect(status, &area);
-    const int widths[] = {190, 80, 190, 190}; // from the second on
+    const int widths[] = {190, 80, 220, 190}; // from the second on
     int edges[5];
     edges[4] = area.right;
     for (int part = 3; part >= 0; --part)

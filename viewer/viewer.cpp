@@ -29,8 +29,8 @@ void Viewer::work(const std::string& what, Worker::Work work, std::function<void
                     trace(what + (error.empty() ? ": " + clock->text() : " failed: " + error));
                     if (!error.empty())
                         return say(error);
-                    say(what + ": " + clock->text());
                     done();
+                    say(what + ": " + clock->text());
                 });
 }
 
@@ -43,6 +43,7 @@ void Viewer::picture_changed() {
 }
 
 void Viewer::say(const std::string& words) {
+    trace("says: " + words);
     SendMessageW(status, SB_SETTEXTW, 0, reinterpret_cast<LPARAM>(wide(words).c_str()));
 }
 
