@@ -61,7 +61,8 @@ bool eventually(bool (*holds)(void*), void* context) {
 
 Viewer::Viewer(const std::string& picture, const std::string& settings) {
     for (const char* name : {"KirvoView.exe", "Kirvo.dll", "KirvoFiles.dll"})
-        std::filesystem::copy_file(name, folder_.path(name));
+        std::filesystem::copy_file(name, folder_.path(name),
+                                   std::filesystem::copy_options::overwrite_existing);
     folder_.write("KirvoView.ini", "[KirvoView]\r\n" + settings);
     std::string line =
         "\"" + folder_.path("KirvoView.exe") + "\" --trace \"" + folder_.path("log.txt") + "\"";
@@ -86,6 +87,12 @@ Viewer::~Viewer() {
     }
     CloseHandle(process_.hThread);
     CloseHandle(process_.hProcess);
+    // The system may keep the program's file for a moment.
+    eventually([&] {
+        std::error_code error;
+        std::filesystem::remove(folder_.path("KirvoView.exe"), error);
+        return !error;
+    });
 }
 
 void Viewer::command(int id) const {
