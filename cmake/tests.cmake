@@ -42,6 +42,9 @@ file(GLOB_RECURSE test_sources CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} 
 if(NOT TARGET kirvo_tool)
     list(FILTER test_sources EXCLUDE REGEX "^tests/tool/")
 endif()
+if(NOT TARGET kirvo_view)
+    list(FILTER test_sources EXCLUDE REGEX "^tests/viewer/")
+endif()
 foreach(source IN LISTS test_sources)
     cmake_path(GET source PARENT_PATH folder)
     string(REGEX REPLACE "^tests/" "" name ${folder})
@@ -70,6 +73,16 @@ foreach(source IN LISTS test_sources)
 endforeach()
 if(TARGET kirvo_tool)
     add_dependencies(kirvo_tool_tests kirvo_tool) # which they run
+endif()
+if(TARGET kirvo_view)
+    add_dependencies(kirvo_viewer_tests kirvo_view)
+    target_sources(kirvo_viewer_tests PRIVATE tests/viewer/driver.cpp)
+    target_link_libraries(kirvo_viewer_tests PRIVATE kirvo_files)
+    target_compile_definitions(kirvo_viewer_tests PRIVATE KIRVO_FUZZ="${PROJECT_SOURCE_DIR}/fuzz")
+    set_tests_properties(kirvo_viewer_tests PROPERTIES RUN_SERIAL ON) # one keyboard, one clipboard
+    add_test(NAME kirvo_check_viewer
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/viewer/check.py
+                     ${CMAKE_OBJDUMP} $<TARGET_FILE:kirvo_view>)
 endif()
 
 # Every kernel at every level: tests/kernels.

@@ -8,13 +8,17 @@ add_executable(kirvo_sample tools/sample/main.cpp)
 target_compile_options(kirvo_sample PRIVATE -Wall -Wextra -Wconversion)
 target_link_libraries(kirvo_sample PRIVATE kirvo_scene)
 
-# What Windows shows of a program, and the manifest that gives it names in UTF-8 of any length.
+# What Windows shows of a program, and its manifest; by default one that gives it names in UTF-8 of
+# any length.
 function(kirvo_program_resources target description)
     if(NOT WIN32)
         return()
     endif()
     get_target_property(name ${target} OUTPUT_NAME)
     set(KIRVO_MANIFEST ${PROJECT_SOURCE_DIR}/examples/program.manifest)
+    if(ARGC GREATER 2)
+        set(KIRVO_MANIFEST ${PROJECT_SOURCE_DIR}/${ARGV2})
+    endif()
     configure_file(cmake/program.rc.in ${target}.rc @ONLY)
     target_sources(${target} PRIVATE ${PROJECT_BINARY_DIR}/${target}.rc)
     set_source_files_properties(${PROJECT_BINARY_DIR}/${target}.rc PROPERTIES

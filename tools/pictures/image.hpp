@@ -22,6 +22,7 @@ class Image {
 
     explicit operator bool() const { return handle_ != nullptr; }
     HGLOBAL handle() const { return handle_; }
+    HGLOBAL release() { return std::exchange(handle_, nullptr); }
     int32_t width() const { return header().biWidth; }
     int32_t height() const { return header().biHeight; }
     int32_t bits() const { return header().biBitCount; }

@@ -1,0 +1,32 @@
+# The viewer KirvoView (viewer), for Windows: on the two libraries' public interfaces and the tool's
+# catalogue of effects.
+
+if(NOT WIN32)
+    return()
+endif()
+
+# The catalogue, whose calls of the library are noted.
+file(GLOB catalogue_sources CONFIGURE_DEPENDS tools/effects/*.cpp)
+list(APPEND catalogue_sources tools/line/colours.cpp tools/line/numbers.cpp
+     tools/line/suggestions.cpp tools/pictures/image.cpp tools/pictures/known.cpp
+     tools/system/errors.cpp)
+add_library(kirvo_view_catalogue OBJECT ${catalogue_sources})
+target_compile_options(kirvo_view_catalogue PRIVATE
+    -include ${PROJECT_SOURCE_DIR}/viewer/calls/recorded.hpp)
+
+file(GLOB view_sources CONFIGURE_DEPENDS viewer/*.cpp viewer/calls/*.cpp)
+add_executable(kirvo_view WIN32 ${view_sources})
+set_target_properties(kirvo_view PROPERTIES OUTPUT_NAME KirvoView)
+target_compile_definitions(kirvo_view PRIVATE UNICODE _UNICODE)
+target_link_options(kirvo_view PRIVATE -municode)
+target_link_libraries(kirvo_view PRIVATE kirvo_view_catalogue comctl32 comdlg32 shell32 shlwapi
+                                         uxtheme)
+foreach(target IN ITEMS kirvo_view kirvo_view_catalogue)
+    # Windows 7 and later; small before fast: what takes time happens in the libraries.
+    target_compile_definitions(${target} PRIVATE _WIN32_WINNT=0x0601 NOMINMAX)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Os -ffunction-sections -fdata-sections)
+    target_include_directories(${target} PRIVATE viewer tools)
+    target_link_libraries(${target} PRIVATE kirvo kirvo_files)
+endforeach()
+kirvo_program_resources(kirvo_view "Picture viewer" viewer/viewer.manifest)
+install(TARGETS kirvo_view)

@@ -1,0 +1,220 @@
+#include "driver.hpp"
+
+#include "../../viewer/commands.hpp"
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <shlobj.h>
+#include <sstream>
+
+namespace kirvo_test {
+namespace {
+
+constexpr int patience = 30000; // milliseconds, on a machine that has other work
+
+std::string file_text(const std::string& name) {
+    std::ifstream file(name, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+struct Search {
+    DWORD process;
+    std::string title, window_class;
+    HWND found;
+};
+
+BOOL CALLBACK is_wanted(HWND window, LPARAM parameter) {
+    auto& wanted = *reinterpret_cast<Search*>(parameter);
+    DWORD owner = 0;
+    char name[256] = {}, text[256] = {};
+    GetWindowThreadProcessId(window, &owner);
+    GetClassNameA(window, name, sizeof name);
+    if (owner != wanted.process || name != wanted.window_class || !IsWindowVisible(window))
+        return TRUE;
+    GetWindowTextA(window, text, sizeof text);
+    if (!wanted.title.empty() && text != wanted.title)
+        return TRUE;
+    wanted.found = window;
+    return FALSE;
+}
+
+HWND window_of(DWORD process, const std::string& window_class, const std::string& title) {
+    Search search = {process, title, window_class, nullptr};
+    EnumWindows(is_wanted, reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+} // namespace
+
+bool eventually(bool (*holds)(void*), void* context) {
+    for (int waited = 0; waited < patience; waited += 10) {
+        if (holds(context))
+            return true;
+        Sleep(10);
+    }
+    return false;
+}
+
+Viewer::Viewer(const std::string& picture, const std::string& settings) {
+    for (const char* name : {"KirvoView.exe", "Kirvo.dll", "KirvoFiles.dll"})
+        std::filesystem::copy_file(name, folder_.path(name),
+                                   std::filesystem::copy_options::overwrite_existing);
+    folder_.write("KirvoView.ini", "[KirvoView]\r\n" + settings);
+    std::string line =
+        "\"" + folder_.path("KirvoView.exe") + "\" --trace \"" + folder_.path("log.txt") + "\"";
+    if (!picture.empty())
+        line += " \"" + picture + "\"";
+    STARTUPINFOA startup = {};
+    startup.cb = sizeof startup;
+    CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                   &process_);
+    EXPECT_TRUE(wait_for("window shown"));
+    window_ = window_of(process_.dwProcessId, "KirvoView", "");
+    EXPECT_NE(window_, nullptr);
+    if (!picture.empty() && picture.substr(0, 4) != "\\\\.\\") {
+        EXPECT_TRUE(wait_for("ready"));
+    }
+}
+
+Viewer::~Viewer() {
+    if (WaitForSingleObject(process_.hProcess, 0) == WAIT_TIMEOUT) {
+        TerminateProcess(process_.hProcess, 1);
+        WaitForSingleObject(process_.hProcess, patience);
+    }
+    CloseHandle(process_.hThread);
+    CloseHandle(process_.hProcess);
+    // The system may keep the program's file for a moment.
+    eventually([&] {
+        std::error_code error;
+        std::filesystem::remove(folder_.path("KirvoView.exe"), error);
+        return !error;
+    });
+}
+
+void Viewer::command(int id) const {
+    PostMessageA(window_, WM_COMMAND, static_cast<WPARAM>(id), 0);
+}
+
+void Viewer::key(WPARAM key) const {
+    PostMessageA(window_, WM_KEYDOWN, key, 1);
+    PostMessageA(window_, WM_KEYUP, key, static_cast<LPARAM>(0xC0000001));
+}
+
+// A drop comes as a block in the program's own memory.
+void Viewer::drop(const std::string& name) const {
+    std::vector<char> block(sizeof(DROPFILES));
+    const DROPFILES head = {sizeof head, {}, FALSE, FALSE};
+    std::memcpy(block.data(), &head, sizeof head);
+    block.insert(block.end(), name.begin(), name.end());
+    block.resize(block.size() + 2); // the name's end, and the list's
+    void* there = VirtualAllocEx(process_.hProcess, nullptr, block.size(), MEM_COMMIT | MEM_RESERVE,
+                                 PAGE_READWRITE);
+    WriteProcessMemory(process_.hProcess, there, block.data(), block.size(), nullptr);
+    PostMessageA(window_, WM_DROPFILES, reinterpret_cast<WPARAM>(there), 0);
+}
+
+std::string Viewer::log() const { return file_text(folder_.path("log.txt")); }
+
+int Viewer::effect(const std::string& option) const {
+    const std::string text = log();
+    const size_t end = text.find(" is --" + option + "\r");
+    const size_t start = text.rfind("command ", end);
+    return end == std::string::npos ? 0 : std::stoi(text.substr(start + 8));
+}
+
+int Viewer::effect_count() const {
+    const std::string text = log();
+    int count = 0;
+    for (size_t at = 0; (at = text.find(" is --", at)) != std::string::npos; ++at)
+        ++count;
+    return count;
+}
+
+bool Viewer::wait_for(const std::string& words) {
+    return eventually([&] {
+        const std::string text = log();
+        const size_t at = text.find(words, seen_);
+        const size_t end = at == std::string::npos ? at : text.find('\n', at);
+        if (end == std::string::npos)
+            return false;
+        const size_t start = text.rfind('\n', at) + 1; // 0 where there is none
+        line_ = text.substr(start, end - start);
+        seen_ = end;
+        return true;
+    });
+}
+
+HWND Viewer::dialog(const std::string& title) const {
+    HWND found = nullptr;
+    eventually([&] {
+        found = window_of(process_.dwProcessId, "#32770", title);
+        return found != nullptr;
+    });
+    return found;
+}
+
+std::string Viewer::title() const {
+    char text[1024] = {};
+    GetWindowTextA(window_, text, sizeof text);
+    return text;
+}
+
+bool Viewer::ends() {
+    PostMessageA(window_, WM_CLOSE, 0, 0);
+    return WaitForSingleObject(process_.hProcess, patience) == WAIT_OBJECT_0;
+}
+
+std::string Viewer::settings() const { return file_text(folder_.path("KirvoView.ini")); }
+
+std::vector<uint8_t> Viewer::copied() {
+    command(command_copy);
+    EXPECT_TRUE(wait_for("says: Copied"));
+    return clipboard_picture();
+}
+
+std::vector<uint8_t> picture_bytes(HGLOBAL dib) {
+    Dib image(dib);
+    const std::vector<uint8_t> bytes = image.bytes();
+    image.release();
+    return bytes;
+}
+
+std::vector<uint8_t> clipboard_picture() {
+    std::vector<uint8_t> bytes;
+    if (!eventually([] { return OpenClipboard(nullptr) != 0; }))
+        return bytes;
+    if (HGLOBAL block = GetClipboardData(CF_DIB))
+        bytes = picture_bytes(block);
+    CloseClipboard();
+    return bytes;
+}
+
+std::string clipboard_text() {
+    std::string text;
+    if (!eventually([] { return OpenClipboard(nullptr) != 0; }))
+        return text;
+    if (HGLOBAL block = GetClipboardData(CF_UNICODETEXT)) {
+        const auto* wide = static_cast<const wchar_t*>(GlobalLock(block));
+        for (; *wide != 0; ++wide)
+            text += static_cast<char>(*wide);
+        GlobalUnlock(block);
+    }
+    CloseClipboard();
+    return text;
+}
+
+void put_on_clipboard(UINT format, const std::vector<uint8_t>& bytes) {
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, bytes.size());
+    std::memcpy(GlobalLock(block), bytes.data(), bytes.size());
+    GlobalUnlock(block);
+    ASSERT_TRUE(eventually([] { return OpenClipboard(nullptr) != 0; }));
+    EmptyClipboard();
+    SetClipboardData(format, block);
+    CloseClipboard();
+}
+
+} // namespace kirvo_test

@@ -1,0 +1,63 @@
+// The real program, driven as a person does it: by commands, keys, dialogs and the clipboard.
+#pragma once
+
+#include "support/dib_builder.hpp"
+#include "support/temp_folder.hpp"
+
+#include <string>
+#include <vector>
+#include <windows.h>
+
+namespace kirvo_test {
+
+class Viewer {
+  public:
+    // With its settings in a folder of its own.
+    explicit Viewer(const std::string& picture = "", const std::string& settings = "");
+    ~Viewer();
+    Viewer(const Viewer&) = delete;
+    Viewer& operator=(const Viewer&) = delete;
+
+    HWND window() const { return window_; }
+    void command(int id) const; // without waiting
+    void key(WPARAM key) const;
+    void drop(const std::string& name) const;
+    // A command in the log: "command 412 is --flip".
+    int effect(const std::string& option) const;
+    int effect_count() const;
+
+    // Waits until a line with these words has been written since the last wait; false after a while.
+    bool wait_for(const std::string& words);
+    const std::string& line() const { return line_; } // which was waited for
+    HWND dialog(const std::string& title) const;      // null when none comes
+    std::string title() const;
+    bool ends(); // closes the window; false when the program goes on
+
+    std::vector<uint8_t> copied(); // the picture, by the clipboard
+    std::string settings() const;
+    const TempFolder& folder() const { return folder_; }
+
+  private:
+    std::string log() const;
+
+    TempFolder folder_;
+    PROCESS_INFORMATION process_ = {};
+    HWND window_ = nullptr;
+    size_t seen_ = 0;
+    std::string line_;
+};
+
+// The header and the pixels, without what a block has behind them.
+std::vector<uint8_t> picture_bytes(HGLOBAL dib);
+std::vector<uint8_t> clipboard_picture();
+std::string clipboard_text();
+void put_on_clipboard(UINT format, const std::vector<uint8_t>& bytes);
+
+bool eventually(bool (*holds)(void*), void* context);
+template<typename Condition>
+bool eventually(Condition condition) {
+    return eventually([](void* context) { return (*static_cast<Condition*>(context))(); },
+                      &condition);
+}
+
+} // namespace kirvo_test

@@ -1,0 +1,349 @@
+// What the program does beside effects: pictures come in and go out.
+#include "driver.hpp"
+
+#include "../../viewer/commands.hpp"
+
+#include <gtest/gtest.h>
+#include <kirvo_files.h>
+
+#include <cstring>
+#include <filesystem>
+
+using namespace kirvo_test;
+
+namespace {
+
+Dib picture_of(int width, int height, uint64_t seed = 1, int bits = 24) {
+    Random random(seed);
+    return make_random_dib({width, height, bits}, random);
+}
+
+std::string saved(const TempFolder& folder, const std::string& name, const Dib& picture) {
+    const std::string path = folder.path(name);
+    EXPECT_EQ(KirvoFilesSave(path.c_str(), picture, nullptr, nullptr, nullptr), KIRVO_FILES_OK);
+    return path;
+}
+
+std::vector<uint8_t> file_bytes(const std::string& name) {
+    FILE* file = std::fopen(name.c_str(), "rb");
+    std::vector<uint8_t> bytes(1 << 20);
+    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file));
+    std::fclose(file);
+    return bytes;
+}
+
+void set_text(HWND control, const std::string& text) {
+    SendMessageA(control, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+BOOL CALLBACK is_seen_edit(HWND child, LPARAM parameter) {
+    char name[32] = {};
+    GetClassNameA(child, name, sizeof name);
+    if (_stricmp(name, "Edit") != 0 || !IsWindowVisible(child))
+        return TRUE;
+    *reinterpret_cast<HWND*>(parameter) = child;
+    return FALSE;
+}
+
+// The box for a file's name in the system's dialog: its one edit control that is seen.
+HWND name_box(HWND dialog) {
+    HWND found = nullptr;
+    EnumChildWindows(dialog, is_seen_edit, reinterpret_cast<LPARAM>(&found));
+    return found;
+}
+
+void press(const std::vector<WORD>& keys) {
+    std::vector<INPUT> inputs(keys.size() * 2);
+    for (size_t i = 0; i < keys.size(); ++i) {
+        inputs[i].type = INPUT_KEYBOARD;
+        inputs[i].ki.wVk = keys[i];
+        inputs[inputs.size() - 1 - i] = inputs[i];
+        inputs[inputs.size() - 1 - i].ki.dwFlags = KEYEVENTF_KEYUP;
+    }
+    SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
+}
+
+void apply_negative(Viewer& viewer) {
+    viewer.command(viewer.effect("negative"));
+    ASSERT_TRUE(viewer.wait_for("says: Negative: "));
+}
+
+std::vector<uint8_t> negative_of(const Dib& picture, RECT place) {
+    const Dib copy = copy_of(picture);
+    EXPECT_EQ(Dib24Negative(copy, place.left, place.top, place.right - place.left,
+                            place.bottom - place.top),
+              KIRVO_OK);
+    return picture_bytes(copy);
+}
+
+} // namespace
+
+TEST(Viewer, PastesThePictureOfTheClipboard) {
+    Viewer viewer;
+    for (const int bits : {1, 4, 8, 24}) {
+        const Dib picture = picture_of(19, 7, 2, bits);
+        put_on_clipboard(CF_DIB, picture_bytes(picture));
+        viewer.command(command_paste);
+        ASSERT_TRUE(viewer.wait_for("picture shown")) << bits;
+        const std::vector<uint8_t> bytes = viewer.copied();
+        BITMAPINFOHEADER header;
+        std::memcpy(&header, bytes.data(), sizeof header);
+        EXPECT_EQ(header.biBitCount, bits);
+        EXPECT_EQ(header.biWidth, 19);
+        const std::vector<uint8_t> rows = picture.rows();
+        ASSERT_GE(bytes.size(), rows.size());
+        if (bits == 24) {
+            EXPECT_EQ(
+                std::vector<uint8_t>(bytes.end() - static_cast<int>(rows.size()), bytes.end()),
+                rows);
+        }
+    }
+}
+
+TEST(Viewer, LivesOnAfterALyingPictureOfTheClipboard) {
+    Viewer viewer;
+    const Dib picture = picture_of(19, 7);
+    std::vector<uint8_t> bytes = picture_bytes(picture);
+    BITMAPINFOHEADER header;
+    std::memcpy(&header, bytes.data(), sizeof header);
+    header.biHeight = 70000;
+    std::memcpy(bytes.data(), &header, sizeof header);
+    put_on_clipboard(CF_DIB, bytes);
+    viewer.command(command_paste);
+    ASSERT_TRUE(viewer.wait_for("Pasting failed: "));
+    put_on_clipboard(CF_DIB, picture_bytes(picture));
+    viewer.command(command_paste);
+    EXPECT_TRUE(viewer.wait_for("picture shown"));
+}
+
+TEST(Viewer, OpensWhatIsDropped) {
+    TempFolder folder;
+    const Dib picture = picture_of(8, 8);
+    const std::string name = saved(folder, "dropped.bmp", picture);
+    Viewer viewer;
+    viewer.drop(name);
+    ASSERT_TRUE(viewer.wait_for("picture shown"));
+    EXPECT_EQ(viewer.copied(), picture_bytes(picture));
+}
+
+TEST(Viewer, ShowsAJpegWhileItIsReadAndAbandonsItAtEsc) {
+    TempFolder folder;
+    const Dib large = picture_of(1200, 900), small = picture_of(9, 9);
+    const std::vector<uint8_t> jpeg = file_bytes(saved(folder, "large.jpg", large));
+    const char* name = "\\\\.\\pipe\\kirvo_view_test";
+    HANDLE pipe =
+        CreateNamedPipeA(name, PIPE_ACCESS_OUTBOUND, PIPE_TYPE_BYTE, 1, 1 << 16, 0, 0, nullptr);
+    ASSERT_NE(pipe, INVALID_HANDLE_VALUE);
+    Viewer viewer(name);
+    ConnectNamedPipe(pipe, nullptr);
+    // A slow line, on which half of the picture comes.
+    size_t sent = 0;
+    bool seen = false;
+    for (; !seen && sent < jpeg.size() / 2; sent += 20000) {
+        DWORD written = 0;
+        WriteFile(pipe, &jpeg[sent], 20000, &written, nullptr);
+        Sleep(200);
+        seen = sent > jpeg.size() / 4 && viewer.wait_for("look at ");
+    }
+    EXPECT_TRUE(seen);
+    viewer.key(VK_ESCAPE);
+    for (int i = 0; i < 50 && sent + 1000 < jpeg.size(); ++i, sent += 1000) {
+        DWORD written = 0;
+        if (!WriteFile(pipe, &jpeg[sent], 1000, &written, nullptr))
+            break; // the reader has gone
+        Sleep(10);
+    }
+    EXPECT_TRUE(viewer.wait_for("abandoned"));
+    CloseHandle(pipe);
+    put_on_clipboard(CF_DIB, picture_bytes(small));
+    viewer.command(command_paste);
+    EXPECT_TRUE(viewer.wait_for("picture shown"));
+}
+
+TEST(Viewer, WalksAFolderByKeys) {
+    TempFolder folder;
+    saved(folder, "p1.bmp", picture_of(11, 5));
+    saved(folder, "p2.bmp", picture_of(12, 5));
+    saved(folder, "p10.bmp", picture_of(13, 5));
+    folder.write("notes.txt", "no picture");
+    Viewer viewer(folder.path("p1.bmp"));
+    const auto goes_to = [&](WPARAM key, const std::string& title) {
+        viewer.key(key);
+        return viewer.wait_for("ready") && viewer.title() == title + " - KirvoView";
+    };
+    EXPECT_TRUE(goes_to(VK_RIGHT, "p2.bmp")) << viewer.title();
+    EXPECT_TRUE(goes_to(VK_RIGHT, "p10.bmp")) << viewer.title();
+    EXPECT_TRUE(goes_to(VK_RIGHT, "p1.bmp")) << viewer.title();
+    EXPECT_TRUE(goes_to(VK_LEFT, "p10.bmp")) << viewer.title();
+}
+
+TEST(Viewer, SaysWhatIsWrongWithAFileAndWalksOn) {
+    TempFolder folder;
+    const std::string whole = saved(folder, "a.jpg", picture_of(200, 200));
+    std::vector<uint8_t> bytes = file_bytes(whole);
+    bytes.resize(bytes.size() / 2);
+    folder.write("b.jpg", bytes);
+    folder.write("c.png", "this is no picture");
+    folder.write("d.bmp", "");
+    Viewer viewer(whole);
+    viewer.key(VK_RIGHT);
+    EXPECT_TRUE(viewer.wait_for("ends early"));
+    viewer.key(VK_RIGHT);
+    EXPECT_TRUE(viewer.wait_for("not opened: c.png: "));
+    viewer.key(VK_RIGHT);
+    EXPECT_TRUE(viewer.wait_for("not opened: d.bmp: "));
+    viewer.key(VK_RIGHT);
+    EXPECT_TRUE(viewer.wait_for("picture shown"));
+    EXPECT_TRUE(viewer.wait_for("ready"));
+    EXPECT_EQ(viewer.title(), "a.jpg - KirvoView");
+}
+
+TEST(Viewer, SavesWhatItShows) {
+    TempFolder folder;
+    const Dib picture = picture_of(31, 22);
+    Viewer viewer(saved(folder, "in.bmp", picture));
+    apply_negative(viewer);
+    viewer.command(command_save_as);
+    HWND dialog = viewer.dialog("Save As");
+    ASSERT_NE(dialog, nullptr);
+    const std::string name = folder.path("out.png");
+    ASSERT_TRUE(eventually([&] { return name_box(dialog) != nullptr; }));
+    set_text(name_box(dialog), name);
+    PostMessageA(dialog, WM_COMMAND, IDOK, 0);
+    ASSERT_TRUE(viewer.wait_for("saved: "));
+    EXPECT_EQ(viewer.title(), "out.png - KirvoView");
+    HGLOBAL read = nullptr;
+    ASSERT_EQ(KirvoFilesOpen(name.c_str(), nullptr, &read, nullptr), KIRVO_FILES_OK);
+    EXPECT_EQ(picture_bytes(read), negative_of(picture, {0, 0, 31, 22}));
+    GlobalFree(read);
+    EXPECT_TRUE(viewer.ends()); // nothing is left to be asked about
+}
+
+TEST(Viewer, UndoesAndRedoesByTheKeyboard) {
+    TempFolder folder;
+    const Dib picture = picture_of(10, 10);
+    Viewer viewer(saved(folder, "in.bmp", picture));
+    apply_negative(viewer);
+    EXPECT_EQ(viewer.title(), "in.bmp* - KirvoView");
+    SetForegroundWindow(viewer.window());
+    press({VK_CONTROL, 'Z'});
+    ASSERT_TRUE(eventually([&] { return viewer.title() == "in.bmp - KirvoView"; }));
+    EXPECT_EQ(viewer.copied(), picture_bytes(picture));
+    press({VK_CONTROL, 'Y'});
+    ASSERT_TRUE(eventually([&] { return viewer.title() == "in.bmp* - KirvoView"; }));
+    EXPECT_EQ(viewer.copied(), negative_of(picture, {0, 0, 10, 10}));
+    viewer.key(VK_F4); // once more
+    ASSERT_TRUE(viewer.wait_for("says: Negative: "));
+    EXPECT_EQ(viewer.copied(), picture_bytes(picture));
+}
+
+TEST(Viewer, ForgetsTheOldestPicturesBeyondItsBudget) {
+    TempFolder folder;
+    const Dib picture = picture_of(10, 10);
+    Viewer viewer(saved(folder, "in.bmp", picture), "UndoMegabytes=0\r\n");
+    apply_negative(viewer);
+    viewer.command(command_undo);
+    EXPECT_EQ(viewer.copied(), negative_of(picture, {0, 0, 10, 10}));
+}
+
+TEST(Viewer, WorksOnASelectionOnly) {
+    TempFolder folder;
+    const Dib picture = picture_of(40, 30);
+    Viewer viewer(saved(folder, "in.bmp", picture));
+    viewer.command(command_select);
+    HWND dialog = viewer.dialog("Select a rectangle");
+    ASSERT_NE(dialog, nullptr);
+    const char* values[] = {"5", "6", "20", "10"};
+    for (int i = 0; i < 4; ++i)
+        set_text(GetDlgItem(dialog, 100 + i), values[i]);
+    SendMessageA(dialog, WM_COMMAND, IDOK, 0);
+    apply_negative(viewer);
+    viewer.command(command_select_none);
+    EXPECT_EQ(viewer.copied(), negative_of(picture, {5, 6, 25, 16}));
+    viewer.command(command_copy_line);
+    EXPECT_TRUE(viewer.wait_for("part of the picture"));
+}
+
+TEST(Viewer, ShowsTheCallsAsCodeOfEachLanguage) {
+    TempFolder folder;
+    const std::string name = saved(folder, "in.bmp", picture_of(40, 30));
+    const char* lines[] = {
+        "dib2 = Dib24Brightness(dib, 0, 0, 40, 30, 30, &status);",
+        "dib2 = Kirvo.Dib24Brightness(dib, 0, 0, 40, 30, 30, out status);",
+        "dib2 := Dib24Brightness(dib, 0, 0, 40, 30, 30, status);",
+        "dib2 = Dib24Brightness(dib, 0, 0, 40, 30, 30, status)",
+        "dib2 = kirvo.Dib24Brightness(dib, 0, 0, 40, 30, 30, byref(status))",
+    };
+    for (int language = 0; language < 5; ++language) {
+        Viewer viewer(name, "Language=" + std::to_string(language) + "\r\nCode=1\r\n");
+        viewer.command(viewer.effect("brightness"));
+        HWND dialog = viewer.dialog("Brightness");
+        ASSERT_NE(dialog, nullptr);
+        SendMessageA(dialog, WM_COMMAND, IDOK, 0);
+        ASSERT_TRUE(viewer.wait_for("says: Brightness: "));
+        viewer.command(command_copy_code);
+        ASSERT_TRUE(viewer.wait_for("says: Copied"));
+        EXPECT_NE(clipboard_text().find(lines[language]), std::string::npos) << clipboard_text();
+        viewer.command(command_copy_line);
+        ASSERT_TRUE(viewer.wait_for("says: Copied"));
+        EXPECT_NE(clipboard_text().find(" --brightness 30"), std::string::npos);
+    }
+}
+
+TEST(Viewer, RefusesValuesOutOfTheirRangeInItsDialog) {
+    TempFolder folder;
+    const Dib picture = picture_of(40, 30);
+    Viewer viewer(saved(folder, "in.bmp", picture));
+    viewer.command(viewer.effect("brightness"));
+    HWND dialog = viewer.dialog("Brightness");
+    ASSERT_NE(dialog, nullptr);
+    set_text(GetDlgItem(dialog, 100), "101");
+    EXPECT_FALSE(IsWindowEnabled(GetDlgItem(dialog, IDOK)));
+    set_text(GetDlgItem(dialog, 100), "100");
+    EXPECT_TRUE(IsWindowEnabled(GetDlgItem(dialog, IDOK)));
+    EXPECT_TRUE(viewer.wait_for("preview --brightness of 40 x 30"));
+    SendMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
+    EXPECT_EQ(viewer.copied(), picture_bytes(picture)); // the look has changed nothing
+}
+
+TEST(Viewer, CountsColoursInItsHistogram) {
+    TempFolder folder;
+    Dib picture = picture_of(3, 1);
+    for (int x = 0; x < 3; ++x)
+        picture.set_pixel(x, 0, static_cast<uint32_t>(x));
+    Viewer viewer(saved(folder, "in.bmp", picture));
+    viewer.command(command_histogram);
+    EXPECT_TRUE(viewer.wait_for("histogram of 3 colours"));
+    viewer.command(viewer.effect("flip"));
+    EXPECT_TRUE(viewer.wait_for("histogram of 3 colours")); // it follows
+}
+
+TEST(Viewer, RemembersInItsOneFile) {
+    TempFolder folder;
+    Viewer viewer(saved(folder, "in.bmp", picture_of(5, 5)));
+    viewer.command(command_theme_dark);
+    viewer.command(command_code);
+    EXPECT_TRUE(viewer.ends());
+    const std::string settings = viewer.settings();
+    for (const char* line : {"Theme=2", "Code=1", "Recent1=", "in.bmp", "Width="})
+        EXPECT_NE(settings.find(line), std::string::npos) << line;
+}
+
+TEST(Viewer, AnswersEveryHostileFile) {
+    TempFolder folder;
+    int count = 0;
+    for (const char* room : {KIRVO_FUZZ "/corpus", KIRVO_FUZZ "/regressions"}) {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(room)) {
+            if (entry.is_regular_file())
+                std::filesystem::copy_file(entry.path(),
+                                           folder.path(std::to_string(++count) + ".bmp"));
+        }
+    }
+    ASSERT_GT(count, 50);
+    Viewer viewer(folder.path("1.bmp"));
+    for (int i = 1; i < count; ++i) {
+        viewer.key(VK_RIGHT);
+        ASSERT_TRUE(viewer.wait_for("ready")) << "after " << viewer.title();
+    }
+    EXPECT_TRUE(viewer.ends());
+}

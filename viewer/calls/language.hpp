@@ -1,0 +1,32 @@
+// How a language writes the few things of which calls consist.
+#pragma once
+
+#include "calls/code.hpp"
+
+#include <string>
+#include <vector>
+
+// A call with everything in it named.
+struct Sentence {
+    std::string function;
+    std::vector<std::string> arguments;
+    calls::Answer answer;
+    std::string result; // variable of an image
+};
+
+struct Grammar {
+    const char* comment;
+    std::string (*head)(const std::vector<std::string>& images); // variables
+    const char* tail;
+    std::string (*call)(const Sentence& sentence);
+    std::string (*release)(const std::string& image);
+    const char* output_before; // "&" of "&dib2"
+    const char* status;        // "&status"
+    const char* hex_before;    // "0x"
+    const char* hex_behind;
+    std::string (*table)(const std::string& name, const std::string& numbers);
+    const char* table_before; // "@" of "@table1[0]"
+    const char* table_behind;
+};
+
+const Grammar& grammar_of(Language language);

@@ -1,0 +1,12 @@
+// The catalogue as menus.
+#pragma once
+
+#include "effects/effects.hpp"
+
+#include <windows.h>
+
+HMENU make_effects_menu();
+// Null where the command is no effect's.
+const Effect* effect_of(WORD command);
+// "Sharpen more" of "--sharpen-more"
+std::wstring title_of(const std::string& option);
