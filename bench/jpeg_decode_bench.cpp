@@ -5,14 +5,15 @@
 #include "support/row.hpp"
 
 #include <cstring>
+#include <string>
 #include <turbojpeg.h>
 
 using namespace kirvo_bench;
 
 namespace {
 
-Work ours(Jpeg kind) {
-    const std::vector<uint8_t>& jpeg = photo_jpeg(kind);
+Work ours(Jpeg kind, const JpegCoding& coding = {}) {
+    const std::vector<uint8_t>& jpeg = photo_jpeg(kind, coding);
     HGLOBAL data = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, jpeg.size());
     std::memcpy(GlobalLock(data), jpeg.data(), jpeg.size());
     GlobalUnlock(data);
@@ -31,9 +32,9 @@ void decode_with(tjhandle decoder, const std::vector<uint8_t>& jpeg, uint8_t* pi
                   TJFLAG_ACCURATEDCT | TJFLAG_FASTUPSAMPLE | TJFLAG_BOTTOMUP);
 }
 
-Work turbo(Jpeg kind) {
+Work turbo(Jpeg kind, const JpegCoding& coding = {}) {
     std::vector<uint8_t> pixels(picture_bytes());
-    return [&jpeg = photo_jpeg(kind), pixels = std::move(pixels),
+    return [&jpeg = photo_jpeg(kind, coding), pixels = std::move(pixels),
             decoder = tjInitDecompress()]() mutable { decode_with(decoder, jpeg, pixels.data()); };
 }
 
@@ -50,6 +51,32 @@ const Row turbo_grey("jpeg/decode grey/libjpeg-turbo", [] { return turbo(Jpeg::g
 const Row ours_progressive("jpeg/decode progressive/ours", [] { return ours(Jpeg::progressive); });
 const Row turbo_progressive("jpeg/decode progressive/libjpeg-turbo",
                             [] { return turbo(Jpeg::progressive); });
+
+// Both in every way in which a baseline picture is usually coded.
+const bool added = [] {
+    static constexpr struct {
+        const char* name;
+        Jpeg kind;
+    } kinds[] = {
+        {"4:2:0", Jpeg::s420}, {"4:2:2", Jpeg::s422}, {"4:4:4", Jpeg::s444}, {"grey", Jpeg::grey}};
+    static constexpr struct {
+        const char* name;
+        JpegCoding coding;
+    } codings[] = {{"q75 optimised", {75, true}},
+                   {"q75 restarts", {75, false, true}},
+                   {"q92", {92}},
+                   {"q92 optimised", {92, true}},
+                   {"q92 restarts", {92, false, true}}};
+    for (const auto& [kind_name, kind] : kinds) {
+        for (const auto& [coding_name, coding] : codings) {
+            const std::string name =
+                std::string("jpeg/decode ") + kind_name + " " + coding_name + "/";
+            Row((name + "ours").c_str(), [=] { return ours(kind, coding); });
+            Row((name + "libjpeg-turbo").c_str(), [=] { return turbo(kind, coding); });
+        }
+    }
+    return true;
+}();
 
 #ifdef _WIN32
 Work turbo_new(Jpeg kind) {

@@ -1,10 +1,13 @@
-// Runs the rows with Google Benchmark: kirvo_bench [ITS ARGUMENTS]
+// Runs the rows with Google Benchmark: kirvo_bench [--megapixels 12|1] [ITS ARGUMENTS]
 #include "support/lazy_work.hpp"
+#include "support/pictures.hpp"
 #include "support/table.hpp"
 
 #include <benchmark/benchmark.h>
 #include <climits>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <malloc.h>
 #include <memory>
 #include <opencv2/core/utility.hpp>
@@ -55,6 +58,12 @@ int main(int argc, char** argv) {
     // system anew for each picture, fresh pages would take most of the peers' time.
     mallopt(M_MMAP_MAX, 0);
     mallopt(M_TRIM_THRESHOLD, INT_MAX);
+    if (argc > 2 && std::strcmp(argv[1], "--megapixels") == 0) {
+        kirvo_bench::set_photo_megapixels(std::atoi(argv[2]));
+        argv[2] = argv[0];
+        argv += 2;
+        argc -= 2;
+    }
     // Interleaved repetitions, so that a busy moment of the machine hits all rows alike.
     std::vector<char*> arguments{argv[0]};
     std::string defaults[] = {"--benchmark_enable_random_interleaving=true",

@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <map>
+#include <tuple>
 #include <turbojpeg.h>
 
 namespace kirvo_bench {
@@ -46,22 +48,35 @@ HGLOBAL make_dib(const std::vector<uint8_t>& rows, int bits) {
     return dib;
 }
 
-std::vector<uint8_t> encode(Jpeg kind) {
+// What libjpeg-turbo asks the environment for.
+void set_variable(const char* name, bool value) {
+#ifdef _WIN32
+    _putenv_s(name, value ? "1" : "");
+#else
+    value ? setenv(name, "1", 1) : unsetenv(name);
+#endif
+}
+
+std::vector<uint8_t> encode(Jpeg kind, const JpegCoding& coding) {
     static constexpr int samplings[] = {TJSAMP_420, TJSAMP_422,  TJSAMP_444,
                                         TJSAMP_440, TJSAMP_GRAY, TJSAMP_420};
     const int sampling = samplings[static_cast<int>(kind)];
     const int flags = kind == Jpeg::progressive ? TJFLAG_PROGRESSIVE : 0;
     unsigned char* bytes = nullptr;
     unsigned long count = 0;
+    set_variable("TJ_OPTIMIZE", coding.optimised);
+    set_variable("TJ_RESTART", coding.restarts);
     tjhandle encoder = tjInitCompress();
     if (tjCompress2(encoder, photo_bgr().data(), photo_width, 0, photo_height, TJPF_BGR, &bytes,
-                    &count, sampling, 75, flags) != 0) {
+                    &count, sampling, coding.quality, flags) != 0) {
         std::fprintf(stderr, "no JPEG stream: %s\n", tjGetErrorStr2(encoder));
         std::exit(1);
     }
     std::vector<uint8_t> stream(bytes, bytes + count);
     tjFree(bytes);
     tjDestroy(encoder);
+    set_variable("TJ_OPTIMIZE", false);
+    set_variable("TJ_RESTART", false);
     return stream;
 }
 
@@ -128,11 +143,12 @@ HGLOBAL scratch_of(int bits) {
                         : scratch<24>();
 }
 
-const std::vector<uint8_t>& photo_jpeg(Jpeg kind) {
-    static std::vector<uint8_t> streams[6];
-    std::vector<uint8_t>& stream = streams[static_cast<int>(kind)];
+const std::vector<uint8_t>& photo_jpeg(Jpeg kind, const JpegCoding& coding) {
+    static std::map<std::tuple<Jpeg, int, bool, bool>, std::vector<uint8_t>> streams;
+    std::vector<uint8_t>& stream =
+        streams[{kind, coding.quality, coding.optimised, coding.restarts}];
     if (stream.empty())
-        stream = encode(kind);
+        stream = encode(kind, coding);
     return stream;
 }
 

@@ -25,8 +25,13 @@ HGLOBAL scratch_of(int bits);
 const std::vector<uint8_t>& photo_bgr();
 const std::vector<uint8_t>& photo_grey();
 
-// JPEG streams of quality 75 made by libjpeg-turbo; 4:2:0 has about 2 bits a pixel.
+// JPEG streams made by libjpeg-turbo; 4:2:0 of quality 75 has about 2 bits a pixel. There may be a
+// restart marker after every row of MCUs.
 enum class Jpeg { s420, s422, s444, s440, grey, progressive };
-const std::vector<uint8_t>& photo_jpeg(Jpeg kind);
+struct JpegCoding {
+    int quality = 75;
+    bool optimised = false, restarts = false;
+};
+const std::vector<uint8_t>& photo_jpeg(Jpeg kind, const JpegCoding& coding = {});
 
 } // namespace kirvo_bench

@@ -18,10 +18,10 @@ class McuReader {
         const Frame& frame = state.picture.frame;
         for (int32_t c = 0; c < frame.components; ++c) {
             const uint32_t table = c == 0 ? 0 : 1;
-            components_[c] = fast_.baseline_tables_of(
-                table, table,
-                {&state.dc_tables[table], &state.ac_tables[table], no_quantisation.data(),
-                 &state.entropy.predictor[c]});
+            components_[c] =
+                fast_.baseline_tables_of(table, table,
+                                         {&state.dc_tables[table], &state.ac_tables[table],
+                                          no_quantisation.data(), &state.entropy.predictor[c]});
         }
         for (int32_t i = 0; i < blocks_; ++i)
             tables_[i] = &components_[component_of(*layout_, i)];

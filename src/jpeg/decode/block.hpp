@@ -27,9 +27,7 @@ inline constexpr std::array<uint16_t, padded_block> no_quantisation = [] {
 }();
 
 // Integers of 16 bits that wrap.
-constexpr int16_t wrap16(int32_t value) {
-    return static_cast<int16_t>(value);
-}
+constexpr int16_t wrap16(int32_t value) { return static_cast<int16_t>(value); }
 constexpr int16_t shift16(int16_t value, int32_t count) {
     return static_cast<int16_t>(static_cast<uint32_t>(value) << count);
 }

@@ -3,8 +3,8 @@
 
 #include "image/dib.hpp"
 #include "jpeg/decode/block.hpp"
-#include "simd/kernels.hpp"
 #include "jpeg/decode/state.hpp"
+#include "simd/kernels.hpp"
 
 #include <array>
 #include <optional>

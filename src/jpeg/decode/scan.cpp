@@ -52,9 +52,9 @@ Step failed(DecodeState& state, Status status) {
 Step decode_picture(DecodeState& state) {
     const Picture& picture = state.picture;
     if (picture.frame.mode == FrameMode::baseline) {
-        Renderer renderer(picture.frame, picture.image,
-                          {quantisation_of(state, 1), quantisation_of(state, 2),
-                           quantisation_of(state, 3)});
+        Renderer renderer(
+            picture.frame, picture.image,
+            {quantisation_of(state, 1), quantisation_of(state, 2), quantisation_of(state, 3)});
         return decode_baseline(state, renderer);
     }
     constexpr const uint16_t* done = no_quantisation.data();

@@ -34,8 +34,7 @@ inline const uint16_t* quantisation_of(const DecodeState& state, uint32_t id) {
 // What decodes the blocks of a component with the given tables, dequantised as component id.
 inline BlockCoding coding_of(DecodeState& state, int32_t component, uint32_t id, uint32_t dc,
                              uint32_t ac) {
-    return {&state.dc_tables[dc], &state.ac_tables[ac],
-            quantisation_of(state, id),
+    return {&state.dc_tables[dc], &state.ac_tables[ac], quantisation_of(state, id),
             &state.entropy.predictor[component]};
 }
 
