@@ -2017,6 +2017,7 @@ KIRVO_API HGLOBAL WINAPI IcoGetData(LPCSTR name, int32_t index, uint32_t* width,
 
 /* ------------------------------------------------------------------------------------------- */
 /* The type of each function's address, for GetProcAddress and dlsym: PFN_Dib24Flip. */
+/** @cond */
 /* What follows is written by script/bindings. */
 /* clang-format off */
 typedef uint32_t(WINAPI* PFN_GetVerKirvoDll)(void);
@@ -2177,6 +2178,7 @@ typedef HGLOBAL(WINAPI* PFN_IcoGetData)(LPCSTR, int32_t, uint32_t*, uint32_t*, u
         HGLOBAL*);
 /* clang-format on */
 /* What precedes is written by script/bindings. */
+/** @endcond */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -429,7 +429,8 @@ inline Block block_of(const void* bytes, size_t count) {
 
 } // namespace detail
 
-/** Operations of this thread report to a callable for as long as this lives. */
+/** Operations of this thread report to a callable for as long as this lives. Away from Windows this
+ *  sets the window host of kirvo.h. */
 class Watch {
   public:
     explicit Watch(Progress progress)

@@ -501,7 +501,7 @@ def check_basic(folder):
 
 def given_to(line, name):
     """The arguments of a call, by the commas between its parentheses."""
-    rest = re.split(rf"\b{name}\b", line, maxsplit=1)[1]
+    rest = re.split(rf"{name}\b", line, maxsplit=1)[1]
     depth, found, inside = 0, [""], rest.lstrip()
     called = inside.startswith("(")
     for sign in inside:
@@ -526,7 +526,7 @@ def check_basic_class(functions):
         called = set()
         for line in lines:
             for name in set(re.findall(r"\b\w+\b", re.sub('"[^"]*"', '""', line))) & set(arity):
-                assert len(given_to(line, name)) == arity[name] or " Lib " in line, line
+                assert len(given_to(line, rf"\b{name}")) == arity[name] or " Lib " in line, line
                 called.add(name)
             if match := re.match(r"(?:Public|Private) (?:Sub|Function) \w+\((.*)\)", line):
                 for part in filter(None, match[1].split(", ")):
@@ -536,6 +536,23 @@ def check_basic_class(functions):
         names = re.findall(r"^(?:Public|Private) (?:Sub|Function|Property Get) (\w+)", "\n".join(lines),
                            re.MULTILINE)
         assert len(names) == len({name.lower() for name in names}), "named twice"
+        check_basic_example(lines)
+
+
+def check_basic_example(lines):
+    """The example's form calls methods that the class has, with arguments that they take."""
+    methods = {match[1]: match[2].split(", ") for line in lines if (match := re.match(
+        r"Public (?:Sub|Function|Property Get) (\w+)\((.*)\)", line))}
+    code = [line for line in basic_lines(BINDINGS / "vb/PhotoForm.frm", {})
+            if not re.match(r"VERSION|Begin|End$|\w+ +=", line)]
+    check_basic_blocks(code)
+    for line in code:
+        for name in re.findall(r"\b(?:photo|part|small)\.(\w+)", line) + re.findall(r"\)\.(\w+)", line):
+            if name == "Listener":
+                continue
+            needed = [part for part in methods[name] if part and not part.startswith("Optional")]
+            found = given_to(line, rf"\.{name}") if needed else []
+            assert len(needed) <= len(found) <= len(methods[name]), line
 
 
 def check_basic_numbers(lines):

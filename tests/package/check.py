@@ -62,9 +62,10 @@ def check_unpack():
 
 def check_contents():
     """Everything is there, and nothing remembers where it was built."""
-    expected = ["include/kirvo.h", "include/kirvo_files.h", "lib/pkgconfig/kirvofiles.pc", f"bin/{TOOL}", "lib/cmake/Kirvo/KirvoConfig.cmake",
+    expected = ["include/kirvo.h", "include/kirvo_files.h", "include/kirvo.hpp",
+                "lib/pkgconfig/kirvofiles.pc", f"bin/{TOOL}", "lib/cmake/Kirvo/KirvoConfig.cmake",
                 "lib/cmake/Kirvo/KirvoConfigVersion.cmake", "lib/pkgconfig/kirvo.pc"]
-    documents = ["README.md", "examples/CMakeLists.txt", "docs/contact-sheet.jpg",
+    documents = ["README.md", "CHANGELOG.md", "SECURITY.md", "examples/CMakeLists.txt", "docs/contact-sheet.jpg",
                  "bindings/README.md"]
     if PACKAGE == "deb":
         expected += ["lib/libkirvo.so", "lib/libkirvofiles.so", "share/man/man1/kirvo.1.gz",
@@ -106,13 +107,14 @@ def check_tool():
 def compile_example(compiler, source, *flags):
     run(compiler, DOCUMENTS / "examples" / source, *flags, "-o", WORK / source.split(".")[0])
     if PACKAGE != "deb":
-        shutil.copy(PREFIX / "bin/Kirvo.dll", WORK)
+        for name in ("Kirvo.dll", "KirvoFiles.dll"):
+            shutil.copy(PREFIX / "bin" / name, WORK)
 
 
 def flags_by_hand():
     flags = [f"-I{PREFIX}/include", f"-L{PREFIX}/lib"]
-    return flags + (["-lkirvo", f"-Wl,-rpath,{PREFIX}/lib"] if PACKAGE == "deb"
-                    else ["-lKirvo", "-static"])
+    return flags + (["-lkirvofiles", "-lkirvo", f"-Wl,-rpath,{PREFIX}/lib"] if PACKAGE == "deb"
+                    else ["-lKirvoFiles", "-lKirvo", "-static"])
 
 
 def check_files_program():
@@ -125,8 +127,7 @@ def check_files_program():
             return count == 2 ? KirvoFilesOpen(names[1], NULL, &dib, NULL) : 1;
         }
         """)
-    flags = ["-lkirvofiles"] if PACKAGE == "deb" else ["-lKirvoFiles"]
-    run(CC, source, *flags_by_hand()[:2], *flags, *flags_by_hand()[2:], "-o", WORK / f"open{SUFFIX}")
+    run(CC, source, *flags_by_hand(), "-o", WORK / f"open{SUFFIX}")
     if PACKAGE != "deb":
         for name in ("Kirvo.dll", "KirvoFiles.dll"):
             shutil.copy(PREFIX / "bin" / name, WORK)
@@ -146,7 +147,7 @@ def check_cpp_program():
 def check_pkg_config():
     def ask(*options):
         environment = dict(os.environ, PKG_CONFIG_PATH=str(PREFIX / "lib/pkgconfig"))
-        return run("pkg-config", *options, "kirvo", env=environment).split()
+        return run("pkg-config", *options, "kirvofiles", env=environment).split()
 
     assert ask("--modversion") == [VERSION]
     compile_example(CXX, "vignette.cpp", "-std=c++17", *ask("--cflags", "--libs"),
@@ -162,7 +163,7 @@ def check_cmake_project():
         options.append(f"-DCMAKE_TOOLCHAIN_FILE={ROOT}/cmake/{PACKAGE}.cmake")
     run("cmake", "-S", DOCUMENTS / "examples", "-B", WORK / "examples", *options)
     run("cmake", "--build", WORK / "examples")
-    for name in ["pieces", "thumbnails"] + (["window"] if PACKAGE != "deb" else []):
+    for name in ["photo", "pieces", "thumbnails"] + (["window"] if PACKAGE != "deb" else []):
         run_example(name, WORK / "examples")
 
     versions = WORK / "versions"
