@@ -16,7 +16,7 @@ function(kirvo_exports target objects def)
             DEPENDS ${def} cmake/decorate_exports.cmake $<TARGET_OBJECTS:${objects}>
             VERBATIM)
         target_sources(${target} PRIVATE ${exports})
-        target_link_options(${target} PRIVATE -Wl,--kill-at)
+        target_link_options(${target} PRIVATE -Wl,--kill-at -Wl,--no-insert-timestamp)
         add_custom_command(
             TARGET ${target} POST_BUILD
             COMMAND ${CMAKE_DLLTOOL} --kill-at --input-def ${exports}

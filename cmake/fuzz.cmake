@@ -2,7 +2,7 @@
 # kirvo_fuzz_<name>; otherwise all are one program that replays the corpora and the regressions.
 
 include(${CMAKE_CURRENT_LIST_DIR}/export_list.cmake)
-set(fuzz_shared fuzz/support.cpp fuzz/jpeg.cpp)
+set(fuzz_shared fuzz/support.cpp fuzz/jpeg.cpp fuzz/files.cpp)
 foreach(name IN ITEMS calls exports jpeg_reference temp_file temp_folder)
     list(APPEND fuzz_shared tests/support/${name}.cpp)
 endforeach()
@@ -19,7 +19,7 @@ target_link_options(kirvo_fuzz_standin PRIVATE -Wl,-soname,PCDLIB32.DLL)
 
 add_library(kirvo_fuzz_support STATIC ${fuzz_shared})
 target_include_directories(kirvo_fuzz_support PUBLIC tests)
-target_link_libraries(kirvo_fuzz_support PUBLIC kirvo_objects kirvo_export_list)
+target_link_libraries(kirvo_fuzz_support PUBLIC kirvo_objects kirvo_files_objects kirvo_export_list)
 target_compile_options(kirvo_fuzz_support PUBLIC -O1 -Wall -Wextra)
 target_compile_definitions(kirvo_fuzz_support PUBLIC
     "KIRVO_FUZZ_PHOTO_CD=\"$<TARGET_FILE:kirvo_fuzz_standin>\"")

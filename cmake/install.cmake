@@ -3,12 +3,12 @@
 
 include(CMakePackageConfigHelpers)
 
-install(TARGETS kirvo EXPORT Kirvo)
-install(FILES include/kirvo.h TYPE INCLUDE)
+install(TARGETS kirvo kirvo_files EXPORT Kirvo COMPONENT libraries)
+install(FILES include/kirvo.h include/kirvo_files.h include/kirvo.hpp TYPE INCLUDE)
 if(WIN32)
-    install(FILES kirvo.def TYPE LIB)
+    install(FILES kirvo.def kirvo_files.def TYPE LIB)
     if(KIRVO_LLVM_DLLTOOL)
-        install(FILES ${PROJECT_BINARY_DIR}/Kirvo.lib TYPE LIB)
+        install(FILES ${PROJECT_BINARY_DIR}/Kirvo.lib ${PROJECT_BINARY_DIR}/KirvoFiles.lib TYPE LIB)
     endif()
 endif()
 
@@ -29,11 +29,13 @@ get_target_property(library_name kirvo OUTPUT_NAME)
 if(NOT library_name)
     set(library_name kirvo)
 endif()
+get_target_property(files_library_name kirvo_files OUTPUT_NAME)
 configure_file(packaging/kirvo.pc.in kirvo.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/kirvo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+configure_file(packaging/kirvofiles.pc.in kirvofiles.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/kirvo.pc ${PROJECT_BINARY_DIR}/kirvofiles.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 # Documents, in the places where README.md links to them; the reference when it has been built.
-install(FILES README.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES README.md CHANGELOG.md SECURITY.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES docs/contact-sheet.jpg DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 install(DIRECTORY docs/guide DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/build/docs/html DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs
@@ -42,7 +44,7 @@ install(DIRECTORY bindings examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
         PATTERN __pycache__ EXCLUDE)
 
 # Builds what is installed.
-add_custom_target(kirvo_installed DEPENDS kirvo)
+add_custom_target(kirvo_installed DEPENDS kirvo kirvo_files)
 foreach(target IN ITEMS kirvo_tool kirvo_papers kirvo_view)
     if(TARGET ${target})
         add_dependencies(kirvo_installed ${target})
@@ -69,10 +71,11 @@ else()
     set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
     set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "image processing on packed DIBs")
     set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"Library, header, CMake and pkg-config files, command line and documents of
+"Libraries, headers, CMake and pkg-config files, command line and documents of
 Kirvo: BMP, Targa, icon and other files, a JPEG encoder and decoder, colour
 reduction and some sixty image operations over one image model, the packed
-DIB. Every result is settled to the bit and the same as that of the library
+DIB; and KirvoFiles, which opens and saves BMP, JPEG, PNG, TIFF, WebP, GIF,
+Targa and icon files with their metadata. Every result is settled to the bit and the same as that of the library
 for Windows.")
     set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/triggers)
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)

@@ -34,8 +34,6 @@ endforeach()
 # 0x01000402 for 1.0.4.2
 math(EXPR KIRVO_VERSION "${PROJECT_VERSION_MAJOR} << 24 | ${PROJECT_VERSION_MINOR} << 16 |
     ${PROJECT_VERSION_PATCH} << 8 | ${PROJECT_VERSION_TWEAK}" OUTPUT_FORMAT HEXADECIMAL)
-set_source_files_properties(src/platform/version.cpp PROPERTIES
-                            COMPILE_DEFINITIONS KIRVO_VERSION=${KIRVO_VERSION})
 
 add_library(kirvo_objects OBJECT ${kirvo_sources})
 set_target_properties(kirvo_objects PROPERTIES POSITION_INDEPENDENT_CODE ON)
@@ -59,13 +57,19 @@ else()
     target_link_libraries(kirvo_objects PUBLIC ${CMAKE_DL_LIBS})
 endif()
 
-add_library(kirvo SHARED $<TARGET_OBJECTS:kirvo_objects>)
+set(KIRVO_LIBRARY_TYPE SHARED)
+if(NOT BUILD_SHARED_LIBS AND NOT WIN32)
+    set(KIRVO_LIBRARY_TYPE STATIC)
+endif()
+add_library(kirvo ${KIRVO_LIBRARY_TYPE} $<TARGET_OBJECTS:kirvo_objects>)
 add_library(Kirvo::kirvo ALIAS kirvo) # the name that find_package(Kirvo) gives
 target_include_directories(kirvo INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
 target_link_libraries(kirvo PRIVATE $<TARGET_PROPERTY:kirvo_objects,INTERFACE_LINK_LIBRARIES>)
 include(${CMAKE_CURRENT_LIST_DIR}/exports.cmake)
-kirvo_exports(kirvo kirvo_objects kirvo.def cmake/standins.def)
+if(KIRVO_LIBRARY_TYPE STREQUAL SHARED)
+    kirvo_exports(kirvo kirvo_objects kirvo.def cmake/standins.def)
+endif()
 
 if(KIRVO_COVERAGE)
     target_compile_options(kirvo_objects PRIVATE -O1 --coverage)
@@ -81,7 +85,7 @@ if(WIN32)
     target_sources(kirvo PRIVATE ${PROJECT_BINARY_DIR}/version.rc)
     set_target_properties(kirvo PROPERTIES OUTPUT_NAME Kirvo PREFIX "" IMPORT_PREFIX lib
                           ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
-else()
+elseif(KIRVO_LIBRARY_TYPE STREQUAL SHARED)
     # One file under one name, as on Windows: a copy of it serves wherever it lies.
     target_link_options(kirvo PRIVATE -Wl,--gc-sections -Wl,--as-needed -Wl,-Bsymbolic)
     if(NOT KIRVO_SANITIZE)

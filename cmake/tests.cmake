@@ -30,7 +30,6 @@ file(GLOB support_sources CONFIGURE_DEPENDS tests/support/*.cpp)
 foreach(side IN ITEMS public internal)
     add_library(kirvo_${side}_test_support STATIC ${support_sources})
     target_include_directories(kirvo_${side}_test_support PUBLIC tests)
-    target_compile_definitions(kirvo_${side}_test_support PUBLIC KIRVO_VERSION=${KIRVO_VERSION})
     target_compile_options(kirvo_${side}_test_support PRIVATE ${KIRVO_TEST_FLAGS})
     target_precompile_headers(kirvo_${side}_test_support PRIVATE <gtest/gtest.h> <kirvo.h>)
     target_link_libraries(kirvo_${side}_test_support PUBLIC gtest kirvo_export_list)
@@ -133,6 +132,8 @@ file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/interface.json CONTENT "{
     \"system\": \"${CMAKE_SYSTEM_NAME}\",
     \"pointer_bytes\": \"${CMAKE_SIZEOF_VOID_P}\",
     \"library\": \"$<TARGET_FILE:kirvo>\",
+    \"files_library\": \"$<TARGET_FILE:kirvo_files>\",
+    \"files_objects\": [\"$<JOIN:$<TARGET_OBJECTS:kirvo_files_objects>,\", \">\"],
     \"c_compiler\": \"${CMAKE_C_COMPILER}\",
     \"cpp_compiler\": \"${CMAKE_CXX_COMPILER}\",
     \"nm\": \"${CMAKE_NM}\",
@@ -154,6 +155,11 @@ foreach(check IN LISTS checks)
     add_test(NAME kirvo_check_${check}
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/interface/check.py ${check}
                      ${PROJECT_BINARY_DIR}/interface.json)
+    if(NOT check STREQUAL baseline)
+        add_test(NAME kirvo_files_check_${check}
+                 COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/interface/check.py ${check}
+                         ${PROJECT_BINARY_DIR}/interface.json kirvo_files)
+    endif()
 endforeach()
 
 # The declarations for other languages, where there are compilers.
@@ -168,6 +174,24 @@ foreach(check IN LISTS checks)
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/bindings/check.py
                      ${check} ${PROJECT_BINARY_DIR}/interface.json)
     set_tests_properties(kirvo_bindings_${check} PROPERTIES SKIP_RETURN_CODE 77)
+    if(NOT check STREQUAL current)
+        add_test(NAME kirvo_files_bindings_${check}
+                 COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/bindings/check.py
+                         ${check} ${PROJECT_BINARY_DIR}/interface.json kirvo_files)
+        set_tests_properties(kirvo_files_bindings_${check} PROPERTIES SKIP_RETURN_CODE 77)
+    endif()
+endforeach()
+
+# The object layers: their own promises, and every effect in each of them.
+set(checks cpp)
+if(NOT WIN32 AND NOT KIRVO_SANITIZE)
+    list(APPEND checks effects python csharp pascal)
+endif()
+foreach(check IN LISTS checks)
+    add_test(NAME kirvo_layer_${check}
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/layers/check.py
+                     ${check} ${PROJECT_BINARY_DIR}/interface.json)
+    set_tests_properties(kirvo_layer_${check} PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 600)
 endforeach()
 
 # What other programs have encoded, against what they decode.
@@ -175,6 +199,17 @@ if(NOT WIN32 AND NOT KIRVO_SANITIZE)
     add_test(NAME kirvo_jpeg_real_files
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/jpeg/real_files.py
                      $<TARGET_FILE:kirvo> $<TARGET_FILE:kirvo_sample>)
+endif()
+
+# Files of other programs, as the second library and others read them. Pillow is Debian's.
+find_program(KIRVO_DEBIAN_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)
+if(NOT WIN32 AND NOT KIRVO_SANITIZE AND NOT KIRVO_COVERAGE AND KIRVO_DEBIAN_PYTHON)
+    foreach(group IN ITEMS Written Jpeg Installed Orientation Metadata)
+        string(TOLOWER ${group} name)
+        add_test(NAME kirvo_files_real_${name}
+                 COMMAND ${KIRVO_DEBIAN_PYTHON} ${PROJECT_SOURCE_DIR}/tests/files/real_files.py
+                         ${group} ${PROJECT_BINARY_DIR})
+    endforeach()
 endif()
 
 # The command line in a terminal.
@@ -188,6 +223,9 @@ elseif(TARGET kirvo_tool AND NOT KIRVO_SANITIZE)
         string(TOLOWER ${group} name)
         add_test(NAME kirvo_tool_${name} COMMAND ${terminal} ${group} $<TARGET_FILE:kirvo_tool>)
     endforeach()
+    add_test(NAME kirvo_tool_pictures
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/pictures.py
+                     $<TARGET_FILE:kirvo_tool>)
     add_test(NAME kirvo_tool_workers
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/workers.py
                      $<TARGET_FILE:kirvo_tool>)
@@ -216,14 +254,14 @@ foreach(example IN LISTS guide_examples)
     string(REPLACE "." "_" name ${name})
     add_executable(kirvo_guide_${name} ${example})
     target_compile_options(kirvo_guide_${name} PRIVATE ${KIRVO_TEST_FLAGS})
-    target_link_libraries(kirvo_guide_${name} PRIVATE kirvo)
+    target_link_libraries(kirvo_guide_${name} PRIVATE kirvo kirvo_files)
     add_test(NAME kirvo_guide_${name} COMMAND kirvo_guide_${name}
              WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
 endforeach()
 
 # The examples, on real pictures.
 if(KIRVO_EXAMPLES)
-    set(examples convert pieces thumbnails vignette)
+    set(examples convert pieces photo thumbnails vignette)
     if(WIN32)
         list(APPEND examples window)
     endif()

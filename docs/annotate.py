@@ -12,21 +12,23 @@ import sys
 
 import pictures
 
-HEADER = pathlib.Path(__file__).parent.parent / "include/kirvo.h"
-DOCUMENTED = re.compile(r"/\*\*((?:(?!\*/).)*)\*/\s*KIRVO_API\s[^;(]*?\bWINAPI\s+(\w+)\s*\(",
+INCLUDE = pathlib.Path(__file__).parent.parent / "include"
+HEADERS = [INCLUDE / "kirvo.h", INCLUDE / "kirvo_files.h"]
+DOCUMENTED = re.compile(r"/\*\*((?:(?!\*/).)*)\*/\s*KIRVO_(?:FILES_)?API\s[^;(]*?\bWINAPI\s+(\w+)\s*\(",
                         re.DOTALL)
 
-CODE = re.compile(r"/\*\*((?:(?!\*/).)*)\*/\s*(KIRVO_\w+) = (-?\d+)", re.DOTALL)
+CODE = re.compile(r"/\*\*(?!<)((?:(?!\*/).)*)\*/\s*(KIRVO_\w+) = (-?\d+)", re.DOTALL)
 
 
 def functions():
-    """Every function of the header with its comment."""
-    return {name: comment for comment, name in DOCUMENTED.findall(HEADER.read_text())}
+    """Every function of the headers with its comment."""
+    return {name: comment for header in HEADERS
+            for comment, name in DOCUMENTED.findall(header.read_text())}
 
 
 def codes():
     """Comment, name and number of every status code."""
-    return CODE.findall(HEADER.read_text())
+    return [code for header in HEADERS for code in CODE.findall(header.read_text())]
 
 
 def linked(text, names):
@@ -71,7 +73,7 @@ def with_numbers(text, comments):
         who = sorted(f for f, words in comments.items()
                      if re.search(rf"@(return|param\[out\] (status|error))[^@]*#{name}\b", words))
         answered = ""
-        if who and name != "KIRVO_OK":
+        if who and not name.endswith("_OK"):
             answered = ("@htmlonly <details><summary>answered by "
                         f"{len(who)} function{'s' if len(who) > 1 else ''}</summary>@endhtmlonly "
                         + ", ".join("#" + f for f in who) + " @htmlonly </details>@endhtmlonly ")

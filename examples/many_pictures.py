@@ -7,8 +7,8 @@ to another, one that fails is tried again, and a run that was stopped goes on wh
 there and newer than its picture is not made again.
 
 Debian: apt install python3-distributed. Every machine sees FROM and TO under these names, has
-libkirvo.so and libkirvofiles.so, and this script's folder tells them where kirvo.py is; the guide
-many-machines.md shows how to start them.
+libkirvo.so and libkirvofiles.so; the modules kirvo.py and kirvo_files.py travel there. The guide
+many-machines.md shows how to start workers.
 """
 import argparse
 import os
@@ -26,70 +26,48 @@ KINDS = {".bmp", ".dib", ".gif", ".ico", ".jfif", ".jpe", ".jpeg", ".jpg", ".png
 
 def thumbnail(source, target, size):
     """Runs on a worker: makes one thumbnail, complete or not at all. Answers why not, or None."""
-    import ctypes
     import threading
+    from ctypes import byref, c_int32
 
     import kirvo
+    import kirvo_files
 
-    class SaveOptions(ctypes.Structure):
-        _fields_ = [("size", ctypes.c_uint32), ("format", ctypes.c_int32),
-                    ("flags", ctypes.c_uint32), ("quality", ctypes.c_uint32),
-                    ("level", ctypes.c_uint32), ("subsample", ctypes.c_uint32),
-                    ("sizeLimit", ctypes.c_uint32), ("bits", ctypes.c_uint32),
-                    ("compression", ctypes.c_int32), ("reserved", ctypes.c_uint32),
-                    ("dpi", ctypes.c_double * 2)]
-
-    name = os.environ.get("KIRVO_FILES_LIBRARY")
-    if name is None and "KIRVO_LIBRARY" in os.environ:
-        name = os.path.join(os.path.dirname(os.environ["KIRVO_LIBRARY"]), "libkirvofiles.so")
-    files = ctypes.CDLL(name or "libkirvofiles.so")
-    files.KirvoFilesClose.argtypes = [ctypes.c_void_p]
     # Kirvo does one thing at a time in a process, whatever number of threads a worker has.
     one_at_a_time = kirvo.__dict__.setdefault("one_at_a_time", threading.Lock())
 
-    def reason(status, file):
-        text = ctypes.create_string_buffer(1000)
-        if file:
-            files.KirvoFilesText(file, 0, 0, text, len(text))
-        return text.value.decode(errors="replace") or f"status {status}"
-
-    def opened():
-        picture, file = ctypes.c_void_p(), ctypes.c_void_p()
-        status = files.KirvoFilesOpen(os.fsencode(source), None, ctypes.byref(picture),
-                                      ctypes.byref(file))
-        why = None if status == 0 else reason(status, file)
-        files.KirvoFilesClose(file)
-        return kirvo.Block(picture.value), why
-
     def reduced(picture):
         header = kirvo.BITMAPINFOHEADER.from_buffer_copy(bytes(picture)[:40])
-        width, height, bits = header.biWidth, header.biHeight, header.biBitCount
+        width, height = header.biWidth, header.biHeight
         scale = min(1, size / max(width, height))
-        status = ctypes.c_int32()
-        if bits <= 8:  # colours of a palette have no average
-            picture = kirvo.Block(kirvo.IncreaseColor16M(picture, ctypes.byref(status)))
+        status = c_int32()
+        if header.biBitCount <= 8:  # colours of a palette have no average
+            picture = kirvo.Block(kirvo.IncreaseColor16M(picture, byref(status)))
             kirvo.check(status)
         small = kirvo.Block(kirvo.Dib24ZoomEx2(picture, 0, 0, width, height,
                                                max(1, round(width * scale)),
-                                               max(1, round(height * scale)),
-                                               ctypes.byref(status), 1))
+                                               max(1, round(height * scale)), byref(status), 1))
         kirvo.check(status)
         return small
 
     with one_at_a_time:
-        picture, why = opened()
-        if why:
-            return why
-        with picture, reduced(picture) as small:
+        dib, photo = kirvo.HANDLE(), kirvo_files.KirvoFile()
+        try:
+            kirvo_files.check(kirvo_files.KirvoFilesOpen(os.fsencode(source), None, byref(dib),
+                                                         byref(photo)), photo)
+        except kirvo_files.KirvoFilesError as error:
+            return str(error)  # trying it again would not help
+        finally:
+            kirvo_files.KirvoFilesClose(photo)
+        with kirvo.Block(dib.value) as picture, reduced(picture) as small:
             os.makedirs(os.path.dirname(target), exist_ok=True)
-            options, file = SaveOptions(), ctypes.c_void_p()
-            options.size, options.format = ctypes.sizeof(options), 2  # JPEG
-            status = files.KirvoFilesSave(os.fsencode(target), ctypes.c_void_p(small.handle), None,
-                                          ctypes.byref(options), ctypes.byref(file))
-            why = None if status == 0 else reason(status, file)
-            files.KirvoFilesClose(file)
-            if why:  # a disk may be full in passing: worth another attempt
-                raise OSError(f"{target}: {why}")
+            how = kirvo_files.options(kirvo_files.KirvoFilesSaveOptions,
+                                      format=kirvo_files.KIRVO_FILES_JPEG)
+            file = kirvo_files.KirvoFile()
+            try:  # a disk may be full in passing: an error here is worth another attempt
+                kirvo_files.check(kirvo_files.KirvoFilesSave(os.fsencode(target), small, None,
+                                                             byref(how), byref(file)), file)
+            finally:
+                kirvo_files.KirvoFilesClose(file)
     return None
 
 
@@ -115,8 +93,9 @@ def work_to_do(top, to):
 
 def run(client, work, size):
     """Answers how many have failed."""
-    module = next(folder / "kirvo.py" for folder in BINDINGS if (folder / "kirvo.py").exists())
-    client.register_worker_plugin(UploadFile(str(module)))  # to workers that come later too
+    folder = next(folder for folder in BINDINGS if (folder / "kirvo.py").exists())
+    for module in "kirvo.py", "kirvo_files.py":  # to workers that come later too
+        client.register_worker_plugin(UploadFile(str(folder / module)), name=module)
     sources, targets = zip(*work)
     futures = client.map(thumbnail, sources, targets, size=size, retries=3, pure=False)
     source_of = {future.key: source for future, source in zip(futures, sources)}

@@ -57,12 +57,9 @@ Status kirvo_encode(const View& view, const JpegPlan& plan, Buffer& out);
 Status kirvo_level(uint32_t level, JpegPlan& plan);
 Status encode_jpeg(Saving& saving, const JpegPlan& plan, uint32_t quality);
 
-// Turns a JPEG without decoding it. `kept` and `cut` say what became of edges.
-struct TurnResult {
-    uint32_t cut_across = 0, cut_down = 0; // pixels
-    bool kept = false;
-};
-Status turn_jpeg(Bytes in, const JpegHeaders& headers, uint32_t orientation, int32_t edges,
-                 Buffer& out, TurnResult& result, Known& known);
+// Turns a JPEG by an EXIF orientation without decoding it; what is left over at an edge that would
+// come first is cut off or stays where it is. #KIRVO_FILES_NO_CODEC where no library does it.
+Status turn_jpeg(Bytes in, const JpegHeaders& headers, uint32_t orientation, bool trim, Buffer& out,
+                 Known& known);
 
 } // namespace kirvo_files

@@ -7,6 +7,10 @@ namespace kirvo_files {
 constexpr uint64_t modest_bytes = 64 << 20;
 constexpr uint64_t most_bytes_per_byte = 1500;
 
+bool out_of_proportion(uint64_t picture_bytes, uint64_t file_bytes) {
+    return picture_bytes > modest_bytes && picture_bytes / most_bytes_per_byte > file_bytes;
+}
+
 bool Job::claim(uint64_t width, uint64_t height, uint32_t bits, Status& status) {
     status = KIRVO_FILES_OK;
     if (width == 0 || height == 0 || width > UINT32_MAX || height > UINT32_MAX) {
@@ -21,8 +25,8 @@ bool Job::claim(uint64_t width, uint64_t height, uint32_t bits, Status& status) 
     const uint64_t row = row_bytes(width, bits);
     const bool impossible = row > max_bytes / height;
     const uint64_t size = impossible ? 0 : row * height;
-    if (impossible || (size > modest_bytes && size / most_bytes_per_byte > bytes.size() &&
-                       !options.has(KIRVO_FILES_NO_LIMITS))) {
+    if (impossible ||
+        (out_of_proportion(size, bytes.size()) && !options.has(KIRVO_FILES_NO_LIMITS))) {
         status = known.fail(
             KIRVO_FILES_CLAIM_TOO_LARGE,
             Text::format("it claims %u x %u pixels, %s", known.numbers.width, known.numbers.height,

@@ -5,6 +5,9 @@
 
 namespace kirvo_files {
 
+// Whether a file claims more than any real one packs into its bytes.
+bool out_of_proportion(uint64_t picture_bytes, uint64_t file_bytes);
+
 struct Job {
     Bytes bytes;
     const OpenOptions& options;

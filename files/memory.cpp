@@ -8,10 +8,11 @@
 namespace kirvo_files {
 
 static std::atomic<uint32_t> failing{0}, asked{0};
+static std::atomic<uint64_t> limit{max_bytes};
 
 static bool refused(uint64_t bytes) {
     asked.fetch_add(1, std::memory_order_relaxed);
-    if (bytes > max_bytes)
+    if (bytes > limit.load(std::memory_order_relaxed))
         return true;
     uint32_t n = failing.load(std::memory_order_relaxed);
     while (n != 0 && !failing.compare_exchange_weak(n, n - 1)) {
@@ -33,6 +34,10 @@ HGLOBAL allocate_block(uint64_t bytes) {
 
 void fail_allocation(uint32_t n) {
     failing = n;
+}
+
+void limit_allocation(uint64_t bytes) {
+    limit = bytes;
 }
 
 uint32_t count_allocations() {

@@ -20,6 +20,8 @@ HGLOBAL allocate_block(uint64_t bytes);
 
 // For tests: makes the n-th allocation from now (1 is the next) fail once; 0 switches off.
 void fail_allocation(uint32_t n);
+// For tests: nothing above so many bytes can be had from now on.
+void limit_allocation(uint64_t bytes);
 // For tests: allocations that have been asked for since the last call.
 uint32_t count_allocations();
 

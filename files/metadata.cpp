@@ -248,12 +248,12 @@ Status add_metadata(Saving& saving, int32_t format) {
         metadata.xmp = source.xmp.bytes();
         metadata.comment = source.comment.bytes();
     }
-    if (!metadata.icc.empty() && metadata.icc.begins("GRAY", 16) != saving.view.is_grey_ramp())
-        metadata.icc = {}; // a profile of colours that are gone, or of none
-    if (metadata.icc.begins("CMYK", 16)) {
+    const bool grey = saving.view.is_grey_ramp() || saving.options.has(KIRVO_FILES_GREY);
+    const bool fits = metadata.icc.begins("GRAY", 16) == grey && !metadata.icc.begins("CMYK", 16);
+    if (!metadata.icc.empty() && !fits) {
         metadata.icc = {};
         saving.known.note(KIRVO_FILES_NOTE_METADATA,
-                          Text::format("the profile left out: it is one of CMYK"));
+                          Text::format("the profile left out: it is one of other colours"));
     }
     Writer writer(saving, metadata);
     switch (format) {

@@ -132,8 +132,10 @@ class Beside {
 
     int file() const { return file_; }
     bool place(const char* target, bool new_only) {
-        if (new_only) // a link does not replace what is there
-            return link(name_.c_str(), target) == 0;
+        if (new_only) { // neither way replaces what is there, and each is missing on some disks
+            placed_ = renameat2(AT_FDCWD, name_.c_str(), AT_FDCWD, target, RENAME_NOREPLACE) == 0;
+            return placed_ || (errno != EEXIST && link(name_.c_str(), target) == 0);
+        }
         placed_ = rename(name_.c_str(), target) == 0;
         return placed_;
     }
@@ -144,10 +146,18 @@ class Beside {
     bool placed_ = false;
 };
 
+// The process's mask is only told by setting it, which other threads would notice; the system also
+// shows it.
 mode_t usual_mode() {
-    const mode_t mask = umask(0);
-    umask(mask);
-    return 0666 & ~mask;
+    unsigned mask = 022;
+    if (FILE* status = std::fopen("/proc/self/status", "re")) {
+        char line[256];
+        while (std::fgets(line, sizeof line, status) != nullptr)
+            if (std::sscanf(line, "Umask: %o", &mask) == 1)
+                break;
+        std::fclose(status);
+    }
+    return 0666 & ~static_cast<mode_t>(mask);
 }
 
 // The permissions of the file that is replaced, or those of any new one.

@@ -2,6 +2,8 @@
 #include "codec.hpp"
 #include "exif.hpp"
 #include "formats.hpp"
+#include "job.hpp"
+#include "jpeg_coefficients.hpp"
 #include "system.hpp"
 
 namespace kirvo_files {
@@ -60,6 +62,41 @@ struct Turn {
     uint32_t flags;
 };
 
+// Pixels beyond the last whole MCU of edges that would come first.
+struct Loose {
+    uint32_t across = 0, down = 0;
+};
+
+Loose loose_edges(const JpegHeaders& headers, uint32_t orientation) {
+    const bool grey = headers.components == 1;
+    const bool across =
+        orientation == 2 || orientation == 3 || orientation == 7 || orientation == 8;
+    const bool down = orientation == 3 || orientation == 4 || orientation == 6 || orientation == 7;
+    return {across ? headers.width % (grey ? 8 : 8 * headers.most_across) : 0,
+            down ? headers.height % (grey ? 8 : 8 * headers.most_down) : 0};
+}
+
+// A baseline file by the room itself, every other by a library.
+Status turned_stream(Bytes in, const JpegHeaders& headers, uint32_t orientation, bool trim,
+                     const Loose& loose, Buffer& out, Known& known) {
+    TurnPlan plan;
+    const Matrix& matrix = matrices[orientation];
+    plan.transpose = matrix.a == 0;
+    plan.flip_across = matrix.a + matrix.b < 0;
+    plan.flip_down = matrix.c + matrix.d < 0;
+    plan.width = headers.width - (trim ? loose.across : 0);
+    plan.height = headers.height - (trim ? loose.down : 0);
+    if (plan.transpose)
+        std::swap(plan.width, plan.height);
+    const Status status = turn_coefficients(in, headers, plan, out);
+    if (status == KIRVO_FILES_DAMAGED)
+        return known.fail(status, Text::format("damaged: it cannot be turned without loss"));
+    if (status != KIRVO_FILES_NO_CODEC)
+        return status;
+    out.clear();
+    return turn_jpeg(in, headers, orientation, trim, out, known);
+}
+
 Status turned_file(Bytes in, const Turn& turn, Known& known, Buffer& out) {
     if (recognise(in, "") != KIRVO_FILES_JPEG)
         return known.fail(in.empty() ? KIRVO_FILES_EMPTY : KIRVO_FILES_UNSUPPORTED,
@@ -68,30 +105,44 @@ Status turned_file(Bytes in, const Turn& turn, Known& known, Buffer& out) {
     Status status = read_jpeg_headers(in, known, headers);
     if (status != KIRVO_FILES_OK)
         return status;
+    if (out_of_proportion(uint64_t{3} * headers.width * headers.height, in.size()))
+        return known.fail(KIRVO_FILES_CLAIM_TOO_LARGE,
+                          Text::format("it claims %u x %u pixels, out of all proportion to the size"
+                                       " of the file",
+                                       headers.width, headers.height));
+    if (headers.width == 0 || headers.height == 0)
+        return known.fail(KIRVO_FILES_UNSUPPORTED, Text::format("its headers tell no size"));
     static const uint8_t orientations[] = {1, 6, 3, 8, 4, 2};
     const uint32_t orientation = composed(known.numbers.orientation, orientations[turn.turning]);
-    TurnResult result;
+    const Loose loose = loose_edges(headers, orientation);
+    const bool any_loose = loose.across != 0 || loose.down != 0;
+    const bool trim = turn.edges == KIRVO_FILES_EDGES_TRIM && any_loose;
+    if (any_loose && turn.edges == KIRVO_FILES_EDGES_FAIL)
+        return known.fail(KIRVO_FILES_EDGE,
+                          Text::format("%u x %u pixels are no multiple of its blocks",
+                                       headers.width, headers.height));
+    if (trim && (loose.across == headers.width || loose.down == headers.height))
+        return known.fail(KIRVO_FILES_EDGE, Text::format("nothing would be left of it"));
     Buffer stream;
-    status = orientation == 1
-                 ? (stream.append(in) ? KIRVO_FILES_OK : KIRVO_FILES_NO_MEMORY)
-                 : turn_jpeg(in, headers, orientation, turn.edges, stream, result, known);
+    status = orientation == 1 ? (stream.append(in) ? KIRVO_FILES_OK : KIRVO_FILES_NO_MEMORY)
+                              : turned_stream(in, headers, orientation, trim, loose, stream, known);
     if (status == KIRVO_FILES_NO_CODEC)
-        return known.fail(status, Text::format("this system has no transform of JPEG files"));
+        return known.fail(status, Text::format("this system turns baseline JPEG files only"));
     if (status != KIRVO_FILES_OK)
         return status;
     const bool across = orientation >= 5;
-    const uint32_t width = headers.width - result.cut_across;
-    const uint32_t height = headers.height - result.cut_down;
+    const uint32_t width = headers.width - (trim ? loose.across : 0);
+    const uint32_t height = headers.height - (trim ? loose.down : 0);
     known.numbers.format = KIRVO_FILES_JPEG;
     known.numbers.width = across ? height : width;
     known.numbers.height = across ? width : height;
     known.numbers.orientation = 1;
     update_exif(known.exif, known.numbers.width, known.numbers.height, true);
-    if (result.cut_across != 0 || result.cut_down != 0)
-        known.note(KIRVO_FILES_NOTE_REDUCED,
-                   Text::format("%u columns and %u rows cut off at the edges", result.cut_across,
-                                result.cut_down));
-    if (result.kept)
+    if (trim)
+        known.note(
+            KIRVO_FILES_NOTE_REDUCED,
+            Text::format("%u columns and %u rows cut off at the edges", loose.across, loose.down));
+    else if (any_loose)
         known.note(KIRVO_FILES_NOTE_REDUCED,
                    Text::format("blocks at the edges stay unturned where they are"));
     status = copy_segments(stream.bytes(), known.exif, (turn.flags & KIRVO_FILES_STRIP) != 0, out);

@@ -278,6 +278,92 @@ typedef enum KirvoStatus {
     KIRVO_NEEDS_16_24 = -47
 } KirvoStatus;
 
+/** The meaning of a status code in words, without a full stop.
+ *  @param status a #KirvoStatus
+ *  @return the text, which lasts; "unknown status" for other codes */
+/* What follows is written by script/bindings. */
+/* clang-format off */
+static inline const char* kirvo_status_text(int32_t status) {
+    switch (status) {
+    case KIRVO_OK:
+        return "Success";
+    case KIRVO_BAD_PARAMETER:
+        return "A rectangle that is empty, negative or outside the image, a value out of its range, or"
+               " a block of memory smaller than its header says";
+    case KIRVO_NO_MEMORY:
+        return "Memory could not be allocated, or the result would have no pixels or more than "
+               "2147483647 bytes, or a JPEG stream has outgrown its block";
+    case KIRVO_NULL_HANDLE:
+        return "Null handle, null data, or a handle that is freed or invented";
+    case KIRVO_CANNOT_OPEN:
+        return "A file could not be opened or created";
+    case KIRVO_READ_ERROR:
+        return "A read error, or a file that is too short";
+    case KIRVO_WRITE_ERROR:
+        return "A write error: the disk is full or was taken away";
+    case KIRVO_JPEG_NO_SOI:
+        return "JPEG: no start of image";
+    case KIRVO_JPEG_MARKER:
+        return "JPEG: a marker that does not belong into the entropy-coded data";
+    case KIRVO_JPEG_EARLY_EOI:
+        return "JPEG: end of image before the first scan";
+    case KIRVO_JPEG_HEADER:
+        return "JPEG: a header that is damaged, incomplete, or asks for what the decoder does not "
+               "offer";
+    case KIRVO_JPEG_HUFFMAN:
+        return "JPEG: a Huffman code that does not exist, or a table that was not defined";
+    case KIRVO_JPEG_CATEGORY:
+        return "JPEG encoder: a coefficient that has no code";
+    case KIRVO_ABANDONED:
+        return "The caller has abandoned a piecewise encode or decode";
+    case KIRVO_BUSY:
+        return "Another encode or decode is in progress";
+    case KIRVO_JPEG_FRAME:
+        return "JPEG: a frame type other than baseline and progressive Huffman coding";
+    case KIRVO_NOT_BMP:
+        return "Not a BMP file, or a depth that BMP files do not have";
+    case KIRVO_NEEDS_8:
+        return "The grey JPEG encoder takes 8 bits: DecreaseColorMono256 makes them";
+    case KIRVO_NEEDS_24:
+        return "The image must have 24 bits: IncreaseColor16M and DibConvert24bit make them";
+    case KIRVO_NOT_TARGA:
+        return "Not an uncompressed 24-bit Targa file";
+    case KIRVO_Q0_SIZE:
+        return "The companion file of a Q0 file is missing or holds no size, or the Q0 file is too "
+               "short for it";
+    case KIRVO_NOT_RAW:
+        return "Not a RAW file, or one too short for its size";
+    case KIRVO_RAW_PALETTE:
+        return "A RAW file with a palette, which the reader does not offer";
+    case KIRVO_MORE_THAN_256:
+        return "More than 256 different colours (239 and the system colours in mode 0)";
+    case KIRVO_MORE_THAN_16:
+        return "More than 16 different colours, or in mode 0 others than the system colours";
+    case KIRVO_NOT_ICON:
+        return "Not an icon or cursor file";
+    case KIRVO_NEEDS_8_16_24_32:
+        return "The image must have 8, 16, 24 or 32 bits: IncreaseColor16M makes 24 of fewer";
+    case KIRVO_NEEDS_16_24_32:
+        return "The image must have 16, 24 or 32 bits: IncreaseColor16M makes 24 of fewer";
+    case KIRVO_NEEDS_24_32:
+        return "The image must have 24 or 32 bits: DibConvert24bit and IncreaseColor16M make 24";
+    case KIRVO_NEEDS_8_24_32:
+        return "The image must have 8, 24 or 32 bits";
+    case KIRVO_NEEDS_16_32:
+        return "The image must have 16 or 32 bits";
+    case KIRVO_NEEDS_1_4_8:
+        return "The image must have 1, 4 or 8 bits";
+    case KIRVO_NEEDS_8_24:
+        return "The image must have 8 or 24 bits: IncreaseColor16M and DibConvert24bit make 24";
+    case KIRVO_NEEDS_16_24:
+        return "The image must have 16 or 24 bits";
+    default:
+        return "unknown status";
+    }
+}
+/* clang-format on */
+/* What precedes is written by script/bindings. */
+
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
@@ -285,6 +371,8 @@ typedef enum KirvoStatus {
  *  @ingroup memory
  *  A new image, and what the header of an image says.
  *  @{ */
+
+#define KIRVO_VERSION 0x01000402 /**< version of this header: 1.0.4.2, as GetVerKirvoDll tells it */
 
 /** Version of the library.
  *  @return 0x01000402 for 1.0.4.2: one byte each, the major number in the top byte. */
@@ -413,8 +501,7 @@ KIRVO_API HGLOBAL WINAPI DibReadEx(LPCSTR name, uint32_t* width, uint32_t* heigh
  *              a short read; #KIRVO_NOT_BMP for another signature or depth; #KIRVO_NO_MEMORY;
  *              #KIRVO_NEEDS_24 for a BMP file of another depth
  *  @return the image, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI Dib24Read(LPCSTR name, uint32_t* width, uint32_t* height,
-                                   int32_t* status);
+KIRVO_API HGLOBAL WINAPI Dib24Read(LPCSTR name, uint32_t* width, uint32_t* height, int32_t* status);
 
 /** Writes an image, or a rectangle of it, as a BMP file.
  *
@@ -656,8 +743,7 @@ KIRVO_API int32_t WINAPI JpgCodMainEx(LPCSTR path, HGLOBAL dib, int32_t left, in
  *              #KIRVO_JPEG_CATEGORY; #KIRVO_ABANDONED when a progress handler has ended the encode
  *  @return the block, owned by the caller, or null */
 KIRVO_API HGLOBAL WINAPI JpgCodMainHGLOBAL(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
-                                           int32_t height, uint32_t* stream_bytes,
-                                           int32_t* status);
+                                           int32_t height, uint32_t* stream_bytes, int32_t* status);
 
 /** Starts to encode a rectangle as a grey stream.
  *  @param dib packed DIB of 8 bits
@@ -1157,9 +1243,10 @@ KIRVO_API HGLOBAL WINAPI Dib24Rotate(HGLOBAL dib, int32_t left, int32_t top, int
  *
  *  With sx = new_width / width and sy = new_height / height in double precision, destination pixel
  *  (i, j) is source pixel (trunc(i / sx + left), top + trunc(j / sy)). Both coordinates are cut to
- *  signed 16 bits, so that images above 32767 pixels give wrong columns or rows; those that fall
- *  outside the picture take its nearest edge. Reports progress per row of the result; a copy, when
- *  the size stays, reports none.
+ *  signed 16 bits, so that images above 32767 pixels give wrong columns or rows. A negative column
+ *  leads into the row below, a negative row above the top row; where such bytes do not lie in the
+ *  image's block, the pixel is the picture's nearest. Reports progress per row of the result; a
+ *  copy, when the size stays, reports none.
  *  @param dib packed DIB of 8, 16, 24 or 32 bits
  *  @param left,top,width,height rectangle in the picture
  *  @param new_width,new_height size of the result, at least 1
@@ -1343,8 +1430,7 @@ KIRVO_API HGLOBAL WINAPI DibGammaEx(HGLOBAL dib, int32_t x, int32_t y, int32_t w
  *          #KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
  *          #KIRVO_NO_MEMORY */
 KIRVO_API int32_t WINAPI Dib24Separate(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
-                                       int32_t height, HGLOBAL* red, HGLOBAL* green,
-                                       HGLOBAL* blue);
+                                       int32_t height, HGLOBAL* red, HGLOBAL* green, HGLOBAL* blue);
 
 /** Maps every channel through a table: table[channel]. At 8 bits the result is a duplicate of the
  *  width x height pixels at the top left of the image, wherever the rectangle lies, whose 256
@@ -1449,8 +1535,7 @@ KIRVO_API HGLOBAL WINAPI Dib24Gausian(HGLOBAL dib, int32_t x, int32_t y, int32_t
  *  @param k6,k7,k8 weights of the row above on screen
  *  @param divisor divides each weighted sum; 0 is stored as 1 */
 KIRVO_API void WINAPI SetFilter3x3(int32_t k0, int32_t k1, int32_t k2, int32_t k3, int32_t k4,
-                                   int32_t k5, int32_t k6, int32_t k7, int32_t k8,
-                                   int32_t divisor);
+                                   int32_t k5, int32_t k6, int32_t k7, int32_t k8, int32_t divisor);
 
 /** Filters a rectangle with the kernel of SetFilter3x3. Each channel becomes the sum of channel ×
  *  weight over the nine pixels, divided by the divisor (truncating toward zero) and clamped to
@@ -1826,8 +1911,8 @@ KIRVO_API HGLOBAL WINAPI Targa24Read(LPCSTR name, uint32_t* width, uint32_t* hei
  *          empty or outside the image, or a block smaller than its header says; #KIRVO_NULL_HANDLE
  *          for a handle that cannot be locked; #KIRVO_NEEDS_24 for another depth (tested after the
  *          rectangle); #KIRVO_CANNOT_OPEN; #KIRVO_WRITE_ERROR */
-KIRVO_API int32_t WINAPI Targa24Write(LPCSTR name, HGLOBAL dib, int32_t x, int32_t y,
-                                      int32_t width, int32_t height);
+KIRVO_API int32_t WINAPI Targa24Write(LPCSTR name, HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                      int32_t height);
 
 /** Reads a Q0 file: rows of red, green and blue bytes from the top of the picture down, without a
  *  header. Width and height stand, as two decimal integers, at the start of a text file of the same
@@ -1929,6 +2014,169 @@ KIRVO_API HGLOBAL WINAPI IcoGetData(LPCSTR name, int32_t index, uint32_t* width,
                                     uint32_t* bits, int32_t* status, HGLOBAL* mask);
 
 /** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/* The type of each function's address, for GetProcAddress and dlsym: PFN_Dib24Flip. */
+/* What follows is written by script/bindings. */
+/* clang-format off */
+typedef uint32_t(WINAPI* PFN_GetVerKirvoDll)(void);
+typedef int32_t(WINAPI* PFN_KirvoSetProcess)(HWND, uint32_t, int32_t);
+typedef uint16_t(WINAPI* PFN_DibNumColors)(const void*);
+typedef uint16_t(WINAPI* PFN_PaletteSize)(const void*);
+typedef int32_t(WINAPI* PFN_DibQueryBitCount)(HGLOBAL);
+typedef int32_t(WINAPI* PFN_XPaletteQuad)(HGLOBAL, int32_t, uint32_t);
+typedef HPALETTE(WINAPI* PFN_KirvoCreatePalette)(void);
+typedef HGLOBAL(WINAPI* PFN_DibMemAllocEx)(uint32_t, int32_t, uint32_t);
+typedef int32_t(WINAPI* PFN_DibGetPixelColor)(HGLOBAL, int32_t, int32_t, uint32_t*);
+typedef int32_t(WINAPI* PFN_DibSetPixelColor)(HGLOBAL, int32_t, int32_t, uint32_t);
+typedef int32_t(WINAPI* PFN_DibSetLineColor)(HGLOBAL, int32_t, int32_t, int32_t, uint32_t);
+typedef HGLOBAL(WINAPI* PFN_DibReadEx)(LPCSTR, uint32_t*, uint32_t*, uint32_t*, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24Read)(LPCSTR, uint32_t*, uint32_t*, int32_t*);
+typedef int32_t(WINAPI* PFN_DibWriteEx)(LPCSTR, HGLOBAL, int32_t, int32_t, int32_t, int32_t);
+typedef int32_t(WINAPI* PFN_Dib24Write)(LPCSTR, HGLOBAL, int32_t, int32_t, int32_t, int32_t);
+typedef HGLOBAL(WINAPI* PFN_DibConvert24bit)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_DibConvert16bit)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_DibConvert32bit)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_DibCutDepth)(HGLOBAL, int32_t, int32_t, int32_t, int32_t*);
+typedef void(WINAPI* PFN_FitWindowToImageEx)(HWND, HGLOBAL, uint32_t);
+typedef void(WINAPI* PFN_FitWindowToImage)(HWND, HGLOBAL);
+typedef int32_t(WINAPI* PFN_JpgCodSetSubsample)(int32_t);
+typedef int32_t(WINAPI* PFN_JpgCodSetQ)(int32_t);
+typedef int32_t(WINAPI* PFN_JpgCodSetQEx)(int32_t);
+typedef int32_t(WINAPI* PFN_JpgCodSetQtable)(const int16_t*, const int16_t*);
+typedef int32_t(WINAPI* PFN_JpgCodSetQtableEx)(const int16_t*, const int16_t*, int32_t);
+typedef void(WINAPI* PFN_JpgCodSetComment)(const uint8_t*, uint32_t);
+typedef uint32_t(WINAPI* PFN_JpgCodGetStatus)(uint32_t*, uint32_t*);
+typedef HGLOBAL(WINAPI* PFN_JpgCodFirst)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t*);
+typedef int32_t(WINAPI* PFN_JpgCodNext)(int32_t, uint32_t*);
+typedef int32_t(WINAPI* PFN_JpgCodMainEx)(LPCSTR, HGLOBAL, int32_t, int32_t, int32_t, int32_t,
+        int32_t, int32_t);
+typedef HGLOBAL(WINAPI* PFN_JpgCodMainHGLOBAL)(HGLOBAL, int32_t, int32_t, int32_t, int32_t,
+        uint32_t*, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_JpgCodFirst_M)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t, int32_t*);
+typedef int32_t(WINAPI* PFN_JpgCodNext_M)(int32_t, uint32_t*);
+typedef int32_t(WINAPI* PFN_JpgCodMainEx_M)(LPCSTR, HGLOBAL, int32_t, int32_t, int32_t, int32_t,
+        int32_t);
+typedef HGLOBAL(WINAPI* PFN_JpgCodMainHGLOBAL_M)(HGLOBAL, int32_t, int32_t, int32_t, int32_t,
+        int32_t, uint32_t*, int32_t*);
+typedef int32_t(WINAPI* PFN_JpgDecFirst)(HGLOBAL, int32_t, HGLOBAL*);
+typedef int32_t(WINAPI* PFN_JpgDecNext)(HGLOBAL, int32_t, int32_t, HGLOBAL*);
+typedef HGLOBAL(WINAPI* PFN_JpgDecMainEx)(LPCSTR, uint32_t*, uint32_t*, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_JpgDecMainHGLOBAL)(HGLOBAL, int32_t, uint32_t*, uint32_t*, int32_t*);
+typedef void(WINAPI* PFN_JpgDecSetNoblock)(int32_t, int32_t, int32_t);
+typedef int32_t(WINAPI* PFN_JpgDecGetSpecEx)(LPCSTR, JpgDecSpec*);
+typedef int32_t(WINAPI* PFN_JpgDecGetSpec)(LPCSTR, uint32_t*, uint32_t*, uint32_t*, uint32_t*);
+typedef void(WINAPI* PFN_JpgDecGetCommentEnable)(int32_t);
+typedef int32_t(WINAPI* PFN_JpgDecCommentCounts)(void);
+typedef HGLOBAL(WINAPI* PFN_JpgDecGetComment)(int32_t);
+typedef void(WINAPI* PFN_JpgDecCommentFree)(void);
+typedef int32_t(WINAPI* PFN_JpgDecGetQtable)(uint16_t*, uint16_t*);
+typedef int32_t(WINAPI* PFN_JpgDecGetQtableEx)(int32_t, uint16_t*);
+typedef uint16_t(WINAPI* PFN_JpgDecGetLastUexMarker)(uint32_t*);
+typedef HGLOBAL(WINAPI* PFN_DecreaseColor256)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_DecreaseColor16)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_DecreaseColorMono256)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Decrease256Fast)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Decrease256PaletteEx)(HGLOBAL, int32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Decrease256Palette)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Decrease16PaletteEx)(HGLOBAL, int32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Decrease16Palette)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_IncreaseColor16M)(HGLOBAL, int32_t*);
+typedef int32_t(WINAPI* PFN_Dib24Copy)(HGLOBAL, HGLOBAL, int32_t, int32_t, int32_t, int32_t);
+typedef int32_t(WINAPI* PFN_Dib24CopyEx)(HGLOBAL, int32_t, int32_t, HGLOBAL, int32_t, int32_t,
+        int32_t, int32_t);
+typedef HGLOBAL(WINAPI* PFN_Dib24DupEx)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t*);
+typedef int32_t(WINAPI* PFN_Dib24Add)(HGLOBAL, int32_t, int32_t, HGLOBAL, int32_t, int32_t, int32_t,
+        int32_t, int32_t);
+typedef void(WINAPI* PFN_SetKeyColorDib24Add)(uint32_t);
+typedef int32_t(WINAPI* PFN_Dib24Flip)(HGLOBAL, int32_t, int32_t, int32_t, int32_t);
+typedef int32_t(WINAPI* PFN_Dib24Mirror)(HGLOBAL, int32_t, int32_t, int32_t, int32_t);
+typedef int32_t(WINAPI* PFN_Dib24FlipMirror)(HGLOBAL, int32_t, int32_t, int32_t, int32_t);
+typedef HGLOBAL(WINAPI* PFN_Dib24Rotate)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24ZoomEx)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24ZoomEx2)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t, int32_t*, int32_t);
+typedef int32_t(WINAPI* PFN_Dib24Negative)(HGLOBAL, int32_t, int32_t, int32_t, int32_t);
+typedef int32_t(WINAPI* PFN_Dib24RGBChange)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t);
+typedef HGLOBAL(WINAPI* PFN_Dib24Brightness)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24Contrast)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24Monochrome)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24HalfTone)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24ToneCtrl)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24ToneCtrlEx)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, double,
+        double, double, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24Gamma)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, double,
+        int32_t*);
+typedef HGLOBAL(WINAPI* PFN_DibGammaEx)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, double, double,
+        double, int32_t*);
+typedef int32_t(WINAPI* PFN_Dib24Separate)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, HGLOBAL*,
+        HGLOBAL*, HGLOBAL*);
+typedef HGLOBAL(WINAPI* PFN_DibColorMapEx)(HGLOBAL, int32_t, int32_t, int32_t, int32_t,
+        const uint8_t*, int32_t*);
+typedef void(WINAPI* PFN_RGB2HSV)(int32_t, int32_t, int32_t, int32_t*, int32_t*, int32_t*);
+typedef void(WINAPI* PFN_RGB2SV)(int32_t, int32_t, int32_t, int32_t*, int32_t*);
+typedef int32_t(WINAPI* PFN_RGB2V)(int32_t, int32_t, int32_t);
+typedef void(WINAPI* PFN_HSV2RGB)(int32_t, int32_t, int32_t, int32_t*, int32_t*, int32_t*);
+typedef int32_t(WINAPI* PFN_DibModifyHue)(HGLOBAL, int32_t, int32_t);
+typedef HGLOBAL(WINAPI* PFN_DibModifyHueEx)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24Gausian)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t*);
+typedef void(WINAPI* PFN_SetFilter3x3)(int32_t, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t, int32_t, int32_t, int32_t);
+typedef HGLOBAL(WINAPI* PFN_DibFilter3x3)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t*);
+typedef void(WINAPI* PFN_Dib24Mix3X3SetMask)(const int32_t*);
+typedef void(WINAPI* PFN_Dib24Mix5X5SetMask)(const int32_t*);
+typedef int32_t(WINAPI* PFN_Dib24Mix3X3)(HGLOBAL, int32_t, int32_t);
+typedef int32_t(WINAPI* PFN_Dib24Mix5X5)(HGLOBAL, int32_t, int32_t);
+typedef HGLOBAL(WINAPI* PFN_Dib24Sharpen)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24SharpenEx)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24ColorEdge)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24Filter)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, uint32_t,
+        uint32_t, uint32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24FilterEx)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, uint32_t,
+        uint32_t, uint32_t, uint32_t, uint32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24Mosaic)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t*);
+typedef HGLOBAL(WINAPI* PFN_DibMosaicEx)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t*);
+typedef HGLOBAL(WINAPI* PFN_DibMosaicEx2)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t*);
+typedef int32_t(WINAPI* PFN_Dib24XOR)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, uint32_t);
+typedef int32_t(WINAPI* PFN_DibHistgram)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, uint32_t*,
+        uint32_t*, uint32_t*);
+typedef int32_t(WINAPI* PFN_DibCountColors)(HGLOBAL, uint32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24Solid)(int32_t, int32_t, int32_t, uint32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24Gradation1)(int32_t, int32_t, int32_t, uint32_t, uint32_t,
+        int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24Gradation2)(int32_t, int32_t, int32_t, uint32_t, uint32_t,
+        int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24Gradation3)(int32_t, int32_t, int32_t, uint32_t, uint32_t,
+        uint32_t, uint32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Dib24InterLeave)(HGLOBAL, int32_t, int32_t, HGLOBAL, int32_t, int32_t,
+        int32_t, int32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_DibBlockMxM)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
+        int32_t, int32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Targa24Read)(LPCSTR, uint32_t*, uint32_t*, int32_t*);
+typedef int32_t(WINAPI* PFN_Targa24Write)(LPCSTR, HGLOBAL, int32_t, int32_t, int32_t, int32_t);
+typedef HGLOBAL(WINAPI* PFN_Q0Read)(LPCSTR, uint32_t*, uint32_t*, uint32_t*, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_RawRead)(LPCSTR, uint32_t*, uint32_t*, uint32_t*, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_PcdRead)(LPCSTR, int32_t, uintptr_t, uint32_t*, uint32_t*, int32_t*);
+typedef int32_t(WINAPI* PFN_IcoGetInfo)(LPCSTR, void*, uint32_t);
+typedef int32_t(WINAPI* PFN_IcoGetInfoEx)(LPCSTR, void*, uint32_t);
+typedef HGLOBAL(WINAPI* PFN_IcoGetData)(LPCSTR, int32_t, uint32_t*, uint32_t*, uint32_t*, int32_t*,
+        HGLOBAL*);
+/* clang-format on */
+/* What precedes is written by script/bindings. */
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -149,7 +149,6 @@ typedef enum KirvoFilesFormat {
     KIRVO_FILES_FORMATS = 15 /**< one above the last */
 } KirvoFilesFormat;
 
-/** KirvoFilesAbilities: such files can be opened. */
 #define KIRVO_FILES_READS 1  /**< such files can be opened */
 #define KIRVO_FILES_WRITES 2 /**< such files can be saved */
 
@@ -201,10 +200,8 @@ typedef void* KirvoFile;
 #define KIRVO_FILES_KEEP_ALPHA 2 /**< opening: a picture with alpha gets 32 bits, alpha on top */
 #define KIRVO_FILES_KEEP_GOING 4 /**< opening: what there is of a damaged or short file */
 #define KIRVO_FILES_NO_LIMITS 8  /**< opening: claims of any size are believed */
-#define KIRVO_FILES_KIRVO_ONLY                                                                     \
-    16 /**< opening: JPEG by Kirvo's own decoder, whatever it makes of it */
-#define KIRVO_FILES_BACKGROUND                                                                     \
-    32 /**< opening: alpha is laid over #KirvoFilesOpenOptions.background */
+#define KIRVO_FILES_KIRVO_ONLY 16 /**< opening: JPEG by Kirvo's decoder, come what may */
+#define KIRVO_FILES_BACKGROUND 32 /**< opening: alpha is laid over the options' background */
 
 /** How to open. Null, or all zero after size: turned upright, alpha laid over white, damaged files
  *  refused, claims held against the file, the best image of an icon. */
@@ -556,24 +553,28 @@ typedef enum KirvoFilesEdges {
     KIRVO_FILES_EDGES_KEEP = 2  /**< they stay where they are, unturned; a note says so */
 } KirvoFilesEdges;
 
-/** Turns a JPEG without loss. Metadata stays, orientation becomes 1, sizes are updated and the
- *  thumbnail is dropped. In and out may be the same name.
- *  @param in the file to turn
- *  @param out the file to write, as KirvoFilesSave does
+/** Turns a JPEG without loss: a baseline one on every system, others (progressive, arithmetic
+ *  coding) where the library is built with libjpeg-turbo. An orientation that the file has counts
+ *  first: what people see is what is turned. Metadata stays, orientation becomes 1, sizes are
+ *  updated and the thumbnail is dropped. Both names may be the same.
+ *  @param source the file to turn
+ *  @param target the file to write, as KirvoFilesSave does
  *  @param turning a #KirvoFilesTurning
  *  @param edges a #KirvoFilesEdges
  *  @param flags #KIRVO_FILES_STRIP, #KIRVO_FILES_NEW_ONLY, or 0
  *  @param[out] file receives what is known of the file written, also on failure; may be null
  *  @return as KirvoFilesOpen and KirvoFilesSave; #KIRVO_FILES_UNSUPPORTED for a file that is no
- * JPEG; #KIRVO_FILES_EDGE */
-KIRVO_FILES_API int32_t WINAPI KirvoFilesTurn(const char* in, const char* out, int32_t turning,
-                                              int32_t edges, uint32_t flags, KirvoFile* file);
+ *          JPEG; #KIRVO_FILES_NO_CODEC; #KIRVO_FILES_EDGE */
+KIRVO_FILES_API int32_t WINAPI KirvoFilesTurn(const char* source, const char* target,
+                                              int32_t turning, int32_t edges, uint32_t flags,
+                                              KirvoFile* file);
 /** KirvoFilesTurn with UTF-16 names.
- *  @param in the file to turn @param out the file to write @param turning a #KirvoFilesTurning
+ *  @param source the file to turn @param target the file to write @param turning a
+ * #KirvoFilesTurning
  *  @param edges a #KirvoFilesEdges @param flags as KirvoFilesTurn
  *  @param[out] file receives what is known; may be null
  *  @return as KirvoFilesTurn */
-KIRVO_FILES_API int32_t WINAPI KirvoFilesTurnW(const KirvoWide* in, const KirvoWide* out,
+KIRVO_FILES_API int32_t WINAPI KirvoFilesTurnW(const KirvoWide* source, const KirvoWide* target,
                                                int32_t turning, int32_t edges, uint32_t flags,
                                                KirvoFile* file);
 

@@ -1,4 +1,4 @@
-"""The description of the interface, interface/kirvo.txt, read."""
+"""The description of an interface, interface/kirvo.txt or interface/kirvo_files.txt, read."""
 import dataclasses
 import pathlib
 import re
@@ -15,14 +15,14 @@ class Kind:
 class Parameter:
     kind: Kind | str  # a structure is known by its name
     name: str
-    way: str = ""     # "in" or "out": an address
+    way: str = ""     # "in", "out" or "inout": an address
     count: str | None = None  # of an array
     nullable: bool = False
 
     @property
     def c(self):
         base = c_type(self.kind)
-        return {"": base, "in": f"const {base}*", "out": f"{base}*"}[self.way]
+        return {"": base, "in": f"const {base}*", "out": f"{base}*", "inout": f"{base}*"}[self.way]
 
 
 @dataclasses.dataclass
@@ -71,8 +71,9 @@ def c_type(kind):
 
 
 class Description:
-    def __init__(self, path=pathlib.Path(__file__).with_name("kirvo.txt")):
-        self.kinds, self.groups = {}, []
+    def __init__(self, name="kirvo"):
+        self.kinds, self.groups, self.library = {}, [], "Kirvo"
+        path = pathlib.Path(__file__).with_name(f"{name}.txt")
         text = re.sub(r"^#.*\n", "", path.read_text(), flags=re.MULTILINE)
         text = re.sub(r"\n {8,}", " ", text)  # a longer line goes on in the next
         for line in filter(str.strip, text.splitlines()):
@@ -104,6 +105,8 @@ class Description:
         if word == "kind":
             name, c, meaning = re.split(" (?:=|is) ", rest[0], maxsplit=2)
             self.kinds[name] = Kind(name, c, meaning)
+        elif word == "library":
+            self.library = rest[0]  # the home of functions that name none
         elif word == "group":
             self.groups.append(Group(rest[0]))
         elif word == "enum":
@@ -123,6 +126,12 @@ class Description:
         else:
             raise ValueError("unknown word")
 
+    @property
+    def statuses(self):
+        """Name and members of the enumeration of status codes: the first one."""
+        return next(iter([(name, names) for group in self.groups
+                          for name, names in group.enums.items()]))
+
     @staticmethod
     def _read_constant(names, entry):
         name, value = entry.split(" = ")
@@ -136,7 +145,7 @@ class Description:
 
     def _parameter(self, text):
         way, kind, name, count, null = re.fullmatch(
-            r"(?:(in|out) )?(\w+) (\w+)(?:\[(\w*)\])?(\?)?", text).groups()
+            r"(?:(in|out|inout) )?(\w+) (\w+)(?:\[(\w*)\])?(\?)?", text).groups()
         return Parameter(self._kind(kind), name, way or "", count, bool(null))
 
     def _function(self, text):
@@ -144,4 +153,4 @@ class Description:
             r"(\w+)\((.*)\)(?: -> (\w+))?(?:, (.+))?", text).groups()
         return Function(name, self._kind(result) if result else None,
                         [self._parameter(part) for part in filter(None, parameters.split(", "))],
-                        {None: "Kirvo", "not on Windows": ""}.get(home, home))
+                        {None: self.library, "not on Windows": ""}.get(home, home))

@@ -1,9 +1,9 @@
-"""What include/kirvo.h declares, and what is written there about it."""
+"""What a header of include/ declares, and what is written there about it."""
 import pathlib
 import re
 
 COMMENT = r"/\*\*((?:(?!\*/).)*)\*/"
-DECLARATION = re.compile(rf"{COMMENT}\s*KIRVO_API ([^;(]*?)\bWINAPI\s+(\w+)\s*\(([^;]*)\);", re.DOTALL)
+DECLARATION = re.compile(rf"{COMMENT}\s*KIRVO_(?:FILES_)?API ([^;(]*?)\bWINAPI\s+(\w+)\s*\(([^;]*)\);", re.DOTALL)
 GROUP = re.compile(r"/\*\*((?:(?!\*/).)*?@defgroup (\w+) ([^\n]*)(?:(?!\*/).)*)\*/", re.DOTALL)
 
 
@@ -18,7 +18,7 @@ class Comment:
         self.paragraphs = [one_line(part) for part in text.split("\n\n") if part.strip()]
         self.parameters, self.result = {}, ""
         for tag in tags:
-            if match := re.match(r"param(?:\[\w+\])?\s+([\w,]+)\s+(.*)", tag, re.DOTALL):
+            if match := re.match(r"param(?:\[[\w,]+\])?\s+([\w,]+)\s+(.*)", tag, re.DOTALL):
                 for name in match[1].split(","):
                     self.parameters[name] = one_line(match[2])
             elif tag.startswith("return"):
@@ -55,8 +55,8 @@ def capital(text):
 
 
 class Header:
-    def __init__(self):
-        self.text = (pathlib.Path(__file__).parent.parent / "include/kirvo.h").read_text()
+    def __init__(self, name="kirvo.h"):
+        self.text = (pathlib.Path(__file__).parent.parent / "include" / name).read_text()
         self.titles, self.group_comments, starts = {}, {}, []
         self.comments, self.groups, self.parameters = {}, {}, {}
         for match in GROUP.finditer(self.text):
@@ -69,8 +69,16 @@ class Header:
             self.groups[name] = [group for start, group in starts if start < match.start()][-1]
             self.parameters[name] = re.findall(r"(\w+)\s*(?:,|$)", parameters.replace("void", ""))
         self._read_names()
-        count = len(re.findall(r"^KIRVO_API\b", self.text, re.MULTILINE))
-        assert count == len(self.parameters), "a function of kirvo.h lacks WINAPI or a comment"
+        self._read_fields()
+        count = len(re.findall(r"^KIRVO_(?:FILES_)?API\b", self.text, re.MULTILINE))
+        assert count == len(self.parameters), f"a function of {name} lacks WINAPI or a comment"
+
+    def _read_fields(self):
+        for body, structure in re.findall(r"^typedef struct \w+ {(.*?)^} (\w+);", self.text,
+                                          re.MULTILINE | re.DOTALL):
+            for before, name, behind in re.findall(
+                    rf"(?:{COMMENT}\s*)?\w+ (\w+);(?:\s*/\*\*<((?:(?!\*/).)*)\*/)?", body, re.DOTALL):
+                self.comments[f"{structure}.{name}"] = Comment(behind or before)
 
     def _read_names(self):
         """Names of numbers, structures and fields, with the comments before or behind them."""
@@ -81,10 +89,17 @@ class Header:
             self.comments[name] = Comment(before)
         for name, behind in re.findall(r"^#define (\w+) .*?/\*\*< (.*?) \*/", self.text, re.MULTILINE):
             self.comments[name] = Comment(behind)
+        for name, behind in re.findall(rf"^    (\w+) = [-\w]+,?\s*/\*\*<((?:(?!\*/).)*)\*/", self.text,
+                                       re.MULTILINE | re.DOTALL):
+            self.comments[name] = Comment(behind)
         for name, behind in re.findall(r"(\w+);\s*/\*\*<((?:(?!\*/).)*)\*/", self.text, re.DOTALL):
             self.comments[name] = Comment(behind)
         for behind, name in re.findall(rf"{COMMENT}\s*\w+ \(\*(\w+)\)", self.text, re.DOTALL):
             self.comments[name] = Comment(behind)
+
+    def field(self, structure, field):
+        """The comment of a field."""
+        return self.comments.get(f"{structure.name}.{field.name}") or self.comments[field.name]
 
     @property
     def structures(self):
@@ -93,5 +108,5 @@ class Header:
     @property
     def constants(self):
         """Members of enumerations and numeric macros."""
-        return (re.findall(r"^    (\w+) = [-\w]+,?$", self.text, re.MULTILINE) +
+        return (re.findall(r"^    (\w+) = [-\w]+,?(?:\s*/\*\*<.*)?$", self.text, re.MULTILINE) +
                 re.findall(r"^#define (\w+) [(\d]", self.text, re.MULTILINE))

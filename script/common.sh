@@ -7,6 +7,17 @@ jobs=$(nproc)
 
 say() { printf '== %s\n' "$*" >&2; }
 
+# Every script takes --no-install: it then names the packages that are missing and installs nothing.
+for argument in "$@"; do
+    shift
+    if [ "$argument" = --no-install ]; then
+        export KIRVO_NO_INSTALL=1
+    else
+        set -- "$@" "$argument"
+    fi
+done
+unset argument
+
 # Installs the packages that are missing.
 need() {
     local missing=() package
@@ -15,6 +26,10 @@ need() {
             missing+=("$package")
     done
     [ ${#missing[@]} -gt 0 ] || return 0
+    if [ -n "${KIRVO_NO_INSTALL:-}" ]; then
+        say "these packages of Debian 12 are missing: ${missing[*]}"
+        return 1
+    fi
     say "installing ${missing[*]}"
     retry as_root apt-get update -qq &&
         retry as_root env DEBIAN_FRONTEND=noninteractive apt-get install -qq -y \
@@ -58,7 +73,11 @@ build() {
         cmake --build --preset "$preset" --parallel "$jobs" ${2:+--target "${@:2}"}
 }
 
-need_compiler() { need cmake ninja-build g++ libcli11-dev nlohmann-json3-dev googletest "$@"; }
+# What every build takes, the libraries of picture formats for KirvoFiles among it.
+need_compiler() {
+    need cmake ninja-build g++ libcli11-dev nlohmann-json3-dev googletest libjpeg62-turbo-dev \
+        libturbojpeg0-dev libspng-dev libtiff-dev libwebp-dev libgif-dev "$@"
+}
 
 # Gives the programs that follow a display: the caller's, or a virtual one that all scripts share
 # and that ends a few seconds after its last user. Users hold display.users shared, the process that

@@ -135,6 +135,56 @@ void print(std::vector<const Measured*> rows) {
     std::printf("\nold/new above 1: the new build is faster; the worst row is the last\n");
 }
 
+struct Options {
+    const char *old_library, *new_library;
+    int rounds = 6; // of each process
+    std::regex wanted = std::regex("");
+};
+
+[[noreturn]] void explain() {
+    std::fprintf(stderr,
+                 "kirvo_compare OLD.so NEW.so [--megapixels 12|1] [--rounds N] [PATTERN]\n");
+    std::exit(2);
+}
+
+int number(const char* text) {
+    char* end;
+    const long value = std::strtol(text, &end, 10);
+    if (*end != 0 || value < 1 || value > 1000)
+        explain();
+    return static_cast<int>(value);
+}
+
+std::regex regular_expression(const std::string& text) {
+    try {
+        return std::regex(text);
+    } catch (const std::regex_error&) {
+        give_up(("not a regular expression: " + text).c_str());
+    }
+}
+
+Options options_of(int argc, char** argv) {
+    if (argc < 3)
+        explain();
+    Options options = {argv[1], argv[2]};
+    for (int i = 3; i < argc; ++i) {
+        const std::string argument = argv[i];
+        if (argument == "--megapixels" && i + 1 < argc) {
+            const int megapixels = number(argv[++i]);
+            if (megapixels != 1 && megapixels != 12)
+                explain();
+            set_photo_megapixels(megapixels);
+        } else if (argument == "--rounds" && i + 1 < argc) {
+            options.rounds = number(argv[++i]);
+        } else if (argument.starts_with("-")) {
+            explain();
+        } else {
+            options.wanted = regular_expression(argument);
+        }
+    }
+    return options;
+}
+
 } // namespace
 
 Row::Row(const char* name, std::function<Work()> prepare, std::function<double()>) {
@@ -148,36 +198,22 @@ Row::Row(const char* name, std::function<Work()> prepare, std::function<double()
 
 int main(int argc, char** argv) {
     using namespace kirvo_bench;
-    if (argc < 3) {
-        std::fprintf(stderr,
-                     "kirvo_compare OLD.so NEW.so [--megapixels 12|1] [--rounds N] [PATTERN]\n");
-        return 2;
-    }
-    int rounds = 6; // of each of six processes
-    std::string pattern;
-    for (int i = 3; i < argc; ++i) {
-        const std::string argument = argv[i];
-        if (argument == "--megapixels" && i + 1 < argc)
-            set_photo_megapixels(std::atoi(argv[++i]));
-        else if (argument == "--rounds" && i + 1 < argc)
-            rounds = std::max(1, std::atoi(argv[++i]));
-        else
-            pattern = argument;
-    }
+    const Options options = options_of(argc, argv);
     mallopt(M_MMAP_MAX, 0); // used memory stays with the process
     mallopt(M_TRIM_THRESHOLD, INT_MAX);
-    load_libraries(argv[1], argv[2]);
+    load_libraries(options.old_library, options.new_library);
     photo_bgr(); // which all processes share
-    const std::regex wanted(pattern);
     std::vector<const Measured*> measured;
     for (Measured& row : all_rows()) {
-        if (!std::regex_search(row.name, wanted))
+        if (!std::regex_search(row.name, options.wanted))
             continue;
         if (isatty(STDERR_FILENO))
             std::fprintf(stderr, "\r%-60s\r", row.name.c_str());
-        measure(row, rounds);
+        measure(row, options.rounds);
         measured.push_back(&row);
     }
+    if (measured.empty())
+        give_up("no row has such a name");
     print(measured);
-    return measured.empty() ? 1 : 0;
+    return 0;
 }

@@ -23,7 +23,7 @@ void Table::add(const std::string& name, double milliseconds, double megapixels)
 }
 
 void Table::print() const {
-    std::printf("%-34s %-16s %10s %10s %10s\n", "operation", "library", "median ms", "MP/s",
+    std::printf("%-40s %-16s %10s %10s %10s\n", "operation", "library", "median ms", "MP/s",
                 "ratio");
     for (const auto& [operation, libraries] : rows_) {
         const auto ours = libraries.find("ours");
@@ -40,7 +40,7 @@ void Table::print() const {
 void Table::print(const std::string& operation, const std::string& library, const Row& row,
                   double ours) {
     const double time = median(row.milliseconds);
-    std::printf("%-34s %-16s %10.2f %10.0f", operation.c_str(), library.c_str(), time,
+    std::printf("%-40s %-16s %10.2f %10.0f", operation.c_str(), library.c_str(), time,
                 row.megapixels / time * 1000);
     if (ours > 0)
         std::printf(" %9.2fx", time / ours);

@@ -252,6 +252,8 @@ namespace KirvoImaging
         public const int SWP_NOMOVE = 2;
         /// <summary>SetWindowPos: the order of windows stays</summary>
         public const int SWP_NOZORDER = 4;
+        /// <summary>version of this header: 1.0.4.2, as GetVerKirvoDll tells it</summary>
+        public const int KIRVO_VERSION = 16778242;
 
         // Names of Windows
 
@@ -1453,6 +1455,126 @@ namespace KirvoImaging
         /// KIRVO_NO_MEMORY</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoStatus Dib24Separate(IntPtr dib, int x, int y, int width,
+            int height, out IntPtr red, out IntPtr green, IntPtr blue);
+
+        /// <summary>Separates the channels: three new images of the source's depth, each with one
+        /// channel and the others 0.</summary>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="x">rectangle</param>
+        /// <param name="y">rectangle</param>
+        /// <param name="width">rectangle</param>
+        /// <param name="height">rectangle</param>
+        /// <param name="red">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="green">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="blue">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <returns>KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
+        /// KIRVO_NO_MEMORY</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus Dib24Separate(IntPtr dib, int x, int y, int width,
+            int height, out IntPtr red, IntPtr green, out IntPtr blue);
+
+        /// <summary>Separates the channels: three new images of the source's depth, each with one
+        /// channel and the others 0.</summary>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="x">rectangle</param>
+        /// <param name="y">rectangle</param>
+        /// <param name="width">rectangle</param>
+        /// <param name="height">rectangle</param>
+        /// <param name="red">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="green">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="blue">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <returns>KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
+        /// KIRVO_NO_MEMORY</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus Dib24Separate(IntPtr dib, int x, int y, int width,
+            int height, out IntPtr red, IntPtr green, IntPtr blue);
+
+        /// <summary>Separates the channels: three new images of the source's depth, each with one
+        /// channel and the others 0.</summary>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="x">rectangle</param>
+        /// <param name="y">rectangle</param>
+        /// <param name="width">rectangle</param>
+        /// <param name="height">rectangle</param>
+        /// <param name="red">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="green">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="blue">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <returns>KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
+        /// KIRVO_NO_MEMORY</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus Dib24Separate(IntPtr dib, int x, int y, int width,
+            int height, IntPtr red, out IntPtr green, out IntPtr blue);
+
+        /// <summary>Separates the channels: three new images of the source's depth, each with one
+        /// channel and the others 0.</summary>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="x">rectangle</param>
+        /// <param name="y">rectangle</param>
+        /// <param name="width">rectangle</param>
+        /// <param name="height">rectangle</param>
+        /// <param name="red">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="green">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="blue">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <returns>KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
+        /// KIRVO_NO_MEMORY</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus Dib24Separate(IntPtr dib, int x, int y, int width,
+            int height, IntPtr red, out IntPtr green, IntPtr blue);
+
+        /// <summary>Separates the channels: three new images of the source's depth, each with one
+        /// channel and the others 0.</summary>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="x">rectangle</param>
+        /// <param name="y">rectangle</param>
+        /// <param name="width">rectangle</param>
+        /// <param name="height">rectangle</param>
+        /// <param name="red">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="green">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="blue">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <returns>KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
+        /// KIRVO_NO_MEMORY</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus Dib24Separate(IntPtr dib, int x, int y, int width,
+            int height, IntPtr red, IntPtr green, out IntPtr blue);
+
+        /// <summary>Separates the channels: three new images of the source's depth, each with one
+        /// channel and the others 0.</summary>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="x">rectangle</param>
+        /// <param name="y">rectangle</param>
+        /// <param name="width">rectangle</param>
+        /// <param name="height">rectangle</param>
+        /// <param name="red">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="green">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <param name="blue">the images, owned by the caller; all null on failure. An image whose
+        /// pointer is null is not kept.</param>
+        /// <returns>KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a rectangle outside the image or a block that is too small;
+        /// KIRVO_NO_MEMORY</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus Dib24Separate(IntPtr dib, int x, int y, int width,
             int height, IntPtr red, IntPtr green, IntPtr blue);
 
         /// <summary>Maps every channel through a table: table[channel].</summary>
@@ -2171,7 +2293,8 @@ namespace KirvoImaging
         {
             if (!OperatingSystem.IsWindows())
                 NativeLibrary.SetDllImportResolver(typeof(Kirvo).Assembly, (name, assembly, path) =>
-                    NativeLibrary.Load("libkirvo.so", assembly, path));
+                    NativeLibrary.Load(name == Library ? "libkirvo.so" : "libkirvofiles.so",
+                        assembly, path));
         }
 #endif
     }
@@ -2185,6 +2308,14 @@ namespace KirvoImaging
         /// <summary>An exception for a status code.</summary>
         /// <param name="status">the status code</param>
         public KirvoException(KirvoStatus status) : base(status.ToString())
+        {
+            Status = status;
+        }
+
+        /// <summary>An exception for a status code, in words.</summary>
+        /// <param name="status">the status code</param>
+        /// <param name="message">what went wrong</param>
+        public KirvoException(KirvoStatus status, string message) : base(message)
         {
             Status = status;
         }
@@ -2248,6 +2379,9 @@ namespace KirvoImaging
         const int WindowFunctionIndex = -4;
 
         static Action<int> watcher;
+
+        // On Windows each thread has a window, so that no other has to fetch its messages.
+        [ThreadStatic]
         static IntPtr window;
 
         // The library keeps addresses of these, which the collector does not see.
@@ -2269,9 +2403,10 @@ namespace KirvoImaging
 
         static IntPtr OpenWindow()
         {
-            windowFunction = (receiver, message, first, second) =>
-                message == Kirvo.WM_COMMAND ? Receive(first, second)
-                                            : DefWindowProcW(receiver, message, first, second);
+            if (windowFunction == null)
+                windowFunction = (receiver, message, first, second) =>
+                    message == Kirvo.WM_COMMAND ? Receive(first, second)
+                                                : DefWindowProcW(receiver, message, first, second);
             IntPtr hidden = CreateWindowExW(0, "STATIC", null, 0, 0, 0, 0, 0, MessagesOnly,
                 IntPtr.Zero, IntPtr.Zero, IntPtr.Zero);
             if (IntPtr.Size == 4)
@@ -2283,10 +2418,11 @@ namespace KirvoImaging
 
         static IntPtr OpenHost()
         {
-            host = new KirvoWindowHost
-            {
-                SendMessageA = (receiver, message, first, second) => Receive(first, second)
-            };
+            if (host == null)
+                host = new KirvoWindowHost
+                {
+                    SendMessageA = (receiver, message, first, second) => Receive(first, second)
+                };
             Kirvo.KirvoSetWindowHost(host);
             return new IntPtr(1);
         }

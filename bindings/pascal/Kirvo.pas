@@ -94,6 +94,8 @@ const
   KIRVO_NEEDS_8_24 = -46;
   // The image must have 16 or 24 bits.
   KIRVO_NEEDS_16_24 = -47;
+  // version of this header: 1.0.4.2, as GetVerKirvoDll tells it
+  KIRVO_VERSION = $1000402;
 {$IFNDEF MSWINDOWS}
 
   // Names of Windows
@@ -970,7 +972,9 @@ const
 
 var
   Watcher: TKirvoProgress = nil;
-  WatchWindow: HWND = 0;
+
+threadvar
+  WatchWindow: HWND; // one for each thread, so that no other has to fetch its messages
 
 procedure Receive(command: KirvoUIntPtr; percent: KirvoIntPtr);
 begin

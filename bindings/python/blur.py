@@ -3,7 +3,7 @@
 import sys
 from ctypes import byref, c_int32, c_uint32
 
-import kirvo
+from kirvo import flat as kirvo
 
 
 def show_progress(percent):

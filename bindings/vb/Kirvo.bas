@@ -107,6 +107,8 @@ Public Const SM_CXFRAME As Long = &H20&
 Public Const SWP_NOMOVE As Long = &H2&
 ' SetWindowPos: the order of windows stays
 Public Const SWP_NOZORDER As Long = &H4&
+' version of this header: 1.0.4.2, as GetVerKirvoDll tells it
+Public Const KIRVO_VERSION As Long = &H1000402&
 
 ' Header of a device-independent bitmap, as in Win32.
 Public Type BITMAPINFOHEADER

@@ -1,35 +1,30 @@
 // Images that free themselves.
-#include <kirvo.h>
-
 //! [owner]
-#include <memory>
-#include <type_traits>
+#include <kirvo.hpp>
 
-struct ImageFreer {
-    void operator()(HGLOBAL image) const { GlobalFree(image); }
-};
-using Image = std::unique_ptr<std::remove_pointer_t<HGLOBAL>, ImageFreer>;
-
-Image half_size(const Image& image, int32_t& status)
+kirvo::Image half_size(const kirvo::Image& image)
 {
-    const auto* header = static_cast<const BITMAPINFOHEADER*>(GlobalLock(image.get()));
-    if (header == nullptr) {
-        status = KIRVO_NULL_HANDLE;
-        return nullptr;
-    }
-    const int32_t width = header->biWidth, height = header->biHeight;
-    GlobalUnlock(image.get());
-    return Image(Dib24ZoomEx2(image.get(), 0, 0, width, height, (width + 1) / 2, (height + 1) / 2,
-                              &status, 1));
+    return image.resize((image.width() + 1) / 2, (image.height() + 1) / 2);
 }
 //! [owner]
 
+//! [flat]
+int32_t flat_function(const kirvo::Image& image)
+{
+    return Dib24Negative(image.handle(), 0, 0, image.width(), image.height());
+}
+//! [flat]
+
 int main()
 {
-    int32_t status = 1;
-    const Image image(Dib24Solid(9, 7, 24, 0x00FF00, &status));
-    const Image half = half_size(image, status);
-    if (!half || status != KIRVO_OK)
+    const kirvo::Image image = kirvo::Image::solid(9, 7, 0x00FF00);
+    const kirvo::Image half = half_size(image);
+    if (half.width() != 5 || half.height() != 4 || flat_function(half) != KIRVO_OK)
         return 1;
-    return half_size(nullptr, status) == nullptr && status == KIRVO_NULL_HANDLE ? 0 : 1;
+    try {
+        half_size(kirvo::Image());
+    } catch (const kirvo::Error& error) {
+        return error.status() == KIRVO_NULL_HANDLE && half.get_pixel(0, 0) == 0xFF00FF ? 0 : 1;
+    }
+    return 1;
 }

@@ -210,12 +210,15 @@ class Decoder {
         if (tiled) {
             TIFFGetField(tiff_, TIFFTAG_TILEWIDTH, &tile_width_);
             TIFFGetField(tiff_, TIFFTAG_TILELENGTH, &tile_height_);
-        } else {
+        } else { // rows one by one, but planes a strip at a time: they lie behind each other
             tile_width_ = width_;
             tile_height_ = 1;
+            if (planes_ == PLANARCONFIG_SEPARATE)
+                TIFFGetFieldDefaulted(tiff_, TIFFTAG_ROWSPERSTRIP, &tile_height_);
+            tile_height_ = tile_height_ < height_ ? tile_height_ : height_;
         }
-        const auto size =
-            static_cast<uint64_t>(tiled ? TIFFTileSize(tiff_) : TIFFScanlineSize(tiff_));
+        const auto size = static_cast<uint64_t>(tiled ? TIFFTileSize(tiff_)
+                                                      : TIFFVStripSize(tiff_, tile_height_));
         // A band of rows, every sample of 8 bits.
         if (tile_width_ == 0 || tile_height_ == 0 || size == 0 || !piece_.resize(size + 8) ||
             !band_.resize(uint64_t{tile_height_} * width_ * samples_) ||

@@ -91,7 +91,7 @@ Status encode_jpeg(Saving&, const JpegPlan&, uint32_t) {
     return KIRVO_FILES_NO_CODEC;
 }
 
-Status turn_jpeg(Bytes, const JpegHeaders&, uint32_t, int32_t, Buffer&, TurnResult&, Known&) {
+Status turn_jpeg(Bytes, const JpegHeaders&, uint32_t, bool, Buffer&, Known&) {
     return KIRVO_FILES_NO_CODEC;
 }
 

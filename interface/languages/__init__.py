@@ -35,6 +35,11 @@ def plain(text):
     return text
 
 
+def capitals(name):
+    """A name of layers.txt as languages of capitals write it: rotate_90 is Rotate90."""
+    return "".join(word[:1].upper() + word[1:] for word in name.split("_"))
+
+
 def escaped(name, reserved):
     return name + "_" if name.lower() in reserved else name
 
@@ -48,8 +53,12 @@ def numbers(description):
 
 
 def statuses(description):
-    return next(group.enums["KirvoStatus"] for group in description.groups
-                if "KirvoStatus" in group.enums)
+    return description.statuses[1]
+
+
+def is_library(home):
+    """Whether functions of this home are the library's own, on every system."""
+    return home.startswith("Kirvo")
 
 
 def title(group, header):

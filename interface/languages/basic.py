@@ -1,16 +1,17 @@
 """Visual Basic 6 and VBA."""
-from languages import comment, escaped, listed, numbers, plain, statuses, title
+from languages import (capitals, comment, escaped, is_library, listed, numbers, plain, statuses,
+                       title)
 
-PATH = "vb/Kirvo.bas"
+PATHS = {"Kirvo": "vb/Kirvo.bas", "KirvoFiles": "vb/KirvoFiles.bas"}
 NEWLINE = "\r\n"  # the editor reads no other
 
 TYPES = {
-    "status": "Long", "int": "Long", "uint": "Long", "int16": "Integer", "uint16": "Integer",
+    "filesstatus": "Long", "status": "Long", "int": "Long", "uint": "Long", "int16": "Integer", "uint16": "Integer",
     "byte": "Byte", "double": "Double", "bool": "Long", "colour": "Long", "image": "LongPtr",
     "block": "LongPtr", "header": "LongPtr", "file": "String", "window": "LongPtr",
     "palette": "LongPtr", "object": "LongPtr", "address": "LongPtr", "size": "LongPtr",
     "uintptr": "LongPtr", "any": "Any", "WORD": "Integer", "DWORD": "Long", "LONG": "Long",
-    "BYTE": "Byte",
+    "BYTE": "Byte", "known": "LongPtr", "text": "String", "wide": "LongPtr", "letter": "Byte",
 }
 # Names that the language keeps to itself.
 RESERVED = {"to", "end", "object", "scale", "error"}
@@ -30,7 +31,7 @@ def parameter(given, pointer):
 
 def declaration(function, safe, pointer):
     word = "Function" if function.result else "Sub"
-    library = {"Kirvo": "Kirvo.dll"}.get(function.home, function.home)
+    library = f"{function.home}.dll" if is_library(function.home) else function.home
     head = f'Public Declare {safe}{word} {function.name} Lib "{library}" ('
     result = f") As {type_of(function.result, pointer)}" if function.result else ")"
     parameters = [parameter(given, pointer) for given in function.parameters]
@@ -53,7 +54,7 @@ def structure(given, header):
     yield from comment(header.comments[given.name].sentence, "' ")
     yield f"Public Type {given.name}"
     for field in given.fields:
-        meaning = plain(header.comments[field.name].sentence)
+        meaning = plain(header.field(given, field).sentence)
         yield f"    {field.name} As {type_of(field.kind, 'LongPtr')} ' {meaning}"
     yield "End Type"
 
@@ -62,7 +63,7 @@ def sections(description, header):
     made = {"statuses": [], "constants": [], "structures": [], "messages": []}
     for group, names in numbers(description):
         for name, value in names.items():
-            place = "statuses" if "KirvoStatus" in group.enums else "constants"
+            place = "statuses" if description.statuses[0] in group.enums else "constants"
             indent = "    " if place == "statuses" else ""
             made[place] += comment(header.comments[name].sentence, "' ", indent=indent)
             made[place].append(f"    {name} = {value}" if place == "statuses" else
@@ -75,5 +76,80 @@ def sections(description, header):
     for name in statuses(description):
         text = plain(header.comments[name].sentence).replace('"', '""')
         made["messages"].append(f"    Case {name}")
-        made["messages"].append(f'        KirvoMessage = "{name}: {text}"')
+        made["messages"].append(f'        {description.library}Message = "{name}: {text}"')
     return made
+
+
+# The object layer
+
+IMAGE_PATH = "vb/KirvoImage.cls"
+KINDS = {"int": "Long", "uint": "Long", "double": "Double", "colour": "Long", "flag": "Boolean",
+         "image": "KirvoImage"}
+AREA = ["Optional ByVal areaLeft As Long = 0", "Optional ByVal areaTop As Long = 0",
+        "Optional ByVal areaWidth As Long = -1", "Optional ByVal areaHeight As Long = -1"]
+PLACES = {"x": "areaLeft", "y": "areaTop", "width": "Across(areaLeft, areaWidth)",
+          "height": "Down(areaTop, areaHeight)"}
+
+
+def camel(one):
+    name = capitals(one.name)
+    return escaped(name[0].lower() + name[1:], RESERVED)
+
+
+def declared(one):
+    if one.parameter.count:
+        return f"ByRef {camel(one)}() As Byte"
+    if one.optional:
+        return f"Optional ByVal {camel(one)} As {KINDS[one.kind]} = {capitals(one.value)}"
+    return f"ByVal {camel(one)} As {KINDS[one.kind]}"
+
+
+def argument(one):
+    if one.role in PLACES:
+        return PLACES[one.role]
+    if one.role == "fixed":
+        return one.value.replace("own.width", "Width").replace("own.height", "Height").replace(
+            "other.width", "other.Width").replace("other.height", "other.Height")
+    if one.parameter.count:
+        return f"{camel(one)}(0)"
+    return {"own": "source.Handle", "status": "status", "other": "same.Handle"}.get(
+        one.role, f"-CLng({camel(one)})" if one.kind == "flag" else camel(one))
+
+
+def method_lines(method):
+    name = capitals(method.name)
+    texts = [method.comment.brief]
+    texts += [f"{camel(one)}: {method.meaning(one.parameter.name)}." for one in method.parameters]
+    yield from comment(" ".join(texts), "' ")
+    given = [declared(one) for one in method.parameters] + (AREA if method.has_area else [])
+    word, result = ("Sub", "") if method.way == "change" else ("Function", " As KirvoImage")
+    yield from listed(f"Public {word} {name}(", given or [""], f"){result}", continued=" _")
+    other = any(one.role == "other" for one in method.arguments)
+    yield "    Dim status As Long" + ("" if method.way == "static" else ", source As KirvoImage") + \
+        (", same As KirvoImage" if other else "")
+    depths = " ".join(map(str, method.depths))
+    call = [argument(one) for one in method.arguments]
+    if method.way == "change":
+        yield f'    MakeDepth "{depths}"'
+        yield "    Set source = Me"
+    elif method.way == "method":
+        yield f'    Set source = {"AtDepth" if method.makes else "CopyAtDepth"}("{depths}")'
+    if other:
+        yield "    Set same = other.Convert(source.Bits)"
+    yield "    Watch"
+    if method.makes:
+        yield from listed(f"    Set {name} = Made({method.function.name}(", call,
+                          f'), status, "{name}")', continued=" _", indent=" " * 8)
+    else:
+        yield from listed(f"    status = {method.function.name}(", call, ")", continued=" _",
+                          indent=" " * 8)
+        yield f'    Check status, "{name}"'
+        if method.way == "method":
+            yield "    Set source.Listener = Listener"
+            yield f"    Set {name} = source"
+    yield f"End {word}"
+    yield ""
+
+
+def image_sections(layers):
+    return {"methods": [line for method in layers.methods for line in method_lines(method)]}

@@ -1,24 +1,27 @@
 """C#."""
+import itertools
 import textwrap
 
 from description import Function
-from languages import escaped, listed, numbers, plain, title
+from languages import capitals, escaped, listed, numbers, plain, statuses, title
 
-PATH = "csharp/Kirvo.cs"
+PATHS = {"Kirvo": "csharp/Kirvo.cs", "KirvoFiles": "csharp/KirvoFiles.cs"}
 NEWLINE = "\n"
 
 TYPES = {
-    "status": "KirvoStatus", "int": "int", "uint": "uint", "int16": "short", "uint16": "ushort",
+    "filesstatus": "KirvoFilesStatus", "status": "KirvoStatus", "int": "int", "uint": "uint", "int16": "short", "uint16": "ushort",
     "byte": "byte", "double": "double", "bool": "bool", "colour": "uint", "image": "IntPtr",
     "block": "IntPtr", "header": "IntPtr", "file": "string", "window": "IntPtr",
     "palette": "IntPtr", "object": "IntPtr", "address": "IntPtr", "size": "UIntPtr",
     "uintptr": "UIntPtr", "intptr": "IntPtr", "any": "byte", "WORD": "ushort", "DWORD": "uint",
-    "LONG": "int", "BYTE": "byte",
+    "LONG": "int", "BYTE": "byte", "known": "IntPtr", "text": "byte[]", "wide": "string",
+    "letter": "byte",
 }
 RESERVED = {"object"}
+CLASSES = {"KirvoWindowHost"}
 IMPORT = "[DllImport({}, ExactSpelling = true{})]"
 TEXT = ", BestFitMapping = false, ThrowOnUnmappableChar = true"
-LIBRARIES = {"Kirvo": "Library", "kernel32": '"kernel32.dll"', "gdi32": '"gdi32.dll"',
+LIBRARIES = {"Kirvo": "Library", "KirvoFiles": "Library", "kernel32": '"kernel32.dll"', "gdi32": '"gdi32.dll"',
              "": "Library"}
 
 
@@ -31,10 +34,14 @@ def parameter(given, pointer=False):
     kind = type_of(given.kind)
     if given.count is not None:
         return f"[{given.way.capitalize()}] {kind}[] {name}"
-    if given.nullable and given.way == "in":
-        return f"{kind} {name}"  # a class: an address that may be null
+    if kind in CLASSES:
+        return f"{kind} {name}"  # an address that may be null
     if given.nullable and pointer:
         return f"IntPtr {name}"
+    if given.way in ("in", "inout"):
+        return f"{'[In] ' if given.way == 'in' else ''}ref {kind} {name}"
+    if getattr(given.kind, "name", "") == "wide":
+        return f"[MarshalAs(UnmanagedType.LPWStr)] string {name}"
     if kind == "string":
         return f"[MarshalAs(UnmanagedType.LPStr)] string {name}"
     return f"{given.way} {kind} {name}".lstrip()
@@ -61,11 +68,12 @@ def function_documentation(function, header):
 
 
 def declarations(function, header):
-    text = TEXT if any(type_of(given.kind) == "string" for given in function.parameters) else ""
+    text = TEXT if any(getattr(given.kind, "name", "") == "file" for given in function.parameters) else ""
     result = type_of(function.result) if function.result else "void"
-    variables = [parameter(given) for given in function.parameters]
-    addresses = [parameter(given, pointer=True) for given in function.parameters]
-    for overload in [variables] if variables == addresses else [variables, addresses]:
+    # Where null is an answer, an address may stand in place of each variable.
+    overloads = itertools.product(*(dict.fromkeys([parameter(given), parameter(given, pointer=True)])
+                                    for given in function.parameters))
+    for overload in map(list, overloads):
         yield from function_documentation(function, header)
         yield "        " + IMPORT.format(LIBRARIES[function.home], text)
         head = f"        public static extern {result} {function.name}("
@@ -80,7 +88,7 @@ def structure(given, header):
     yield f"    public {word} {given.name}"
     yield "    {"
     for field in given.fields:
-        yield from documentation("summary", header.comments[field.name].sentence)
+        yield from documentation("summary", header.field(given, field).sentence)
         if isinstance(field, Function):
             yield f"        public {field.name}Function {field.name};"
         else:
@@ -100,7 +108,7 @@ def sections(description, header):
     made = {"statuses": [], "constants": [], "structures": [], "functions": []}
     for group, names in numbers(description):
         for name, value in names.items():
-            place = "statuses" if "KirvoStatus" in group.enums else "constants"
+            place = "statuses" if description.statuses[0] in group.enums else "constants"
             made[place] += documentation("summary", header.comments[name].sentence)
             made[place].append(f"        {name} = {value}," if place == "statuses" else
                                f"        public const int {name} = {value};")
@@ -110,4 +118,91 @@ def sections(description, header):
             made["functions"] += ["", f"        // {title(group, header)}"]
         for function in group.functions:
             made["functions"] += declarations(function, header)
+    return made
+
+
+# The object layer
+
+IMAGE_PATH = "csharp/KirvoImage.cs"
+KINDS = {"int": "int", "uint": "uint", "double": "double", "colour": "uint", "flag": "bool",
+         "image": "KirvoImage", "byte": "byte[]"}
+
+
+def camel(name):
+    return capitals(name)[0].lower() + capitals(name)[1:]
+
+
+def declared(one):
+    value = f" = {one.value}" if one.optional else ""
+    return f"{KINDS[one.kind]} {camel(one.name)}{value}"
+
+
+def value(one):
+    match one.role:
+        case "own": return "dib"
+        case "x" | "y" | "width" | "height": return "a." + one.role.capitalize()
+        case "status": return "out status"
+        case "other": return "depth.Block"
+        case "fixed": return one.value.replace("own.width", "Width").replace(
+            "own.height", "Height").replace("other.width", "depth.Width").replace(
+            "other.height", "depth.Height")
+    return f"{camel(one.name)} ? 1 : 0" if one.kind == "flag" else camel(one.name)
+
+
+def method_lines(method):
+    name = capitals(method.name)
+    yield from documentation("summary", method.comment.sentence)
+    for one in method.parameters:
+        yield from documentation(f'param name="{camel(one.name)}"', method.meaning(one.parameter.name))
+    given = [declared(one) for one in method.parameters]
+    if method.has_area:
+        yield from documentation('param name="area"', "the part that is worked on; null: all of it")
+        given.append("KirvoArea? area = null")
+    result = "void" if method.way == "change" else "KirvoImage"
+    if method.way != "change":
+        yield from documentation("returns", "the new picture")
+    static = "static " if method.way == "static" else ""
+    yield from listed(f"        public {static}{result} {name}(", given or [""], ")", indent=" " * 12)
+    yield "        {"
+    depths = "new[] { " + ", ".join(map(str, method.depths)) + " }"
+    call = listed(f"Kirvo.{method.function.name}(", [value(one) for one in method.arguments], ")",
+                  indent=" " * 4)
+    if any(one.kind == "byte" for one in method.parameters):
+        yield "            if (table.Length != 256)"
+        yield '                throw new ArgumentException("256 bytes are needed", "table");'
+    area = "area" if method.has_area else "null"
+    if method.way == "static":
+        yield "            KirvoStatus status;"
+        yield "            using (new KirvoOperation())"
+        yield "            {"
+        yield "                IntPtr dib = " + " ".join(line.strip() for line in call) + ";"
+        yield "                if (dib == IntPtr.Zero)"
+        yield f'                    throw Failure(status, "{name}");'
+        yield "                return new KirvoImage(dib, null);"
+        yield "            }"
+    else:
+        indent = " " * 12
+        if method.way == "change":
+            yield f"{indent}Ready({depths});"
+        if any(one.role == "other" for one in method.arguments):
+            bits = "Bits" if method.way == "change" else f"Array.IndexOf({depths}, Bits) >= 0 ? Bits : 24"
+            yield f"{indent}using (KirvoImage depth = other.Convert({bits}))"
+            indent += " " * 4
+        helper, head = {("method", True): ("return Make", "(IntPtr dib, KirvoArea a, out KirvoStatus status)"),
+                        ("method", False): ("return Changed", "(dib, a)"),
+                        ("change", False): ("Apply", "(dib, a)")}[method.way, method.makes]
+        yield f'{indent}{helper}("{name}", {depths}, {area},'
+        yield f"{indent}    {head} =>"
+        yield from [f"{indent}        {line}" for line in call[:-1]]
+        yield f"{indent}        {call[-1]});"
+    yield "        }"
+    yield ""
+
+
+def image_sections(layers, description, header):
+    made = {"methods": [line for method in layers.methods for line in method_lines(method)],
+            "messages": []}
+    for name in statuses(description):
+        text = plain(header.comments[name].sentence).rstrip(".").replace('"', '\\"')
+        made["messages"] += [f"            case KirvoStatus.{name}:", f'                return "{text}";']
     return made

@@ -3,22 +3,25 @@ import itertools
 import textwrap
 
 from description import Function
-from languages import comment, escaped, listed, numbers, plain, statuses, title
+from languages import (WIDTH, capitals, comment, escaped, is_library, listed, numbers, plain, statuses,
+                       title)
 
-PATH = "pascal/Kirvo.pas"
+PATHS = {"Kirvo": "pascal/Kirvo.pas", "KirvoFiles": "pascal/KirvoFiles.pas"}
 NEWLINE = "\n"
 
 TYPES = {
-    "status": "LongInt", "int": "LongInt", "uint": "LongWord", "int16": "SmallInt",
+    "filesstatus": "LongInt", "status": "LongInt", "int": "LongInt", "uint": "LongWord", "int16": "SmallInt",
     "uint16": "Word", "byte": "Byte", "double": "Double", "bool": "LongBool",
     "colour": "LongWord", "image": "HGLOBAL", "block": "HGLOBAL", "header": "Pointer",
     "file": "PAnsiChar", "window": "HWND", "palette": "HPALETTE", "object": "THandle",
     "address": "Pointer", "size": "KirvoUIntPtr", "uintptr": "KirvoUIntPtr",
-    "intptr": "KirvoIntPtr", "WORD": "Word", "DWORD": "LongWord", "LONG": "LongInt", "BYTE": "Byte",
+    "intptr": "KirvoIntPtr", "known": "TKirvoFile", "text": "PAnsiChar", "wide": "PWideChar",
+    "letter": "AnsiChar", "WORD": "Word", "DWORD": "LongWord", "LONG": "LongInt", "BYTE": "Byte",
 }
 POINTERS = {"int": "PInteger", "uint": "PKirvoLongWord", "int16": "PSmallInt", "uint16": "PWord",
-            "byte": "PByte", "any": "Pointer", "image": "PKirvoHandle"}
-RESERVED = {"to", "end", "object", "final"}
+            "byte": "PByte", "any": "Pointer", "image": "PKirvoHandle",
+            "known": "PKirvoFile", "letter": "PAnsiChar"}
+RESERVED = {"to", "end", "object", "final", "file"}
 
 
 def type_of(kind):
@@ -33,7 +36,7 @@ def parameter(given):
     """What stands before and behind the name."""
     if given.way and (given.count is not None or given.nullable):
         return "", pointer_to(given.kind)
-    return {"": "", "out": "out ", "in": "const "}[given.way], type_of(given.kind)
+    return {"": "", "out": "out ", "in": "const ", "inout": "var "}[given.way], type_of(given.kind)
 
 
 def signature(head, function, tail, indent):
@@ -53,9 +56,10 @@ def declaration(function, header):
     yield from comment(header.comments[function.name].brief, "{ ", " }")
     yield from signature(" " + function.name, function, "", "  ")
     convention = "{$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF}"
-    if function.home != "Kirvo":
+    if not is_library(function.home):
         convention = "cdecl;"
-    yield f"  {convention} external KirvoLibrary name '{function.name}';"
+    library = function.home if is_library(function.home) else "Kirvo"  # which stands in for Windows
+    yield f"  {convention} external {library}Library name '{function.name}';"
 
 
 def record(structure, header):
@@ -63,7 +67,7 @@ def record(structure, header):
     yield from comment(header.comments[structure.name].brief, "{ ", " }", "  ")
     yield f"  T{structure.name} = record"
     for field in structure.fields:
-        meaning = "".join(comment(header.comments[field.name].sentence, "// "))
+        meaning = "".join(comment(header.field(structure, field).sentence, "// "))
         if isinstance(field, Function):
             yield "    " + meaning
             lines = signature("", field, " cdecl;", "      ")
@@ -101,3 +105,106 @@ def sections(description, header):
         made["messages"] += listed("        ", [f"'{line}'" for line in (first, *rest)], ";", " +",
                                    "        ")
     return made
+
+
+# The object layer
+
+IMAGE_PATH = "pascal/KirvoImages.pas"
+KINDS = {"int": "LongInt", "uint": "LongWord", "double": "Double", "colour": "LongWord",
+         "flag": "Boolean", "image": "TKirvoImage", "byte": "array of Byte"}
+AREA = ["AreaLeft: LongInt = 0", "AreaTop: LongInt = 0", "AreaWidth: LongInt = -1",
+        "AreaHeight: LongInt = -1"]
+
+
+def name_of(one):
+    return escaped(capitals(one.name), RESERVED)
+
+
+def declared(one, with_default):
+    const = "const " if one.parameter.count else ""
+    default = f" = {capitals(one.value)}" if one.optional and with_default else ""
+    return f"{const}{name_of(one)}: {KINDS[one.kind]}{default}"
+
+
+def method_head(method, owner, with_default, indent):
+    given = [declared(one, with_default) for one in method.parameters]
+    if method.has_area:
+        given += AREA if with_default else [part.split(" =")[0] for part in AREA]
+    word = "procedure" if method.way == "change" else "function"
+    word = "class " + word if method.way == "static" else word
+    tail = ";" if method.way == "change" else ": TKirvoImage;"
+    if not given:
+        return [f"{indent}{word} {owner}{capitals(method.name)}{tail}"]
+    return listed(f"{indent}{word} {owner}{capitals(method.name)}(", given, ")" + tail, ";",
+                  indent + "  ")
+
+
+def value(one):
+    match one.role:
+        case "own": return "Call.Dib"
+        case "x" | "y" | "width" | "height": return "Call." + one.role.capitalize()
+        case "status": return "Call.Status"
+        case "other": return "Same.FDib"
+        case "fixed": return one.value.replace("own.width", "Width").replace(
+            "own.height", "Height").replace("other.width", "Same.Width").replace(
+            "other.height", "Same.Height")
+    if one.parameter.count:
+        return f"@{name_of(one)}[0]"
+    return f"Ord({name_of(one)})" if one.kind == "flag" else name_of(one)
+
+
+def method_lines(method):
+    yield from method_head(method, "TKirvoImage.", False, "")
+    name = capitals(method.name)
+    other = any(one.role == "other" for one in method.arguments)
+    call = f"{method.function.name}({', '.join(value(one) for one in method.arguments)})"
+    if method.way == "static":
+        yield from ["var", "  Made: HGLOBAL;", "  Status: LongInt;", "begin", "  Enter;"]
+        yield from broken("  Made := " + call.replace("Call.Status", "Status") + ";")
+        yield from ["  Leave;", f"  Result := Fresh(Made, Status, '{name}');", "end;", ""]
+        return
+    yield from ["var", "  Call: TKirvoCall;"]
+    if other:
+        yield "  Same: TKirvoImage;"
+    yield "begin"
+    for one in method.parameters:
+        if one.parameter.count:
+            yield f"  if Length({name_of(one)}) <> {one.parameter.count} then"
+            yield f"    Refuse(KIRVO_BAD_PARAMETER, '{name}: {one.parameter.count} values are needed');"
+    depths = "[" + ", ".join(map(str, method.depths)) + "]"
+    area = "AreaLeft, AreaTop, AreaWidth, AreaHeight" if method.has_area else "0, 0, -1, -1"
+    indent = "  "
+    if method.way == "change":
+        yield f"  Ready({depths});"
+    if other:
+        yield f"  Same := Other.Convert(DepthFor({depths}));"
+        yield "  try"
+        indent = "    "
+    copied = method.way == "method" and not method.makes
+    yield f"{indent}Start(Call, {depths}, {copied}, {area});"
+    if method.makes:
+        yield from broken(f"{indent}Result := FinishMade(Call, {call}, '{name}');")
+    else:
+        yield from broken(f"{indent}Call.Status := {call};")
+        yield f"{indent}Result := FinishCopy(Call, '{name}');" if copied else \
+            f"{indent}Finish(Call, '{name}');"
+    if other:
+        yield from ["  finally", "    Same.Free;", "  end;"]
+    yield from ["end;", ""]
+
+
+def broken(line):
+    indent = line[:len(line) - len(line.lstrip())]
+    return textwrap.wrap(line, WIDTH, initial_indent="", subsequent_indent=indent + "  ",
+                         drop_whitespace=True, break_long_words=False) if len(line) > WIDTH else [line]
+
+
+def image_sections(layers):
+    declarations = []
+    for method in layers.methods:
+        texts = [method.comment.brief]
+        texts += [f"{name_of(one)}: {method.meaning(one.parameter.name)}." for one in method.parameters]
+        declarations += comment(" ".join(texts), "{ ", " }", "    ")
+        declarations += method_head(method, "", True, "    ")
+    return {"declarations": declarations,
+            "methods": [line for method in layers.methods for line in method_lines(method)]}

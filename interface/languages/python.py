@@ -1,16 +1,19 @@
 """Python, by ctypes."""
+import textwrap
+
 from description import Function
 from languages import comment, listed, numbers, plain, statuses, title
 
-PATH = "python/kirvo.py"
+PATHS = {"Kirvo": "python/src/kirvo/flat.py", "KirvoFiles": "python/src/kirvo/flat_files.py"}
 NEWLINE = "\n"
 
 TYPES = {
-    "status": "c_int32", "int": "c_int32", "uint": "c_uint32", "int16": "c_int16",
+    "filesstatus": "c_int32", "status": "c_int32", "int": "c_int32", "uint": "c_uint32", "int16": "c_int16",
     "uint16": "c_uint16", "byte": "c_uint8", "double": "c_double", "bool": "c_int32",
     "colour": "c_uint32", "image": "HANDLE", "block": "HANDLE", "header": "c_void_p",
     "file": "FileName", "window": "HANDLE", "palette": "HANDLE", "object": "HANDLE",
     "address": "c_void_p", "size": "c_size_t", "uintptr": "c_size_t", "intptr": "c_ssize_t",
+    "known": "HANDLE", "text": "Text", "wide": "c_void_p", "letter": "c_char",
     "WORD": "c_uint16", "DWORD": "c_uint32", "LONG": "c_int32", "BYTE": "c_uint8",
 }
 
@@ -38,7 +41,8 @@ def declaration(function, header):
     result = type_of(function.result) if function.result else "None"
     yield ""
     yield f"{function.name} = _declare("
-    library = "_kirvo" if function.home in ("Kirvo", "") else f"_{function.home}"
+    library = {"Kirvo": "_kirvo", "KirvoFiles": "_files", "": "_kirvo"}.get(function.home,
+                                                                         f"_{function.home}")
     yield from listed(f"    {library}, ", [result, *map(parameter, function.parameters)], ",")
     yield f'    usage="{call}",'
     yield f'    summary="{text}")'
@@ -64,7 +68,7 @@ def structure(given, header):
 def sections(description, header):
     made = {"constants": [], "statuses": [], "structures": [], "functions": []}
     for group, names in numbers(description):
-        if "KirvoStatus" not in group.enums:
+        if description.statuses[0] not in group.enums:
             for name, value in names.items():
                 made["constants"] += comment(header.comments[name].sentence, "# ")
                 made["constants"].append(f"{name} = {value:#x}" if value > 32 else
@@ -79,3 +83,95 @@ def sections(description, header):
         text = plain(header.comments[name].sentence)
         made["statuses"].append(f'    {name} = {value}, "{text}"')
     return made
+
+
+# The object layer
+
+IMAGE_PATH = "python/src/kirvo/_image.py"
+KINDS = {"int": "int", "uint": "int", "double": "float", "colour": "int", "flag": "bool",
+         "image": "Image", "byte": "Sequence[int]"}
+VALUES = {"true": "True", "false": "False"}
+
+
+def declared(one, method):
+    kind = KINDS[one.kind]
+    if method.name == "keep_channels":
+        kind = "Range"
+    if not one.optional:
+        return f"{one.name}: {kind}"
+    value = f"{one.value}.0" if one.kind == "double" else VALUES.get(one.value, one.value)
+    return f"{one.name}: {kind} = {value}"
+
+
+def value(one, method):
+    if one.role == "own":
+        return "dib"
+    if one.role in ("x", "y", "width", "height"):
+        return "*a" if one.role == "x" else None
+    if one.role == "status":
+        return "status"
+    if one.role == "other":
+        return "other._dib"
+    if one.role == "fixed":
+        return one.value.replace("own.", "self.")
+    if one.parameter.count:
+        return f"(c_uint8 * {one.parameter.count})(*{one.name})"
+    if method.name == "keep_channels":
+        return f"_packed({one.name})"
+    return one.name
+
+
+def method_lines(method):
+    given = [declared(one, method) for one in method.parameters]
+    texts = [(one.name, plain(method.meaning(one.parameter.name))) for one in method.parameters]
+    if method.has_area:
+        given += ["*", "area: Optional[Area] = None"]
+        texts.append(("area", "the part that is worked on"))
+    if method.way == "static":
+        yield "    @classmethod"
+    head = f"    def {method.name}("
+    first = "cls" if method.way == "static" else "self"
+    result = "None" if method.way == "change" else "Image"
+    yield from listed(head, [first, *given], f") -> {result}:", indent=" " * 8)
+    yield from textwrap.wrap('"""' + plain(method.comment.sentence) + ("" if texts else '"""'),
+                             94, initial_indent="        ", subsequent_indent="        ")
+    if texts:
+        yield ""
+        for name, text in texts:
+            yield from textwrap.wrap(f"{name}: {text}", 94, initial_indent="        ",
+                                     subsequent_indent="            ")
+        yield '        """'
+    values = [value(one, method) for one in method.arguments]
+    call = f"flat.{method.function.name}({', '.join(filter(None, values))})"
+    depths = "(" + ", ".join(map(str, method.depths)) + ("," if len(method.depths) == 1 else "") + ")"
+    area = "area" if method.has_area else "None"
+    other = any(one.role == "other" for one in method.arguments)
+    if method.way == "static":
+        yield "        status = c_int32()"
+        yield "        with Operation():"
+        yield "            dib = " + call.replace("status", "byref(status)")
+        yield "        if not dib:"
+        yield f'            _check(status.value or flat.KIRVO_NO_MEMORY, "{method.name}")'
+        yield "        return cls._of(dib)"
+    elif method.way == "change":
+        yield f"        self._ready({depths})"
+        if other:
+            yield "        other = other.convert(self.bits)"
+        yield from listed(f'        self._apply("{method.name}", ', [depths, "None",
+                          "lambda dib, a: " + call], ")", indent=" " * 20)
+    else:
+        if other:
+            yield f"        other = other.convert(self._at({depths}).bits)"
+        helper, status = ("_make", ", status") if method.makes else ("_changed", "")
+        yield from listed(f'        return self.{helper}("{method.name}", ', [depths, area,
+                          f"lambda dib, a{status}: " + call], ")", indent=" " * 20)
+    yield ""
+
+
+def image_sections(layers):
+    return {"methods": [line for method in layers.methods for line in method_lines(method)]}
+
+
+def version_lines(description):
+    number = description.constants["KIRVO_VERSION"]
+    return f'__version__ = "{".".join(map(str, number.to_bytes(4, "big")))}"\n'

@@ -50,7 +50,8 @@ namespace KirvoImaging
         {
             if (!OperatingSystem.IsWindows())
                 NativeLibrary.SetDllImportResolver(typeof(Kirvo).Assembly, (name, assembly, path) =>
-                    NativeLibrary.Load("libkirvo.so", assembly, path));
+                    NativeLibrary.Load(name == Library ? "libkirvo.so" : "libkirvofiles.so",
+                        assembly, path));
         }
 #endif
     }
@@ -64,6 +65,14 @@ namespace KirvoImaging
         /// <summary>An exception for a status code.</summary>
         /// <param name="status">the status code</param>
         public KirvoException(KirvoStatus status) : base(status.ToString())
+        {
+            Status = status;
+        }
+
+        /// <summary>An exception for a status code, in words.</summary>
+        /// <param name="status">the status code</param>
+        /// <param name="message">what went wrong</param>
+        public KirvoException(KirvoStatus status, string message) : base(message)
         {
             Status = status;
         }
@@ -127,6 +136,9 @@ namespace KirvoImaging
         const int WindowFunctionIndex = -4;
 
         static Action<int> watcher;
+
+        // On Windows each thread has a window, so that no other has to fetch its messages.
+        [ThreadStatic]
         static IntPtr window;
 
         // The library keeps addresses of these, which the collector does not see.
@@ -148,9 +160,10 @@ namespace KirvoImaging
 
         static IntPtr OpenWindow()
         {
-            windowFunction = (receiver, message, first, second) =>
-                message == Kirvo.WM_COMMAND ? Receive(first, second)
-                                            : DefWindowProcW(receiver, message, first, second);
+            if (windowFunction == null)
+                windowFunction = (receiver, message, first, second) =>
+                    message == Kirvo.WM_COMMAND ? Receive(first, second)
+                                                : DefWindowProcW(receiver, message, first, second);
             IntPtr hidden = CreateWindowExW(0, "STATIC", null, 0, 0, 0, 0, 0, MessagesOnly,
                 IntPtr.Zero, IntPtr.Zero, IntPtr.Zero);
             if (IntPtr.Size == 4)
@@ -162,10 +175,11 @@ namespace KirvoImaging
 
         static IntPtr OpenHost()
         {
-            host = new KirvoWindowHost
-            {
-                SendMessageA = (receiver, message, first, second) => Receive(first, second)
-            };
+            if (host == null)
+                host = new KirvoWindowHost
+                {
+                    SendMessageA = (receiver, message, first, second) => Receive(first, second)
+                };
             Kirvo.KirvoSetWindowHost(host);
             return new IntPtr(1);
         }

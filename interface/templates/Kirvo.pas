@@ -108,7 +108,9 @@ const
 
 var
   Watcher: TKirvoProgress = nil;
-  WatchWindow: HWND = 0;
+
+threadvar
+  WatchWindow: HWND; // one for each thread, so that no other has to fetch its messages
 
 procedure Receive(command: KirvoUIntPtr; percent: KirvoIntPtr);
 begin

@@ -94,16 +94,19 @@ Status find_entry(InputFile& file, const char* name, int32_t index, Entry& entry
     return Status::ok;
 }
 
-// The image takes over the resource's own header, corrected in its height alone.
-OwnedBlock colour_image(const Entry& entry, const uint8_t* resource, size_t bytes) {
+OwnedBlock new_image(const Entry& entry, const uint8_t* resource) {
     BITMAPINFOHEADER header;
     std::memcpy(&header, resource, sizeof header);
-    OwnedBlock image = new_dib(entry.width, entry.height, header.biBitCount);
+    return new_dib(entry.width, entry.height, header.biBitCount);
+}
+
+// The image takes over the resource's own header, corrected in its height alone.
+void fill_image(const OwnedBlock& image, const Entry& entry, const uint8_t* resource,
+                size_t bytes) {
     const LONG height = entry.height;
     const LockedDib dib(image.get());
     dib.write_bytes(0, resource, bytes);
     dib.write_bytes(offsetof(BITMAPINFOHEADER, biHeight), &height, sizeof height);
-    return image;
 }
 
 OwnedBlock mask_image(const Entry& entry, const uint8_t* rows, size_t bytes) {
@@ -127,15 +130,17 @@ Status read_icon(const char* name, int32_t index, bool with_mask, Icon& icon) {
         file.read_some(resource.data(), most_resource_bytes);
     file.close();
 
-    // What lies behind the end of the file, or beyond the bytes read, is 0.
+    // What lies behind the end of the file, or beyond the bytes read, is 0. No image has the depth
+    // that a PNG seems to have, whatever its size.
+    icon.image = new_image(icon.entry, resource.data());
+    if (!icon.image)
+        return Status::no_memory;
     const auto mask_bytes =
         static_cast<uint32_t>(row_stride(icon.entry.width, 1) * icon.entry.height);
     if (icon.entry.bytes < mask_bytes)
         return Status::read_error;
     const uint32_t colour_bytes = std::min(icon.entry.bytes - mask_bytes, most_resource_bytes);
-    icon.image = colour_image(icon.entry, resource.data(), colour_bytes);
-    if (!icon.image)
-        return Status::no_memory;
+    fill_image(icon.image, icon.entry, resource.data(), colour_bytes);
     if (with_mask) {
         icon.mask = mask_image(icon.entry, resource.data() + colour_bytes,
                                std::min(mask_bytes, most_resource_bytes - colour_bytes));

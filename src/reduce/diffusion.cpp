@@ -16,9 +16,10 @@ namespace {
 constexpr int32_t lowest_value = -128, highest_value = 383;
 constexpr uint32_t value_count = highest_value - lowest_value + 1;
 
-// One entry for each value, as the function makes it.
+// One entry for each value, as the function makes it. Tables are filled at their first use: as
+// constants they would make the library's file larger by a twentieth.
 template<typename Entry, typename Make>
-constexpr std::array<Entry, value_count> for_each_value(Make make) {
+std::array<Entry, value_count> for_each_value(Make make) {
     std::array<Entry, value_count> entries = {};
     for (uint32_t i = 0; i < value_count; ++i)
         entries[i] = make(lowest_value + static_cast<int32_t>(i));
@@ -61,7 +62,7 @@ struct CubeLevel {
 };
 
 template<size_t n>
-constexpr std::array<CubeLevel, value_count> cube_channel(const std::array<uint8_t, n>& levels,
+std::array<CubeLevel, value_count> cube_channel(const std::array<uint8_t, n>& levels,
                                                           uint32_t weight) {
     return for_each_value<CubeLevel>([&](int32_t value) {
         const Level level = cube_level(value, levels, weight);
@@ -70,11 +71,11 @@ constexpr std::array<CubeLevel, value_count> cube_channel(const std::array<uint8
 }
 
 struct CubeQuantiser {
-    static constexpr auto blue = cube_channel(cube_blue_levels, cube_blue_weight);
-    static constexpr auto green = cube_channel(cube_green_levels, cube_green_weight);
-    static constexpr auto red = cube_channel(cube_red_levels, cube_red_weight);
+    std::array<CubeLevel, value_count> blue = cube_channel(cube_blue_levels, cube_blue_weight);
+    std::array<CubeLevel, value_count> green = cube_channel(cube_green_levels, cube_green_weight);
+    std::array<CubeLevel, value_count> red = cube_channel(cube_red_levels, cube_red_weight);
 
-    static Quantised quantise(const Values& value) {
+    Quantised quantise(const Values& value) const {
         const CubeLevel &b = blue[value.blue], &g = green[value.green], &r = red[value.red];
         return {b.half,        g.half,
                 r.half,        b.level.error,
@@ -101,20 +102,20 @@ struct SystemHalf {
 };
 
 struct SystemQuantiser {
-    static constexpr auto half = for_each_value<SystemHalf>([](int32_t value) {
+    std::array<SystemHalf, value_count> half = for_each_value<SystemHalf>([](int32_t value) {
         const int32_t dark_half = dark_level(value).error >> 1;
         const int32_t bright_half = bright_level(value).error >> 1;
         return SystemHalf{static_cast<int16_t>(dark_half),
                           static_cast<int16_t>(bright_half - dark_half)};
     });
-    static constexpr std::array<Level, value_count> levels[] = {
-        for_each_value<Level>(dark_level), for_each_value<Level>(bright_level)};
+    std::array<Level, value_count> levels[2] = {for_each_value<Level>(dark_level),
+                                                for_each_value<Level>(bright_level)};
     // The dark colours, then the bright ones. All three dark channels set are the grey that the
     // bright colours begin with.
     static constexpr uint8_t colours[2][8] = {{0, 1, 2, 3, 4, 5, 6, 8},
                                               {8, 9, 10, 11, 12, 13, 14, 15}};
 
-    static Quantised quantise(const Values& value) {
+    Quantised quantise(const Values& value) const {
         constexpr uint32_t threshold = bright_threshold - lowest_value;
         // Bit 31 tells whether any channel is above the threshold.
         const auto any_above = static_cast<int32_t>(
@@ -166,6 +167,7 @@ void ErrorDiffusion::add_errors(const uint8_t* bgr) {
 
 template<typename Quantiser>
 void ErrorDiffusion::quantise_row(const uint8_t* bgr, uint8_t* indices) {
+    static const Quantiser quantiser;
     add_errors(bgr);
     direction_ = -direction_;
     const ptrdiff_t step = direction_;
@@ -178,7 +180,7 @@ void ErrorDiffusion::quantise_row(const uint8_t* bgr, uint8_t* indices) {
         const auto value = [](int16_t sum, int32_t half) {
             return static_cast<uint32_t>(sum + half);
         };
-        pixel = Quantiser::quantise({value(cell[0], pixel.half_blue),
+        pixel = quantiser.quantise({value(cell[0], pixel.half_blue),
                                      value(cell[1], pixel.half_green),
                                      value(cell[2], pixel.half_red)});
         cell[0] = pixel.blue;

@@ -124,9 +124,11 @@ struct Kernels {
 
     // Decoding. Samples are centred on 0 and not clamped, -4096 to 4095. Rows of samples and terms
     // may be read, and those of terms written, up to the next multiple of 64.
-    // Inverse transform of 64 coefficients, as the decoder places them, into 8 rows of 8 samples.
-    // Coefficients after zigzag position last are 0.
-    void (*inverse_dct)(const int16_t* block, int32_t last, int16_t* samples, ptrdiff_t stride);
+    // Inverse transform of 64 coefficients into 8 rows of 8 samples. A coefficient is the product,
+    // of 16 bits, of a level and its quantiser, both as the decoder places them. Levels after zigzag
+    // position last are 0.
+    void (*inverse_dct)(const int16_t* levels, const int16_t* quantisers, int32_t last,
+                        int16_t* samples, ptrdiff_t stride);
     void (*chroma_terms)(const int16_t* cb, const int16_t* cr, ChromaTerms terms, size_t count);
     void (*decoded_grey)(const int16_t* y, uint8_t* bgr, size_t pixels);
     // One term for each pixel, or for two of them side by side.

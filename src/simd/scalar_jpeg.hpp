@@ -42,12 +42,15 @@ int32_t weighted_sum(const int16_t* input, const int32_t* weights, int32_t scale
     return static_cast<int32_t>(sum);
 }
 
-void inverse_dct(const int16_t* block, int32_t, int16_t* samples, ptrdiff_t stride) {
+void inverse_dct(const int16_t* levels, const int16_t* quantisers, int32_t, int16_t* samples,
+                 ptrdiff_t stride) {
     int16_t columns[8][8]; // after the pass over the rows
     for (size_t row = 0; row < 8; ++row) {
         int16_t input[8];
-        for (size_t u = 0; u < 8; ++u)
-            input[u] = block[block_place_of(row, u)];
+        for (size_t u = 0; u < 8; ++u) {
+            const size_t place = block_place_of(row, u);
+            input[u] = static_cast<int16_t>(levels[place] * quantisers[place]);
+        }
         for (size_t x = 0; x < 8; ++x)
             columns[x][row] = static_cast<int16_t>(weighted_sum(input, factors.of[x], 8) >> 16);
     }

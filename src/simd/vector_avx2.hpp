@@ -13,12 +13,14 @@ namespace {
 #define KIRVO_REGISTER __m256i
 #define KIRVO_MM(operation) _mm256_##operation
 #define KIRVO_RECIPROCAL _mm256_rcp_ps
+#define KIRVO_STREAM _mm256_stream_si256
 #define KIRVO_BROADCAST _mm256_broadcastsi128_si256
 #include "simd/vector_x86.hpp"
 #include "simd/vector_avx.hpp"
 #undef KIRVO_REGISTER
 #undef KIRVO_MM
 #undef KIRVO_RECIPROCAL
+#undef KIRVO_STREAM
 #undef KIRVO_BROADCAST
 
 // Which bytes of three vectors of 16 go to each of them when their 16 pixels are reversed, or -1.
@@ -166,12 +168,7 @@ struct Vector : VectorAvx {
       private:
         Register places_;
     };
-    static Register run_of(const uint8_t* bgr) {
-        alignas(16) uint8_t bytes[16];
-        for (int i = 0; i < 16; ++i)
-            bytes[i] = bgr[i % 3];
-        return repeated(bytes);
-    }
+    static Register run_of(const uint8_t* bgr) { return pixels_of<16>(bgr); }
     static Register equal_pixels(Register a, Register b) {
         const Register same = equal8(a, b);
         const Register first = same & _mm256_srli_si256(same, 1) & _mm256_srli_si256(same, 2);
@@ -249,20 +246,8 @@ struct Vector : VectorAvx {
         nonzero[1] = ~zeros[1];
     }
 
-    static void stream(uint8_t* to, Register v) {
-        _mm256_stream_si256(reinterpret_cast<__m256i*>(to), v);
-    }
-    static void end_stream() { _mm_sfence(); }
 
   private:
-    static __m128i load_16(const void* from) {
-        return _mm_loadu_si128(static_cast<const __m128i*>(from));
-    }
-    static __m128i load_8(const void* from) {
-        return _mm_loadl_epi64(static_cast<const __m128i*>(from));
-    }
-    static void store_16(void* to, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(to), v); }
-    static void store_8(void* to, __m128i v) { _mm_storel_epi64(static_cast<__m128i*>(to), v); }
     static __m128i low_half(Register v) { return _mm256_castsi256_si128(v); }
     static __m128i high_half(Register v) { return _mm256_extracti128_si256(v, 1); }
     static Register joined(const void* low, const void* high) {

@@ -14,12 +14,14 @@ namespace {
 #define KIRVO_REGISTER __m512i
 #define KIRVO_MM(operation) _mm512_##operation
 #define KIRVO_RECIPROCAL _mm512_rcp14_ps
+#define KIRVO_STREAM _mm512_stream_si512
 #define KIRVO_BROADCAST _mm512_broadcast_i32x4
 #include "simd/vector_x86.hpp"
 #include "simd/vector_avx.hpp"
 #undef KIRVO_REGISTER
 #undef KIRVO_MM
 #undef KIRVO_RECIPROCAL
+#undef KIRVO_STREAM
 #undef KIRVO_BROADCAST
 
 // Where each byte of a vector comes from.
@@ -111,6 +113,13 @@ struct Vector : VectorAvx {
             store(to, v);
         }
     }
+    template<int bytes>
+    static Register reversed(Register v) {
+        static constexpr Places places(
+            [](int i) { return 64 - bytes - i / bytes * bytes + i % bytes; });
+        return _mm512_permutexvar_epi8(places.vector(), v);
+    }
+
     static void transpose(Register (&v)[words]) {
         transpose_parts(v);
 #pragma GCC unroll 4
@@ -124,12 +133,6 @@ struct Vector : VectorAvx {
             v[i + 8] = _mm512_shuffle_i32x4(even0, even1, 0xDD);
             v[i + 12] = _mm512_shuffle_i32x4(odd0, odd1, 0xDD);
         }
-    }
-    template<int bytes>
-    static Register reversed(Register v) {
-        static constexpr Places places(
-            [](int i) { return 64 - bytes - i / bytes * bytes + i % bytes; });
-        return _mm512_permutexvar_epi8(places.vector(), v);
     }
 
     static Pixels load_pixels(const uint8_t* bgr) {
@@ -177,12 +180,7 @@ struct Vector : VectorAvx {
         Register places_;
         __mmask64 kept_ = __mmask64{1} << 63;
     };
-    static Register run_of(const uint8_t* bgr) {
-        alignas(64) uint8_t bytes[64];
-        for (int i = 0; i < 64; ++i)
-            bytes[i] = bgr[i % 3];
-        return load(bytes);
-    }
+    static Register run_of(const uint8_t* bgr) { return pixels_of<64>(bgr); }
     static Register equal_pixels(Register a, Register b) {
         constexpr __mmask64 first_bytes = 0x1249249249249249;
         const __mmask64 same = _mm512_cmpeq_epi8_mask(a, b);
@@ -232,10 +230,6 @@ struct Vector : VectorAvx {
         }
     }
 
-    static void stream(uint8_t* to, Register v) {
-        _mm512_stream_si512(reinterpret_cast<__m512i*>(to), v);
-    }
-    static void end_stream() { _mm_sfence(); }
 
   private:
     static constexpr __mmask64 first_48 = 0x0000FFFFFFFFFFFF;

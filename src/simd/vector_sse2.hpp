@@ -13,10 +13,12 @@ namespace {
 #define KIRVO_REGISTER __m128i
 #define KIRVO_MM(operation) _mm_##operation
 #define KIRVO_RECIPROCAL _mm_rcp_ps
+#define KIRVO_STREAM _mm_stream_si128
 #include "simd/vector_x86.hpp"
 #undef KIRVO_REGISTER
 #undef KIRVO_MM
 #undef KIRVO_RECIPROCAL
+#undef KIRVO_STREAM
 
 struct Vector : VectorX86 {
     static Register equal8(Register a, Register b) { return _mm_cmpeq_epi8(a, b); }
@@ -170,12 +172,7 @@ struct Vector : VectorX86 {
         Register from_[5];
     };
     // The colour in every pixel of a run.
-    static Register run_of(const uint8_t* bgr) {
-        alignas(16) uint8_t bytes[16];
-        for (int i = 0; i < 16; ++i)
-            bytes[i] = bgr[i % 3];
-        return load(bytes);
-    }
+    static Register run_of(const uint8_t* bgr) { return pixels_of<16>(bgr); }
     // The mask of the pixels of a run that are equal, and of the bytes beyond them.
     static Register equal_pixels(Register a, Register b) {
         const Register first_bytes =
@@ -249,22 +246,13 @@ struct Vector : VectorX86 {
         *nonzero = mask;
     }
 
-    // Past the caches, to a multiple of 16.
-    static void stream(uint8_t* to, Register v) {
-        _mm_stream_si128(reinterpret_cast<__m128i*>(to), v);
-    }
-    static void end_stream() { _mm_sfence(); }
 
   private:
-    static Register load_8(const void* from) {
-        return _mm_loadl_epi64(static_cast<const __m128i*>(from));
-    }
     static Register load_4(const void* from) {
         int32_t word;
         std::memcpy(&word, from, sizeof word);
         return _mm_cvtsi32_si128(word);
     }
-    static void store_8(void* to, Register v) { _mm_storel_epi64(static_cast<__m128i*>(to), v); }
     static void store_4(void* to, Register v) {
         const int32_t word = _mm_cvtsi128_si32(v);
         std::memcpy(to, &word, sizeof word);

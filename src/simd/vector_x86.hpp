@@ -1,6 +1,7 @@
 // What the wrappers of all x86 levels have in common: operations whose names differ in a prefix
 // only. A level includes this inside its own namespace, with KIRVO_REGISTER the type of its vectors,
-// KIRVO_MM(operation) the intrinsic of that width and KIRVO_RECIPROCAL that of the estimate.
+// KIRVO_MM(operation) the intrinsic of that width, KIRVO_RECIPROCAL that of the estimate and
+// KIRVO_STREAM that of a store past the caches.
 //
 // Numbers at the end of a name are the bits of a lane. Operations that pair, widen or narrow work
 // within each 16 bytes, as the processor does; what is widened low and high comes back in order
@@ -23,6 +24,11 @@ struct VectorX86 {
     // cache.
     static Register load_once(const void* from) { return opaque(load(from)); }
     static void store(void* to, Register v) { *static_cast<Anywhere*>(to) = v; }
+    // Past the caches, to a multiple of the size.
+    static void stream(uint8_t* to, Register v) {
+        KIRVO_STREAM(reinterpret_cast<Register*>(to), v);
+    }
+    static void end_stream() { _mm_sfence(); }
     static Register zero() { return Register{}; }
     static Register either(Register a, Register b) { return a | b; }
     static Register both(Register a, Register b) { return a & b; }
@@ -132,6 +138,25 @@ struct VectorX86 {
         return narrow32(quotient32(widen_low16(a), widen_low16(b)),
                         quotient32(widen_high16(a), widen_high16(b)));
     }
+
+    // A colour in every 24-bit pixel, from the start of each part of so many bytes.
+    template<size_t part>
+    static Register pixels_of(const uint8_t* bgr) {
+        alignas(size) uint8_t bytes[size];
+        for (size_t i = 0; i < size; ++i)
+            bytes[i] = bgr[i % part % 3];
+        return load(bytes);
+    }
+
+  protected:
+    static __m128i load_16(const void* from) {
+        return _mm_loadu_si128(static_cast<const __m128i*>(from));
+    }
+    static __m128i load_8(const void* from) {
+        return _mm_loadl_epi64(static_cast<const __m128i*>(from));
+    }
+    static void store_16(void* to, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(to), v); }
+    static void store_8(void* to, __m128i v) { _mm_storel_epi64(static_cast<__m128i*>(to), v); }
 
   private:
     static Register quotient32(Register a, Register b) {

@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
-"""The declarations for other languages: check.py CHECK build/<preset>/interface.json
+"""The declarations for other languages: check.py CHECK build/<preset>/interface.json [kirvo_files]
 
 Every declaration is read back, by its own compiler where there is one, and compared with the
 described C types; the examples are built, run, and their picture compared with the tool's.
 A check whose compiler is missing is skipped (exit code 77).
 """
 import ctypes
+import importlib
 import json
 import os
 import pathlib
@@ -23,15 +24,19 @@ from description import Description, Function
 
 CONFIG = json.loads(pathlib.Path(sys.argv[2]).read_text())
 LIBRARY = pathlib.Path(CONFIG["library"])
+FILES_LIBRARY = pathlib.Path(CONFIG["files_library"])
 WINDOWS = CONFIG["system"] == "Windows"
 BITS = str(8 * int(CONFIG["pointer_bytes"]))
 BINDINGS = SOURCE / "bindings"
-DESCRIPTION = Description()
+NAME = sys.argv[3] if len(sys.argv) > 3 else "kirvo"
+DESCRIPTION = Description(NAME)
+UNIT = DESCRIPTION.library
+FIRST = NAME == "kirvo"  # the one that the examples show
 SKIPPED = 77
 
-HANDLES = {"HGLOBAL", "HWND", "HPALETTE", "HGDIOBJ", "LPVOID", "const void*"}
+HANDLES = {"HGLOBAL", "HWND", "HPALETTE", "HGDIOBJ", "LPVOID", "const void*", "KirvoFile"}
 WORDS = {"SIZE_T", "uintptr_t"}
-SIZES = {"DWORD": 4, "LONG": 4, "WORD": 2, "BYTE": 1, "uint32_t": 4}
+SIZES = {"DWORD": 4, "LONG": 4, "WORD": 2, "BYTE": 1, "uint32_t": 4, "int32_t": 4, "double": 8}
 
 
 def run(*command, code=0, folder=None):
@@ -39,7 +44,7 @@ def run(*command, code=0, folder=None):
     if str(command[0]).endswith(".exe") and WINDOWS:
         command = (SOURCE / "script/wine", BITS, *command)
     environment = {**os.environ, "LD_LIBRARY_PATH": str(LIBRARY.parent),
-                   "KIRVO_LIBRARY": str(LIBRARY), "PYTHONDONTWRITEBYTECODE": "1"}
+                   "KIRVO_LIBRARY": str(LIBRARY), "KIRVO_FILES_LIBRARY": str(FILES_LIBRARY), "PYTHONDONTWRITEBYTECODE": "1"}
     result = subprocess.run(list(map(str, command)), env=environment, text=True,
                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, cwd=folder)
     assert result.returncode == code, f"{command}: {result.returncode}\n{result.stdout}"
@@ -119,7 +124,8 @@ def check_current(folder):
 PYTHON_TYPES = {
     "c_int": {"int32_t", "BOOL"}, "c_uint": {"uint32_t"}, "c_short": {"int16_t"},
     "c_ushort": {"uint16_t"}, "c_ubyte": {"uint8_t"}, "c_double": {"double"},
-    "c_void_p": HANDLES, "c_ulong": WORDS, "FileName": {"LPCSTR"},
+    "c_void_p": HANDLES | {"const KirvoWide*"}, "c_ulong": WORDS, "FileName": {"LPCSTR"},
+    "Text": {"const char*"}, "c_char": {"char"},
 }
 
 
@@ -132,9 +138,10 @@ def python_parameter(kind, c):
 
 
 def check_python(folder):
-    os.environ["KIRVO_LIBRARY"] = str(LIBRARY)
-    sys.path.insert(0, str(BINDINGS / "python"))
-    import kirvo
+    os.environ.update(KIRVO_LIBRARY=str(LIBRARY), KIRVO_FILES_LIBRARY=str(FILES_LIBRARY),
+                      PYTHONPATH=str(BINDINGS / "python/src"))
+    sys.path.insert(0, os.environ["PYTHONPATH"])
+    kirvo = importlib.import_module({"kirvo": "kirvo.flat", "kirvo_files": "kirvo.flat_files"}[NAME])
     declared = {}
     for function in DESCRIPTION.functions:
         python = kirvo.functions[function.name]
@@ -152,8 +159,36 @@ def check_python(folder):
         assert [name for name, _ in made._fields_] == [field.name for field in structure.fields]
     for name, value in DESCRIPTION.constants.items():
         assert name in ("TRUE", "FALSE") or getattr(kirvo, name) == value, name
+    if not FIRST:
+        check_python_files(kirvo, folder)
+        return
     check_python_calls(kirvo)
     check_example(folder, sys.executable, BINDINGS / "python/blur.py")
+
+
+def check_python_files(files, folder):
+    """A picture goes through the second library."""
+    from kirvo import flat as kirvo
+    byref, dib, photo = ctypes.byref, kirvo.HANDLE(), files.KirvoFile()
+    make_photo(folder / "写真.bmp")
+    files.check(files.KirvoFilesOpen(folder / "写真.bmp", None, byref(dib), byref(photo)), photo)
+    with kirvo.Block(dib.value) as image:
+        given = files.options(files.KirvoFilesSaveOptions, quality=80)
+        files.check(files.KirvoFilesSave(folder / "Łódź.jpg", image, photo, byref(given), None))
+    files.KirvoFilesClose(photo)
+    files.check(files.KirvoFilesInfo(str(folder / "Łódź.jpg"), None, byref(photo)), photo)
+    about = files.KirvoFilesDescription(size=ctypes.sizeof(files.KirvoFilesDescription))
+    files.KirvoFilesDescribe(photo, byref(about))
+    assert (about.width, about.height, about.quality) == (333, 217, 80)
+    assert files.text(photo, files.KIRVO_FILES_TEXT_VARIANT) == "baseline, YCbCr 4:2:0"
+    files.KirvoFilesClose(photo)
+    try:
+        files.check(files.KirvoFilesInfo(folder / "missing.jpg", None, byref(photo)), photo)
+    except files.KirvoFilesError as error:
+        assert error.status is files.Status.KIRVO_FILES_MISSING and "missing.jpg" in str(error)
+    else:
+        raise AssertionError("no KirvoFilesError")
+    files.KirvoFilesClose(photo)
 
 
 def check_python_calls(kirvo):
@@ -186,12 +221,18 @@ def check_python_calls(kirvo):
 CSHARP_TYPES = {
     "Int32": {"int32_t"}, "KirvoStatus": {"int32_t"}, "UInt32": {"uint32_t"}, "Int16": {"int16_t"},
     "UInt16": {"uint16_t"}, "Byte": {"uint8_t", "void"}, "Double": {"double"}, "Boolean": {"BOOL"},
-    "IntPtr": HANDLES, "UIntPtr": WORDS, "String": {"LPCSTR"},
+    "IntPtr": HANDLES, "UIntPtr": WORDS, "String": {"LPCSTR", "const KirvoWide*"},
+    "KirvoFilesStatus": {"int32_t"}, "Byte[]": {"const char*"},
 }
+CSHARP_TYPES["Byte"] |= {"char"}
 
 
 def csharp_parameter(text, given):
     way, _, kind = text.rpartition(":")
+    if text == "Byte[]" and not given.way:
+        return text, None
+    if kind.endswith("&") and not way:
+        return kind[:-1], "any"  # ref
     if kind == "KirvoWindowHost":
         return kind, "in"  # a class is passed as its address
     if given.way and given.nullable and text == "IntPtr":
@@ -202,12 +243,12 @@ def csharp_parameter(text, given):
 def check_csharp(folder):
     need("mcs", "mono-mcs")
     need("mono", "mono-runtime")
-    declarations = BINDINGS / "csharp/Kirvo.cs"
-    for name, path in {"Signatures": SOURCE / "tests/bindings/Signatures.cs",
+    declarations = [BINDINGS / "csharp/Kirvo.cs", BINDINGS / "csharp/KirvoFiles.cs"]
+    for name, path in {"Signatures": csharp_signatures(folder),
                        "Blur": BINDINGS / "csharp/Blur.cs"}.items():
         program = folder / f"{name}.exe"
         run("mcs", "-warn:4", "-warnaserror", f"-out:{program}", f"-doc:{folder}/{name}.xml", path,
-            declarations)
+            *declarations)
         shutil.copy(BINDINGS / "csharp/Kirvo.dll.config", f"{program}.config")
     sizes, constants, overloads = {}, {}, []
     described = {function.name: function for function in DESCRIPTION.functions}
@@ -226,8 +267,20 @@ def check_csharp(folder):
     assert sizes == {structure.name: size_of(structure) for structure in DESCRIPTION.structures}
     assert constants == {name: value for name, value in DESCRIPTION.constants.items()
                          if name not in ("TRUE", "FALSE")}
-    check_example(folder, "mono", folder / "Blur.exe")
+    if FIRST:
+        check_example(folder, "mono", folder / "Blur.exe")
     check_csharp_resolver(folder, declarations)
+
+
+def csharp_signatures(folder):
+    """The program that lists what is declared, for this library."""
+    text = (SOURCE / "tests/bindings/Signatures.cs").read_text()
+    types = ", ".join(f"typeof({structure.name})" for structure in DESCRIPTION.structures)
+    text = re.sub(r"new\[\] \{.*?\}", f"new[] {{ {types} }}", text, flags=re.DOTALL)
+    text = text.replace("typeof(Kirvo)", f"typeof({UNIT})").replace("KirvoStatus", f"{UNIT}Status")
+    path = folder / "Signatures.cs"
+    path.write_text(text)
+    return path
 
 
 def check_csharp_resolver(folder, declarations):
@@ -248,7 +301,7 @@ def check_csharp_resolver(folder, declarations):
             }
         }""")
     run("mcs", "-target:library", "-define:NET5_0_OR_GREATER", f"-out:{folder}/Net5.dll", standins,
-        declarations)
+        *declarations)
 
 
 # Free Pascal
@@ -257,12 +310,15 @@ PASCAL_TYPES = {
     "LongInt": {"int32_t"}, "LongWord": {"uint32_t"}, "Word": {"uint16_t"}, "Double": {"double"},
     "LongBool": {"BOOL"}, "HGLOBAL": {"HGLOBAL"}, "HWND": {"HWND"}, "HPALETTE": {"HPALETTE"},
     "THandle": {"HGDIOBJ"}, "Pointer": {"LPVOID", "const void*"}, "PAnsiChar": {"LPCSTR"},
-    "KirvoUIntPtr": WORDS,
+    "KirvoUIntPtr": WORDS, "TKirvoFile": {"KirvoFile"}, "PWideChar": {"const KirvoWide*"},
 }
+PASCAL_TYPES["PAnsiChar"] |= {"const char*"}
 PASCAL_POINTERS = {
     "PInteger": {"int32_t"}, "PKirvoLongWord": {"uint32_t"}, "PSmallInt": {"int16_t"},
     "PWord": {"uint16_t"}, "PByte": {"uint8_t"}, "PKirvoHandle": {"HGLOBAL"}, "Pointer": {"void"},
-    "PPALETTEENTRY": {"PALETTEENTRY"}, "PKirvoWindowHost": {"KirvoWindowHost"},
+    "PPALETTEENTRY": {"PALETTEENTRY"}, "PKirvoWindowHost": {"KirvoWindowHost"}, "PAnsiChar": {"char"}, "PKirvoFile": {"KirvoFile"},
+    "PKirvoFilesOpenOptions": {"KirvoFilesOpenOptions"},
+    "PKirvoFilesSaveOptions": {"KirvoFilesSaveOptions"},
 }
 PASCAL_CONVENTION = "{$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF}"
 
@@ -272,8 +328,8 @@ def pascal_parameters(text, parameters):
     found = []
     for part in filter(None, re.split(r";\s*", text)):
         names, kind = part.split(": ")
-        way = re.match("(?:(out|const) )?", names)[1]
-        found += [(kind, {"out": "out", "const": "in", None: None}[way])] * len(names.split(","))
+        way = re.match("(?:(out|const|var) )?", names)[1]
+        found += [(kind, {"out": "out", "const": "in", "var": "any", None: None}[way])] * len(names.split(","))
     return [(kind, "any") if way is None and given.way else (kind, way)
             for (kind, way), given in zip(found, parameters, strict=True)]
 
@@ -282,17 +338,17 @@ def pascal_functions(text):
     described = {function.name: function for function in DESCRIPTION.functions}
     for word, name, parameters, result, convention, exported in re.findall(
             r"^(function|procedure) (\w+)(?:\(([^)]*)\))?(?:: (\w+))?;\s*"
-            r"(\S.*?) external KirvoLibrary name '(\w+)';", text, re.MULTILINE):
+            r"(\S.*?) external (?:Kirvo|KirvoFiles)Library name '(\w+)';", text, re.MULTILINE):
         function = described[name]
         assert exported == name and (word == "function") == bool(result), name
-        assert convention == (PASCAL_CONVENTION if function.home == "Kirvo" else "cdecl;"), name
+        assert convention == (PASCAL_CONVENTION if function.home == UNIT else "cdecl;"), name
         yield name, (result or None, pascal_parameters(parameters, function.parameters))
 
 
 def names_program(functions, sizes, numbers):
     """Finds each function in the library and prints sizes and numbers."""
     return "\n".join([
-        "program Names;", "uses Kirvo;", "var address: Pointer;", "begin",
+        "program Names;", f"uses {UNIT};", "var address: Pointer;", "begin",
         *(f"  address := @{function.name}; if address = nil then Halt(1);" for function in functions),
         *(f"  WriteLn('{name} ', SizeOf(T{name}));" for name in sizes),
         *(f"  WriteLn('{name} ', {name});" for name in numbers), "end.", ""])
@@ -303,9 +359,10 @@ def check_pascal(folder):
     if WINDOWS:
         compiler, suffix = [SOURCE / "script/fpc", BITS], ".exe"
         shutil.copy(LIBRARY, folder)
+        shutil.copy(FILES_LIBRARY, folder)
     else:
         need("fpc", "fp-compiler")
-    text = (BINDINGS / "pascal/Kirvo.pas").read_text()
+    text = (BINDINGS / f"pascal/{UNIT}.pas").read_text()
     compare(dict(pascal_functions(text)),
             {word: PASCAL_TYPES.get(word, set()) | PASCAL_POINTERS.get(word, set())
              for word in PASCAL_TYPES | PASCAL_POINTERS} |
@@ -322,14 +379,16 @@ def check_pascal(folder):
         run(*compiler, "-vew", "-Sew", f"-FE{folder}", f"-Fu{BINDINGS}/pascal", program)
     printed = dict(line.split() for line in run(folder / f"Names{suffix}").splitlines())
     assert printed == {name: str(value) for name, value in (sizes | numbers).items()}
-    check_example(folder, folder / f"Blur{suffix}")
+    if FIRST:
+        check_example(folder, folder / f"Blur{suffix}")
 
 
 # Visual Basic: there is no compiler here, so its syntax is checked by what follows.
 
 BASIC_TYPES = {
     "Long": {"int32_t", "uint32_t", "BOOL"}, "Integer": {"int16_t", "uint16_t"},
-    "Byte": {"uint8_t"}, "Double": {"double"}, "String": {"LPCSTR"}, "Any": {"void"},
+    "Byte": {"uint8_t", "char"}, "Double": {"double"}, "String": {"LPCSTR", "const char*"},
+    "Any": {"void"},
 }
 BASIC_RESERVED = set("""
     abs addressof and any array as attribute boolean byref byte byval call case cbool cbyte ccur
@@ -342,7 +401,7 @@ BASIC_RESERVED = set("""
     raiseevent redim rem resume return rset scale seek select set sgn shared single spc static stop
     string sub tab then to true type typeof ubound unlock until variant wend while with withevents
     write xor""".split())
-BASIC_BLOCKS = {"Sub": "End Sub", "Function": "End Function", "If": "End If",
+BASIC_BLOCKS = {"Sub": "End Sub", "Function": "End Function", "If": "End If", "Property": "End Property",
                 "Select": "End Select", "Enum": "End Enum", "Type": "End Type"}
 
 
@@ -376,7 +435,7 @@ def check_basic_blocks(lines):
     stack = []
     outside = r"Attribute |Option Explicit$|(Public|Private) (Declare |Const |Enum |Type |\w+ As )"
     for line in lines:
-        match = re.match(r"(?:(?:Public|Private) )?(Sub|Function|If|Select|Enum|Type)\b(?!.* Lib )",
+        match = re.match(r"(?:(?:Public|Private) )?(Sub|Function|If|Select|Enum|Type|Property)\b(?!.* Lib )",
                          line)
         if match and (match[1] != "If" or line.endswith(" Then")):
             assert not stack or match[1] in ("If", "Select"), line
@@ -410,13 +469,13 @@ def basic_functions(lines, safe):
 
 def check_basic(folder):
     functions = [function for function in DESCRIPTION.functions if function.home]
-    module, form = BINDINGS / "vb/Kirvo.bas", BINDINGS / "vb/BlurForm.frm"
+    module, form = BINDINGS / f"vb/{UNIT}.bas", BINDINGS / "vb/BlurForm.frm"
     for safe, wide in ((True, True), (True, False), (False, False)):
         lines = list(basic_lines(module, {"VBA7": safe, "Win64": wide}))
         check_basic_blocks(lines)
         pointer = "LongPtr" if safe else "Long"
         types = {**BASIC_TYPES,
-                 pointer: BASIC_TYPES.get(pointer, set()) | HANDLES | WORDS}
+                 pointer: BASIC_TYPES.get(pointer, set()) | HANDLES | WORDS | {"const KirvoWide*"}}
         declared = list(basic_functions(lines, safe))
         assert len(declared) == len(functions)
         compare(dict(declared), types, functions)
@@ -428,6 +487,9 @@ def check_basic(folder):
         twice = {name for name in names if names.count(name) > 1}
         assert not twice, f"named twice: {twice}"
         check_basic_numbers(lines)
+    if not FIRST:
+        return
+    check_basic_class(functions)
     code = [line for line in basic_lines(form, {})
             if not re.match(r"VERSION|Begin|End$|\w+ +=", line)]
     check_basic_blocks(code)
@@ -435,6 +497,45 @@ def check_basic(folder):
         for name, given in re.findall(r"\b((?:Jpg|Dib)\w+)\(?(.*?)\)?$", line):
             arity = next(len(function.parameters) for function in functions if function.name == name)
             assert given.count(",") + 1 == arity, line
+
+
+def given_to(line, name):
+    """The arguments of a call, by the commas between its parentheses."""
+    rest = re.split(rf"\b{name}\b", line, maxsplit=1)[1]
+    depth, found, inside = 0, [""], rest.lstrip()
+    called = inside.startswith("(")
+    for sign in inside:
+        depth += (sign == "(") - (sign == ")")
+        if called and depth == 0:
+            break
+        if sign == "," and depth == called:
+            found.append("")
+        else:
+            found[-1] += sign
+    return [text for text in found if text.strip("( ")]
+
+
+def check_basic_class(functions):
+    """The object layer: blocks, names, and every call of a function with as many arguments as it has."""
+    arity = {function.name: len(function.parameters) for function in functions}
+    for safe, wide in ((True, True), (True, False), (False, False)):
+        lines = [line for line in basic_lines(BINDINGS / "vb/KirvoImage.cls", {"VBA7": safe, "Win64": wide})
+                 if not re.match(r"VERSION|BEGIN|END$|MultiUse", line)]
+        check_basic_blocks(lines)
+        assert safe or not any("LongPtr" in line or "PtrSafe" in line for line in lines)
+        called = set()
+        for line in lines:
+            for name in set(re.findall(r"\b\w+\b", re.sub('"[^"]*"', '""', line))) & set(arity):
+                assert len(given_to(line, name)) == arity[name] or " Lib " in line, line
+                called.add(name)
+            if match := re.match(r"(?:Public|Private) (?:Sub|Function) \w+\((.*)\)", line):
+                for part in filter(None, match[1].split(", ")):
+                    name = re.match(r"(?:Optional )?By(?:Val|Ref) (\w+)(?:\(\))? As ", part)[1]
+                    assert name.lower() not in BASIC_RESERVED, line
+        assert len(called) > 50
+        names = re.findall(r"^(?:Public|Private) (?:Sub|Function|Property Get) (\w+)", "\n".join(lines),
+                           re.MULTILINE)
+        assert len(names) == len({name.lower() for name in names}), "named twice"
 
 
 def check_basic_numbers(lines):
@@ -445,7 +546,7 @@ def check_basic_numbers(lines):
                 re.findall(r"^(KIRVO_\w+) = (-?\d+)$", text, re.MULTILINE)}
     assert numbers == {name: value for name, value in DESCRIPTION.constants.items()
                        if name not in ("TRUE", "FALSE")}
-    sizes = {"Long": 4, "Integer": 2, "Byte": 1}
+    sizes = {"Long": 4, "Integer": 2, "Byte": 1, "Double": 8}
     for structure in DESCRIPTION.structures:
         if not structure.is_table:
             body = re.search(rf"^Public Type {structure.name}\n(.*?)\nEnd Type", text,

@@ -145,7 +145,7 @@ def check_thumbnails():
     assert "3 made, 0 failed" in run("thumbnails", "album", "small", 120)
     (WORK / "album/broken.jpg").write_bytes(b"\xff\xd8 broken")
     output = run("thumbnails", "album", "small", 120, code=1)
-    assert "3 made, 1 failed" in output and "broken.jpg: status -13" in output, output
+    assert "3 made, 1 failed" in output and "broken.jpg: " in output, output
 
     assert sorted(f.name for f in (WORK / "small").iterdir()) == \
         ["sheet.JPG", "tiny.bmp.jpg", "wide.bmp.jpg"]
@@ -179,9 +179,27 @@ def check_vignette():
     Picture.drawn(40, 40).write("cut.bmp")
     whole = (WORK / "cut.bmp").read_bytes()
     (WORK / "cut.bmp").write_bytes(whole[:-200])
-    assert "damaged" in run("vignette", "cut.bmp", "e.bmp", code=1)
-    (WORK / "flat.bmp").write_bytes(whole[:28] + b"\x20" + whole[29:])
-    assert "not 24 bits" in run("vignette", "flat.bmp", "e.bmp", code=1)
+    assert "cut.bmp: " in run("vignette", "cut.bmp", "e.bmp", code=1)
+    assert not (WORK / "e.bmp").exists()
+
+
+def check_photo():
+    name = "photo.jpg" if LAUNCHER else "写真.jpg" # launched programs get names in the ANSI code page
+    shutil.copy(PHOTO, WORK / name)
+    shown = [int(number) for number in re.findall(r"(\d+)%", run("photo", name, "out.bmp"))]
+    assert shown[-1] == 100 and shown.count(100) >= 4, shown # opened, cropped, resized, sharpened, saved
+    run("convert", name, "whole.bmp")
+    whole, made = Picture.read("whole.bmp"), Picture.read("out.bmp")
+    width, height = whole.width * 9 // 10, whole.height * 9 // 10
+    assert (made.width, made.height) == (800, height * 800 // width)
+    left, top = whole.width // 20, whole.height // 20
+    part = Picture(width, height, [row[3 * left:3 * (left + width)]
+                                   for row in whole.rows[top:top + height]])
+    for small, large in zip(made.mean(), part.mean()):
+        assert abs(small - large) < 4, f"{made.mean()} of {part.mean()}"
+    (WORK / "text.jpg").write_bytes(b"no picture at all" * 100)
+    assert "text.jpg: " in run("photo", "text.jpg", "e.bmp", code=1)
+    assert not (WORK / "e.bmp").exists()
 
 
 def check_window():

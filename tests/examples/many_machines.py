@@ -17,6 +17,7 @@ import time
 root = pathlib.Path(__file__).resolve().parents[2]
 libraries, kirvo = pathlib.Path(sys.argv[1]).resolve(), os.path.abspath(sys.argv[2])
 environment = {**os.environ, "KIRVO_LIBRARY": str(libraries / "libkirvo.so"),
+               "KIRVO_FILES_LIBRARY": str(libraries / "libkirvofiles.so"),
                "DASK_DISTRIBUTED__WORKER__DAEMON": "False"}
 COUNT = 40
 
@@ -100,7 +101,9 @@ def check(top):
     cluster = Cluster(own)
     try:
         work = start(tree, to, "--scheduler", cluster.address, "--size", "100")
-        wait_for(lambda: len(list(to.rglob("*.jpg"))) >= 3, "nothing is made")
+        wait_for(lambda: len(list(to.rglob("*.jpg"))) >= 3 or work.poll() is not None,
+                 "nothing is made")
+        assert work.poll() is None, work.communicate()
         assert len(list(to.rglob("*.jpg"))) < COUNT, "too fast to be disturbed"
         cluster.workers[0].send_signal(signal.SIGKILL)
         output, _ = finish(work, 0)

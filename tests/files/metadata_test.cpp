@@ -179,6 +179,8 @@ TEST(Metadata, sizes_in_exif_become_those_of_the_picture) {
     const Saved saved = save(other.dib, as(KIRVO_FILES_JPEG), source.file);
     const Bytes block = Opened(saved.bytes).data(KIRVO_FILES_DATA_EXIF);
     ASSERT_GT(block.size(), inner_at + 2 + 6 * 12);
+    EXPECT_EQ(block[first_at + 2 + 5 * 12] | block[first_at + 2 + 5 * 12 + 1], 0)
+        << "no second directory";
     EXPECT_EQ(block[inner_at + 2 + 4 * 12 + 8], 100);
     EXPECT_EQ(block[inner_at + 2 + 5 * 12 + 8], 40);
 }

@@ -485,7 +485,11 @@ TEST(IcoGetData, has_no_memory_for_a_depth_that_no_image_has) {
     }
     Bytes png = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n', 0, 0, 0, 13, 'I', 'H', 'D', 'R'};
     png.resize(200);
-    expect_failure(read_icon(icon_with_entry({4, 4, 200}, png)), KIRVO_NO_MEMORY);
+    for (const uint32_t bytes : {200u, 16u, 15u, 0u}) // a mask takes 16
+        expect_failure(read_icon(icon_with_entry({4, 4, bytes}, png)), KIRVO_NO_MEMORY);
+    Bytes smallest = {0, 0, 1, 0, 1, 0, 1, 1, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 22, 0, 0, 0};
+    smallest.resize(62);
+    expect_failure(read_icon(smallest), KIRVO_NO_MEMORY);
 }
 
 TEST(IcoGetData, finds_no_image_outside_the_file) {

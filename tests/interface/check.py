@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks of the interface as it is built: check.py CHECK build/<preset>/interface.json
+"""Checks of the interface as it is built: check.py CHECK build/<preset>/interface.json [kirvo_files]
 
 The JSON file comes from CMake and names compilers, tools, objects and the library.
 """
@@ -18,11 +18,16 @@ from header import Header
 
 CONFIG = json.loads(pathlib.Path(sys.argv[2]).read_text())
 SOURCE = pathlib.Path(CONFIG["source"])
-LIBRARY = pathlib.Path(CONFIG["library"])
+NAME = sys.argv[3] if len(sys.argv) > 3 else "kirvo"
+FIRST = NAME == "kirvo"
+LIBRARY = pathlib.Path(CONFIG["library" if FIRST else "files_library"])
+OBJECTS = CONFIG["objects" if FIRST else "files_objects"]
 WINDOWS = CONFIG["system"] == "Windows"
 
 ALLOWED_IMPORTS = {"kernel32.dll", "user32.dll", "gdi32.dll", "comdlg32.dll", "msvcrt.dll"}
-SIZE_LIMIT = 400 * 1024
+SIZE_LIMIT = (370 if FIRST else 250) * 1024
+if not FIRST:
+    ALLOWED_IMPORTS |= {"kirvo.dll", "ole32.dll"}
 
 
 def run(*command):
@@ -55,19 +60,21 @@ def exported():
 
 def check_exports():
     """Description, header, module definition and symbols of the built library agree."""
-    functions = Description().functions
-    library = [function.name for function in functions if function.home == "Kirvo"]
+    description = Description(NAME)
+    functions = description.functions
+    library = [function.name for function in functions if function.home == description.library]
     everywhere = [function.name for function in functions]
-    same("kirvo.h against the description", list(Header().parameters), everywhere)
-    same("kirvo.def against the description", module_definition("kirvo.def"), library)
-    same("standins.def against the description",
-         module_definition("kirvo.def") + module_definition("cmake/standins.def"), everywhere)
+    same("the header against the description", list(Header(f"{NAME}.h").parameters), everywhere)
+    same("the .def against the description", module_definition(f"{NAME}.def"), library)
+    if FIRST:
+        same("standins.def against the description",
+             module_definition("kirvo.def") + module_definition("cmake/standins.def"), everywhere)
     same("exported against the description", exported(), library if WINDOWS else everywhere)
 
 
 def check_names():
     """Description and header have the same groups, names of numbers, structures and parameters."""
-    description, header = Description(), Header()
+    description, header = Description(NAME), Header(f"{NAME}.h")
     same("groups", list(header.titles), [group.name for group in description.groups])
     same("numbers", header.constants, list(description.constants))
     same("structures", header.structures, [structure.name for structure in description.structures])
@@ -110,21 +117,25 @@ def type_assertions(description):
                    f'__builtin_offsetof({name}, {field.name}), "{name}.{field.name}");')
     for name, value in description.constants.items():
         yield f'_Static_assert({name} == {value}, "{name}");'
+    for function in description.functions:
+        if function.home == "Kirvo":
+            yield f"PFN_{function.name} pointer_to_{function.name} = {function.name};"
 
 
 def check_types():
     """The C compiler finds the described types in kirvo.h."""
-    source = "\n".join(["#include <kirvo.h>", *type_assertions(Description())])
+    source = "\n".join([f"#include <{NAME}.h>", *type_assertions(Description(NAME))])
     subprocess.run([CONFIG["c_compiler"], "-Wall", "-Werror", "-fsyntax-only", "-std=c11", "-x", "c",
                     f"-I{SOURCE}/include", "-"], check=True, text=True, input=source)
 
 
 def check_stdcall():
     """The compiler's decorated names show the described bytes of arguments."""
-    symbols = run(CONFIG["nm"], "--extern-only", "--defined-only", *CONFIG["objects"])
+    symbols = run(CONFIG["nm"], "--extern-only", "--defined-only", *OBJECTS)
     built = dict(re.findall(r" T _(\w+)@(\d+)$", symbols, re.MULTILINE))
-    for function in Description().functions:
-        if function.home == "Kirvo":
+    description = Description(NAME)
+    for function in description.functions:
+        if function.home == description.library:
             assert built.get(function.name) == str(function.stack_bytes), \
                 f"{function.name}: {function.stack_bytes} described, {built.get(function.name)} built"
 
@@ -132,7 +143,7 @@ def check_stdcall():
 def compile_header(compiler, language, standard):
     flags = ["-Wall", "-Wextra", "-pedantic", "-Werror", "-fsyntax-only"]
     subprocess.run([compiler, *flags, f"-std={standard}", "-x", language, f"-I{SOURCE}/include", "-"],
-                   check=True, text=True, input="#include <kirvo.h>\n#include <kirvo.h>\n")
+                   check=True, text=True, input=2 * f"#include <{NAME}.h>\n")
 
 
 def check_header_c99():
@@ -152,6 +163,9 @@ def check_imports():
         imports = re.findall(r"NEEDED\s+(\S+)", run(CONFIG["objdump"], "-p", LIBRARY))
         extra = {name for name in imports
                  if not re.match(r"(lib(c|m|gcc_s|stdc\+\+|asan|ubsan)|ld-linux.*)\.so", name)}
+        if not FIRST:
+            extra -= {name for name in extra
+                      if re.match(r"lib(kirvo|jpeg|turbojpeg|spng|tiff|webp|gif)\.so", name)}
     assert not extra, f"imports {sorted(extra)}"
 
 
@@ -188,6 +202,9 @@ def check_version():
         written = re.findall(r"(?<![\w.])(?:\d+\.){3}\d+(?![\w.]\w)", (SOURCE / name).read_text())
         assert set(written) == {version.TEXT}, f"{name}: {written}"
     assert f"0x{version.NUMBER:08X} for {version.TEXT}" in (SOURCE / "include/kirvo.h").read_text()
+    assert Description().constants["KIRVO_VERSION"] == version.NUMBER
+    head = re.search(r"^## (\S+)", (SOURCE / "CHANGELOG.md").read_text(), re.M)[1]
+    assert head == version.TEXT, f"CHANGELOG.md begins with {head}"
     if not WINDOWS:
         return
     # VS_FIXEDFILEINFO follows its signature.

@@ -59,9 +59,9 @@ const Case<decltype(Kernels::scale)> scale = {
             to[i] = static_cast<uint8_t>(std::clamp(from[i] * factor / 100 + offset, 0, 255));
     },
     [](auto kernel, Trial& trial) {
-        const auto [to, from] = trial.rows(trial.count);
+        const Trial::Rows row = trial.rows(trial.count);
         const int32_t factor = trial.between(0, 200, 150), offset = trial.between(-255, 255, -60);
-        trial.run([=, &trial] { kernel(to, from, trial.count, factor, offset); });
+        trial.run([=, &trial] { kernel(row.to, row.from, trial.count, factor, offset); });
     },
     "byte", 4093,
     // Every byte by every factor.
@@ -81,9 +81,9 @@ const Case<decltype(Kernels::map)> map = {
         std::transform(from, from + bytes, to, [&](uint8_t byte) { return levels.level[byte]; });
     },
     [](auto kernel, Trial& trial) {
-        const auto [to, from] = trial.rows(trial.count);
+        const Trial::Rows row = trial.rows(trial.count);
         const Levels& levels = *trial.objects<Levels>(1);
-        trial.run([=, &trial, &levels] { kernel(to, from, trial.count, levels); });
+        trial.run([=, &trial, &levels] { kernel(row.to, row.from, trial.count, levels); });
     },
     "byte"};
 
@@ -93,9 +93,9 @@ const Case<decltype(Kernels::invert)> invert = {
             to[i] = static_cast<uint8_t>(from[i] ^ pattern >> i % 4 * 8);
     },
     [](auto kernel, Trial& trial) {
-        const auto [to, from] = trial.rows(trial.count);
+        const Trial::Rows row = trial.rows(trial.count);
         const uint32_t pattern = trial.random.next();
-        trial.run([=, &trial] { kernel(to, from, trial.count, pattern); });
+        trial.run([=, &trial] { kernel(row.to, row.from, trial.count, pattern); });
     },
     "byte"};
 
@@ -105,9 +105,9 @@ const Case<decltype(Kernels::veil)> veil = {
             to[i] = from[i] | veil[i];
     },
     [](auto kernel, Trial& trial) {
-        const auto [to, from] = trial.rows(trial.count);
+        const Trial::Rows row = trial.rows(trial.count);
         const uint8_t* veil = trial.values<uint8_t>(trial.count);
-        trial.run([=, &trial] { kernel(to, from, veil, trial.count); });
+        trial.run([=, &trial] { kernel(row.to, row.from, veil, trial.count); });
     },
     "byte"};
 

@@ -36,7 +36,8 @@ size_t place_of(size_t vertical, size_t horizontal) {
     return rank(horizontal) / 2 * 16 + rank(vertical) * 2 + rank(horizontal) % 2;
 }
 
-void transform_plainly(const int16_t* block, int32_t, int16_t* samples, ptrdiff_t stride) {
+void transform_plainly(const int16_t* levels, const int16_t* quantisers, int32_t, int16_t* samples,
+                       ptrdiff_t stride) {
     static const auto factors = [] {
         std::array<std::array<int64_t, 8>, 8> table;
         for (int x = 0; x < 8; ++x)
@@ -44,12 +45,15 @@ void transform_plainly(const int16_t* block, int32_t, int16_t* samples, ptrdiff_
                 table[static_cast<size_t>(x)][static_cast<size_t>(u)] = factor(x, u);
         return table;
     }();
+    const auto coefficient = [&](size_t place) {
+        return static_cast<int16_t>(levels[place] * quantisers[place]);
+    };
     int64_t rows[8][8];
     for (size_t v = 0; v < 8; ++v)
         for (size_t x = 0; x < 8; ++x) {
             int64_t sum = 0;
             for (size_t u = 0; u < 8; ++u)
-                sum += 8 * block[place_of(v, u)] * factors[x][u];
+                sum += 8 * coefficient(place_of(v, u)) * factors[x][u];
             rows[v][x] = wrapped(sum) >> 16;
         }
     for (size_t y = 0; y < 8; ++y)
@@ -94,9 +98,11 @@ Coefficients thorough_coefficients(Random& random, size_t round) {
     return c;
 }
 
-// The kernel is told the last place that is not 0, or one behind it.
-void transform(decltype(Kernels::inverse_dct) kernel, Trial& trial, const Coefficients& c) {
+// The kernel is told the last place that is not 0, or one behind it. Products of 16 bits may wrap.
+void transform(decltype(Kernels::inverse_dct) kernel, Trial& trial, const Coefficients& c,
+               int32_t most) {
     auto* block = trial.values<int16_t>(64, 0, 0);
+    auto* quantisers = trial.values<int16_t>(64, 1, most);
     int32_t last = 0;
     for (int32_t k = 0; k < 64; ++k) {
         const uint8_t n = zigzag[k];
@@ -109,7 +115,7 @@ void transform(decltype(Kernels::inverse_dct) kernel, Trial& trial, const Coeffi
     const ptrdiff_t stride = trial.between(8, 30, 64);
     auto* samples = trial.values<int16_t>(static_cast<size_t>(7 * stride + 8));
     trial.items = 64;
-    trial.run([=] { kernel(block, last, samples, stride); });
+    trial.run([=] { kernel(block, quantisers, last, samples, stride); });
 }
 
 constexpr int32_t lowest_sample = -4096, highest_sample = 4095;
@@ -166,11 +172,13 @@ namespace cases {
 
 const Case<decltype(Kernels::inverse_dct)> inverse_dct = {
     transform_plainly,
-    [](auto kernel, Trial& trial) { transform(kernel, trial, any_coefficients(trial.random)); },
+    [](auto kernel, Trial& trial) {
+        transform(kernel, trial, any_coefficients(trial.random), trial.between(1, 255, 16));
+    },
     "sample",
     256,
     [](auto kernel, Trial& trial) {
-        transform(kernel, trial, thorough_coefficients(trial.random, trial.round));
+        transform(kernel, trial, thorough_coefficients(trial.random, trial.round), 1);
     },
     512 + 5041};
 

@@ -122,7 +122,7 @@ std::vector<Shape> shapes_up_to(size_t most) {
             shapes.push_back({.count = count, .offset = offset});
     };
     for (size_t count = 0; count <= 130; ++count)
-        add(count, count % 16 == 0 || count % 16 == 15 ? 1 : 21);
+        add(count, count % 32 == 0 || count % 32 == 31 ? 1 : 21);
     for (const size_t count : {191, 255, 256, 257, 1000, 4093})
         add(count, 31);
     return shapes;

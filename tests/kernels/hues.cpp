@@ -84,9 +84,9 @@ Bands hsv_bands(Random& random, size_t round) {
 
 template<int most_of_first>
 void keep(Kernels::KeepPixels kernel, Trial& trial) {
-    const auto [to, from] = trial.rows(3 * trial.count);
+    const Trial::Rows row = trial.rows(3 * trial.count);
     const Bands& bands = trial.object(any_bands(trial.random, most_of_first));
-    trial.run([=, &trial, &bands] { kernel(to, from, trial.count, bands.of); });
+    trial.run([=, &trial, &bands] { kernel(row.to, row.from, trial.count, bands.of); });
 }
 
 template<typename Values>
@@ -115,10 +115,10 @@ const Case<decltype(Kernels::set_hue)> set_hue = {
         });
     },
     [](auto kernel, Trial& trial) {
-        const auto [to, from] = trial.rows(3 * trial.count);
+        const Trial::Rows row = trial.rows(3 * trial.count);
         const int32_t hue = trial.between(0, all_degrees - 1, 100);
         const bool softer = trial.random.once_in(2);
-        trial.run([=, &trial] { kernel(to, from, trial.count, hue, softer); });
+        trial.run([=, &trial] { kernel(row.to, row.from, trial.count, hue, softer); });
     },
     "pixel", 4093,
     // Every hue for every saturation.
@@ -140,9 +140,9 @@ const Case<decltype(Kernels::turn_hue)> turn_hue = {
         });
     },
     [](auto kernel, Trial& trial) {
-        const auto [to, from] = trial.rows(3 * trial.count);
+        const Trial::Rows row = trial.rows(3 * trial.count);
         const int32_t degrees = trial.between(0, all_degrees - 1, 100);
-        trial.run([=, &trial] { kernel(to, from, trial.count, degrees); });
+        trial.run([=, &trial] { kernel(row.to, row.from, trial.count, degrees); });
     },
     "pixel",
     4093,

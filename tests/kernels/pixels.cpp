@@ -32,9 +32,9 @@ ChannelOrder order_of(size_t number) {
 }
 
 void permute_row(decltype(Kernels::permute) kernel, Trial& trial, size_t pixels, size_t number) {
-    const auto [to, from] = trial.rows(3 * pixels);
+    const Trial::Rows row = trial.rows(3 * pixels);
     const ChannelOrder& order = trial.object(order_of(number));
-    trial.run([=, &order] { kernel(to, from, pixels, order); });
+    trial.run([=, &order] { kernel(row.to, row.from, pixels, order); });
 }
 
 } // namespace
@@ -47,9 +47,9 @@ const Case<decltype(Kernels::map_channels)> map_channels = {
             to[i] = levels.channel[i % 3].level[from[i]];
     },
     [](auto kernel, Trial& trial) {
-        const auto [to, from] = trial.rows(3 * trial.count);
+        const Trial::Rows row = trial.rows(3 * trial.count);
         const ChannelLevels& levels = *trial.objects<ChannelLevels>(1);
-        trial.run([=, &trial, &levels] { kernel(to, from, trial.count, levels); });
+        trial.run([=, &trial, &levels] { kernel(row.to, row.from, trial.count, levels); });
     },
     "pixel"};
 
@@ -78,8 +78,8 @@ const Case<decltype(Kernels::grey)> grey = {
                    [](uint8_t* pixel) { pixel[0] = pixel[1] = pixel[2] = luminance_of(pixel); });
     },
     [](auto kernel, Trial& trial) {
-        const auto [to, from] = trial.rows(3 * trial.count);
-        trial.run([=, &trial] { kernel(to, from, trial.count); });
+        const Trial::Rows row = trial.rows(3 * trial.count);
+        trial.run([=, &trial] { kernel(row.to, row.from, trial.count); });
     },
     "pixel",
     4093,

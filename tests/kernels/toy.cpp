@@ -20,17 +20,17 @@ const Kernels toy = [] {
     table.add = Bytes::add;
     table.average = Bytes::average;
     table.subtract = Bytes::subtract;
-    table.scale = Bytes::scale;
-    table.map = Bytes::map;
-    table.invert = Bytes::invert;
+    table.scale = AnyCount<Bytes::scale, 1, ToyVector::size>::run;
+    table.map = AnyCount<Bytes::map, 1, ToyVector::size>::run;
+    table.invert = AnyCount<Bytes::invert, 1, ToyVector::size>::run;
     table.veil = Bytes::veil;
     table.correct = Bytes::correct;
     table.triple = Bytes::triple;
     table.copy_past_caches = Bytes::copy_past_caches;
-    table.set_hue = Hue::set_hue;
-    table.turn_hue = Hue::turn_hue;
-    table.keep_rgb = Range::keep_rgb;
-    table.keep_hsv = Range::keep_hsv;
+    table.set_hue = AnyCount<Hue::set_hue, 3, ToyVector::size>::run;
+    table.turn_hue = AnyCount<Hue::turn_hue, 3, ToyVector::size>::run;
+    table.keep_rgb = AnyCount<Range::keep_rgb, 3, ToyVector::size>::run;
+    table.keep_hsv = AnyCount<Range::keep_hsv, 3, ToyVector::size>::run;
     return table;
 }();
 
@@ -47,6 +47,7 @@ TEST_P(ToyTest, DoesWhatTheOracleDoes) { check(case_named(GetParam()), {{"the to
 INSTANTIATE_TEST_SUITE_P(Kernels, ToyTest,
                          testing::Values("add", "average", "subtract", "scale", "map", "invert",
                                          "veil", "correct", "triple", "copy_past_caches", "set_hue",
-                                         "turn_hue", "keep_rgb", "keep_hsv"));
+                                         "turn_hue", "keep_rgb", "keep_hsv"),
+                         [](const auto& tested) { return std::string(tested.param); });
 
 } // namespace kirvo_test

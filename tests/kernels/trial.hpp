@@ -40,7 +40,7 @@ class Trial {
     size_t items; // what a measurement is divided by
     Random random;
 
-    // n elements from low to high: random, all alike, extremes, or rising. The kernel may change
+    // n elements from low to high: random, all alike, all high, extremes, or rising. The kernel may change
     // them all; what it makes of them has to be right.
     template<typename T>
     T* values(size_t n, int64_t low = std::numeric_limits<T>::min(),
@@ -131,16 +131,19 @@ T* Trial::filled(T* to, size_t n, int64_t low, int64_t high) {
     const auto draw = [&] {
         return static_cast<T>(low + static_cast<int64_t>((random.next() * span) >> 32));
     };
-    switch (between(0, 7, 7)) {
+    switch (between(0, 8, 8)) {
     case 0:
         std::fill_n(to, n, draw());
         break;
     case 1:
+        std::fill_n(to, n, static_cast<T>(high));
+        break;
     case 2:
+    case 3:
         for (size_t i = 0; i < n; ++i)
             to[i] = static_cast<T>(random.next() & 0x100 ? low : high);
         break;
-    case 3: {
+    case 4: {
         const uint64_t start = random.next(), step = random.next() % 16 + 1;
         for (size_t i = 0; i < n; ++i)
             to[i] = static_cast<T>(low + static_cast<int64_t>((start + i * step) % span));

@@ -26,13 +26,13 @@ DESCRIBED = r"format: JPEG\r?\n.*\n *width: \d{3,}" # what the tool says of a pi
 
 if PACKAGE == "deb":
     PREFIX, DOCUMENTS = UNPACKED / "usr", UNPACKED / "usr/share/doc/kirvo"
-    LAUNCHER, CC, CXX, TOOL = [], "cc", "c++", "kirvo"
+    LAUNCHER, CC, CXX, TOOL, SUFFIX = [], "cc", "c++", "kirvo", ""
 else:
     BITS = PACKAGE[3:]
     PREFIX = DOCUMENTS = UNPACKED / f"kirvo-{VERSION}-{PACKAGE}"
     MACHINE = {"32": "i686", "64": "x86_64"}[BITS]
     TRIPLE = f"{MACHINE}-w64-mingw32"
-    LAUNCHER, TOOL = [ROOT / "script/wine", BITS], "kirvo.exe"
+    LAUNCHER, TOOL, SUFFIX = [ROOT / "script/wine", BITS], "kirvo.exe", ".exe"
     CC, CXX = f"{TRIPLE}-gcc-win32", f"{TRIPLE}-g++-win32"
 
 
@@ -62,16 +62,18 @@ def check_unpack():
 
 def check_contents():
     """Everything is there, and nothing remembers where it was built."""
-    expected = ["include/kirvo.h", f"bin/{TOOL}", "lib/cmake/Kirvo/KirvoConfig.cmake",
+    expected = ["include/kirvo.h", "include/kirvo_files.h", "lib/pkgconfig/kirvofiles.pc", f"bin/{TOOL}", "lib/cmake/Kirvo/KirvoConfig.cmake",
                 "lib/cmake/Kirvo/KirvoConfigVersion.cmake", "lib/pkgconfig/kirvo.pc"]
     documents = ["README.md", "examples/CMakeLists.txt", "docs/contact-sheet.jpg",
                  "bindings/README.md"]
     if PACKAGE == "deb":
-        expected += ["lib/libkirvo.so", "share/man/man1/kirvo.1.gz",
+        expected += ["lib/libkirvo.so", "lib/libkirvofiles.so", "share/man/man1/kirvo.1.gz",
                      "share/bash-completion/completions/kirvo"]
         documents += ["copyright", "changelog.gz"]
     else:
-        expected += ["bin/Kirvo.dll", "lib/libKirvo.dll.a", "lib/Kirvo.lib", "lib/kirvo.def"]
+        expected += ["bin/Kirvo.dll", "bin/KirvoView.exe", "lib/libKirvo.dll.a", "lib/Kirvo.lib", "lib/kirvo.def",
+                     "bin/KirvoFiles.dll", "lib/libKirvoFiles.dll.a", "lib/KirvoFiles.lib",
+                     "lib/kirvo_files.def"]
         documents += ["LICENSE"]
     if (ROOT / "build/docs/html/index.html").exists():
         documents.append("docs/html/index.html")
@@ -86,10 +88,11 @@ def check_contents():
 
 
 def check_library():
-    """The DLL is small and stripped."""
-    library = PREFIX / "bin/Kirvo.dll"
-    assert library.stat().st_size < SIZE_LIMIT, library.stat().st_size
-    assert "no symbols" in run(f"{TRIPLE}-objdump", "-t", library)
+    """The DLLs are small and stripped."""
+    for name, limit in {"Kirvo.dll": SIZE_LIMIT, "KirvoFiles.dll": 250 * 1024}.items():
+        library = PREFIX / "bin" / name
+        assert library.stat().st_size < limit, library.stat().st_size
+        assert "no symbols" in run(f"{TRIPLE}-objdump", "-t", library)
 
 
 def check_tool():
@@ -110,6 +113,24 @@ def flags_by_hand():
     flags = [f"-I{PREFIX}/include", f"-L{PREFIX}/lib"]
     return flags + (["-lkirvo", f"-Wl,-rpath,{PREFIX}/lib"] if PACKAGE == "deb"
                     else ["-lKirvo", "-static"])
+
+
+def check_files_program():
+    """A program of three lines opens any picture by the second library."""
+    source = WORK / "open.c"
+    source.write_text("""
+        #include <kirvo_files.h>
+        int main(int count, char** names) {
+            HGLOBAL dib;
+            return count == 2 ? KirvoFilesOpen(names[1], NULL, &dib, NULL) : 1;
+        }
+        """)
+    flags = ["-lkirvofiles"] if PACKAGE == "deb" else ["-lKirvoFiles"]
+    run(CC, source, *flags_by_hand()[:2], *flags, *flags_by_hand()[2:], "-o", WORK / f"open{SUFFIX}")
+    if PACKAGE != "deb":
+        for name in ("Kirvo.dll", "KirvoFiles.dll"):
+            shutil.copy(PREFIX / "bin" / name, WORK)
+    run(*LAUNCHER, WORK / f"open{SUFFIX}", DOCUMENTS / "docs/contact-sheet.jpg")
 
 
 def check_c_program():

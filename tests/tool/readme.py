@@ -32,7 +32,7 @@ class Readme(unittest.TestCase):
                                         check=False)
                 self.assertEqual(result.returncode, 0, (command, result.stderr))
             made = set(os.listdir(folder))
-            self.assertLessEqual({"small.bmp", "thumbnails", "posters", "blurred.jpg", "sky.jpg",
+            self.assertLessEqual({"small.png", "thumbnails", "web", "posters", "blurred.jpg", "sky.jpg",
                                   "gallery"}, made)
 
     def test_lines_of_c(self):

@@ -12,6 +12,10 @@ namespace kirvo_test {
 
 #ifdef _WIN32
 constexpr const char* program = "kirvo.exe";
+// The command is UTF-8.
+inline int start(const std::string& command) {
+    return _wsystem(std::filesystem::path(std::u8string(command.begin(), command.end())).c_str());
+}
 inline int exit_code(int result) {
     return result;
 }
@@ -23,6 +27,9 @@ inline bool has_started(int code) {
 }
 #else
 constexpr const char* program = "./kirvo";
+inline int start(const std::string& command) {
+    return std::system(command.c_str());
+}
 inline int exit_code(int result) {
     return WIFEXITED(result) ? WEXITSTATUS(result) : -1;
 }
@@ -37,9 +44,9 @@ struct Outcome {
 };
 
 inline int run_command(const std::string& command) {
-    int code = exit_code(std::system(command.c_str()));
+    int code = exit_code(start(command));
     for (int attempts = 5; attempts != 0 && !has_started(code); --attempts)
-        code = exit_code(std::system(command.c_str()));
+        code = exit_code(start(command));
     return code;
 }
 

@@ -239,6 +239,18 @@ class WindowsInterruption(unittest.TestCase):
         self.assertEqual(code, 130)
         self.assertEqual(list(self.folder.iterdir()), [picture])
 
+    def test_ctrl_c_ends_the_workers_too(self):
+        pictures = [self.folder / f"{i}.bmp" for i in range(6)]
+        subprocess.run([*windows, "make", "solid", "900x600", pictures[0], "-c", "blue"], check=True)
+        for copy in pictures[1:]:
+            shutil.copy(pictures[0], copy)
+        code = self.interrupt("convert", *pictures, "-o", self.folder / "out", "-j2", "--resize",
+                              "4000x3000", *["--hue", "2,10"] * 500, after=2)
+        self.assertEqual(code, 130)
+        time.sleep(1)
+        self.assertEqual(sorted(self.folder.glob("**/*.part")), [])
+        self.assertEqual(sorted(self.folder.glob("*.bmp")), pictures)
+
 
 class ProgressBar(InFolder):
     bar = re.compile(r"\r(\S+) +\[(#*)(\.*)\] +(\d+)% (\d+ s|\d+:\d\d min) left")

@@ -31,11 +31,11 @@ class Report {
             records_.push_back(outcome.record);
     }
 
-    bool finish() const {
+    bool finish(const char* done) const {
         if (settings.json)
             print_json(records_);
         if (told_ > 1 && !settings.quiet)
-            std::fprintf(stderr, "%zu converted, %zu failed\n", told_ - failed_, failed_);
+            std::fprintf(stderr, "%zu %s, %zu failed\n", told_ - failed_, done, failed_);
         return failed_ == 0;
     }
 
@@ -91,7 +91,7 @@ bool rehearse(const std::vector<Job>& jobs) {
         }
         report.add(job, outcome);
     }
-    return report.finish();
+    return report.finish("would be written");
 }
 
 void check(const Conversion& conversion, const std::vector<Job>& jobs) {
@@ -122,5 +122,5 @@ bool convert(const Conversion& conversion, const Operands& operands, const Run& 
     else
         share_out(conversion, jobs, workers,
                   [&](const Job& job, const Outcome& outcome) { report.add(job, outcome); });
-    return report.finish();
+    return report.finish(conversion.turning ? "turned" : "converted");
 }

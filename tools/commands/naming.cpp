@@ -70,9 +70,9 @@ class Naming {
 
     // A folder, or a name that is to be one.
     bool goes_into_folder() const {
-        return is_folder(operands_.output) ||
-               written_format(operands_.output) == KIRVO_FILES_UNKNOWN ||
-               extension(operands_.output).empty();
+        const std::string& name = operands_.output;
+        return is_folder(name) || extension(name).empty() ||
+               KirvoFilesFormatOf(name.c_str()) == KIRVO_FILES_UNKNOWN;
     }
 
   private:

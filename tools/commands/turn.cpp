@@ -2,9 +2,6 @@
 #include "commands/commands.hpp"
 #include "commands/convert.hpp"
 #include "commands/shared_options.hpp"
-#include "system/names.hpp"
-
-#include <algorithm>
 
 namespace {
 
@@ -17,25 +14,13 @@ struct Everything {
 
 const std::vector<std::string> ways = {"upright", "90", "180", "270", "flip", "mirror"};
 
-// The files themselves are turned where nothing else is said: nothing is lost by it.
-void choose_place(Operands& operands) {
-    std::error_code error;
-    const auto is_there = [&](const std::string& name) {
-        return std::filesystem::exists(path_of(name), error);
-    };
-    const bool elsewhere = !operands.output.empty() || !operands.suffix.empty();
-    const std::string& last = operands.names.back();
-    const bool two_names = operands.names.size() == 2 && !is_there(last);
-    const bool folder =
-        operands.names.size() > 1 && !operands.recursive &&
-        (last.ends_with('/') || std::filesystem::is_directory(path_of(last), error));
-    operands.in_place = operands.in_place || !(elsewhere || two_names || folder);
-}
-
 bool run(Everything& all) {
     all.conversion.turning->way = Values("kirvo turn", {mode("WAY", ways, 0)}, all.way).integer(0);
-    choose_place(all.operands);
-    return convert(all.conversion, all.operands, all.run);
+    // One file alone is turned itself: nothing is lost by it.
+    Operands& operands = all.operands;
+    if (operands.names.size() == 1 && operands.output.empty() && operands.suffix.empty())
+        operands.in_place = true;
+    return convert(all.conversion, operands, all.run);
 }
 
 } // namespace
@@ -44,12 +29,14 @@ void add_turn(Command& program, bool& good) {
     static Everything all;
     all.conversion.turning.emplace();
     Command* command = program.add("turn", "Turns JPEG files without loss");
-    command->usage = {"WAY FILE...", "WAY INPUT OUTPUT", "WAY INPUT... -o DIR"};
-    command->examples = {"kirvo turn 90 photo.jpg", "kirvo turn upright *.jpg",
+    command->usage = {"WAY FILE", "WAY INPUT OUTPUT", "WAY INPUT... --in-place",
+                      "WAY INPUT... -o DIR"};
+    command->examples = {"kirvo turn 90 photo.jpg", "kirvo turn upright --in-place *.jpg",
                          "kirvo turn mirror photo.jpg mirrored.jpg"};
     command->notes =
-        "The files themselves are turned unless an output is named. Nothing is decoded: what comes "
-        "out is as good as what went in. Rows or columns at an edge that do not fill a block of 8 "
+        "A file alone is turned itself, several with --in-place. Nothing is decoded: what comes "
+        "out is "
+        "as good as what went in. Rows or columns at an edge that do not fill a block of 8 "
         "or 16 pixels cannot move; they are kept where they are, or cut off with --trim.";
     CLI::Option* way =
         command
@@ -60,7 +47,7 @@ void add_turn(Command& program, bool& good) {
             ->required();
     command->offer(way, ways);
     add_operands(command, all.operands, "JPEG files");
-    command->add_flag("--in-place", all.operands.in_place, "Replace the inputs, also if two");
+    command->add_flag("--in-place", all.operands.in_place, "Replace the inputs");
     CLI::Option* trim = command->add_flag_callback(
         "--trim", [] { all.conversion.turning->edges = KIRVO_FILES_EDGES_TRIM; },
         "Cut edges off that cannot be turned");

@@ -130,5 +130,9 @@ class Sharing {
 
 void share_out(const Conversion& conversion, const std::vector<Job>& jobs, size_t workers,
                const Listener& listener) {
-    Sharing(conversion, jobs, listener).run(workers);
+    try {
+        Sharing(conversion, jobs, listener).run(workers);
+    } catch (const std::system_error& error) {
+        throw Failure("a worker cannot be started", error.code().message());
+    }
 }

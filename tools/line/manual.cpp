@@ -1,6 +1,7 @@
 #include "line/manual.hpp"
 
 #include "effects/effects.hpp"
+#include "pictures/formats.hpp"
 
 #include <algorithm>
 
@@ -81,19 +82,32 @@ std::string effects_text() {
     return text;
 }
 
+std::string formats_that(uint32_t ability) {
+    std::string names;
+    for (Format format = 1; format < KIRVO_FILES_FORMATS; ++format) {
+        if (KirvoFilesAbilities(format) & ability)
+            names += (names.empty() ? "" : ", ") + format_name(format);
+    }
+    return names;
+}
+
 } // namespace
 
 std::string manual_page(const Command& program, const std::string& version) {
     std::string text =
         ".TH KIRVO 1 \"\" \"" + plain(version) + "\" \"User Commands\"\n" + section("NAME") +
         "kirvo \\- " + plain(program.get_description()) + "\n" + section("SYNOPSIS") +
-        synopsis(program) + section("DESCRIPTION") +
-        "Reads BMP, JPEG, Targa, RAW, Q0, Photo CD and icon files, changes the\n"
-        "pictures, and writes BMP, JPEG and Targa files.\n"
-        "An output appears under its name once it is complete: an interrupted run\n"
-        "leaves no half\\-written file. After an input that fails the others follow.\n"
-        "Work that takes longer than half a second shows a progress bar on a\n"
-        "terminal.\n" +
+        synopsis(program) + section("DESCRIPTION") + "Reads " +
+        plain(formats_that(KIRVO_FILES_READS)) + " files,\nchanges the pictures, and writes " +
+        plain(formats_that(KIRVO_FILES_WRITES)) + " files.\n" +
+        plain(
+            "Metadata goes along, and pictures are turned upright. What is lost or was wrong is "
+            "told.\n"
+            "An output appears under its name once it is complete: an interrupted run leaves no "
+            "half-written file.\nA damaged picture never replaces a file. After an input that "
+            "fails "
+            "the others follow.\nSeveral pictures are worked on at a time. Work that takes longer "
+            "than half a second shows a progress bar on a terminal.\n") +
         section("OPTIONS");
     for (const Entry& entry : options(program))
         text += item(entry);
@@ -101,8 +115,7 @@ std::string manual_page(const Command& program, const std::string& version) {
     for (const Command* command : program.commands())
         text += command_text(*command);
     text += effects_text() + section("EXIT STATUS") + item("0", "Everything was done.") +
-            item("1", "An input failed; standard error names it, the reason and the library's "
-                      "status.") +
+            item("1", "An input failed; standard error names it and the reason.") +
             item("2", "The command makes no sense.") + item("130", "Interrupted with ctrl-C.") +
             section("ENVIRONMENT") +
             item(bold("KIRVO_CPU"), "scalar, sse2, avx2 or avx512 lowers the level of the "

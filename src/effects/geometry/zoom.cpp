@@ -9,6 +9,30 @@
 
 namespace kirvo {
 
+namespace {
+
+bool is_inside(int32_t coordinate, int32_t size) {
+    return coordinate >= 0 && coordinate < size;
+}
+
+// The pixel of a picture row and column that may lie outside the picture: the bytes at which they
+// lead, a negative column into the stored row below, or, where those lie outside the block, the
+// nearest pixel of the picture.
+const uint8_t* pixel_at(const LockedDib& source, int32_t x, int32_t y) {
+    const Rows rows = source.rows(RowStart::after_40);
+    const int64_t bytes = source.bits() / 8;
+    const auto from_first = [&](int64_t column, int64_t row) {
+        return (source.height() - 1 - row) * rows.stride + column * bytes;
+    };
+    const int64_t offset = from_first(x, y), first = rows[0] - source.data();
+    if (first + offset >= 0 && offset + bytes <= rows.end - rows[0])
+        return rows[0] + offset;
+    return rows[0] + from_first(std::clamp(x, 0, source.width() - 1),
+                                std::clamp(y, 0, source.height() - 1));
+}
+
+} // namespace
+
 bool zoom_nearest(const Zoom& zoom, const Rows& to) {
     const LockedDib& source = zoom.source();
     const auto bytes = static_cast<size_t>(source.bits() / 8);
@@ -17,18 +41,28 @@ bool zoom_nearest(const Zoom& zoom, const Rows& to) {
     if (!map)
         return false;
     auto* const offsets = map.as<uint32_t>();
-    for (size_t i = 0; i < width; ++i)
-        offsets[i] = static_cast<uint32_t>(
-            static_cast<size_t>(zoom.column(static_cast<int32_t>(i))) * bytes);
+    bool inside = true;
+    for (size_t i = 0; i < width; ++i) {
+        const int32_t column = zoom.column(static_cast<int32_t>(i));
+        inside = inside && is_inside(column, source.width());
+        offsets[i] = static_cast<uint32_t>(static_cast<size_t>(column) * bytes);
+    }
     const Kernels::Gather gather = kernels().gather[bytes - 1];
     const Rows from = source.rows(RowStart::after_40);
+    const auto fill_row = [&](uint8_t* row, int32_t y) {
+        if (inside && is_inside(y, source.height()))
+            return gather(row, from[source.height() - 1 - y], offsets, width);
+        for (size_t i = 0; i < width; ++i)
+            std::memcpy(row + i * bytes,
+                        pixel_at(source, zoom.column(static_cast<int32_t>(i)), y), bytes);
+    };
     const uint8_t* last = nullptr;
-    int32_t last_y = -1;
+    int32_t last_y = 0;
     zoom.each_row(to, [&](uint8_t* row, int32_t y) {
-        if (y == last_y)
+        if (last != nullptr && y == last_y)
             std::memcpy(row, last, width * bytes);
         else
-            gather(row, from[source.height() - 1 - y], offsets, width);
+            fill_row(row, y);
         last = row;
         last_y = y;
     });

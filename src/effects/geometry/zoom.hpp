@@ -8,7 +8,7 @@ namespace kirvo {
 
 class Zoom {
   public:
-    // Coordinates cut to signed 16 bits wrap, and are then held inside the picture.
+    // Coordinates cut to signed 16 bits wrap and may lie outside the picture.
     Zoom(const LockedDib& source, const Rect& rect, int32_t width, int32_t height, bool cut16)
         : source_(source), rect_(rect), width_(width), height_(height),
           scale_x_(static_cast<double>(width) / rect.width),
@@ -42,8 +42,7 @@ class Zoom {
         return static_cast<int32_t>((int64_t{a} + b - 1) / b);
     }
     int32_t into(int32_t coordinate, int32_t size) const {
-        const int32_t cut = cut16_ ? static_cast<int16_t>(coordinate) : coordinate;
-        return std::clamp(cut, 0, size - 1);
+        return cut16_ ? static_cast<int16_t>(coordinate) : std::clamp(coordinate, 0, size - 1);
     }
 
     const LockedDib& source_;

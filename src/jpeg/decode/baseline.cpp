@@ -14,16 +14,17 @@ class McuReader {
   public:
     explicit McuReader(DecodeState& state)
         : state_(state), blocks_(state.picture.frame.layout->blocks()), careful_(state),
-          fast_(state) {
+          fast_(state), layout_(state.picture.frame.layout) {
         const Frame& frame = state.picture.frame;
-        const Layout& layout = *frame.layout;
         for (int32_t c = 0; c < frame.components; ++c) {
             const uint32_t table = c == 0 ? 0 : 1;
             components_[c] = fast_.baseline_tables_of(
-                table, table, coding_of(state, c, static_cast<uint32_t>(c) + 1, table, table));
+                table, table,
+                {&state.dc_tables[table], &state.ac_tables[table], no_quantisation.data(),
+                 &state.entropy.predictor[c]});
         }
         for (int32_t i = 0; i < blocks_; ++i)
-            tables_[i] = &components_[component_of(layout, i)];
+            tables_[i] = &components_[component_of(*layout_, i)];
     }
 
     // How much input is left is known exactly once the fast reader has given back what it holds.
@@ -35,16 +36,55 @@ class McuReader {
         return may_go_on(state_);
     }
     Status read(Block* blocks, uint8_t* last) {
-        if (fast_.read_mcu(tables_, blocks_, blocks, last))
+        if (!exhausted_ && fast_.read_mcu(tables_, blocks_, blocks, last))
             return Status::ok;
-        fast_.leave();
-        const Status status = read_carefully(blocks);
         std::fill_n(last, blocks_, uint8_t{63});
+        if (exhausted_)
+            return read_beyond_end(blocks);
+        fast_.leave();
+        const Scan& scan = state_.scan;
+        const Status status = read_carefully(blocks);
+        exhausted_ = state_.input.empty() && scan.spectral_start == 0 && scan.shift == 0;
         fast_.enter();
         return status;
     }
 
   private:
+    // What an MCU reads behind the end of the input, when no predictor is added.
+    struct Repeat {
+        bool known = false;
+        int32_t end; // position of the next bit
+        int16_t predictor[3];
+        Block blocks[most_blocks];
+    };
+
+    // There the current byte is read for ever, so that depends on the bit at which it begins alone.
+    Status read_beyond_end(Block* blocks) {
+        EntropyState& entropy = state_.entropy;
+        if (entropy.eob_run != 0)
+            return read_carefully(blocks);
+        Repeat& repeat = repeats_[entropy.bit_position];
+        int16_t before[3];
+        std::memcpy(before, entropy.predictor, sizeof before);
+        if (!repeat.known) {
+            std::fill(std::begin(entropy.predictor), std::end(entropy.predictor), int16_t{0});
+            std::memset(repeat.blocks, 0, sizeof repeat.blocks);
+            const Status status = read_carefully(repeat.blocks);
+            if (status != Status::ok)
+                return status;
+            std::memcpy(repeat.predictor, entropy.predictor, sizeof before);
+            repeat.end = entropy.bit_position;
+            repeat.known = entropy.eob_run == 0;
+        }
+        std::memcpy(blocks, repeat.blocks, static_cast<size_t>(blocks_) * sizeof(Block));
+        for (int32_t i = 0; i < blocks_; ++i)
+            blocks[i][0] = wrap16(blocks[i][0] + before[component_of(*layout_, i)]);
+        for (int32_t c = 0; c < 3; ++c)
+            entropy.predictor[c] = wrap16(before[c] + repeat.predictor[c]);
+        entropy.bit_position = repeat.end;
+        return Status::ok;
+    }
+
     Status read_carefully(Block* blocks) {
         for (int32_t i = 0; i < blocks_; ++i) {
             state_.entropy.first_block = i == 0;
@@ -61,6 +101,9 @@ class McuReader {
     FastReader fast_;
     FastReader::Tables components_[3];
     const FastReader::Tables* tables_[most_blocks];
+    const Layout* layout_;
+    bool exhausted_ = false; // no input is left, and nothing odd about the scan
+    Repeat repeats_[9];      // by the position of the bit
 };
 
 // MCUs of one MCU row that have been read and not yet rendered.

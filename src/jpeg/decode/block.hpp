@@ -19,6 +19,13 @@ inline constexpr std::array<uint8_t, padded_block> block_place = [] {
     return places;
 }();
 
+// The quantisation of what is not to be multiplied, or not yet.
+inline constexpr std::array<uint16_t, padded_block> no_quantisation = [] {
+    std::array<uint16_t, padded_block> ones = {};
+    ones.fill(1);
+    return ones;
+}();
+
 // Integers of 16 bits that wrap.
 constexpr int16_t wrap16(int32_t value) {
     return static_cast<int16_t>(value);

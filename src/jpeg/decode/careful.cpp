@@ -6,7 +6,6 @@ namespace kirvo {
 
 namespace {
 
-constexpr uint8_t first_restart = 0xD0, last_restart = 0xD7;
 constexpr uint8_t end_of_image = 0xD9, start_of_scan = 0xDA;
 constexpr uint8_t highest_dc_category = 16;
 
@@ -54,7 +53,7 @@ CarefulReader::Read CarefulReader::load_byte() {
         while (byte == 0xFF && !input_.empty())
             byte = input_.take();
         entropy_.pending_ff = byte == 0xFF;
-        if (byte >= first_restart && byte <= last_restart) {
+        if (is_restart(byte)) {
             restart();
             if (entropy_.first_block)
                 return Read::restarted;

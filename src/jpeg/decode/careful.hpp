@@ -7,6 +7,8 @@
 
 namespace kirvo {
 
+constexpr bool is_restart(uint8_t marker) { return marker >= 0xD0 && marker <= 0xD7; }
+
 // What decodes one block.
 struct BlockCoding {
     const DecodeTable* dc;

@@ -1,64 +1,90 @@
 #include "jpeg/decode/fast.hpp"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #define ALWAYS_INLINE [[gnu::always_inline]] inline
-#if __SIZEOF_POINTER__ == 8
-#define PAIR_LOOP ALWAYS_INLINE
-#else
-#define PAIR_LOOP [[gnu::noinline]]
-#endif
 
 namespace kirvo {
 
 namespace {
 
-static_assert(sizeof(uint32_t) <= DecodeInput::tail_bytes);
+using Word = BitBuffer::Word;
 
-uint32_t load_big_endian(const uint8_t* from) {
-    uint32_t value;
+static_assert(sizeof(Word) <= DecodeInput::tail_bytes);
+
+Word load_big_endian(const uint8_t* from) {
+    Word value;
     std::memcpy(&value, from, sizeof value);
-    return __builtin_bswap32(value);
+    if constexpr (sizeof value == 8)
+        return __builtin_bswap64(value);
+    else
+        return __builtin_bswap32(value);
 }
 
-// Never misses one.
-bool may_hold_ff(uint32_t value) { return ((~value - 0x01010101) & value & 0x80808080) != 0; }
+constexpr Word ones = ~Word{0} / 0xFF; // in every byte
+
+// Right for a word; of its bytes one above a 0xFF may be taken for another.
+bool has_ff(Word value) { return ((~value - ones) & value & ones << 7) != 0; }
+
+// How many bits stand before the first 0xFF that there is.
+int32_t bits_before_ff(Word value) {
+    const Word found = ((value & ~(ones << 7)) + ones) & value & ones << 7;
+    return std::countl_zero(found);
+}
 
 // A byte at a time up to a marker or a fill byte, as which the input ends. By value, so that the
 // fast path can keep its buffer in registers.
 [[gnu::noinline]] BitBuffer refill_bytes(BitBuffer bits) {
-    while (bits.count < BitBuffer::half) {
+    while (bits.count < BitBuffer::full) {
         const uint8_t byte = bits.next[0];
         if (byte == 0xFF && bits.next[1] != 0)
             break;
         bits.next += byte == 0xFF ? 2 : 1;
-        bits.window.append(uint32_t{byte} << 24, bits.count);
+        bits.word |= Word{byte} << (BitBuffer::full - bits.count);
         bits.count += 8;
     }
     return bits;
 }
 
-// Makes half a word of bits available, enough for a symbol and its value. False when the next bytes
-// must be looked at one by one.
-ALWAYS_INLINE bool refill_word(BitBuffer& bits) {
-    if (bits.count >= BitBuffer::half)
-        return true;
-    const uint32_t ahead = load_big_endian(bits.next);
-    if (may_hold_ff(ahead))
-        return false;
-    bits.window.append(ahead, bits.count);
-    bits.count += BitBuffer::half;
-    bits.next += sizeof ahead;
-    return true;
+// Puts whole bytes behind those that are there.
+ALWAYS_INLINE void append(BitBuffer& bits, Word ahead) {
+    bits.word |= ahead >> bits.count;
+    bits.count |= BitBuffer::full;
+}
+ALWAYS_INLINE int32_t room_in_bytes(const BitBuffer& bits) {
+    return (BitBuffer::width - 1 - bits.count) >> 3;
 }
 
-// False when the data ends before that.
-ALWAYS_INLINE bool refill(BitBuffer& bits) {
-    if (refill_word(bits))
-        return true;
-    bits = refill_bytes(bits);
-    return bits.count >= BitBuffer::half;
+// Most often the 0xFF ahead is a single one, stuffed.
+[[gnu::noinline]] BitBuffer refill_over_ff(BitBuffer bits) {
+    const Word ahead = load_big_endian(bits.next);
+    const int32_t before = bits_before_ff(ahead);
+    const Word behind_mask = ~Word{0} >> before >> 8, behind = ahead & behind_mask;
+    if (before == BitBuffer::full || behind > behind_mask >> 8 || has_ff(behind))
+        return refill_bytes(bits);
+    const int32_t bytes = room_in_bytes(bits);
+    bits.next += 8 * bytes > before ? bytes + 1 : bytes;
+    append(bits, (ahead & ~behind_mask) | behind << 8);
+    return bits;
+}
+
+// Makes all bits available that a marker does not keep back.
+ALWAYS_INLINE void refill(BitBuffer& bits) {
+    const Word ahead = load_big_endian(bits.next);
+    if (has_ff(ahead)) {
+        bits = refill_over_ff(bits);
+        return;
+    }
+    bits.next += room_in_bytes(bits);
+    append(bits, ahead);
+}
+
+// Where a code and its value may be longer than a full buffer.
+ALWAYS_INLINE void refill_for_value(BitBuffer& bits) {
+    if constexpr (BitBuffer::full < 2 * longest_code)
+        refill(bits);
 }
 
 // A code that the lookup does not tell: longer, or none.
@@ -78,20 +104,25 @@ ALWAYS_INLINE bool refill(BitBuffer& bits) {
     return 0;
 }
 
+// The entry of the next code; 0 for an error.
+ALWAYS_INLINE LookupEntry next_code(const BitBuffer& bits, const Lookup& lookup,
+                                    const DecodeTable& table, int32_t row) {
+    if (const LookupEntry entry = lookup.find(bits.peek(longest_code)))
+        return entry;
+    return walk_code(bits, table, row);
+}
+
 // Updates the predictor and gives the coefficient.
 ALWAYS_INLINE bool read_dc(BitBuffer& bits, const FastReader::Tables& tables, int32_t shift,
                            int16_t& coefficient) {
-    if (!refill(bits))
+    refill(bits);
+    const LookupEntry entry = next_code(bits, *tables.dc, *tables.coding.dc, dc_row);
+    if (entry == 0)
         return false;
-    LookupEntry entry = (*tables.dc)[bits.peek(lookup_bits)];
-    if (entry == 0) {
-        entry = walk_code(bits, *tables.coding.dc, dc_row);
-        if (entry == 0)
-            return false;
-    }
     bits.drop(entry_length(entry));
     int16_t difference = entry_value(entry);
     if (const uint32_t size = entry_dc_size(entry)) {
+        refill_for_value(bits);
         difference = extend(bits.take(size), size);
     }
     int16_t& predictor = *tables.coding.predictor;
@@ -100,19 +131,14 @@ ALWAYS_INLINE bool read_dc(BitBuffer& bits, const FastReader::Tables& tables, in
     return true;
 }
 
-// One AC symbol and what belongs to it, at position k, which moves on; beyond every block at the
-// end of one. Where bands may end, eob_run tells for how many blocks more.
+// One AC symbol and what belongs to it, at position k, which moves on; by past_block more at the
+// end of a block. Where bands may end, eob_run tells for how many blocks more.
 ALWAYS_INLINE bool read_coefficient(BitBuffer& bits, const FastReader::Tables& tables,
                                     int32_t shift, int16_t* block, int32_t& k, int32_t* eob_run) {
-    constexpr int32_t past_block = 256;
-    if (!refill(bits))
+    refill(bits);
+    const LookupEntry entry = next_code(bits, *tables.ac, *tables.coding.ac, ac_row);
+    if (entry == 0)
         return false;
-    LookupEntry entry = (*tables.ac)[bits.peek(lookup_bits)];
-    if (entry == 0) {
-        entry = walk_code(bits, *tables.coding.ac, ac_row);
-        if (entry == 0)
-            return false;
-    }
     bits.drop(entry_length(entry));
     const uint32_t run = entry_run(entry);
     int16_t value = entry_value(entry);
@@ -120,6 +146,7 @@ ALWAYS_INLINE bool read_coefficient(BitBuffer& bits, const FastReader::Tables& t
         switch (entry_kind(entry)) {
         case EntryKind::value: {
             const uint32_t size = entry_ac_size(entry);
+            refill_for_value(bits);
             value = extend(bits.take(size), size);
             break;
         }
@@ -129,16 +156,17 @@ ALWAYS_INLINE bool read_coefficient(BitBuffer& bits, const FastReader::Tables& t
         case EntryKind::end_of_band:
             if (eob_run == nullptr)
                 return false;
+            refill_for_value(bits);
             *eob_run = static_cast<int32_t>((1u << run) + bits.take(run) - 1);
-            k = past_block;
+            k += past_block;
             return true;
         case EntryKind::end_of_block:
-            k = past_block;
+            k += past_block;
             return true;
         }
     }
     k += static_cast<int32_t>(run);
-    if (k > 63)
+    if (k > 63 || bits.count < 0)
         return false;
     block[block_place[static_cast<size_t>(k)]] =
         shift16(wrap16(tables.coding.quantisation[k] * value), shift);
@@ -146,59 +174,37 @@ ALWAYS_INLINE bool read_coefficient(BitBuffer& bits, const FastReader::Tables& t
     return true;
 }
 
-// Reads pairs of symbols as long as lookups tell them and no byte ahead may be stuffed. False when
-// that is over before the block is, with all places before k done with. In 32-bit code a function
-// that calls none has a register more.
-PAIR_LOOP bool read_pairs(BitBuffer& stream, const FastReader::Tables& tables, int16_t* block,
-                          int32_t& position, int32_t& last) {
-    constexpr uint32_t lookups_per_refill = BitBuffer::half / lookup_bits;
-    const AcPair* pairs = tables.pairs->entries;
-    const uint16_t* quantisation = tables.coding.quantisation;
-    BitBuffer bits = stream; // in registers
-    int32_t k = position;
-    bool ended = false;
-    while (!ended && refill_word(bits)) {
-        uint32_t lookups = lookups_per_refill;
-        do {
-            const AcPair& pair = pairs[bits.peek(lookup_bits)];
-            const int32_t first = k + pair.first;
-            if (first >= 63) // the first value may be the last of the block
-                goto over;
-            bits.drop(pair.length);
-            const int32_t second = k + pair.second;
-            block[block_place[static_cast<size_t>(first)]] =
-                wrap16(quantisation[first] * pair.value[0]);
-            block[block_place[static_cast<size_t>(second)]] =
-                wrap16(quantisation[second] * pair.value[1]);
-            k += static_cast<int32_t>(pair.advance);
-            if (k > 63) {
-                last = k - 1 - static_cast<int32_t>(pair.advance - pair.last);
-                ended = true;
-                break;
-            }
-        } while (--lookups != 0);
-    }
-over:
-    stream = bits;
-    position = k;
-    return ended;
-}
-
-// The AC coefficients of a baseline block, and a zigzag position after which they are 0. The DC
+// The AC coefficients of a baseline block, not multiplied, and a zigzag position after which they are 0. The DC
 // place may be overwritten.
 ALWAYS_INLINE bool read_ac(BitBuffer& bits, const FastReader::Tables& tables, int16_t* block,
-                           int32_t& last) {
+                           uint8_t& last) {
+    constexpr int32_t lookups_per_refill = BitBuffer::full / lookup_bits;
+    const AcPair* pairs = tables.pairs->entries;
     int32_t k = 1;
-    while (!read_pairs(bits, tables, block, k, last)) {
-        last = k - 1;
+    for (;;) {
+        refill(bits);
+#pragma GCC unroll 8
+        for (int32_t i = 0; i < lookups_per_refill; ++i) {
+            const AcPair pair = pairs[bits.peek(lookup_bits)];
+            const int32_t first = k + pair.first, second = k + pair.second;
+            if (second >= 63) // behind the block's last place begins another block
+                goto single;
+            bits.drop(pair.length);
+            block[block_place[static_cast<size_t>(first)]] = pair.value[0];
+            block[block_place[static_cast<size_t>(second)]] = pair.value[1];
+            k += pair.advance;
+            if (k > 63)
+                goto ended;
+        }
+        continue;
+    single:
         if (!read_coefficient(bits, tables, 0, block, k, nullptr))
             return false;
-        if (k > 64)
-            return true; // the end of the block
-        last = k - 1;
-        if (k == 64)
-            return true;
+        if (k > 63)
+            break;
     }
+ended:
+    last = static_cast<uint8_t>(std::min(k < past_block ? 63 : k - past_block - 1, 63));
     return true;
 }
 
@@ -232,12 +238,8 @@ void FastReader::enter() {
     entered_byte_ = entropy.current;
     moved_ = false;
     usable_ = !entropy.pending_ff && state_.scan.refined_from == 0;
-    const uint32_t used = static_cast<uint32_t>(entropy.bit_position);
-    bits_.count = 8 - used;
-    bits_.window = {};
-    if (used != 8)
-        bits_.window.append(static_cast<uint32_t>(entropy.current) << (24 + used), 0);
-    bits_.next = entered_;
+    const int32_t used = entropy.bit_position;
+    bits_ = {Word{entropy.current} << used << BitBuffer::full, 8 - used, entered_};
 }
 
 // Gives back the bytes of which no bit has been taken; never that which was the current one when it
@@ -249,11 +251,11 @@ void FastReader::leave() {
         return at - (at[-1] == 0 && at - entered_ > 1 && at[-2] == 0xFF ? 2 : 1);
     };
     const uint8_t* next = bits_.next;
-    uint32_t unread = bits_.count / 8;
+    int32_t unread = bits_.count / 8;
     for (; unread != 0 && next != entered_; --unread)
         next = before(next);
     EntropyState& entropy = state_.entropy;
-    entropy.bit_position = static_cast<int32_t>(8 - bits_.count % 8 - 8 * unread);
+    entropy.bit_position = 8 - bits_.count % 8 - 8 * unread;
     entropy.current = next == entered_ ? entered_byte_ : *before(next);
     state_.input.position = static_cast<size_t>(next - state_.input.bytes);
     moved_ = false;
@@ -261,29 +263,50 @@ void FastReader::leave() {
 
 bool FastReader::read_mcu(const Tables* const* tables, int32_t count, Block* blocks,
                           uint8_t* last) {
-    EntropyState& entropy = state_.entropy;
+    const EntropyState& entropy = state_.entropy;
     const Scan& scan = state_.scan;
     if (!usable_ || scan.spectral_start != 0 || scan.spectral_end != 63 || scan.shift != 0 ||
         entropy.eob_run != 0)
         return false;
+    if (bits_.next[0] == 0xFF)
+        pass_restart();
+    return try_mcu(tables, count, blocks, last);
+}
+
+bool FastReader::try_mcu(const Tables* const* tables, int32_t count, Block* blocks, uint8_t* last) {
+    EntropyState& entropy = state_.entropy;
     BitBuffer bits = bits_;
     int16_t predictors[3];
-    std::copy(std::begin(entropy.predictor), std::end(entropy.predictor), predictors);
+    std::memcpy(predictors, entropy.predictor, sizeof predictors);
     for (int32_t i = 0; i < count; ++i) {
-        int32_t highest = 0;
         int16_t dc = 0;
-        if (!read_dc(bits, *tables[i], 0, dc) || !read_ac(bits, *tables[i], blocks[i], highest)) {
-            std::copy(std::begin(predictors), std::end(predictors), entropy.predictor);
+        if (!read_dc(bits, *tables[i], 0, dc) || !read_ac(bits, *tables[i], blocks[i], last[i]) ||
+            bits.count < 0) {
+            std::memcpy(entropy.predictor, predictors, sizeof predictors);
             std::memset(blocks, 0, static_cast<size_t>(count) * sizeof(Block));
             return false;
         }
         blocks[i][0] = dc;
-        last[i] = static_cast<uint8_t>(std::min(highest, 63));
     }
     entropy.first_block = count == 1;
     bits_ = bits;
     moved_ = true;
     return true;
+}
+
+// Goes behind a restart marker that comes next, as an encoder puts it between two MCUs: less than a
+// byte of ones may stand before it, in which no table has a code.
+void FastReader::pass_restart() {
+    const BitBuffer bits = refill_bytes(bits_);
+    const Word padding = ~(~Word{0} >> bits.count);
+    if (bits.count >= 8 || bits.word != padding || bits.next[0] != 0xFF ||
+        !is_restart(bits.next[1]))
+        return;
+    std::fill(std::begin(state_.entropy.predictor), std::end(state_.entropy.predictor), int16_t{0});
+    entered_ = bits.next + 2;
+    entered_byte_ = 0xFF;
+    bits_ = {0, 0, entered_};
+    moved_ = true;
 }
 
 bool FastReader::read_block(const Tables& tables, Block& block) {
@@ -299,15 +322,21 @@ bool FastReader::read_block(const Tables& tables, Block& block) {
     BitBuffer bits = bits_;
     if (with_dc) {
         const int16_t predictor = *tables.coding.predictor;
-        if (!read_dc(bits, tables, scan.shift, block[0])) {
+        int16_t dc;
+        if (!read_dc(bits, tables, scan.shift, dc) || bits.count < 0) {
             *tables.coding.predictor = predictor;
             return false;
         }
+        block[0] = dc;
     } else {
+        int32_t eob_run = 0;
         for (int32_t k = scan.spectral_start; k <= scan.spectral_end;) {
-            if (!read_coefficient(bits, tables, scan.shift, block, k, &entropy.eob_run))
+            if (!read_coefficient(bits, tables, scan.shift, block, k, &eob_run))
                 return false;
         }
+        if (bits.count < 0)
+            return false;
+        entropy.eob_run = eob_run;
     }
     bits_ = bits;
     moved_ = true;

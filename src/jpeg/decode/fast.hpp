@@ -9,47 +9,22 @@
 
 namespace kirvo {
 
-// Sixty-four bits, the next one highest.
-#if __SIZEOF_POINTER__ == 8
-struct BitWindow {
-    uint64_t word;
-
-    // Of 1 to 32 bits.
-    uint32_t peek(uint32_t bits) const { return static_cast<uint32_t>(word >> (64 - bits)); }
-    void drop(uint32_t bits) { word <<= bits; }
-    // Puts a 32-bit value behind the first `count` bits, which are at most 32.
-    void append(uint32_t value, uint32_t count) { word |= uint64_t{value} << (32 - count); }
-};
-#else
-// In two registers, which the compiler would rather have in memory as one number.
-struct BitWindow {
-    uint32_t high, low;
-
-    uint32_t peek(uint32_t bits) const { return high >> (32 - bits); }
-    // Less than 32 bits.
-    void drop(uint32_t bits) {
-        __asm__("shldl %b2, %1, %0" : "+r"(high) : "r"(low), "c"(bits) : "cc");
-        low <<= bits;
-    }
-    void append(uint32_t value, uint32_t count) {
-        high |= count < 32 ? value >> count : 0;
-        low |= count != 0 ? value << (32 - count) : 0;
-    }
-};
-#endif
-
 // Bits taken ahead from the input.
 struct BitBuffer {
-    static constexpr uint32_t half = 32;
+    using Word = size_t;
+    static constexpr int32_t width = 8 * sizeof(Word);
+    static constexpr int32_t full = width - 8; // that many a refill makes sure of
 
-    BitWindow window;
-    uint32_t count; // of its bits that are there; those below are 0
+    Word word;     // the next bit highest
+    int32_t count; // of its bits that are there; those below are 0, or right already. Negative when
+                   // more have been taken than came before a marker
     const uint8_t* next;
 
-    uint32_t peek(uint32_t bits) const { return window.peek(bits); }
+    // Of 1 to 16 bits.
+    uint32_t peek(uint32_t bits) const { return static_cast<uint32_t>(word >> (width - bits)); }
     void drop(uint32_t bits) {
-        window.drop(bits);
-        count -= bits;
+        word <<= bits;
+        count -= static_cast<int32_t>(bits);
     }
     uint32_t take(uint32_t bits) {
         const uint32_t value = peek(bits);
@@ -87,6 +62,9 @@ class FastReader {
     bool read_block(const Tables& tables, Block& block);
 
   private:
+    bool try_mcu(const Tables* const* tables, int32_t count, Block* blocks, uint8_t* last);
+    void pass_restart();
+
     DecodeState& state_;
     BitBuffer bits_;
     const uint8_t* end_;

@@ -16,8 +16,14 @@ constexpr LookupEntry with_value(LookupEntry entry, int16_t value) {
     return entry | static_cast<uint32_t>(static_cast<uint16_t>(value)) << 16;
 }
 
-// Fills the entries of all codes by walking through every sequence of bits up to the lookup's
-// length, as long as the procedure asks for more.
+// Whether codes that begin with these bits and are longer have entries.
+bool has_longer(uint32_t code, uint32_t length) {
+    return length < lookup_bits ||
+           (length < longest_code && code << (longest_code - length) >= first_long);
+}
+
+// Fills the entries of all codes by walking through every sequence of bits that has an entry, as
+// long as the procedure asks for more.
 template<typename FillSymbol>
 void walk_codes(const DecodeTable& table, int32_t row, SymbolWalk walk, uint32_t prefix,
                 const FillSymbol& fill_symbol) {
@@ -28,14 +34,20 @@ void walk_codes(const DecodeTable& table, int32_t row, SymbolWalk walk, uint32_t
         const uint32_t code = prefix << 1 | bit;
         if (outcome == SymbolWalk::Outcome::found)
             fill_symbol(symbol, code, next.length);
-        else if (outcome == SymbolWalk::Outcome::go_on && next.length < lookup_bits)
+        else if (outcome == SymbolWalk::Outcome::go_on && has_longer(code, next.length))
             walk_codes(table, row, next, code, fill_symbol);
     }
 }
 
 void fill(Lookup& lookup, uint32_t prefix, uint32_t length, LookupEntry entry) {
-    const uint32_t spread = lookup_bits - length;
-    std::fill_n(lookup.entries + (prefix << spread), size_t{1} << spread, entry);
+    if (length <= lookup_bits) {
+        const uint32_t spread = lookup_bits - length;
+        std::fill_n(lookup.entries + (prefix << spread), size_t{1} << spread, entry);
+    } else {
+        const uint32_t spread = longest_code - length;
+        std::fill_n(lookup.long_entries + ((prefix << spread) - first_long), size_t{1} << spread,
+                    entry);
+    }
 }
 
 // Entries of one symbol; size value bits follow its code.
@@ -66,6 +78,7 @@ LookupEntry dc_entry(uint32_t symbol, uint32_t length) {
 
 void Lookup::make_ac(const DecodeTable& table) {
     std::fill(std::begin(entries), std::end(entries), 0);
+    std::fill(std::begin(long_entries), std::end(long_entries), 0);
     walk_codes(table, ac_row, SymbolWalk::begin(), 0,
                [this](uint32_t symbol, uint32_t code, uint32_t length) {
                    const uint32_t run = symbol >> 4, size = symbol & 15;
@@ -77,6 +90,7 @@ void Lookup::make_ac(const DecodeTable& table) {
 
 void Lookup::make_dc(const DecodeTable& table) {
     std::fill(std::begin(entries), std::end(entries), 0);
+    std::fill(std::begin(long_entries), std::end(long_entries), 0);
     walk_codes(table, dc_row, SymbolWalk::begin(), 0,
                [this](uint32_t symbol, uint32_t code, uint32_t length) {
                    fill_values(*this, code, length, symbol, dc_entry(symbol, length),
@@ -86,8 +100,6 @@ void Lookup::make_dc(const DecodeTable& table) {
 }
 
 namespace {
-
-constexpr uint32_t past_block = 64;
 
 bool is_whole(LookupEntry entry) {
     return has_ac_value(entry) || (entry != 0 && (entry_kind(entry) == EntryKind::end_of_block ||
@@ -99,8 +111,7 @@ AcPair single(LookupEntry entry) {
     pair.length = static_cast<uint8_t>(entry_length(entry));
     if (has_ac_value(entry)) {
         pair.first = pair.second = static_cast<uint8_t>(entry_run(entry));
-        pair.last = static_cast<uint8_t>(pair.first + 1);
-        pair.advance = pair.first + 1u;
+        pair.advance = static_cast<uint8_t>(pair.first + 1);
         pair.value[0] = pair.value[1] = entry_value(entry);
     } else {
         pair.advance = entry_kind(entry) == EntryKind::run_of_16 ? 16 : past_block;
@@ -108,34 +119,47 @@ AcPair single(LookupEntry entry) {
     return pair;
 }
 
+// What the bits after a pair, and zeros, tell of one symbol more, which is no longer than they are.
+LookupEntry following(const Lookup& lookup, const AcPair& pair, uint32_t bits) {
+    constexpr uint32_t mask = (1u << lookup_bits) - 1;
+    const LookupEntry entry = lookup.entries[bits << pair.length & mask];
+    return is_whole(entry) && pair.length + entry_length(entry) <= lookup_bits ? entry : 0;
+}
+
+// A value beside the first, or what comes after values.
+void append(AcPair& pair, LookupEntry entry) {
+    const AcPair next = single(entry);
+    if (has_ac_value(entry)) {
+        pair.second = static_cast<uint8_t>(pair.advance + next.second);
+        pair.value[1] = next.value[1];
+    }
+    pair.length = static_cast<uint8_t>(pair.length + next.length);
+    pair.advance = static_cast<uint8_t>(pair.advance + next.advance);
+}
+
+AcPair pair_of(const Lookup& lookup, uint32_t bits) {
+    const LookupEntry first = lookup.entries[bits];
+    if (!is_whole(first))
+        return {0, 0, 0, no_pair, {}};
+    AcPair pair = single(first);
+    if (!has_ac_value(first))
+        return pair;
+    if (const LookupEntry second = following(lookup, pair, bits)) {
+        append(pair, second);
+        if (!has_ac_value(second))
+            return pair;
+    }
+    const LookupEntry end = following(lookup, pair, bits);
+    if (end != 0 && !has_ac_value(end))
+        append(pair, end);
+    return pair;
+}
+
 } // namespace
 
 void PairLookup::make(const Lookup& lookup) {
-    constexpr uint32_t mask = (1u << lookup_bits) - 1;
-    for (uint32_t bits = 0; bits <= mask; ++bits) {
-        const LookupEntry first = lookup[bits];
-        AcPair& pair = entries[bits];
-        if (!is_whole(first)) {
-            pair = {};
-            pair.first = no_pair;
-            continue;
-        }
-        pair = single(first);
-        // The bits after the first symbol, and zeros; they tell the second one when that is no
-        // longer than they are.
-        const LookupEntry second = lookup[bits << pair.length & mask];
-        if (!has_ac_value(first) || !is_whole(second) ||
-            pair.length + entry_length(second) > lookup_bits)
-            continue;
-        const AcPair next = single(second);
-        if (has_ac_value(second)) {
-            pair.second = static_cast<uint8_t>(pair.advance + next.second);
-            pair.last = static_cast<uint8_t>(pair.second + 1);
-            pair.value[1] = next.value[1];
-        }
-        pair.length = static_cast<uint8_t>(pair.length + next.length);
-        pair.advance += next.advance;
-    }
+    for (uint32_t bits = 0; bits < 1u << lookup_bits; ++bits)
+        entries[bits] = pair_of(lookup, bits);
     ready = true;
 }
 

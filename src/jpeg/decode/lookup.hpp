@@ -8,6 +8,9 @@ namespace kirvo {
 
 constexpr uint32_t lookup_bits = 10;
 
+// Longer codes begin with ones: 16 bits from here on are looked up as a whole.
+constexpr uint32_t first_long = 0xFC00;
+
 // Bits 0-5: bits of the code, of code and value when the value is here. Bits 6-7: the kind. Bits
 // 8-11: run of zeros before the value, or bits that tell the length of a band of empty blocks.
 // Bits 12-15 or, of a DC table, 8-12: bits of a value that follows. Bits 16-31: the value. 0: the
@@ -16,28 +19,14 @@ using LookupEntry = uint32_t;
 
 enum class EntryKind : uint32_t { value, end_of_block, end_of_band, run_of_16 };
 
-constexpr uint32_t entry_length(LookupEntry e) {
-    return e & 63;
-}
-constexpr EntryKind entry_kind(LookupEntry e) {
-    return static_cast<EntryKind>(e >> 6 & 3);
-}
-constexpr uint32_t entry_run(LookupEntry e) {
-    return e >> 8 & 15;
-}
-constexpr uint32_t entry_ac_size(LookupEntry e) {
-    return e >> 12 & 15;
-}
-constexpr uint32_t entry_dc_size(LookupEntry e) {
-    return e >> 8 & 31;
-}
-constexpr int16_t entry_value(LookupEntry e) {
-    return static_cast<int16_t>(e >> 16);
-}
+constexpr uint32_t entry_length(LookupEntry e) { return e & 63; }
+constexpr EntryKind entry_kind(LookupEntry e) { return static_cast<EntryKind>(e >> 6 & 3); }
+constexpr uint32_t entry_run(LookupEntry e) { return e >> 8 & 15; }
+constexpr uint32_t entry_ac_size(LookupEntry e) { return e >> 12 & 15; }
+constexpr uint32_t entry_dc_size(LookupEntry e) { return e >> 8 & 31; }
+constexpr int16_t entry_value(LookupEntry e) { return static_cast<int16_t>(e >> 16); }
 // No AC value is 0, so this tells a value from everything else.
-constexpr bool has_ac_value(LookupEntry e) {
-    return e >> 16 != 0;
-}
+constexpr bool has_ac_value(LookupEntry e) { return e >> 16 != 0; }
 
 // What a symbol without its value bits says; 0 for one that is an error.
 LookupEntry ac_entry(uint32_t symbol, uint32_t length);
@@ -45,9 +34,14 @@ LookupEntry dc_entry(uint32_t symbol, uint32_t length);
 
 struct Lookup {
     LookupEntry entries[1u << lookup_bits];
+    LookupEntry long_entries[(1u << longest_code) - first_long];
     bool ready;
 
-    LookupEntry operator[](uint32_t next_bits) const { return entries[next_bits]; }
+    // By as many bits as the longest code has.
+    LookupEntry find(uint32_t next_bits) const {
+        const LookupEntry entry = entries[next_bits >> (longest_code - lookup_bits)];
+        return entry == 0 && next_bits >= first_long ? long_entries[next_bits - first_long] : entry;
+    }
     void prepare_ac(const DecodeTable& table) {
         if (!ready)
             make_ac(table);
@@ -63,18 +57,19 @@ struct Lookup {
 };
 
 // What the next bits say of a baseline block's AC coefficients when up to two symbols with their
-// values lie in them. Both values are always stored: where there is only one, it is there twice;
-// where there is none, a 0 goes to a place that holds 0.
+// values lie in them, and perhaps the end of the block behind. Both values are always stored: where
+// there is only one, it is there twice; where there is none, a 0 goes to a place that holds 0.
 struct AcPair {
-    uint8_t length; // bits of all of it
-    uint8_t first;  // the values' distances from position k, where the zeros begin
+    uint8_t length;  // bits of all of it
+    uint8_t advance; // of position k, where the zeros begin; past_block more at the block's end
+    uint8_t first;   // the values' distances from k
     uint8_t second;
-    uint8_t last;     // the distance of the last value that is not 0 from position k - 1
-    uint32_t advance; // of k; beyond the block after an end of block
     int16_t value[2];
 };
 
-// A first distance that no block has room for: the bits are for a single symbol's lookup.
+constexpr uint8_t past_block = 128;
+
+// A second distance that no block has room for: the bits are for a single symbol's lookup.
 constexpr uint8_t no_pair = 63;
 
 struct PairLookup {

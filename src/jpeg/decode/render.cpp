@@ -20,22 +20,27 @@ void prefetch(const uint8_t* bgr) {
 
 } // namespace
 
-Renderer::Renderer(const Frame& frame, HGLOBAL image)
+Renderer::Renderer(const Frame& frame, HGLOBAL image, const Quantisation& quantisation)
     : layout_(*frame.layout), width_(frame.width), height_(frame.height),
       mcus_across_((frame.width + layout_.mcu_width - 1) / layout_.mcu_width),
       chroma_height_(
           layout_.chroma_blocks == 0 ? 0 : 8 * layout_.chroma_blocks / layout_.chroma_across()),
-      handle_(image), kernels_(kernels()) {}
+      handle_(image), kernels_(kernels()), quantisation_(quantisation) {}
 
 void Renderer::open() {
     image_.emplace(handle_);
     rows_ = image_->rows(RowStart::after_header);
+    for (size_t c = 0; c < quantisation_.size(); ++c) {
+        for (size_t k = 0; k < 64; ++k)
+            quantisers_[c][block_place[k]] = static_cast<int16_t>(quantisation_[c][k]);
+    }
     for (int32_t i = 0; i < layout_.blocks(); ++i) {
         const int32_t component = component_of(layout_, i);
         const int32_t place =
             component == 0 ? i : (i - layout_.luma_blocks) % layout_.chroma_blocks;
         const int32_t across = component == 0 ? layout_.luma_across() : layout_.chroma_across();
-        slots_[i] = {&samples[component][(place / across * batch_width + place % across) * 8],
+        slots_[i] = {quantisers_[component],
+                     &samples[component][(place / across * batch_width + place % across) * 8],
                      8 * across};
     }
 }
@@ -44,7 +49,7 @@ void Renderer::transform(const Block* blocks, const uint8_t* last, int32_t count
     const int32_t blocks_of_mcu = layout_.blocks();
     for (int32_t m = 0; m < count; ++m) {
         for (int32_t i = 0; i < blocks_of_mcu; ++i)
-            kernels_.inverse_dct(*blocks++, last != nullptr ? *last++ : 63,
+            kernels_.inverse_dct(*blocks++, slots_[i].quantisers, last != nullptr ? *last++ : 63,
                                  slots_[i].samples + m * slots_[i].step, batch_width);
     }
 }

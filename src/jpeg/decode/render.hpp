@@ -6,6 +6,7 @@
 #include "simd/kernels.hpp"
 #include "jpeg/decode/state.hpp"
 
+#include <array>
 #include <optional>
 
 namespace kirvo {
@@ -15,9 +16,12 @@ constexpr int32_t batch_width = 64;
 
 class Renderer {
   public:
+    // What the blocks of each component are to be multiplied by, in zigzag order.
+    using Quantisation = std::array<const uint16_t*, 3>;
+
     // Into an image of the frame's size, which is locked when there is something to render first:
     // small pieces of a stream seldom come as far.
-    Renderer(const Frame& frame, HGLOBAL image);
+    Renderer(const Frame& frame, HGLOBAL image, const Quantisation& quantisation);
 
     int32_t batch_mcus() const { return batch_width / layout_.mcu_width; }
     // Renders MCUs that stand side by side from one of the image on. last holds the zigzag position
@@ -38,7 +42,10 @@ class Renderer {
     const Kernels& kernels_;
     std::optional<LockedDib> image_;
     Rows rows_ = {};
+    const Quantisation quantisation_;
+    Block quantisers_[3];
     struct Slot {
+        const int16_t* quantisers;
         int16_t* samples; // of the batch's first MCU
         int32_t step;     // to the next MCU
     } slots_[most_blocks];

@@ -48,11 +48,18 @@ Step failed(DecodeState& state, Status status) {
     return Step::failure(status);
 }
 
+// Baseline blocks are multiplied when they are rendered, others while they are being read.
 Step decode_picture(DecodeState& state) {
-    const Frame& frame = state.picture.frame;
-    Renderer renderer(frame, state.picture.image);
-    return frame.mode == FrameMode::baseline ? decode_baseline(state, renderer)
-                                             : decode_progressive(state, renderer);
+    const Picture& picture = state.picture;
+    if (picture.frame.mode == FrameMode::baseline) {
+        Renderer renderer(picture.frame, picture.image,
+                          {quantisation_of(state, 1), quantisation_of(state, 2),
+                           quantisation_of(state, 3)});
+        return decode_baseline(state, renderer);
+    }
+    constexpr const uint16_t* done = no_quantisation.data();
+    Renderer renderer(picture.frame, picture.image, {done, done, done});
+    return decode_progressive(state, renderer);
 }
 
 } // namespace

@@ -27,11 +27,15 @@ inline bool may_go_on(const DecodeState& state) {
 // The image is complete.
 Step finish_picture(DecodeState& state);
 
+inline const uint16_t* quantisation_of(const DecodeState& state, uint32_t id) {
+    return state.quantisation.widened[state.quantisation_of[id]];
+}
+
 // What decodes the blocks of a component with the given tables, dequantised as component id.
 inline BlockCoding coding_of(DecodeState& state, int32_t component, uint32_t id, uint32_t dc,
                              uint32_t ac) {
     return {&state.dc_tables[dc], &state.ac_tables[ac],
-            state.quantisation.widened[state.quantisation_of[id]],
+            quantisation_of(state, id),
             &state.entropy.predictor[component]};
 }
 

@@ -59,7 +59,7 @@ struct EntropyCodes {
     std::array<Bits, 2 * small_levels> small_ac[16];  // by run and level + small_levels
 };
 
-constexpr EntropyCodes entropy_codes(const HuffmanTable<dc_symbols>& dc,
+inline EntropyCodes entropy_codes(const HuffmanTable<dc_symbols>& dc,
                                      const HuffmanTable<ac_symbols>& ac) {
     EntropyCodes codes = {code_words<dc_symbols>(dc), code_words<256>(ac), {}, {}};
     for (int32_t level = -small_levels; level < small_levels; ++level) {
@@ -72,9 +72,6 @@ constexpr EntropyCodes entropy_codes(const HuffmanTable<dc_symbols>& dc,
     }
     return codes;
 }
-
-inline constexpr EntropyCodes luminance_codes = entropy_codes(luminance_dc, luminance_ac);
-inline constexpr EntropyCodes chrominance_codes = entropy_codes(chrominance_dc, chrominance_ac);
 
 // FF C4, the length, then the four tables.
 inline constexpr size_t dht_bytes = 420;

@@ -20,6 +20,9 @@ void EncodeTile::prepare(bool grey, McuShape mcu, const QuantisationSlots& slots
     mcu_ = mcu;
     set_quantiser(luminance_, slots[0].data(), coded_count);
     set_quantiser(chrominance_, slots[1].data(), coded_count);
+    // Made at the first encode: as constants they would make the library's file larger by a twentieth.
+    static const EntropyCodes luminance_codes = entropy_codes(luminance_dc, luminance_ac);
+    static const EntropyCodes chrominance_codes = entropy_codes(chrominance_dc, chrominance_ac);
     part_count_ = 0;
     for (int32_t row = 0; row < mcu.down(); ++row)
         add_part(y_groups_[row], static_cast<size_t>(mcu.across()), luminance_codes, y_predictor_);

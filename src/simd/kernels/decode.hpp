@@ -20,18 +20,20 @@ struct InverseDct {
     static constexpr int parts = 8 / V::words; // vectors that hold 8 words
     static constexpr int rows_at_once = 3 - parts;
 
-    static void inverse_dct(const int16_t* block, int32_t last, int16_t* samples,
-                            ptrdiff_t stride) {
+    static void inverse_dct(const int16_t* levels, const int16_t* quantisers, int32_t last,
+                            int16_t* samples, ptrdiff_t stride) {
         if (last == 0)
-            return flat(block[0], samples, stride);
+            return flat(static_cast<int16_t>(levels[0] * quantisers[0]), samples, stride);
         Register pairs[parts][4], turned[parts][4], sums[parts][8];
 #pragma GCC unroll 2
-        for (int part = 0; part < parts; ++part) {
+        for (size_t part = 0; part < parts; ++part) {
 #pragma GCC unroll 4
-            for (int i = 0; i < 4; ++i)
-                pairs[part][i] = V::load(block + 16 * i + 2 * V::words * part);
+            for (size_t i = 0; i < 4; ++i) {
+                const size_t at = 16 * i + 2 * V::words * part;
+                pairs[part][i] = V::multiply16(V::load(levels + at), V::load(quantisers + at));
+            }
             transform(pairs[part], V::zero(), sums[part]);
-            turn(sums[part], turned, part);
+            turn(sums[part], turned, static_cast<int>(part));
         }
 #pragma GCC unroll 2
         for (int part = 0; part < parts; ++part)

@@ -31,11 +31,11 @@ struct FilterKernels {
         const Register of_corners = V::opaque(V::all16(11)), of_edges = V::opaque(V::all16(30)),
                        of_centre = V::opaque(V::all16(81));
         const auto block = [&](size_t i) {
-            const auto outer = [&](size_t at) {
-                return sum(widened(below + at), widened(above + at));
+            const auto outer = [&](ptrdiff_t at) {
+                return sum(widened(below + i + at), widened(above + i + at));
             };
-            const Halves corners = sum(outer(i - 3), outer(i + 3));
-            const Halves edges = sum(outer(i), sum(widened(row + i - 3), widened(row + i + 3)));
+            const Halves corners = sum(outer(-3), outer(3));
+            const Halves edges = sum(outer(0), sum(widened(row + i - 3), widened(row + i + 3)));
             const Halves all = sum(sum(product(corners, of_corners), product(edges, of_edges)),
                                    product(widened(row + i), of_centre));
             V::store(to + i, V::narrow16(V::template shift_right16<8>(all.low),

@@ -92,7 +92,7 @@ struct HueKernels {
     };
 
     // The hues turned by 0 to 359 degrees.
-    static Parts parts(const Planes& p, int32_t degrees) {
+    [[gnu::always_inline]] static Parts parts(const Planes& p, int32_t degrees) {
         // Hues are at least -60: so no sum is negative, and none reaches twice the circle.
         const Register by = V::all16(degrees < 60 ? degrees + 360 : degrees);
         const Register most = V::max8(V::max8(p.red, p.green), p.blue);

@@ -18,13 +18,19 @@ template<typename... Arguments, size_t size, size_t step,
 struct AnyCount<whole_steps, size, step> {
     static void run(uint8_t* to, const uint8_t* from, size_t count, Arguments... arguments) {
         const size_t rest = count % step, whole = count - rest;
-        whole_steps(to, from, whole, arguments...);
+        run_steps(to, from, whole, arguments...);
         if (rest == 0)
             return;
         uint8_t last[size * step] = {};
         std::memcpy(last, from + size * whole, size * rest);
-        whole_steps(last, last, step, arguments...);
+        run_steps(last, last, step, arguments...);
         std::memcpy(to + size * whole, last, size * rest);
+    }
+
+  private:
+    [[gnu::noinline]] static void run_steps(uint8_t* to, const uint8_t* from, size_t count,
+                                            Arguments... arguments) {
+        whole_steps(to, from, count, arguments...);
     }
 };
 

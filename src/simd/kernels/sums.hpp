@@ -6,39 +6,22 @@
 namespace kirvo {
 namespace {
 
-// The larger or smaller of two numbers of a type, over vectors and alone.
-template<typename V>
-struct Highest8 {
-    using Element = uint8_t;
-    static typename V::Register of(typename V::Register a, typename V::Register b) {
-        return V::max8(a, b);
-    }
-    static Element of(Element a, Element b) { return a > b ? a : b; }
+// The larger or the smaller of two numbers of a type, by vectors and alone.
+template<typename V, typename T, auto by_vectors, bool larger>
+struct Choice {
+    using Element = T;
+    using Register = typename V::Register;
+    static Register of(Register a, Register b) { return by_vectors(a, b); }
+    static Element of(Element a, Element b) { return (a > b) == larger ? a : b; }
 };
 template<typename V>
-struct Lowest8 {
-    using Element = uint8_t;
-    static typename V::Register of(typename V::Register a, typename V::Register b) {
-        return V::min8(a, b);
-    }
-    static Element of(Element a, Element b) { return a < b ? a : b; }
-};
+using Highest8 = Choice<V, uint8_t, V::max8, true>;
 template<typename V>
-struct Highest16 {
-    using Element = uint16_t;
-    static typename V::Register of(typename V::Register a, typename V::Register b) {
-        return V::max16_unsigned(a, b);
-    }
-    static Element of(Element a, Element b) { return a > b ? a : b; }
-};
+using Lowest8 = Choice<V, uint8_t, V::min8, false>;
 template<typename V>
-struct HighestSmall32 {
-    using Element = uint32_t;
-    static typename V::Register of(typename V::Register a, typename V::Register b) {
-        return V::max32(a, b);
-    }
-    static Element of(Element a, Element b) { return a > b ? a : b; }
-};
+using Highest16 = Choice<V, uint16_t, V::max16_unsigned, true>;
+template<typename V>
+using HighestSmall32 = Choice<V, uint32_t, V::max32, true>; // of numbers below 2^31
 
 template<typename V, template<typename> typename Which>
 struct ExtremeKernels {

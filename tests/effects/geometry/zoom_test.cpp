@@ -1,5 +1,6 @@
 // Zoom against plain formulations, pixel by pixel.
 #include "support/dib_builder.hpp"
+#include "support/direct_colour.hpp"
 #include "support/progress_recorder.hpp"
 
 #include <algorithm>
@@ -207,24 +208,75 @@ TEST(Zoom, ReportsEachRowOfTheResult) {
     EXPECT_TRUE(recorder.messages().empty());
 }
 
-// Coordinates above 32767 wrap to negative ones, which are held at the picture's edge.
+// Coordinates above 32767 wrap to negative ones. The bytes that they lead to are taken where these
+// lie in the image's block, and the nearest pixel of the picture elsewhere.
+struct WrappedPixel {
+    const std::vector<uint8_t> block;
+    int32_t width, height, bytes, first; // where the lowest row begins
+
+    uint32_t at(int32_t x, int32_t y) const {
+        const int32_t stride = (width * bytes + 3) / 4 * 4;
+        const auto offset = [&](int64_t column, int64_t row) {
+            return first + (height - 1 - row) * stride + column * bytes;
+        };
+        int64_t from = offset(static_cast<int16_t>(x), static_cast<int16_t>(y));
+        if (from < 0 || from + bytes > static_cast<int64_t>(block.size()))
+            from = offset(std::max<int32_t>(static_cast<int16_t>(x), 0),
+                          std::max<int32_t>(static_cast<int16_t>(y), 0));
+        uint32_t word = 0;
+        for (int32_t i = 0; i < bytes; ++i)
+            word |= uint32_t{block[static_cast<size_t>(from + i)]} << 8 * i;
+        return word;
+    }
+};
+
 TEST(Zoom, CutsCoordinatesTo16Bits) {
     Random random(4);
     Dib wide = make_random_dib({70000, 1, 8}, random);
-    const auto wrapped = [](int32_t at) { return std::max(int32_t(int16_t(at)), 0); };
+    const WrappedPixel wrapped = {block_bytes(wide), 70000, 1, 1, 40 + 1024};
     const Dib made(zoom(wide, {100, 0, 69900, 1}, 69900, 2));
     const Dib full(zoom2(wide, {100, 0, 69900, 1}, 69900, 2, 0));
-    for (int32_t i = 0; i < 69900; i += 7) {
-        ASSERT_EQ(made.pixel(i, 0), wide.pixel(wrapped(i + 100), 0)) << i;
+    for (int32_t i = 0; i < 69900; ++i) {
+        ASSERT_EQ(made.pixel(i, 0), wrapped.at(i + 100, 0)) << i;
         ASSERT_EQ(full.pixel(i, 1), wide.pixel(i + 100, 0)) << i;
     }
     EXPECT_EQ(made.pixel(66000, 0), wide.pixel(564, 0));
     EXPECT_EQ(made.pixel(32667, 1), wide.pixel(32767, 0));
     EXPECT_EQ(made.pixel(32668, 1), wide.pixel(0, 0));
-    Dib tall = make_random_dib({1, 70000, 8}, random);
-    const Dib columns(zoom(tall, {0, 0, 1, 70000}, 2, 70000));
-    for (int32_t j = 0; j < 70000; j += 7)
-        ASSERT_EQ(columns.pixel(1, j), tall.pixel(0, wrapped(j))) << j;
+    EXPECT_EQ(made.pixel(65435, 1), block_bytes(wide)[40 + 1023]); // column -1: the colour table
+    EXPECT_EQ(made.pixel(64372, 1), block_bytes(wide)[0]);         // column -1064: the header
+    EXPECT_EQ(made.pixel(64371, 1), wide.pixel(0, 0));
+}
+
+TEST(Zoom, NegativeColumnsLieInTheStoredRowBelow) {
+    Random random(5);
+    for (const int bits : {8, 16, 24, 32}) {
+        Dib wide = make_random_dib({40001, 3, bits}, random);
+        const int32_t stride = (40001 * bits / 8 + 3) / 4 * 4;
+        const auto first = static_cast<int32_t>(block_bytes(wide).size()) - 3 * stride;
+        const WrappedPixel wrapped = {block_bytes(wide), 40001, 3, bits / 8, first};
+        const Dib made(zoom(wide, {0, 0, 40001, 3}, 40001, 6));
+        for (int32_t i = 0; i < 40001; i += i < 32700 ? 1000 : 1)
+            for (int32_t j = 0; j < 6; ++j)
+                ASSERT_EQ(made.pixel(i, j), wrapped.at(i, j / 2)) << bits << ": " << i << ", " << j;
+        // The top row's column -25536, which is 14465 pixels into the row below less the padding.
+        if (bits == 32) {
+            EXPECT_EQ(made.pixel(40000, 0), wide.pixel(40001 - 25536, 1));
+        }
+    }
+}
+
+TEST(Zoom, NegativeRowsLieAboveTheTopRowWhereTheBlockGoesOn) {
+    Random random(6);
+    for (const int32_t extra : {0, 4 * 100, 4 * 40000}) {
+        DibSpec spec = {1, 70000, 8};
+        spec.extra_bytes = extra;
+        Dib tall = make_random_dib(spec, random);
+        const WrappedPixel wrapped = {block_bytes(tall), 1, 70000, 1, 40 + 1024};
+        const Dib made(zoom(tall, {0, 0, 1, 70000}, 2, 70000));
+        for (int32_t j = 0; j < 70000; j += 7)
+            ASSERT_EQ(made.pixel(1, j), wrapped.at(0, j)) << extra << ": " << j;
+    }
 }
 
 // ---- boxes ----

@@ -42,6 +42,9 @@ struct TablePlace {
     const EntropyCodes& codes;
     size_t dc, ac; // where the segment has the class and number
 };
+const EntropyCodes luminance_codes = entropy_codes(luminance_dc, luminance_ac);
+const EntropyCodes chrominance_codes = entropy_codes(chrominance_dc, chrominance_ac);
+
 const TablePlace luminance = {luminance_codes, 4, 4 + 2 * 29};
 const TablePlace chrominance = {chrominance_codes, 4 + 29, 4 + 2 * 29 + 179};
 

@@ -4,7 +4,7 @@ Declares every function of the library for ctypes, with the types of its paramet
 variables are given with byref(), arrays as ctypes arrays, file names as text, null as None:
 
     from ctypes import byref, c_int32, c_uint32
-    import kirvo
+    from kirvo import flat as kirvo
 
     width, height, status = c_uint32(), c_uint32(), c_int32()
     photo = kirvo.JpgDecMainEx("photo.jpg", byref(width), byref(height), byref(status))
@@ -135,6 +135,8 @@ SM_CXFRAME = 32
 SWP_NOMOVE = 2
 # SetWindowPos: the order of windows stays
 SWP_NOZORDER = 4
+# version of this header: 1.0.4.2, as GetVerKirvoDll tells it
+KIRVO_VERSION = 0x1000402
 
 
 class BITMAPINFOHEADER(Structure):

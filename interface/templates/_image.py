@@ -1,0 +1,472 @@
+"""Pictures. Written by script/bindings from interface/: changes belong there."""
+from __future__ import annotations
+
+import ctypes
+import importlib
+import os
+import weakref
+from ctypes import byref, c_int32, c_uint8, c_uint32, c_void_p
+from typing import Any, Callable, NamedTuple, Optional, Sequence, Union
+
+from . import _files, flat, flat_files
+from ._files import Error
+from ._operation import Operation, Progress, progress as watched
+
+Path = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]
+#: The part of a picture that an effect works on: x, y, width, height. A width or height below 0 goes
+#: as far as the picture.
+Area = tuple[int, int, int, int]
+
+_HEADER = 40
+_MASKS = {16: (0xF800, 0x07E0, 0x001F), 32: (0x00FF0000, 0x0000FF00, 0x000000FF)}
+
+
+def rgb(red: int, green: int, blue: int) -> int:
+    """A colour as the library writes it: 0x00BBGGRR."""
+    return red | green << 8 | blue << 16
+
+
+class Range(NamedTuple):
+    """A range of values; test: 0 anything passes, 1 what is inside, 2 what is outside."""
+    lower: int = 0
+    upper: int = 0
+    test: int = 0
+
+
+class Histogram(NamedTuple):
+    """How often each of 256 values of each channel occurs."""
+    red: tuple[int, ...]
+    green: tuple[int, ...]
+    blue: tuple[int, ...]
+
+
+def _packed(values: Range) -> int:
+    return values[0] & 0xFF | (values[1] & 0xFF) << 8 | values[2] << 16
+
+
+def _free(dib: int) -> None:
+    flat.GlobalUnlock(dib)
+    flat.GlobalFree(dib)
+
+
+class _File:
+    """What is known of a file: pictures that came from it share this."""
+
+    def __init__(self, handle: Any) -> None:
+        self.handle = handle
+        weakref.finalize(self, flat_files.KirvoFilesClose, handle).atexit = False
+
+
+def _check(status: int, what: str) -> None:
+    if status < 0:
+        raise Error(status, f"{what}: {_files.meaning(status)}")
+
+
+class Image:
+    """A picture: a packed DIB of 1, 4, 8, 16, 24 or 32 bits, freed with the last reference to it."""
+
+    def __init__(self, width: int, height: int, bits: int = 24) -> None:
+        """A new picture, black."""
+        dib = flat.DibMemAllocEx(width, height, bits) if width > 0 and height > 0 else None
+        if not dib:
+            raise Error(flat.KIRVO_BAD_PARAMETER,
+                        "Image: no such size or depth, or not enough memory")
+        self._take(dib, None)
+        for index, mask in enumerate(_MASKS.get(bits, ())):
+            c_uint32.from_address(self._address + _HEADER + 4 * index).value = mask
+
+    def _take(self, dib: Any, file: Optional[_File]) -> None:
+        self._dib, self._file = int(dib), file
+        address = flat.GlobalLock(dib)
+        self._address = int(address)
+        self._header = flat.BITMAPINFOHEADER.from_address(address)
+        weakref.finalize(self, _free, self._dib).atexit = False
+
+    @classmethod
+    def _of(cls, dib: Any, file: Optional[_File] = None) -> Image:
+        image = cls.__new__(cls)
+        image._take(dib, file)
+        return image
+
+    # Files
+
+    @classmethod
+    def open(cls, path: Path, progress: Optional[Progress] = None, *, frame: int = 0,
+             background: Optional[int] = None, turn: bool = True, keep_alpha: bool = False,
+             keep_going: bool = False, limits: bool = True) -> Image:
+        """Opens a picture of any format.
+
+        progress: called with percentages
+        frame: which picture of the file, from 1; 0 for the usual one
+        background: the colour below transparent pixels; white by default
+        turn: whether it is turned upright as its EXIF orientation says
+        keep_alpha: whether a picture with alpha gets 32 bits, alpha on top
+        keep_going: whether a damaged file gives what there is of it
+        limits: whether claims of sizes out of proportion to the file are refused
+        """
+        return cls._opened(progress, _options(frame, background, turn, keep_alpha, keep_going, limits),
+                           os.fsdecode(path), flat_files.KirvoFilesOpen, _files.name_of(path))
+
+    @classmethod
+    def from_bytes(cls, data: bytes, progress: Optional[Progress] = None, *, frame: int = 0,
+                   background: Optional[int] = None, turn: bool = True, keep_alpha: bool = False,
+                   keep_going: bool = False, limits: bool = True) -> Image:
+        """Opens a file that is in memory; the rest as open."""
+        data = bytes(data)
+        return cls._opened(progress, _options(frame, background, turn, keep_alpha, keep_going, limits),
+                           None, flat_files.KirvoFilesOpenMemory, data, len(data))
+
+    @classmethod
+    def _opened(cls, progress: Optional[Progress], options: Any,
+                filename: Optional[str], function: Any, *what: Any) -> Image:
+        if progress:
+            with watched(progress):
+                return cls._opened(None, options, filename, function, *what)
+        dib, known = c_void_p(), c_void_p()
+        with Operation() as operation:
+            operation.begin()
+            status = function(*what, byref(options), byref(dib), byref(known))
+            file = _File(known.value) if known.value else None
+            image = cls._of(dib.value, file) if dib.value else None
+            operation.done(status == 0)
+            _files.check(status, known, filename)
+        assert image is not None
+        return image
+
+    def save(self, path: Path, *, quality: int = 0, strip: bool = False, new_only: bool = False,
+             size_limit: int = 0, **options: int) -> None:
+        """Saves the picture in the format that the name tells, complete or not at all. What the file
+        that it came from knew besides its pixels goes along.
+
+        quality: of JPEG and WebP, 1 to 100; 0 for the usual
+        strip: whether metadata stays away
+        new_only: whether a file that exists is an error
+        size_limit: of JPEG and WebP, the most bytes; 0 for any number
+        options: other fields of KirvoFilesSaveOptions: format, flags, level, subsample, bits, ...
+        """
+        how = _save_options(quality, strip, new_only, size_limit, options)
+        file = c_void_p()
+        try:
+            with Operation() as operation:
+                operation.begin()
+                status = flat_files.KirvoFilesSave(_files.name_of(path), self._dib, self._known, byref(how),
+                                          byref(file))
+                operation.done(status == 0)
+                _files.check(status, file, os.fsdecode(path))
+        finally:
+            flat_files.KirvoFilesClose(file)
+
+    def to_bytes(self, format: str, *, quality: int = 0, strip: bool = False, size_limit: int = 0,
+                 **options: int) -> bytes:
+        """The picture as the bytes of a file; format: "png", "jpg", ...; the rest as save."""
+        number = int(flat_files.KirvoFilesFormatOf(format.encode()))
+        how = _save_options(quality, strip, False, size_limit, {"format": number, **options})
+        file, block, count = c_void_p(), c_void_p(), c_uint32()
+        try:
+            with Operation() as operation:
+                operation.begin()
+                status = flat_files.KirvoFilesSaveMemory(self._dib, self._known, byref(how), byref(block),
+                                            byref(count), byref(file))
+                operation.done(status == 0)
+                _files.check(status, file)
+            return ctypes.string_at(flat.GlobalLock(block), count.value)
+        finally:
+            flat.GlobalUnlock(block)
+            flat.GlobalFree(block)
+            flat_files.KirvoFilesClose(file)
+
+    def _repr_png_(self) -> bytes:
+        return self.to_bytes("png", strip=True)
+
+    @property
+    def _known(self) -> Any:
+        return self._file.handle if self._file else None
+
+    @property
+    def notes(self) -> list[str]:
+        """What had to be left out or repaired when the picture was opened."""
+        said = _files.Description(ctypes.sizeof(_files.Description))
+        if self._file:
+            flat_files.KirvoFilesDescribe(self._known, byref(said))
+        return [_files.words(self._known, flat_files.KIRVO_FILES_TEXT_NOTE, index) for index in range(said.notes)]
+
+    # Size and pixels
+
+    @property
+    def size(self) -> tuple[int, int]:
+        """Width and height."""
+        return self.width, self.height
+
+    @property
+    def width(self) -> int:
+        return int(self._header.biWidth)
+
+    @property
+    def height(self) -> int:
+        return int(self._header.biHeight)
+
+    @property
+    def bits(self) -> int:
+        """Bits of a pixel."""
+        return int(self._header.biBitCount)
+
+    @property
+    def handle(self) -> int:
+        """The packed DIB for the functions of kirvo.flat; it stays owned."""
+        return self._dib
+
+    def __repr__(self) -> str:
+        return f"<kirvo.Image {self.width} x {self.height}, {self.bits} bits>"
+
+    @property
+    def _stride(self) -> int:
+        return (self.width * self.bits + 31) // 32 * 4
+
+    @property
+    def _bottom(self) -> int:
+        """Address of the lowest row, which lies first in memory."""
+        return self._address + int(self._header.biSize) + int(flat.PaletteSize(self._address))
+
+    @property
+    def __array_interface__(self) -> dict[str, Any]:
+        """Height x width x 3: red, green, blue, the top row first. Of 24 and 32 bits these are the
+        picture's own bytes, so that writing changes it; other depths give a copy."""
+        if self.bits not in (24, 32):
+            return self._copied_interface()
+        top = self._bottom + self._stride * (self.height - 1)
+        return {"version": 3, "typestr": "|u1", "shape": (self.height, self.width, 3),
+                "strides": (-self._stride, self.bits // 8, -1), "data": (top + 2, False)}
+
+    def _copied_interface(self) -> dict[str, Any]:
+        return {"version": 3, "typestr": "|u1", "shape": (self.height, self.width, 3),
+                "data": bytearray(self.to_rgb())}
+
+    def to_rgb(self) -> bytes:
+        """The pixels: three bytes each, red, green, blue, from the top left, without padding."""
+        image = self.convert(24)
+        stride, width = image._stride, 3 * image.width
+        stored = ctypes.string_at(image._bottom, stride * image.height)
+        rows = b"".join(stored[at:at + width] for at in range(len(stored) - stride, -1, -stride))
+        pixels = bytearray(len(rows))
+        pixels[0::3], pixels[1::3], pixels[2::3] = rows[2::3], rows[1::3], rows[0::3]
+        return bytes(pixels)
+
+    @classmethod
+    def from_rgb(cls, width: int, height: int, pixels: bytes) -> Image:
+        """A picture of 24 bits of pixels as to_rgb gives them."""
+        if len(pixels) != 3 * width * height:
+            raise ValueError(f"{3 * width * height} bytes make {width} x {height} pixels, "
+                             f"not {len(pixels)}")
+        image = cls(width, height)
+        rows = bytearray(len(pixels))
+        rows[0::3], rows[1::3], rows[2::3] = pixels[2::3], pixels[1::3], pixels[0::3]
+        for y in range(height):
+            row = bytes(rows[3 * width * y:3 * width * (y + 1)])
+            ctypes.memmove(image._bottom + image._stride * (height - 1 - y), row, len(row))
+        return image
+
+    @classmethod
+    def from_array(cls, array: Any) -> Image:
+        """A picture of 24 bits of an array of bytes: height x width x 3 (red, green, blue), x 4 (the
+        fourth is left out), or height x width (grey)."""
+        view = memoryview(array)
+        if view.format not in ("B", "<B", "|u1") or view.ndim not in (2, 3) or \
+                view.ndim == 3 and view.shape and view.shape[2] not in (3, 4):
+            raise ValueError("an array of bytes is needed: height x width, x 3 or x 4")
+        assert view.shape is not None
+        height, width, depth = (*view.shape, 1)[:3]
+        data = view.tobytes()
+        pixels = bytearray(3 * width * height)
+        for channel in range(3):
+            pixels[channel::3] = data[channel::depth] if depth > 1 else data
+        return cls.from_rgb(width, height, bytes(pixels))
+
+    @classmethod
+    def from_pillow(cls, picture: Any) -> Image:
+        """A picture of 24 bits of one of Pillow's; what is transparent is laid over white."""
+        if "A" in picture.getbands() or "transparency" in picture.info:
+            clear = picture.convert("RGBA")
+            picture = clear.copy()
+            picture.paste((255, 255, 255, 255), (0, 0, *clear.size))
+            picture.alpha_composite(clear)
+        picture = picture.convert("RGB")
+        return cls.from_rgb(picture.width, picture.height, picture.tobytes())
+
+    def to_pillow(self) -> Any:
+        """The picture as one of Pillow's, mode RGB."""
+        pillow: Any = importlib.import_module("PIL.Image")
+        return pillow.frombytes("RGB", self.size, self.to_rgb())
+
+    def copy(self) -> Image:
+        """Another picture of the same pixels."""
+        size = int(flat.GlobalSize(self._dib))
+        dib = flat.GlobalAlloc(flat.GHND, size)
+        if not dib:
+            raise Error(flat.KIRVO_NO_MEMORY, f"copy: {_files.meaning(flat.KIRVO_NO_MEMORY)}")
+        ctypes.memmove(flat.GlobalLock(dib), self._address, size)
+        flat.GlobalUnlock(dib)
+        return self._of(dib, self._file)
+
+    __copy__ = copy
+
+    def __deepcopy__(self, memo: object) -> Image:
+        return self.copy()
+
+    def convert(self, bits: int) -> Image:
+        """The picture at another depth: 16, 24 or 32 bits."""
+        if bits not in (16, 24, 32):
+            raise Error(flat.KIRVO_BAD_PARAMETER, "convert: 16, 24 or 32 bits")
+        if bits == self.bits:
+            return self.copy()
+        if self.bits <= 8 and bits != 24:
+            return self.convert(24).convert(bits)
+        function = flat.IncreaseColor16M if self.bits <= 8 else \
+            {16: flat.DibConvert16bit, 24: flat.DibConvert24bit, 32: flat.DibConvert32bit}[bits]
+        return self._make("convert", (1, 4, 8, 16, 24, 32), None,
+                          lambda dib, _, status: function(dib, status))
+
+    # Effects
+
+@methods@
+    def filter_3x3(self, weights: Sequence[int], divisor: int = 0, *,
+                   area: Optional[Area] = None) -> Image:
+        """Filters with a kernel of 3 x 3 weights, row by row from the top left neighbour.
+
+        weights: nine of them
+        divisor: divides the sums; 0: the sum of the weights, or 1
+        area: the part that is worked on
+        """
+        a, b, c, d, e, f, g, h, i = weights
+
+        def call(dib: int, area: Area, status: Any) -> Any:
+            flat.SetFilter3x3(g, h, i, d, e, f, a, b, c, divisor or sum(weights))
+            return flat.DibFilter3x3(dib, *area, status)
+        return self._make("filter_3x3", (16, 24, 32), area, call)
+
+    def keep_colours(self, flags: int, first: Range = Range(), second: Range = Range(),
+                     third: Range = Range(), *, area: Optional[Area] = None) -> Image:
+        """Keeps colours by ranges.
+
+        flags: 0x101 channels of RGB, 0x102 pixels of RGB, 0x202 pixels by hue, saturation and value
+        first, second, third: ranges
+        area: the part that is worked on
+        """
+        fields = [flags, *first, *second, *third]
+        words = [low & 0xFFFF | (high & 0xFFFF) << 16 for low, high in zip(fields[::2], fields[1::2])]
+        return self._make("keep_colours", (24, 32), area,
+                          lambda dib, a, status: flat.Dib24FilterEx(dib, *a, *words, status))
+
+    def separate(self, *, area: Optional[Area] = None) -> tuple[Image, Image, Image]:
+        """Three pictures with one channel each: red, green, blue."""
+        made = [c_void_p() for _ in range(3)]
+        self._apply("separate", (24, 32), area,
+                    lambda dib, a: flat.Dib24Separate(dib, *a, *map(byref, made)))
+        red, green, blue = (self._of(dib.value, self._file) for dib in made)
+        return red, green, blue
+
+    def histogram(self, *, area: Optional[Area] = None) -> Histogram:
+        """How often each value of each channel occurs."""
+        counted = [(c_uint32 * 256)() for _ in range(3)]
+        self._apply("histogram", (8, 16, 24, 32), area,
+                    lambda dib, a: flat.DibHistgram(dib, *a, *counted))
+        return Histogram(*(tuple(numbers) for numbers in counted))
+
+    def count_colours(self) -> int:
+        """The number of different colours."""
+        count = c_uint32()
+        self._apply("count_colours", (1, 4, 8, 16, 24, 32), None,
+                    lambda dib, _: flat.DibCountColors(dib, byref(count)))
+        return count.value
+
+    def get_pixel(self, x: int, y: int) -> int:
+        """A pixel's colour, 0x00BBGGRR."""
+        colour = c_uint32()
+        _check(flat.DibGetPixelColor(self._dib, x, y, byref(colour)), "get_pixel")
+        return colour.value
+
+    @staticmethod
+    def key_colour(colour: int) -> None:
+        """The colour that compose leaves out in mode 4, for the whole process."""
+        with Operation():
+            flat.SetKeyColorDib24Add(colour)
+
+    @staticmethod
+    def mix_masks(three: Sequence[int], five: Sequence[int]) -> None:
+        """The weights of mix_3x3 and mix_5x5 in tenths, row by row from the top left neighbour, for
+        the whole process."""
+        with Operation():
+            flat.Dib24Mix3X3SetMask((c_int32 * 9)(*three))
+            flat.Dib24Mix5X5SetMask((c_int32 * 25)(*five))
+
+    # How a function of the library is called
+
+    def _inside(self, area: Optional[Area]) -> Area:
+        x, y, width, height = area or (0, 0, -1, -1)
+        return (x, y, self.width - x if width < 0 else width, self.height - y if height < 0 else height)
+
+    def _at(self, depths: Sequence[int]) -> Image:
+        return self if self.bits in depths else self.convert(24)
+
+    def _make(self, what: str, depths: Sequence[int], area: Optional[Area],
+              call: Callable[[int, Area, Any], Any]) -> Image:
+        """Calls a function that makes a picture."""
+        status = c_int32()
+        with Operation() as operation:
+            source = self._at(depths)
+            operation.begin()
+            dib = call(source._dib, self._inside(area), byref(status))
+            image = self._of(dib, self._file) if dib else None
+            operation.done(image is not None)
+        if image is None:
+            _check(status.value if status.value < 0 else flat.KIRVO_NO_MEMORY, what)
+        assert image is not None
+        return image
+
+    def _apply(self, what: str, depths: Sequence[int], area: Optional[Area],
+               call: Callable[[int, Area], Any]) -> None:
+        """Calls a function that works on what is there."""
+        with Operation() as operation:
+            source = self._at(depths)
+            operation.begin()
+            status = int(call(source._dib, self._inside(area)))
+            operation.done(status >= 0)
+        _check(status, what)
+
+    def _changed(self, what: str, depths: Sequence[int], area: Optional[Area],
+                 call: Callable[[int, Area], Any]) -> Image:
+        """A copy on which a function has worked."""
+        with Operation() as operation:
+            image = self.copy() if self.bits in depths else self.convert(24)
+            operation.begin()
+            status = int(call(image._dib, self._inside(area)))
+            operation.done(status >= 0)
+        _check(status, what)
+        return image
+
+    def _ready(self, depths: Sequence[int]) -> None:
+        """Becomes a picture of 24 bits when its depth is none of these. The old pixels live as long
+        as it does: arrays may look at them."""
+        if self.bits not in depths:
+            image = self.convert(24)
+            self._take(flat.GlobalAlloc(flat.GHND, flat.GlobalSize(image._dib)), self._file)
+            ctypes.memmove(self._address, image._address, flat.GlobalSize(image._dib))
+
+
+def _options(frame: int, background: Optional[int], turn: bool, keep_alpha: bool, keep_going: bool,
+             limits: bool) -> Any:
+    flags = (0 if turn else flat_files.KIRVO_FILES_NO_TURN) | (flat_files.KIRVO_FILES_KEEP_ALPHA if keep_alpha else 0) | \
+        (flat_files.KIRVO_FILES_KEEP_GOING if keep_going else 0) | (0 if limits else flat_files.KIRVO_FILES_NO_LIMITS) | \
+        (0 if background is None else flat_files.KIRVO_FILES_BACKGROUND)
+    return _files.OpenOptions(ctypes.sizeof(_files.OpenOptions), flags, background or 0, frame)
+
+
+def _save_options(quality: int, strip: bool, new_only: bool, size_limit: int,
+                  options: dict[str, int]) -> Any:
+    how = _files.SaveOptions(size=ctypes.sizeof(_files.SaveOptions), quality=quality,
+                             sizeLimit=size_limit)
+    for name, value in options.items():
+        if name not in (field[0] for field in _files.SaveOptions._fields_):
+            raise TypeError(f"save has no option {name}")
+        setattr(how, name, value)
+    how.flags |= (flat_files.KIRVO_FILES_STRIP if strip else 0) | (flat_files.KIRVO_FILES_NEW_ONLY if new_only else 0)
+    return how

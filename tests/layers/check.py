@@ -1,0 +1,150 @@
+#!/usr/bin/env python3
+"""The object layers: check.py CHECK build/<preset>/interface.json
+
+A check whose compiler is missing is skipped (exit code 77).
+"""
+import json
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+
+SOURCE = pathlib.Path(__file__).parents[2]
+sys.path[:0] = [str(SOURCE / "interface")]
+sys.dont_write_bytecode = True
+from description import Description
+from header import Header
+from layers import Layers
+
+CONFIG = json.loads(pathlib.Path(sys.argv[2]).read_text())
+FOLDER = pathlib.Path(CONFIG["library"]).parent
+WINDOWS = CONFIG["system"] == "Windows"
+BITS = str(8 * int(CONFIG["pointer_bytes"]))
+SKIPPED = 77
+
+
+def run(*command, code=0, folder=None):
+    """What a command prints. It finds the libraries."""
+    if str(command[0]).endswith(".exe") and WINDOWS:
+        command = (SOURCE / "script/wine", BITS, *command)
+    environment = {**os.environ, "LD_LIBRARY_PATH": str(FOLDER), "PYTHONDONTWRITEBYTECODE": "1"}
+    result = subprocess.run(list(map(str, command)), env=environment, text=True,
+                            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, cwd=folder)
+    assert result.returncode == code, f"{command}: {result.returncode}\n{result.stdout}"
+    return result.stdout
+
+
+def need(program, package):
+    if not shutil.which(program):
+        print(f"needs {program}: Debian's {package}")
+        sys.exit(SKIPPED)
+
+
+def joined(name, first=str.capitalize):
+    """A method's name in capitals: rotate_90 is Rotate90."""
+    head, *rest = name.split("_")
+    return first(head) + "".join(map(str.capitalize, rest))
+
+
+# Where each layer lies, and how it begins a method.
+LAYERS = {
+    "include/kirvo.hpp": lambda name: rf"^    (?:template.*|static )?[\w:<>& ]+? ?&?{name}\(",
+    "bindings/python/src/kirvo/_image.py": lambda name: rf"^    def {name}\(",
+    "bindings/csharp/KirvoImage.cs": lambda name: rf"^ +public (?:static )?[\w\[\]]+ {joined(name)}\(",
+    "bindings/pascal/KirvoImages.pas":
+        lambda name: rf"^    (?:class )?(?:function|procedure) {joined(name)}\b",
+    "bindings/vb/KirvoImage.cls": lambda name: rf"^Public (?:Function|Sub) {joined(name)}\(",
+}
+
+
+def check_effects(folder):
+    """Every effect of the description is reached by a method in every layer."""
+    layers = Layers(Description(), Header()) # which fails where a function has no method
+    missing = []
+    for path, begins in LAYERS.items():
+        text = (SOURCE / path).read_text(encoding="utf-8").replace("\r\n", "\n")
+        for name in layers.names:
+            if not re.search(begins(name), text, re.MULTILINE):
+                missing.append(f"{path}: no {name}")
+        for function in layers.covered - {one for names in layers.same.values() for one in names}:
+            if not re.search(rf"\b{function}\b", text):
+                missing.append(f"{path}: {function} is not called")
+    assert not missing, "\n".join(missing)
+
+
+
+def check_cpp(folder):
+    """kirvo.hpp by every compiler that is there, at two standards."""
+    compilers = [CONFIG["cpp_compiler"]]
+    if not WINDOWS:
+        need("clang++", "clang")
+        compilers.append("clang++")
+    libraries = ["-lKirvoFiles", "-lKirvo", "-static"] if WINDOWS else ["-lkirvofiles", "-lkirvo", "-pthread"]
+    if WINDOWS:
+        for dll in FOLDER.glob("*.dll"):
+            shutil.copy(dll, folder)
+    for compiler in compilers:
+        for standard in ("c++17", "c++20"):
+            program = folder / ("layer.exe" if WINDOWS else "layer")
+            run(compiler, f"-std={standard}", "-Wall", "-Wextra", "-Wconversion", "-pedantic", "-Werror",
+                f"-I{SOURCE}/include", SOURCE / "tests/layers/cpp.cpp", f"-L{FOLDER}", *libraries,
+                "-o", program)
+            print(compiler, standard, run(program, folder))
+
+
+def check_python(folder):
+    """The package from its source, with the libraries just built."""
+    os.environ["KIRVO_LIBRARY"] = CONFIG["library"]
+    os.environ["PYTHONPATH"] = str(SOURCE / "bindings/python/src")
+    run("/usr/bin/python3", SOURCE / "tests/layers/python_layer.py", SOURCE / "bindings/python")
+
+
+def check_csharp(folder):
+    """The classes from their source; what they promise, and the example."""
+    need("mcs", "mono-mcs")
+    need("mono", "mono-runtime")
+    csharp = SOURCE / "bindings/csharp"
+    for source in (SOURCE / "tests/layers/CSharpLayer.cs", csharp / "Photo.cs"):
+        program = folder / f"{source.stem}.exe"
+        run("mcs", "-warn:4", "-warnaserror", "-r:System.Drawing", f"-out:{program}", f"-doc:{folder}/doc.xml",
+            source, *(csharp / name for name in ("Kirvo.cs", "KirvoImage.cs", "KirvoBitmap.cs")))
+        shutil.copy(csharp / "Kirvo.dll.config", f"{program}.config")
+    run("mono", folder / "CSharpLayer.exe", folder)
+    check_photo(folder, "mono", folder / "Photo.exe")
+
+
+def check_pascal(folder):
+    """The classes by Free Pascal; what they promise, and Lazarus' package and example."""
+    need("fpc", "fp-compiler")
+    pascal = SOURCE / "bindings/pascal"
+    run("fpc", f"-Fl{FOLDER}", f"-FE{folder}", f"-Fu{pascal}", SOURCE / "tests/layers/PascalLayer.dpr")
+    run(folder / "PascalLayer", folder)
+    need("lazbuild", "lcl-utils")
+    need("Xvfb", "xvfb")
+    project = folder / "project"
+    shutil.copytree(pascal, project)
+    os.environ["KIRVO_LIBRARIES"] = str(FOLDER) # for the linker
+    lazarus = ["lazbuild", f"--primary-config-path={folder}/lazarus", "--quiet"]
+    run(*lazarus, "--widgetset=gtk2", "--add-package-link", project / "kirvo_lazarus.lpk")
+    run(*lazarus, "--widgetset=gtk2", project / "photo.lpi")
+    check_photo(folder, "xvfb-run", "-a", project / "photo")
+
+
+def check_photo(folder, *command):
+    """The example that every language has: its picture, its progress and its error."""
+    photo = folder / "写真.jpg"
+    shutil.copy(SOURCE / "docs/contact-sheet.jpg", photo)
+    shown = run(*command, photo, folder / "page.png")
+    assert shown.count(" 100%") >= 4, shown # opened, cropped, resized, sharpened
+    page = (folder / "page.png").read_bytes()
+    assert page.startswith(b"\x89PNG") and int.from_bytes(page[16:20], "big") == 800
+    photo.write_bytes(b"no picture at all" * 100)
+    assert "写真.jpg: " in run(*command, photo, folder / "other.png", code=1)
+    assert not (folder / "other.png").exists()
+
+
+with tempfile.TemporaryDirectory() as made_for_this:
+    globals()[f"check_{sys.argv[1]}"](pathlib.Path(made_for_this))

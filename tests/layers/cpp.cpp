@@ -1,0 +1,247 @@
+// What include/kirvo.hpp promises, by plain assertions, so that every compiler and standard builds it.
+#include <kirvo.hpp>
+
+#include <cstdio>
+#include <fstream>
+#include <thread>
+
+namespace fs = std::filesystem;
+using kirvo::Image;
+
+#if __cplusplus >= 202002L
+#define PHOTO fs::path(u8"写真 ü.bmp")
+#else
+#define PHOTO fs::u8path("写真 ü.bmp")
+#endif
+
+static int failures = 0;
+
+#define EXPECT(condition)                                                                          \
+    do {                                                                                           \
+        if (!(condition)) {                                                                        \
+            std::printf("line %d: not %s\n", __LINE__, #condition);                                \
+            ++failures;                                                                            \
+        }                                                                                          \
+    } while (0)
+
+template<typename Call>
+static kirvo::Error failure_of(const Call& call) {
+    try {
+        call();
+    } catch (const kirvo::Error& error) {
+        return error;
+    }
+    return {0, "nothing was thrown"};
+}
+
+static bool has(const std::string& text, const char* part) {
+    return text.find(part) != std::string::npos;
+}
+
+static Image striped(int32_t width, int32_t height) {
+    Image image(width, height);
+    int32_t y = 0;
+    for (const kirvo::Row row : image.rows()) {
+        for (size_t i = 0; i < row.size(); ++i)
+            row[i] = static_cast<uint8_t>(i * 7 + static_cast<size_t>(y) * 13);
+        ++y;
+    }
+    return image;
+}
+
+static void pixels_are_seen_from_the_top() {
+    Image image(3, 2);
+    image.rows()[0][0] = 10; // blue of the top left pixel
+    image.rows()[1][8] = 30; // red of the bottom right pixel
+    EXPECT(image.width() == 3 && image.height() == 2 && image.bits() == 24);
+    EXPECT(image.get_pixel(0, 0) == kirvo::rgb(0, 0, 10));
+    EXPECT(image.get_pixel(2, 1) == kirvo::rgb(30, 0, 0));
+    EXPECT(image.rows()[0].size() == 9);
+    EXPECT(image.flip().get_pixel(0, 1) == kirvo::rgb(0, 0, 10));
+    EXPECT(image.get_pixel(0, 0) == kirvo::rgb(0, 0, 10)); // its own is left alone
+}
+
+static void effects_take_areas_and_options() {
+    const Image grey = Image::solid(4, 4, kirvo::rgb(100, 100, 100));
+    const Image brighter = grey.brightness(20); // 100 + 20 * 255 / 100
+    EXPECT(brighter.get_pixel(3, 3) == kirvo::rgb(151, 151, 151));
+    EXPECT(grey.brightness(20, {1, 1, 2}).width() == 2);
+    EXPECT(grey.brightness(20, {1, 1, 2}).height() == 3);
+    const Image half = grey.negative({0, 0, 2, 4});
+    EXPECT(half.get_pixel(1, 0) == kirvo::rgb(155, 155, 155));
+    EXPECT(half.get_pixel(2, 0) == kirvo::rgb(100, 100, 100));
+}
+
+static void other_depths_become_24_bits_first() {
+    Image palette(5, 4, 8);
+    XPaletteQuad(palette.handle(), 0, kirvo::rgb(9, 8, 7));
+    EXPECT(palette.sharpen().bits() == 24);
+    EXPECT(palette.blur().bits() == 24);
+    EXPECT(palette.crop(0, 0, 2, 2).bits() == 8);
+    EXPECT(palette.exclusive_or(0).get_pixel(4, 3) == kirvo::rgb(9, 8, 7));
+    EXPECT(palette.convert(32).get_pixel(0, 0) == kirvo::rgb(9, 8, 7));
+    EXPECT(Image(2, 2, 1).reduce_16().bits() == 4);
+    Image target(5, 4, 8);
+    target.compose(palette); // 8 bits are not composed
+    EXPECT(target.bits() == 24 && target.get_pixel(0, 0) == kirvo::rgb(9, 8, 7));
+}
+
+static void errors_say_what_and_why() {
+    const Image image(3, 2);
+    const kirvo::Error level = failure_of([&] { image.brightness(101); });
+    EXPECT(level.status() == KIRVO_BAD_PARAMETER);
+    EXPECT(has(level.what(), "brightness: ") && has(level.what(), "out of its range"));
+    EXPECT(failure_of([&] { image.crop(2, 0, 2, 1); }).status() == KIRVO_BAD_PARAMETER);
+    EXPECT(failure_of([] { Image().width(); }).status() == KIRVO_NULL_HANDLE);
+    EXPECT(failure_of([] { Image(0, 1); }).status() == KIRVO_BAD_PARAMETER);
+    const kirvo::Error missing = failure_of([] { Image::open("no such picture.jpg"); });
+    EXPECT(missing.status() == KIRVO_FILES_MISSING);
+    EXPECT(has(missing.what(), "no such picture.jpg"));
+    EXPECT(failure_of([] { Image::open("not a picture", 13); }).status() ==
+           KIRVO_FILES_NOT_A_PICTURE);
+}
+
+static void files_of_any_name_are_saved_and_opened(const fs::path& folder) {
+    const fs::path name = folder / PHOTO;
+    const Image image = striped(7, 5);
+    image.save(name);
+    EXPECT(fs::exists(name));
+    int last = -1;
+    const Image again = Image::open(name, [&](int percent) { last = percent; });
+    EXPECT(last == 100);
+    EXPECT(again.width() == 7 && again.get_pixel(6, 4) == image.get_pixel(6, 4));
+    EXPECT(again.description().format == KIRVO_FILES_BMP && again.notes().empty());
+    EXPECT(again.mirror().description().format == KIRVO_FILES_BMP); // it is remembered
+    kirvo::SaveOptions jpeg;
+    jpeg.format = KIRVO_FILES_JPEG;
+    const std::vector<uint8_t> bytes = image.encode(jpeg);
+    EXPECT(bytes.size() > 100 && bytes[0] == 0xFF && bytes[1] == 0xD8);
+    EXPECT(Image::open(bytes.data(), bytes.size()).height() == 5);
+    EXPECT(failure_of([&] { image.save(folder / "picture.unknown"); }).status() ==
+           KIRVO_FILES_NOT_WRITTEN);
+}
+
+static void progress_may_throw() {
+    const Image image = striped(64, 400);
+    std::vector<int> seen;
+    {
+        const kirvo::Watch watch([&](int percent) { seen.push_back(percent); });
+        EXPECT(image.blur().width() == 64);
+    }
+    EXPECT(seen.size() > 2 && seen.front() == 0 && seen.back() == 100);
+    for (size_t i = 1; i < seen.size(); ++i)
+        EXPECT(seen[i] > seen[i - 1]);
+    const size_t before = seen.size();
+    image.blur();
+    EXPECT(seen.size() == before); // the watch has ended
+
+    struct Enough {};
+    bool arrived = false;
+    kirvo::SaveOptions jpeg;
+    jpeg.format = KIRVO_FILES_JPEG;
+    const std::vector<uint8_t> bytes = image.encode(jpeg);
+    for (int round = 0; round < 2; ++round) {
+        const kirvo::Watch watch([](int percent) {
+            if (percent >= 20)
+                throw Enough();
+        });
+        try {
+            arrived = false;
+            if (round == 0)
+                image.sharpen();
+            else
+                image.encode(jpeg);
+        } catch (const Enough&) {
+            arrived = true;
+        }
+        EXPECT(arrived);
+    }
+    EXPECT(Image::open(bytes.data(), bytes.size()).height() == 400); // the codec is free again
+}
+
+static void jpeg_comes_and_goes_in_pieces() {
+    const Image image = striped(100, 60);
+    kirvo::SaveOptions whole;
+    whole.format = KIRVO_FILES_JPEG;
+    std::vector<uint8_t> stream;
+    int steps = 0;
+    {
+        kirvo::JpegEncoder encoder(image, 5);
+        while (!encoder.step())
+            ++steps;
+        stream = encoder.finish();
+    }
+    EXPECT(steps > 2 && stream.size() > 100);
+    kirvo::JpegDecoder decoder;
+    for (size_t at = 0; at < stream.size(); at += 64)
+        decoder.write(stream.data() + at, stream.size() - at < 64 ? stream.size() - at : 64);
+    const Image decoded = decoder.finish();
+    EXPECT(decoded.width() == 100 && decoded.height() == 60);
+    {
+        kirvo::JpegDecoder broken;
+        broken.write(stream.data(), 200); // and ends in the middle
+        EXPECT(failure_of([] { kirvo::JpegDecoder().finish(); }).status() == KIRVO_JPEG_NO_SOI);
+    }
+    EXPECT(Image::open(stream.data(), stream.size()).width() == 100);
+}
+
+static void masks_and_ranges() {
+    const Image image = Image::solid(3, 3, kirvo::rgb(50, 100, 150));
+    const int32_t middle[9] = {0, 0, 0, 0, 1, 0, 0, 0, 0};
+    EXPECT(image.filter_3x3(middle).get_pixel(1, 1) == kirvo::rgb(50, 100, 150));
+    const int32_t from_above[9] = {0, 1, 0, 0, 0, 0, 0, 0, 0};
+    EXPECT(image.filter_3x3(from_above).get_pixel(1, 0) == 0);
+    EXPECT(image.filter_3x3(from_above).get_pixel(1, 2) == kirvo::rgb(50, 100, 150));
+    const kirvo::Range any{}, low{0, 120, kirvo::Test::inside};
+    EXPECT(image.keep_channels(any, low, low).get_pixel(0, 0) == kirvo::rgb(50, 100, 0));
+    EXPECT(image.keep_colours(0x102, any, low, low).get_pixel(0, 0) == 0);
+    EXPECT(image.separate()[2].get_pixel(0, 0) == kirvo::rgb(0, 0, 150));
+    EXPECT(image.histogram().green[100] == 9 && image.count_colours() == 1);
+}
+
+#ifndef _WIN32 // Wine's and GCC's threads differ in what they offer
+static void threads_take_turns() {
+    const Image image = striped(300, 200);
+    kirvo::SaveOptions jpeg;
+    jpeg.format = KIRVO_FILES_JPEG;
+    const std::vector<uint8_t> bytes = image.encode(jpeg);
+    int wrong[4] = {};
+    std::vector<std::thread> threads;
+    for (int& mine : wrong)
+        threads.emplace_back([&] {
+            for (int round = 0; round < 20; ++round) {
+                kirvo::JpegDecoder decoder;
+                decoder.write(bytes.data(), bytes.size());
+                mine += decoder.finish().blur().width() != 300;
+                mine += image.encode(jpeg) != bytes;
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const int mine : wrong)
+        EXPECT(mine == 0);
+}
+#endif
+
+int main(int argc, char** argv) {
+    try {
+        pixels_are_seen_from_the_top();
+        effects_take_areas_and_options();
+        other_depths_become_24_bits_first();
+        errors_say_what_and_why();
+        files_of_any_name_are_saved_and_opened(argc > 1 ? argv[1] : ".");
+        progress_may_throw();
+        jpeg_comes_and_goes_in_pieces();
+        masks_and_ranges();
+#ifndef _WIN32
+        threads_take_turns();
+#endif
+    } catch (const std::exception& error) {
+        std::printf("thrown: %s\n", error.what());
+        ++failures;
+    }
+    EXPECT(KIRVO_VERSION == GetVerKirvoDll());
+    PFN_Dib24Flip flip = Dib24Flip;
+    EXPECT(flip(nullptr, 0, 0, 1, 1) == KIRVO_NULL_HANDLE);
+    return failures == 0 ? 0 : 1;
+}
