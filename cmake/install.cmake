@@ -45,7 +45,7 @@ install(DIRECTORY bindings examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
 
 # Builds what is installed.
 add_custom_target(kirvo_installed DEPENDS kirvo kirvo_files)
-foreach(target IN ITEMS kirvo_tool kirvo_papers)
+foreach(target IN ITEMS kirvo_tool kirvo_papers kirvo_view)
     if(TARGET ${target})
         add_dependencies(kirvo_installed ${target})
     endif()

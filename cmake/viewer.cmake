@@ -24,7 +24,8 @@ target_link_libraries(kirvo_view PRIVATE kirvo_view_catalogue comctl32 comdlg32 
 foreach(target IN ITEMS kirvo_view kirvo_view_catalogue)
     # Windows 7 and later; small before fast: what takes time happens in the libraries.
     target_compile_definitions(${target} PRIVATE _WIN32_WINNT=0x0601 NOMINMAX)
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Os -ffunction-sections -fdata-sections)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Os -fno-rtti
+                                             -ffunction-sections -fdata-sections)
     target_include_directories(${target} PRIVATE viewer tools)
     target_link_libraries(${target} PRIVATE kirvo kirvo_files)
 endforeach()

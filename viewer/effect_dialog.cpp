@@ -50,7 +50,8 @@ class EffectDialog : public Dialog {
     }
 
     void add_row(int i, const Parameter& parameter, const std::wstring& value, int top) {
-        add(L"STATIC", L"&" + label_of(parameter), 0, -1, 12, top + 4, 90, 18);
+        add(L"STATIC", L"&" + label_of(effect_, static_cast<size_t>(i)), 0, -1, 12, top + 4, 90,
+            18);
         if (has_words(parameter)) {
             HWND list = add(L"COMBOBOX", L"", WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST,
                             value_id + i, 106, top, width - 118, 240);
@@ -70,8 +71,8 @@ class EffectDialog : public Dialog {
         add(L"EDIT", value, WS_TABSTOP | ES_AUTOHSCROLL, value_id + i, 106, top, range ? 70 : room,
             24);
         if (range) {
-            HWND bar = add(TRACKBAR_CLASSW, label_of(parameter), WS_TABSTOP | TBS_NOTICKS,
-                           slider_id + i, 184, top, width - 196, 26);
+            HWND bar = add(TRACKBAR_CLASSW, label_of(effect_, static_cast<size_t>(i)),
+                           WS_TABSTOP | TBS_NOTICKS, slider_id + i, 184, top, width - 196, 26);
             SendMessageW(bar, TBM_SETRANGEMIN, FALSE, range->least);
             SendMessageW(bar, TBM_SETRANGEMAX, FALSE, range->most);
             follow(i);

@@ -37,6 +37,18 @@ size_t group_of(const std::string& option) {
     return groups().size() - 1;
 }
 
+// Marks the first letter that no other title of the menu has for its key.
+std::wstring with_key(const std::wstring& title, std::wstring& taken) {
+    for (size_t i = 0; i < title.size(); ++i) {
+        const wchar_t letter = title[i] | 32; // small
+        if (letter >= L'a' && letter <= L'z' && taken.find(letter) == std::wstring::npos) {
+            taken += letter;
+            return title.substr(0, i) + L"&" + title.substr(i);
+        }
+    }
+    return title;
+}
+
 } // namespace
 
 std::wstring title_of(const std::string& option) {
@@ -49,13 +61,15 @@ std::wstring title_of(const std::string& option) {
 
 HMENU make_effects_menu() {
     std::vector<HMENU> popups;
+    std::vector<std::wstring> taken(groups().size());
     for (size_t i = 0; i < groups().size(); ++i)
         popups.push_back(CreatePopupMenu());
     for (size_t i = 0; i < effects().size(); ++i) {
         const Effect& effect = effects()[i];
         trace("command " + std::to_string(command_effect + i) + " is " + effect.option);
         const std::wstring text =
-            title_of(effect.option) + (effect.parameters.empty() ? L"" : L"\u2026");
+            with_key(title_of(effect.option), taken[group_of(effect.option)]) +
+            (effect.parameters.empty() ? L"" : L"\u2026");
         AppendMenuW(popups[group_of(effect.option)], MF_STRING, command_effect + i, text.c_str());
     }
     HMENU menu = CreatePopupMenu();

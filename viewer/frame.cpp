@@ -112,6 +112,10 @@ void on_progress(Viewer& viewer, LPARAM percent) {
         JpgDecNext(nullptr, 0, -1, &none);
         return;
     }
+    static ULONGLONG last = 0;
+    if (GetTickCount64() - last < 100)
+        return; // the library waits while the words are painted
+    last = GetTickCount64();
     viewer.say("Working: " + std::to_string(percent) + " %");
     UpdateWindow(viewer.status);
 }

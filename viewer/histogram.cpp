@@ -85,10 +85,10 @@ void HistogramWindow::open(HWND owner, Worker& worker, std::function<void()> clo
     RECT place;
     GetWindowRect(owner, &place);
     const int width = theme::scaled(owner, 360), height = theme::scaled(owner, 240);
-    window_ =
-        CreateWindowExW(WS_EX_TOOLWINDOW, class_name, L"Histogram",
-                        WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_SIZEBOX, place.right - width - 40,
-                        place.top + 90, width, height, owner, nullptr, description.hInstance, this);
+    window_ = CreateWindowExW(WS_EX_TOOLWINDOW, class_name, L"Histogram",
+                              WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_SIZEBOX, place.left + 24,
+                              place.bottom - height - 48, width, height, owner, nullptr,
+                              description.hInstance, this);
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     theme::apply(window_);
     ShowWindow(window_, SW_SHOWNOACTIVATE);

@@ -18,7 +18,7 @@ class TextDialog : public Dialog {
                         12, 12, 476, 270);
         const UINT column = 130; // in quarters of a character's width
         SendMessageW(edit, EM_SETTABSTOPS, 1, reinterpret_cast<LPARAM>(&column));
-        SendMessageW(edit, EM_SETSEL, 0, 0);
+        PostMessageW(edit, EM_SETSEL, 0, 0); // the dialog selects all of its first control
         add(L"BUTTON", L"Close", WS_TABSTOP | BS_DEFPUSHBUTTON, IDOK, 404, 294, 84, 26);
     }
     void on_control(int, int) override {}

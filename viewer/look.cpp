@@ -14,8 +14,10 @@ struct Look::Part {
     std::shared_ptr<SharedImage> reduced; // to this size; null: not reduced
     int width = 0, height = 0;
     std::optional<RECT> cut; // of the picture
+    double scale = 1;        // on the screen
     Preview preview;
     double milliseconds = 0;
+    Stopwatch since; // the values changed
 
     void make();
     SharedImage input() const;
@@ -69,6 +71,12 @@ void Look::Part::make() {
     preview.replaces =
         preview.image->width() != from->width() || preview.image->height() != from->height();
     milliseconds = clock.milliseconds();
+    // Seen at the scale of the window, averaged as the picture itself is.
+    const int seen_width = static_cast<int>(std::lround(preview.width * scale));
+    const int seen_height = static_cast<int>(std::lround(preview.height * scale));
+    if (seen_width > 0 && seen_height > 0 && seen_width < preview.image->width() &&
+        seen_height < preview.image->height())
+        preview.image = shared(::reduced(*preview.image, seen_width, seen_height));
 }
 
 Look::Look(Viewer& viewer) : viewer_(viewer), reduced_(std::make_shared<SharedImage>()) {}
@@ -99,6 +107,7 @@ void Look::at_rest(const Step& step, Failed failed) {
     auto part = std::make_shared<Part>();
     part->image = viewer_.history.now();
     part->step = step;
+    part->scale = viewer_.view.scale();
     const Effect& effect = *effect_called(step.option);
     const RECT visible = viewer_.view.visible();
     const bool everything = visible.right - visible.left == part->image->width() &&
@@ -123,7 +132,7 @@ void Look::post(std::shared_ptr<Part> part, Failed failed) {
             UpdateWindow(viewer_.view.window());
             trace("preview " + part->step.option + " of " +
                   std::to_string(part->preview.image->width()) + " x " +
-                  std::to_string(part->preview.image->height()) + ": " +
-                  std::to_string(part->milliseconds) + " ms");
+                  std::to_string(part->preview.image->height()) + ": made in " +
+                  milliseconds_text(part->milliseconds) + ", seen after " + part->since.text());
         });
 }

@@ -40,6 +40,7 @@ std::string notes_of(const Known& known) {
 }
 
 void show_opened(Viewer& viewer, const std::wstring& path, const Opened& opened) {
+    viewer.view.smooth(opened.image, opened.fitted);
     begin_picture(viewer, opened.image, opened.known, path, name_in(path));
     remember_recent(viewer.options, path);
     const std::string notes = notes_of(*opened.known);
@@ -109,7 +110,11 @@ void open_file(Viewer& viewer, const std::wstring& name) {
     const std::wstring path = full_name(name);
     const auto opened = std::make_shared<Opened>();
     viewer.begin_work("Opening " + narrow(name_in(path)));
-    Reading reading = {path, &viewer.abandoned, viewer.window, command_progress, {}, {}};
+    RECT room;
+    GetClientRect(viewer.view.window(), &room);
+    Reading reading = {
+        path, &viewer.abandoned, viewer.window, command_progress, {room.right, room.bottom}, {},
+        {}};
     reading.look = [&viewer](SharedImage image) {
         viewer.worker.tell([&viewer, image] {
             if (!viewer.abandoned)

@@ -27,19 +27,31 @@ std::optional<SliderRange> slider_range(const Parameter& parameter, int width, i
                                        : SliderRange{-16, 16, 1};
 }
 
-std::wstring label_of(const Parameter& parameter) {
+// The catalogue names parameters by the letters of a command line; where those are no words, these
+// stand for them.
+std::wstring label_of(const Effect& effect, size_t index) {
+    static const std::map<std::string, std::vector<const wchar_t*>> by_effect = {
+        {"--gamma", {L"Gamma (red)", L"Green", L"Blue"}},
+        {"--tone", {L"Red", L"Green", L"Blue"}},
+        {"--bits", {L"Red", L"Green", L"Blue"}},
+        {"--dilate", {L"Radius"}},
+        {"--erode", {L"Radius"}}};
+    static const std::map<std::string, const wchar_t*> by_name = {
+        {"X", L"Left"},   {"Y", L"Top"},     {"W", L"Width"}, {"H", L"Height"}, {"WxH", L"Size"},
+        {"N", L"Amount"}, {"D", L"Divisor"}, {"LO", L"From"}, {"HI", L"To"}};
+    const auto own = by_effect.find(effect.option);
+    if (own != by_effect.end() && index < own->second.size())
+        return own->second[index];
+    const Parameter& parameter = effect.parameters[index];
     if (parameter.kind == Kind::choice && parameter.name.find('|') != std::string::npos)
         return L"Kind"; // named by its words, which the list shows
-    static const std::map<std::string, std::wstring> names = {
-        {"X", L"Left"}, {"Y", L"Top"}, {"W", L"Width"}, {"H", L"Height"}, {"WxH", L"Size"}};
-    const auto found = names.find(parameter.name);
-    if (found != names.end())
+    const auto found = by_name.find(parameter.name);
+    if (found != by_name.end())
         return found->second;
-    std::wstring text = wide(parameter.name);
+    std::string text = parameter.name;
     for (size_t i = 1; i < text.size(); ++i)
-        text[i] = text[i] >= L'A' && text[i] <= L'Z' ? static_cast<wchar_t>(text[i] - L'A' + L'a')
-                                                     : text[i];
-    return text;
+        text[i] = static_cast<char>(text[i] >= 'A' && text[i] <= 'Z' ? text[i] | 32 : text[i]);
+    return wide(text);
 }
 
 bool has_words(const Parameter& parameter) {

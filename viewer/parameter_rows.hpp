@@ -1,7 +1,7 @@
 // What an effect's dialog shows for each of its parameters.
 #pragma once
 
-#include "effects/parameters.hpp"
+#include "effects/effects.hpp"
 
 #include <windows.h>
 
@@ -17,7 +17,7 @@ struct SliderRange {
 std::optional<SliderRange> slider_range(const Parameter& parameter, int width, int height);
 
 // "Threshold" of "THRESHOLD"
-std::wstring label_of(const Parameter& parameter);
+std::wstring label_of(const Effect& effect, size_t index);
 bool has_words(const Parameter& parameter);
 
 // "0.75" of 75 with 100 steps

@@ -4,6 +4,8 @@
 #include "text.hpp"
 #include "trace.hpp"
 
+#include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace {
@@ -94,6 +96,18 @@ class Looks {
     size_t seen_ = 0;
 };
 
+// Beside the window's thread, which then has few pixels to paint.
+SharedImage fitted(const Image& image, const SIZE& room) {
+    const double scale = std::min({1.0, static_cast<double>(room.cx) / image.width(),
+                                   static_cast<double>(room.cy) / image.height()});
+    if (scale == 1)
+        return nullptr;
+    const auto length = [=](int32_t all) {
+        return std::max(1, static_cast<int32_t>(std::lround(all * scale)));
+    };
+    return shared(reduced(image, length(image.width()), length(image.height())));
+}
+
 std::vector<uint8_t> all_bytes(const Reading& reading) {
     const File file(reading.name);
     std::vector<uint8_t> bytes;
@@ -150,5 +164,6 @@ Opened read_picture_file(const Reading& reading) {
         throw abandoned;
     expect(status, *result.known, narrow(name_in(reading.name)));
     trace("decoded: " + decoding.text());
+    result.fitted = fitted(*result.image, reading.room);
     return result;
 }

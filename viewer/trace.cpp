@@ -43,6 +43,12 @@ void trace(const std::string& what) {
     WriteFile(file, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
 }
 
+std::string milliseconds_text(double milliseconds) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.1f ms", milliseconds);
+    return text;
+}
+
 Stopwatch::Stopwatch() : start_(ticks()) {}
 
 double Stopwatch::milliseconds() const {
@@ -51,8 +57,4 @@ double Stopwatch::milliseconds() const {
     return static_cast<double>(ticks() - start_) * 1000 / static_cast<double>(frequency.QuadPart);
 }
 
-std::string Stopwatch::text() const {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.1f ms", milliseconds());
-    return text;
-}
+std::string Stopwatch::text() const { return milliseconds_text(milliseconds()); }

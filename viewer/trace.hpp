@@ -6,6 +6,8 @@
 void open_trace(const std::wstring& name);
 void trace(const std::string& what);
 
+std::string milliseconds_text(double milliseconds); // "12.3 ms"
+
 // Milliseconds since it was made.
 class Stopwatch {
   public:

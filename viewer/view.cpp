@@ -143,11 +143,20 @@ void View::place() {
 void View::refresh() {
     place();
     InvalidateRect(window_, nullptr, FALSE);
-    if (image_ && scale_ < 1 && events_.wants_smooth)
-        events_.wants_smooth(std::max(1, static_cast<int>(nearest(image_->width() * scale_))),
-                             std::max(1, static_cast<int>(nearest(image_->height() * scale_))));
+    want_smooth();
     if (events_.changed)
         events_.changed();
+}
+
+void View::want_smooth() {
+    if (!image_ || scale_ >= 1)
+        return;
+    const int width = std::max(1, static_cast<int>(nearest(image_->width() * scale_)));
+    const int height = std::max(1, static_cast<int>(nearest(image_->height() * scale_)));
+    const bool is_there =
+        smooth_ && smooth_of_ == image_ && smooth_->width() == width && smooth_->height() == height;
+    if (!is_there && events_.wants_smooth)
+        events_.wants_smooth(width, height);
 }
 
 void View::on_button(POINT point, bool select) {

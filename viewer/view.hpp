@@ -70,6 +70,7 @@ class View {
     PointF in_picture(POINT point) const;
     RECT client() const;
     void refresh();
+    void want_smooth();
 
     HWND window_ = nullptr;
     Events events_;

@@ -219,6 +219,59 @@ TEST(Viewer, SavesWhatItShows) {
     EXPECT_TRUE(viewer.ends()); // nothing is left to be asked about
 }
 
+TEST(Viewer, TellsTheSizeOfAJpegBeforeItIsSaved) {
+    TempFolder folder;
+    Viewer viewer(saved(folder, "in.bmp", picture_of(64, 64)));
+    viewer.command(command_save_as);
+    HWND dialog = viewer.dialog("Save As");
+    ASSERT_NE(dialog, nullptr);
+    ASSERT_TRUE(eventually([&] { return name_box(dialog) != nullptr; }));
+    set_text(name_box(dialog), folder.path("out.jpg"));
+    PostMessageA(dialog, WM_COMMAND, IDOK, 0);
+    dialog = viewer.dialog("Save as JPEG");
+    ASSERT_NE(dialog, nullptr);
+    ASSERT_TRUE(viewer.wait_for("JPEG of quality 90: "));
+    const std::string told = viewer.line().substr(viewer.line().find("90: ") + 4);
+    PostMessageA(dialog, WM_COMMAND, IDOK, 0);
+    ASSERT_TRUE(viewer.wait_for("saved: "));
+    EXPECT_EQ(std::stoul(told), file_bytes(folder.path("out.jpg")).size());
+}
+
+TEST(Viewer, AsksBeforeChangesAreLost) {
+    TempFolder folder;
+    const Dib picture = picture_of(6, 6);
+    Viewer viewer(saved(folder, "in.bmp", picture));
+    apply_negative(viewer);
+    for (const int answer : {IDCANCEL, IDNO}) {
+        PostMessageA(viewer.window(), WM_CLOSE, 0, 0);
+        HWND question = viewer.dialog("KirvoView");
+        ASSERT_NE(question, nullptr);
+        PostMessageA(question, WM_COMMAND, static_cast<WPARAM>(answer), 0);
+        if (answer == IDCANCEL) {
+            ASSERT_TRUE(eventually([&] { return !IsWindow(question); }));
+            EXPECT_EQ(viewer.copied(), negative_of(picture, {0, 0, 6, 6})); // it is still there
+        }
+    }
+    EXPECT_TRUE(viewer.ends());
+    EXPECT_EQ(file_bytes(folder.path("in.bmp")).size(), 54u + 20 * 6);
+}
+
+TEST(Viewer, IsGivenThePathsOfFilesInAnyScript) {
+    TempFolder folder;
+    const Dib picture = picture_of(6, 6);
+    const std::string plain = saved(folder, "in.bmp", picture);
+    const std::filesystem::path strange = std::filesystem::path(plain).parent_path() /
+                                          std::filesystem::path(L"\u5199\u771F \u0444.bmp");
+    std::filesystem::copy_file(plain, strange);
+    Viewer viewer(plain);
+    viewer.key(VK_RIGHT); // the only other picture of the folder
+    ASSERT_TRUE(viewer.wait_for("ready"));
+    EXPECT_EQ(viewer.copied(), picture_bytes(picture));
+    wchar_t title[100] = {};
+    SendMessageW(viewer.window(), WM_GETTEXT, 100, reinterpret_cast<LPARAM>(title));
+    EXPECT_EQ(std::wstring(title), L"\u5199\u771F \u0444.bmp - KirvoView");
+}
+
 TEST(Viewer, UndoesAndRedoesByTheKeyboard) {
     TempFolder folder;
     const Dib picture = picture_of(10, 10);

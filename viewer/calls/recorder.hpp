@@ -7,6 +7,7 @@
 #include "kirvo.h"
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <type_traits>
 #include <variant>
@@ -54,29 +55,26 @@ inline Argument argument(int32_t*) { return StatusOutput{}; }
 inline Argument argument(HGLOBAL* made) { return Output{made != nullptr ? *made : nullptr}; }
 inline Argument argument(const uint8_t* table) { return Table{{table, table + 256}}; }
 
+void note(const char* name, Answer answer, HGLOBAL image,
+          std::initializer_list<Argument> arguments);
+
 // Calls the function and notes it, unless it was refused.
 template<typename Result, typename... Wanted, typename... Given>
 Result called(const char* name, Result(WINAPI* function)(Wanted...), Given... given) {
     if constexpr (std::is_void_v<Result>) {
         function(given...);
         if (noted != nullptr)
-            noted->push_back({name, {argument(static_cast<Wanted>(given))...}, Answer::nothing});
+            note(name, Answer::nothing, nullptr, {argument(static_cast<Wanted>(given))...});
+    } else if constexpr (std::is_same_v<Result, HGLOBAL>) {
+        const HGLOBAL image = function(given...);
+        if (noted != nullptr && image != nullptr)
+            note(name, Answer::image, image, {argument(static_cast<Wanted>(given))...});
+        return image;
     } else {
-        const Result result = function(given...);
-        constexpr bool makes = std::is_same_v<Result, HGLOBAL>;
-        bool done = false;
-        if constexpr (makes)
-            done = result != nullptr;
-        else
-            done = result == KIRVO_OK;
-        if (noted != nullptr && done) {
-            noted->push_back({name,
-                              {argument(static_cast<Wanted>(given))...},
-                              makes ? Answer::image : Answer::status});
-            if constexpr (makes)
-                noted->back().image = result;
-        }
-        return result;
+        const Result status = function(given...);
+        if (noted != nullptr && status == KIRVO_OK)
+            note(name, Answer::status, nullptr, {argument(static_cast<Wanted>(given))...});
+        return status;
     }
 }
 
