@@ -14,7 +14,8 @@ cv::Mat photo_mat() {
     return {photo_height, photo_width, CV_8UC3, const_cast<uint8_t*>(photo_bgr().data())};
 }
 
-template<typename Operation> std::function<Work()> opencv(Operation operation) {
+template<typename Operation>
+std::function<Work()> opencv(Operation operation) {
     return [=] {
         return [=, photo = photo_mat()] {
             cv::Mat result;
@@ -26,9 +27,7 @@ template<typename Operation> std::function<Work()> opencv(Operation operation) {
 using InPlace = int32_t(WINAPI*)(HGLOBAL, int32_t, int32_t, int32_t, int32_t);
 
 std::function<Work()> in_place(InPlace turn) {
-    return [=] {
-        return [=, dib = scratch_dib()] { turn(dib, 0, 0, photo_width, photo_height); };
-    };
+    return [=] { return [=, dib = scratch_dib()] { turn(dib, 0, 0, photo_width, photo_height); }; };
 }
 
 std::function<Work()> rotated(int direction) {
@@ -44,8 +43,8 @@ std::function<Work()> zoomed(double factor, int smooth) {
         const int width = static_cast<int>(photo_width * factor);
         const int height = static_cast<int>(photo_height * factor);
         return [=, dib = photo_dib()] {
-            GlobalFree(Dib24ZoomEx2(dib, 0, 0, photo_width, photo_height, width, height, nullptr,
-                                    smooth));
+            GlobalFree(
+                Dib24ZoomEx2(dib, 0, 0, photo_width, photo_height, width, height, nullptr, smooth));
         };
     };
 }
@@ -64,7 +63,8 @@ std::function<Work()> composed(int mode) {
     };
 }
 
-template<typename Operation> std::function<Work()> combined(Operation operation) {
+template<typename Operation>
+std::function<Work()> combined(Operation operation) {
     return [=] {
         cv::Mat other;
         cv::flip(photo_mat(), other, 0);
@@ -76,13 +76,11 @@ template<typename Operation> std::function<Work()> combined(Operation operation)
 }
 
 const Row flip("turn/flip/ours", in_place(Dib24Flip));
-const Row flip_opencv("turn/flip/opencv", opencv([](const cv::Mat& from, cv::Mat& to) {
-                          cv::flip(from, to, 0);
-                      }));
+const Row flip_opencv("turn/flip/opencv",
+                      opencv([](const cv::Mat& from, cv::Mat& to) { cv::flip(from, to, 0); }));
 const Row mirror("turn/mirror/ours", in_place(Dib24Mirror));
-const Row mirror_opencv("turn/mirror/opencv", opencv([](const cv::Mat& from, cv::Mat& to) {
-                            cv::flip(from, to, 1);
-                        }));
+const Row mirror_opencv("turn/mirror/opencv",
+                        opencv([](const cv::Mat& from, cv::Mat& to) { cv::flip(from, to, 1); }));
 const Row half_turn("turn/180/ours", in_place(Dib24FlipMirror));
 const Row half_turn_opencv("turn/180/opencv", opencv([](const cv::Mat& from, cv::Mat& to) {
                                cv::flip(from, to, -1);
@@ -109,17 +107,15 @@ const Row box_odd("zoom/box x0.3/ours", zoomed(0.3, 1));
 const Row box_odd_opencv("zoom/box x0.3/opencv", resized(0.3, cv::INTER_AREA));
 
 const Row add("compose/add/ours", composed(0));
-const Row add_opencv("compose/add/opencv", combined([](auto& a, auto& b, cv::Mat& to) {
-                         cv::add(a, b, to);
-                     }));
+const Row add_opencv("compose/add/opencv",
+                     combined([](auto& a, auto& b, cv::Mat& to) { cv::add(a, b, to); }));
 const Row average("compose/average/ours", composed(1));
 const Row average_opencv("compose/average/opencv", combined([](auto& a, auto& b, cv::Mat& to) {
                              cv::addWeighted(a, 0.5, b, 0.5, 0, to);
                          }));
 const Row subtract("compose/subtract/ours", composed(3));
-const Row subtract_opencv("compose/subtract/opencv", combined([](auto& a, auto& b, cv::Mat& to) {
-                              cv::subtract(a, b, to);
-                          }));
+const Row subtract_opencv("compose/subtract/opencv",
+                          combined([](auto& a, auto& b, cv::Mat& to) { cv::subtract(a, b, to); }));
 const Row transparent("compose/black transparent/ours", composed(2));
 
 } // namespace

@@ -24,8 +24,7 @@ HGLOBAL encode(const Case& c, uint32_t* length) {
     int32_t status;
     JpgCodSetQEx(c.level);
     if (c.sampling == 0)
-        return JpgCodMainHGLOBAL_M(grey_dib(), 0, 0, photo_width, photo_height, 0, length,
-                                   &status);
+        return JpgCodMainHGLOBAL_M(grey_dib(), 0, 0, photo_width, photo_height, 0, length, &status);
     JpgCodSetSubsample(c.sampling);
     return JpgCodMainHGLOBAL(photo_dib(), 0, 0, photo_width, photo_height, length, &status);
 }

@@ -41,9 +41,7 @@ void zoom(HGLOBAL dib) {
                             nullptr, smooth));
 }
 
-int bits_of(HGLOBAL dib) {
-    return DibQueryBitCount(dib);
-}
+int bits_of(HGLOBAL dib) { return DibQueryBitCount(dib); }
 
 template<int mode>
 void compose(HGLOBAL dib) {
@@ -86,13 +84,9 @@ void darkest(HGLOBAL dib) {
     make<DibBlockMxM, 2, 0, luminance>(dib);
 }
 
-constexpr uint32_t pair(uint32_t low, uint32_t high) {
-    return low | high << 16;
-}
+constexpr uint32_t pair(uint32_t low, uint32_t high) { return low | high << 16; }
 
-void keep_hues(HGLOBAL dib) {
-    make<Dib24FilterEx, pair(0x202, 20), pair(140, 1), 0u, 0u, 0u>(dib);
-}
+void keep_hues(HGLOBAL dib) { make<Dib24FilterEx, pair(0x202, 20), pair(140, 1), 0u, 0u, 0u>(dib); }
 void keep_colours(HGLOBAL dib) {
     make<Dib24FilterEx, pair(0x102, 60), pair(200, 1), pair(40, 200), 1u, pair(180, 1)>(dib);
 }

@@ -101,8 +101,8 @@ class Magick {
         InitializeMagick(nullptr);
         GetExceptionInfo(&exception_);
         auto* block = static_cast<uint8_t*>(GlobalLock(part_of_256_colours()));
-        picture_ = ConstituteImage(part_width, part_height, "BGR", CharPixel,
-                                   block + 40, &exception_);
+        picture_ =
+            ConstituteImage(part_width, part_height, "BGR", CharPixel, block + 40, &exception_);
         GlobalUnlock(part_of_256_colours());
         QuantizeInfo info;
         GetQuantizeInfo(&info);
@@ -134,13 +134,11 @@ const Row exact_magick(
     "reduce/exact256/graphicsmagick",
     [] { return [magick = std::make_shared<Magick>()] { magick->map(); }; }, part_megapixels);
 
-const Row increase(
-    "reduce/increase/ours",
-    [] {
-        return [grey = grey_dib()] {
-            int32_t status;
-            GlobalFree(IncreaseColor16M(grey, &status));
-        };
-    });
+const Row increase("reduce/increase/ours", [] {
+    return [grey = grey_dib()] {
+        int32_t status;
+        GlobalFree(IncreaseColor16M(grey, &status));
+    };
+});
 
 } // namespace

@@ -76,8 +76,7 @@ const Row exchange("tone/exchange/ours", [] {
     return [dib = scratch_dib()] { Dib24RGBChange(dib, 5, 0, 0, photo_width, photo_height); };
 });
 const Row exchange_opencv("tone/exchange/opencv", [] {
-    return opencv_in_place(
-        [](cv::Mat& photo) { cv::cvtColor(photo, photo, cv::COLOR_BGR2RGB); });
+    return opencv_in_place([](cv::Mat& photo) { cv::cvtColor(photo, photo, cv::COLOR_BGR2RGB); });
 });
 
 const Row monochrome("tone/monochrome/ours", [] { return whole(Dib24Monochrome); });

@@ -81,8 +81,8 @@ int main(int argc, char **argv)
 {
     int32_t status = KIRVO_OK;
     HGLOBAL picture;
-    if (argc != 3 || !(ends_with(argv[2], ".bmp") || ends_with(argv[2], ".jpg") ||
-                       ends_with(argv[2], ".tga"))) {
+    if (argc != 3 ||
+        !(ends_with(argv[2], ".bmp") || ends_with(argv[2], ".jpg") || ends_with(argv[2], ".tga"))) {
         fprintf(stderr, "usage: convert IN OUT.bmp|OUT.jpg|OUT.tga\n");
         return 2;
     }

@@ -45,7 +45,8 @@ int main(int argc, char** argv)
         return 2;
     }
     std::error_code error;
-    const fs::path to = fs::u8path(argv[2]); // names are UTF-8: on Windows the manifest sees to that
+    const fs::path to =
+        fs::u8path(argv[2]); // names are UTF-8: on Windows the manifest sees to that
     fs::create_directories(to, error);
     fs::directory_iterator files(fs::u8path(argv[1]), error);
     if (error) {

@@ -56,8 +56,8 @@ static void draw(HDC dc, const RECT *client)
     const RECT place = fitted(client, header->biWidth, header->biHeight);
     FillRect(dc, client, GetStockObject(BLACK_BRUSH));
     SetStretchBltMode(dc, HALFTONE); /* smooth when it is made smaller */
-    StretchDIBits(dc, place.left, place.top, place.right - place.left, place.bottom - place.top,
-                  0, 0, header->biWidth, header->biHeight, rows, info, DIB_RGB_COLORS, SRCCOPY);
+    StretchDIBits(dc, place.left, place.top, place.right - place.left, place.bottom - place.top, 0,
+                  0, header->biWidth, header->biHeight, rows, info, DIB_RGB_COLORS, SRCCOPY);
     GlobalUnlock(picture);
 }
 

@@ -2,9 +2,7 @@
 
 namespace kirvo_files {
 
-Dib::~Dib() {
-    free();
-}
+Dib::~Dib() { free(); }
 
 void Dib::free() {
     if (block_ != nullptr) {
@@ -15,9 +13,7 @@ void Dib::free() {
     data_ = nullptr;
 }
 
-static bool has_masks(uint32_t bits) {
-    return bits == 16 || bits == 32;
-}
+static bool has_masks(uint32_t bits) { return bits == 16 || bits == 32; }
 
 Status Dib::make(uint64_t width, uint64_t height, uint32_t bits, uint32_t colours, Masks masks) {
     free();

@@ -7,9 +7,7 @@ namespace kirvo_files {
 
 constexpr uint64_t header_bytes = 40;
 
-inline uint64_t row_bytes(uint64_t width, uint32_t bits) {
-    return (width * bits + 31) / 32 * 4;
-}
+inline uint64_t row_bytes(uint64_t width, uint32_t bits) { return (width * bits + 31) / 32 * 4; }
 
 // Three channels of a pixel of 16 or 32 bits.
 struct Masks {

@@ -20,9 +20,7 @@ bool is_all(uint32_t tag) {
     return tag != maker_note && tag != interoperability; // both lead to places of their own
 }
 
-bool is_orientation(uint32_t tag) {
-    return tag == 0x0112;
-}
+bool is_orientation(uint32_t tag) { return tag == 0x0112; }
 
 // A directory that is being collected, its values already written.
 class Directory {

@@ -18,9 +18,7 @@ struct Plane {
     }
 };
 
-uint32_t mcus(uint32_t pixels, uint32_t factor) {
-    return (pixels + 8 * factor - 1) / (8 * factor);
-}
+uint32_t mcus(uint32_t pixels, uint32_t factor) { return (pixels + 8 * factor - 1) / (8 * factor); }
 
 bool make_plane(Plane& plane, uint32_t mcus_across, uint32_t mcus_down, uint32_t across,
                 uint32_t down) {

@@ -101,8 +101,6 @@ class Walker {
 
 } // namespace
 
-Walk walk_scan(Bytes bytes, const JpegHeaders& headers) {
-    return Walker(bytes, headers).walk();
-}
+Walk walk_scan(Bytes bytes, const JpegHeaders& headers) { return Walker(bytes, headers).walk(); }
 
 } // namespace kirvo_files

@@ -198,8 +198,6 @@ class JpegWriter {
 
 } // namespace
 
-Status write_jpeg(Saving& saving) {
-    return JpegWriter(saving).write();
-}
+Status write_jpeg(Saving& saving) { return JpegWriter(saving).write(); }
 
 } // namespace kirvo_files

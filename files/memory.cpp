@@ -24,25 +24,17 @@ void* allocate(uint64_t bytes) {
     return refused(bytes) ? nullptr : std::calloc(1, static_cast<size_t>(bytes != 0 ? bytes : 1));
 }
 
-void release(void* memory) {
-    std::free(memory);
-}
+void release(void* memory) { std::free(memory); }
 
 HGLOBAL allocate_block(uint64_t bytes) {
     return refused(bytes) ? nullptr : GlobalAlloc(GHND, static_cast<size_t>(bytes));
 }
 
-void fail_allocation(uint32_t n) {
-    failing = n;
-}
+void fail_allocation(uint32_t n) { failing = n; }
 
-void limit_allocation(uint64_t bytes) {
-    limit = bytes;
-}
+void limit_allocation(uint64_t bytes) { limit = bytes; }
 
-uint32_t count_allocations() {
-    return asked.exchange(0);
-}
+uint32_t count_allocations() { return asked.exchange(0); }
 
 bool Buffer::reserve(uint64_t size) {
     if (size <= room_ && data_ != nullptr)

@@ -163,6 +163,4 @@ int32_t WINAPI KirvoFilesInfoMemory(const void* bytes, uint32_t count,
                                           : KIRVO_FILES_BAD_PARAMETER;
 }
 
-void WINAPI KirvoFilesClose(KirvoFile file) {
-    unmake(known_of(file));
-}
+void WINAPI KirvoFilesClose(KirvoFile file) { unmake(known_of(file)); }

@@ -193,8 +193,6 @@ Status write_bmp(Saving& saving) {
     return KIRVO_FILES_OK;
 }
 
-Status write_targa(Saving& saving) {
-    return TargaWriter(saving).write();
-}
+Status write_targa(Saving& saving) { return TargaWriter(saving).write(); }
 
 } // namespace kirvo_files

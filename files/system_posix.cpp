@@ -171,13 +171,9 @@ void set_permissions(int file, const struct stat* old) {
 
 } // namespace
 
-KirvoLock::KirvoLock() {
-    pthread_mutex_lock(&codec);
-}
+KirvoLock::KirvoLock() { pthread_mutex_lock(&codec); }
 
-KirvoLock::~KirvoLock() {
-    pthread_mutex_unlock(&codec);
-}
+KirvoLock::~KirvoLock() { pthread_mutex_unlock(&codec); }
 
 void fail_writing(WriteFault kind, uint64_t after) {
     fault = kind;
@@ -244,8 +240,6 @@ Status write_file(const char* name, Bytes content, bool new_only, Known& known) 
                : refused(known, name, errno, KIRVO_FILES_CANNOT_WRITE);
 }
 
-Text ansi_name(const char* name) {
-    return Text::format("%s", name);
-}
+Text ansi_name(const char* name) { return Text::format("%s", name); }
 
 } // namespace kirvo_files

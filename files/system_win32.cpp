@@ -98,9 +98,7 @@ bool system_name(const char* name, Buffer& wide) {
     return wide.append(head, 2 * wcslen(head)) && wide.append(path, 2 * wcslen(path) + 2);
 }
 
-const wchar_t* units(const Buffer& wide) {
-    return reinterpret_cast<const wchar_t*>(wide.data());
-}
+const wchar_t* units(const Buffer& wide) { return reinterpret_cast<const wchar_t*>(wide.data()); }
 
 bool is_folder(DWORD attributes) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
@@ -177,13 +175,9 @@ bool place(const wchar_t* made, const wchar_t* target, bool exists, bool new_onl
 
 } // namespace
 
-KirvoLock::KirvoLock() {
-    AcquireSRWLockExclusive(&codec);
-}
+KirvoLock::KirvoLock() { AcquireSRWLockExclusive(&codec); }
 
-KirvoLock::~KirvoLock() {
-    ReleaseSRWLockExclusive(&codec);
-}
+KirvoLock::~KirvoLock() { ReleaseSRWLockExclusive(&codec); }
 
 void fail_writing(WriteFault kind, uint64_t after) {
     fault = kind;

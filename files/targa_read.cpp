@@ -22,9 +22,7 @@ struct Targa {
     uint64_t map_at, pixels_at;
 };
 
-bool good_map_bits(uint32_t bits) {
-    return bits == 15 || bits == 16 || bits == 24 || bits == 32;
-}
+bool good_map_bits(uint32_t bits) { return bits == 15 || bits == 16 || bits == 24 || bits == 32; }
 
 // Whether the variant is one that is read.
 bool offered(const Targa& targa) {
@@ -58,9 +56,7 @@ struct Rgba {
     uint8_t red, green, blue, alpha;
 };
 
-uint8_t from_5(uint32_t value) {
-    return static_cast<uint8_t>(((value & 31) * 255 + 15) / 31);
-}
+uint8_t from_5(uint32_t value) { return static_cast<uint8_t>(((value & 31) * 255 + 15) / 31); }
 
 Rgba colour_of(Bytes bytes, uint64_t at, uint32_t bits) {
     if (bits <= 16) {

@@ -1,7 +1,7 @@
 // The JPEG encoder: any image, settings, tables and rectangle. In slices, and at any level of the
 // processor, it makes the same stream; that stream decodes to an image of the rectangle's size.
-#include "simd/cpu.hpp"
 #include "image/dib.hpp"
+#include "simd/cpu.hpp"
 #include "support.hpp"
 
 #include <algorithm>

@@ -3,8 +3,6 @@
 
 using namespace kirvo_fuzz;
 
-static void run(Input& input) {
-    read_with(input, kirvo_files::read_targa);
-}
+static void run(Input& input) { read_with(input, kirvo_files::read_targa); }
 
 static const Target target("files_targa", run);

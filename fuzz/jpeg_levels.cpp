@@ -1,6 +1,6 @@
 // A JPEG stream gives the same at every level of the processor.
-#include "simd/cpu.hpp"
 #include "jpeg.hpp"
+#include "simd/cpu.hpp"
 
 using namespace kirvo_fuzz;
 

@@ -1,7 +1,7 @@
 // Any exports in any order, with hostile images and arguments (support/calls.hpp). What they answer
 // is documented, and the same at every level of the processor.
-#include "simd/cpu.hpp"
 #include "jpeg.hpp"
+#include "simd/cpu.hpp"
 
 #include <cstdio>
 

@@ -1,8 +1,8 @@
 #include "support.hpp"
 
-#include "simd/cpu.hpp"
 #include "image/dib.hpp"
 #include "jpeg/session.hpp"
+#include "simd/cpu.hpp"
 #include "support/temp_folder.hpp"
 
 #include <algorithm>
@@ -61,9 +61,7 @@ void stand_as_at_first() {
     JpgDecCommentFree();
 }
 
-Target::Target(const char* name, Run run) : name_(name), run_(run) {
-    all().push_back(this);
-}
+Target::Target(const char* name, Run run) : name_(name), run_(run) { all().push_back(this); }
 
 std::vector<const Target*>& Target::all() {
     static std::vector<const Target*> targets;

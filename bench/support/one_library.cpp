@@ -1,5 +1,3 @@
 #include "support/library.hpp"
 
-int kirvo_bench::library_in_use() {
-    return 0;
-}
+int kirvo_bench::library_in_use() { return 0; }

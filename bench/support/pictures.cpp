@@ -22,15 +22,11 @@ void set_photo_megapixels(int megapixels) {
     photo_height = megapixels == 1 ? 1024 : 3000;
 }
 
-double photo_megapixels() {
-    return photo_width / 1e6 * photo_height;
-}
+double photo_megapixels() { return photo_width / 1e6 * photo_height; }
 
 namespace {
 
-size_t bgr_stride() {
-    return size_t{3} * static_cast<size_t>(photo_width);
-}
+size_t bgr_stride() { return size_t{3} * static_cast<size_t>(photo_width); }
 
 // Copies rows given from the top into a new packed DIB, bottom row first.
 HGLOBAL make_dib(const std::vector<uint8_t>& rows, int bits) {
@@ -109,9 +105,7 @@ HGLOBAL photo_dib() {
     return kept([] { return make_dib(photo_bgr(), 24); });
 }
 
-HGLOBAL scratch_dib() {
-    return scratch_of(24);
-}
+HGLOBAL scratch_dib() { return scratch_of(24); }
 
 HGLOBAL grey_dib() {
     return kept([] { return make_dib(photo_grey(), 8); });

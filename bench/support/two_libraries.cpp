@@ -22,9 +22,7 @@
 #define FUNCTION(name)                                                                             \
     extern "C" {                                                                                   \
     [[gnu::used, gnu::visibility("hidden")]] void* kirvo_address_of_##name;                        \
-    [[gnu::naked]] void name() {                                                                   \
-        __asm__("jmp *kirvo_address_of_" #name "(%rip)");                                          \
-    }                                                                                              \
+    [[gnu::naked]] void name() { __asm__("jmp *kirvo_address_of_" #name "(%rip)"); }               \
     }
 EACH_FUNCTION
 #include "exports.inc"
@@ -77,9 +75,7 @@ void load(const char* file, void* (&to)[function_count]) {
 
 } // namespace
 
-int library_in_use() {
-    return in_use;
-}
+int library_in_use() { return in_use; }
 
 void load_libraries(const char* first, const char* second) {
     load(first, addresses[0]);

@@ -25,7 +25,8 @@ int32_t to_jpeg(const char *in, const char *out, uint32_t quality)
     KirvoFilesSaveOptions options = {0};
     KirvoFile source = NULL, made = NULL;
     HGLOBAL dib = NULL;
-    int32_t status = KirvoFilesOpen(in, NULL, &dib, &source); /* turned upright, checked for damage */
+    int32_t status =
+        KirvoFilesOpen(in, NULL, &dib, &source); /* turned upright, checked for damage */
     say(source, status);
     if (status == KIRVO_FILES_OK) {
         options.size = sizeof options;

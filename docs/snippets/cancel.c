@@ -4,7 +4,10 @@
 
 static int asked_to_cancel;
 
-static int user_wants_to_stop(void) { return asked_to_cancel; }
+static int user_wants_to_stop(void)
+{
+    return asked_to_cancel;
+}
 
 //! [cancel]
 /* The stream is the first *length bytes of the block returned, which is the caller's. */

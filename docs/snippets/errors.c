@@ -8,14 +8,10 @@ HGLOBAL at_24_bits(HGLOBAL dib, int32_t *status)
 {
     HGLOBAL result;
     switch (DibQueryBitCount(dib)) {
-    case 24:
-        *status = KIRVO_OK;
-        return dib;
+    case 24: *status = KIRVO_OK; return dib;
     case 1:
     case 4:
-    case 8:
-        result = IncreaseColor16M(dib, status);
-        break;
+    case 8: result = IncreaseColor16M(dib, status); break;
     default: /* 16 or 32; anything else is refused with KIRVO_NEEDS_16_32 */
         result = DibConvert24bit(dib, status);
     }
@@ -34,8 +30,9 @@ const char *words_for(int32_t status)
     case KIRVO_READ_ERROR: return "The file is damaged or incomplete.";
     case KIRVO_WRITE_ERROR: return "The disk is full.";
     case KIRVO_NOT_BMP: return "This is not a bitmap file.";
-    default: return status > -20 && status <= -10 ? "This JPEG file is damaged or of a rare kind."
-                                                  : "The program has made a mistake.";
+    default:
+        return status > -20 && status <= -10 ? "This JPEG file is damaged or of a rare kind."
+                                             : "The program has made a mistake.";
     }
 }
 //! [words]

@@ -10,10 +10,10 @@ int jpeg_to_bmp(const char *in, const char *out)
     int32_t status;
     HGLOBAL dib = JpgDecMainEx(in, &width, &height, &status);
     if (dib == NULL)
-        return status;               /* a negative KirvoStatus */
+        return status; /* a negative KirvoStatus */
     status = DibWriteEx(out, dib, 0, 0, (int32_t)width, (int32_t)height);
     GlobalFree(dib);
-    return status;                   /* KIRVO_OK */
+    return status; /* KIRVO_OK */
 }
 //! [first]
 
@@ -24,7 +24,8 @@ int main(void)
     if (dib == NULL || JpgCodMainEx("guide.jpg", dib, 0, 0, 64, 48, 0, 0) != KIRVO_OK)
         return 1;
     GlobalFree(dib);
-    return jpeg_to_bmp("guide.jpg", "guide.bmp") == KIRVO_OK
-               && jpeg_to_bmp("there is no such file", "guide.bmp") == KIRVO_CANNOT_OPEN
-           ? 0 : 1;
+    return jpeg_to_bmp("guide.jpg", "guide.bmp") == KIRVO_OK &&
+                   jpeg_to_bmp("there is no such file", "guide.bmp") == KIRVO_CANNOT_OPEN
+               ? 0
+               : 1;
 }

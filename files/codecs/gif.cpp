@@ -137,9 +137,7 @@ class Decoder {
 
 } // namespace
 
-Status gif_decode(Job& job) {
-    return Decoder(job).run();
-}
+Status gif_decode(Job& job) { return Decoder(job).run(); }
 
 #define KIRVO_WORD(number) #number
 #define KIRVO_WORDS(number) KIRVO_WORD(number)

@@ -21,9 +21,7 @@ class Context {
     spng_ctx* context_;
 };
 
-bool is_short(int error) {
-    return error == SPNG_IO_EOF || error == SPNG_IO_ERROR;
-}
+bool is_short(int error) { return error == SPNG_IO_EOF || error == SPNG_IO_ERROR; }
 
 Status failed(Job& job, int error) {
     if (error == SPNG_EMEM)
@@ -232,9 +230,7 @@ Status encode_with(Saving& saving, spng_ctx* context) {
 
 } // namespace
 
-Status png_decode(Job& job) {
-    return Decoder(job).run();
-}
+Status png_decode(Job& job) { return Decoder(job).run(); }
 
 Status png_encode(Saving& saving) {
     const Context context(SPNG_CTX_ENCODER);

@@ -20,9 +20,7 @@ struct Stream {
     size_t size() const { return out != nullptr ? out->size() : in.size(); }
 };
 
-Stream& of(thandle_t handle) {
-    return *static_cast<Stream*>(handle);
-}
+Stream& of(thandle_t handle) { return *static_cast<Stream*>(handle); }
 
 tmsize_t read_some(thandle_t handle, void* to, tmsize_t count) {
     Stream& stream = of(handle);
@@ -55,13 +53,9 @@ toff_t seek(thandle_t handle, toff_t offset, int whence) {
     return stream.at;
 }
 
-int close(thandle_t) {
-    return 0;
-}
+int close(thandle_t) { return 0; }
 
-toff_t size_of(thandle_t handle) {
-    return of(handle).size();
-}
+toff_t size_of(thandle_t handle) { return of(handle).size(); }
 
 int complain(TIFF*, void* handle, const char*, const char* form, va_list list) {
     Stream& stream = *static_cast<Stream*>(handle);
@@ -70,9 +64,7 @@ int complain(TIFF*, void* handle, const char*, const char* form, va_list list) {
     return 1;
 }
 
-int ignore(TIFF*, void*, const char*, const char*, va_list) {
-    return 1;
-}
+int ignore(TIFF*, void*, const char*, const char*, va_list) { return 1; }
 
 TIFF* open(Stream& stream, const char* mode) {
     TIFFOpenOptions* options = TIFFOpenOptionsAlloc();
@@ -460,9 +452,7 @@ void set_fields(const Saving& saving, TIFF* tiff) {
 
 } // namespace
 
-Status tiff_decode(Job& job) {
-    return Decoder(job).run();
-}
+Status tiff_decode(Job& job) { return Decoder(job).run(); }
 
 Status tiff_encode(Saving& saving) {
     saving.out.clear();

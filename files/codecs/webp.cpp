@@ -125,9 +125,7 @@ int write(const uint8_t* bytes, size_t count, const WebPPicture* picture) {
 
 } // namespace
 
-Status webp_decode(Job& job) {
-    return Decoder(job).run();
-}
+Status webp_decode(Job& job) { return Decoder(job).run(); }
 
 Status webp_encode(Saving& saving, uint32_t quality) {
     const View& view = saving.view;

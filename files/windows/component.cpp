@@ -78,18 +78,12 @@ bool has_encoder(int32_t format) {
 
 static const char* const component_name = "Windows Imaging Component";
 
-const char* decoder_name(int32_t format) {
-    return has_decoder(format) ? component_name : nullptr;
-}
+const char* decoder_name(int32_t format) { return has_decoder(format) ? component_name : nullptr; }
 
-const char* encoder_name(int32_t format) {
-    return has_encoder(format) ? component_name : nullptr;
-}
+const char* encoder_name(int32_t format) { return has_encoder(format) ? component_name : nullptr; }
 
 // Kirvo's encoder does what it can.
-Status encode_jpeg(Saving&, const JpegPlan&, uint32_t) {
-    return KIRVO_FILES_NO_CODEC;
-}
+Status encode_jpeg(Saving&, const JpegPlan&, uint32_t) { return KIRVO_FILES_NO_CODEC; }
 
 Status turn_jpeg(Bytes, const JpegHeaders&, uint32_t, bool, Buffer&, Known&) {
     return KIRVO_FILES_NO_CODEC;

@@ -42,9 +42,7 @@ class Imaging {
 };
 
 // Whether an answer means that memory has run out.
-inline bool is_memory(HRESULT result) {
-    return result == E_OUTOFMEMORY;
-}
+inline bool is_memory(HRESULT result) { return result == E_OUTOFMEMORY; }
 
 bool has_decoder(int32_t format);
 bool has_encoder(int32_t format);

@@ -32,8 +32,7 @@ OwnedBlock read_image(const char* name, Status& status) {
     if (!block)
         return {};
     status = Status::read_error;
-    if (image != 0 &&
-        !file.read(LockedBlock(block.get()).data(), static_cast<uint32_t>(image)))
+    if (image != 0 && !file.read(LockedBlock(block.get()).data(), static_cast<uint32_t>(image)))
         return {};
     status = Status::ok;
     return block;
@@ -88,16 +87,16 @@ bool write_span(OutputFile& file, const LockedDib& dib, uint64_t offset, uint64_
     return true;
 }
 
-bool write_rectangle(OutputFile& file, const LockedDib& dib, const Rect& rect,
-                     uint64_t colour_part, uint64_t stride) {
+bool write_rectangle(OutputFile& file, const LockedDib& dib, const Rect& rect, uint64_t colour_part,
+                     uint64_t stride) {
     BITMAPINFOHEADER header = dib.header;
     header.biWidth = rect.width;
     header.biHeight = rect.height;
     if (!file.write(&header, sizeof header) ||
         !write_span(file, dib, info_header_bytes, colour_part))
         return false;
-    const uint64_t rows = info_header_bytes + colour_part +
-                          static_cast<uint64_t>(column_offset(rect.x, dib.bits()));
+    const uint64_t rows =
+        info_header_bytes + colour_part + static_cast<uint64_t>(column_offset(rect.x, dib.bits()));
     const int64_t first = bottom_row(dib.height(), rect);
     for (int64_t row = first; row < first + rect.height; ++row) {
         if (!write_span(file, dib, rows + static_cast<uint64_t>(row * dib.stride()), stride))
@@ -125,15 +124,14 @@ Status write_image(const char* name, HGLOBAL handle, Rect rect) {
     const uint64_t colour_part = colour_part_bytes(dib.header);
     const auto stride = static_cast<uint64_t>(row_stride(rect.width, dib.bits()));
     const uint64_t image = stride * static_cast<uint64_t>(rect.height);
-    const bool whole = rect.x == 0 && rect.y == 0 && rect.width == dib.width() &&
-                       rect.height == dib.height();
+    const bool whole =
+        rect.x == 0 && rect.y == 0 && rect.width == dib.width() && rect.height == dib.height();
     OutputFile file;
     if (!file.create(name))
         return Status::cannot_open;
-    const bool written =
-        write_file_header(file, colour_part, image) &&
-        (whole ? write_span(file, dib, 0, info_header_bytes + colour_part + image)
-               : write_rectangle(file, dib, rect, colour_part, stride));
+    const bool written = write_file_header(file, colour_part, image) &&
+                         (whole ? write_span(file, dib, 0, info_header_bytes + colour_part + image)
+                                : write_rectangle(file, dib, rect, colour_part, stride));
     return written && file.close() ? Status::ok : Status::write_error;
 }
 

@@ -57,12 +57,8 @@ class Characters {
     int next_;
 };
 
-bool is_space(int c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-bool is_digit(int c) {
-    return c >= '0' && c <= '9';
-}
+bool is_space(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool is_digit(int c) { return c >= '0' && c <= '9'; }
 
 // A decimal integer behind any white space, as "%d" takes it.
 bool read_integer(Characters& text, int32_t& value) {

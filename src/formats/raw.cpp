@@ -1,8 +1,8 @@
 // Q0 and RAW files: rows of red, green and blue bytes, from the top of the picture down, without
 // padding. The size of a Q0 picture lies in a companion file, that of a RAW picture in its header.
-#include "image/progress.hpp"
 #include "formats/answer.hpp"
 #include "formats/companion.hpp"
+#include "image/progress.hpp"
 #include "simd/kernels.hpp"
 
 #include <cstring>
@@ -16,9 +16,7 @@ constexpr ChannelOrder red_and_blue_exchanged = {{red_byte, green_byte, blue_byt
 constexpr uint32_t raw_header_bytes = 32;
 constexpr char raw_magic[] = {'m', 'h', 'w', 'a', 'n', 'h'};
 
-int32_t get_u16(const uint8_t* from) {
-    return from[0] << 8 | from[1];
-} // big-endian
+int32_t get_u16(const uint8_t* from) { return from[0] << 8 | from[1]; } // big-endian
 
 // A product of two sizes from outside fits 64 bits, three times it may not.
 bool holds_pixels(uint64_t file_bytes, int32_t width, int32_t height) {

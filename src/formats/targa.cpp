@@ -9,9 +9,7 @@ constexpr uint32_t header_bytes = 18;
 constexpr uint8_t true_colour = 2; // image type
 constexpr uint8_t top_left = 0x20; // image descriptor: rows from the top down
 
-uint32_t get_u16(const uint8_t* from) {
-    return from[0] | uint32_t{from[1]} << 8;
-}
+uint32_t get_u16(const uint8_t* from) { return from[0] | uint32_t{from[1]} << 8; }
 
 void put_u16(uint8_t* to, int32_t value) {
     to[0] = static_cast<uint8_t>(value);

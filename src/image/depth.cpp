@@ -97,30 +97,30 @@ Status cut_depth(const LockedDib& from, const uint8_t (&keep)[3], OwnedBlock& re
 using namespace kirvo;
 
 HGLOBAL WINAPI DibConvert24bit(HGLOBAL dib, int32_t* status) {
-    return convert(dib, {[](int32_t bits) { return bits == 16 || bits == 32; },
-                         Status::needs_16_32},
-                   24, status);
+    return convert(dib,
+                   {[](int32_t bits) { return bits == 16 || bits == 32; }, Status::needs_16_32}, 24,
+                   status);
 }
 
 HGLOBAL WINAPI DibConvert16bit(HGLOBAL dib, int32_t* status) {
-    return convert(dib, {[](int32_t bits) { return bits == 24 || bits == 32; },
-                         Status::needs_24_32},
-                   16, status);
+    return convert(dib,
+                   {[](int32_t bits) { return bits == 24 || bits == 32; }, Status::needs_24_32}, 16,
+                   status);
 }
 
 HGLOBAL WINAPI DibConvert32bit(HGLOBAL dib, int32_t* status) {
-    return convert(dib, {[](int32_t bits) { return bits == 16 || bits == 24; },
-                         Status::needs_16_24},
-                   32, status);
+    return convert(dib,
+                   {[](int32_t bits) { return bits == 16 || bits == 24; }, Status::needs_16_24}, 32,
+                   status);
 }
 
 HGLOBAL WINAPI DibCutDepth(HGLOBAL dib, int32_t red_bits, int32_t green_bits, int32_t blue_bits,
                            int32_t* status) {
     OwnedBlock result;
     if (is_bit_count(red_bits) && is_bit_count(green_bits) && is_bit_count(blue_bits))
-        report(status, cut_depth(LockedDib(dib),
-                                 {top_bits(blue_bits), top_bits(green_bits), top_bits(red_bits)},
-                                 result));
+        report(status,
+               cut_depth(LockedDib(dib),
+                         {top_bits(blue_bits), top_bits(green_bits), top_bits(red_bits)}, result));
     else
         report(status, Status::bad_parameter);
     return result.release();

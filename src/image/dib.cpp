@@ -74,26 +74,26 @@ Status check_rect(const LockedDib& dib, const Rect& rect, const Depths& depths, 
 
 Status check_rect_24(const LockedDib& dib, const Rect& rect, RowStart start) {
     return check_rect(dib, rect, {[](int32_t bits) { return bits == 24; }, Status::needs_24},
-                        start);
+                      start);
 }
 
 Status check_rect_8_24(const LockedDib& dib, const Rect& rect, RowStart start) {
     return check_rect(dib, rect,
-                        {[](int32_t bits) { return bits == 8 || bits == 24; }, Status::needs_8_24},
-                        start);
+                      {[](int32_t bits) { return bits == 8 || bits == 24; }, Status::needs_8_24},
+                      start);
 }
 
 Status check_rect_24_32(const LockedDib& dib, const Rect& rect, RowStart start) {
-    return check_rect(
-        dib, rect, {[](int32_t bits) { return bits == 24 || bits == 32; }, Status::needs_24_32},
-        start);
+    return check_rect(dib, rect,
+                      {[](int32_t bits) { return bits == 24 || bits == 32; }, Status::needs_24_32},
+                      start);
 }
 
 Status check_rect_16_to_32(const LockedDib& dib, const Rect& rect, RowStart start) {
     return check_rect(dib, rect,
-                        {[](int32_t bits) { return bits == 16 || bits == 24 || bits == 32; },
-                         Status::needs_16_24_32},
-                        start);
+                      {[](int32_t bits) { return bits == 16 || bits == 24 || bits == 32; },
+                       Status::needs_16_24_32},
+                      start);
 }
 
 Status check_rect_8_to_32(const LockedDib& dib, const Rect& rect, RowStart start) {

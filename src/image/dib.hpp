@@ -18,9 +18,7 @@ constexpr bool is_depth(int32_t bits) {
 }
 
 // Bytes that hold the pixels of one row, without padding.
-constexpr int64_t row_bytes(int64_t width, int32_t bits) {
-    return (width * bits + 7) / 8;
-}
+constexpr int64_t row_bytes(int64_t width, int32_t bits) { return (width * bits + 7) / 8; }
 
 // Bytes from one stored row to the next: padded to a multiple of 4.
 constexpr int64_t row_stride(int64_t width, int32_t bits) {

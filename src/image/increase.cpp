@@ -35,8 +35,8 @@ void spread_indices(const uint8_t* row, int32_t bits, uint8_t* indices, size_t c
     const uint32_t mask = (1u << bits) - 1;
     for (size_t i = 0; i < count; ++i) {
         const size_t place = per_byte - 1 - i % per_byte;
-        indices[i] = static_cast<uint8_t>(row[i / per_byte] >> (place * static_cast<size_t>(bits)) &
-                                          mask);
+        indices[i] =
+            static_cast<uint8_t>(row[i / per_byte] >> (place * static_cast<size_t>(bits)) & mask);
     }
 }
 

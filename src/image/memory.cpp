@@ -9,9 +9,7 @@ namespace {
 uint32_t allocations_until_failure = 0;
 uint64_t largest_block = max_block_bytes;
 
-bool told_to_fail() {
-    return allocations_until_failure != 0 && --allocations_until_failure == 0;
-}
+bool told_to_fail() { return allocations_until_failure != 0 && --allocations_until_failure == 0; }
 
 } // namespace
 

@@ -22,8 +22,7 @@ PALETTEENTRY palette_entry(uint32_t index) {
 using namespace kirvo;
 
 HPALETTE WINAPI KirvoCreatePalette(void) {
-    auto* palette =
-        static_cast<LOGPALETTE*>(LocalAlloc(LPTR, 4 + 256 * sizeof(PALETTEENTRY)));
+    auto* palette = static_cast<LOGPALETTE*>(LocalAlloc(LPTR, 4 + 256 * sizeof(PALETTEENTRY)));
     if (palette == nullptr)
         return nullptr;
     palette->palVersion = 0x300;

@@ -43,8 +43,7 @@ uint32_t pixel_word(const PixelFormat& format, uint32_t colour) {
     const uint32_t green = (colour & 0xFFFF) >> 8, blue = colour >> 16;
     if (format.bits == 24)
         return (colour & 0xFF) << 16 | green << 8 | (blue & 0xFF);
-    return format.under_mask(colour, 0) | format.under_mask(green, 1) |
-           format.under_mask(blue, 2);
+    return format.under_mask(colour, 0) | format.under_mask(green, 1) | format.under_mask(blue, 2);
 }
 
 bool is_direct(int32_t bits) { return bits == 16 || bits == 24 || bits == 32; }

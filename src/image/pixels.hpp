@@ -42,8 +42,7 @@ struct PixelFormat {
         return (value << (masks.shift[c] & 31)) & masks.mask[c];
     }
     uint32_t pack(const Rgb& colour) const {
-        return under_mask(colour.red, 0) | under_mask(colour.green, 1) |
-               under_mask(colour.blue, 2);
+        return under_mask(colour.red, 0) | under_mask(colour.green, 1) | under_mask(colour.blue, 2);
     }
 
     Rgb load(const uint8_t* pixel) const;

@@ -6,9 +6,7 @@
 
 namespace kirvo {
 
-void move_bytes(uint8_t* to, const uint8_t* from, size_t count) {
-    std::memmove(to, from, count);
-}
+void move_bytes(uint8_t* to, const uint8_t* from, size_t count) { std::memmove(to, from, count); }
 
 CopyBytes copy_for(size_t run_bytes, uint64_t runs) {
     constexpr uint64_t beyond_caches = 16 << 20;

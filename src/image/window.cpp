@@ -31,9 +31,7 @@ void resize(HWND window, uint32_t width, uint32_t height) {
                  SWP_NOMOVE | SWP_NOZORDER);
 }
 
-uint32_t metric(int index) {
-    return static_cast<uint32_t>(GetSystemMetrics(index));
-}
+uint32_t metric(int index) { return static_cast<uint32_t>(GetSystemMetrics(index)); }
 
 // The image is not locked meanwhile: resizing runs the window's procedure.
 bool scaled_size(HGLOBAL image, uint32_t scale, WindowSize& size) {
@@ -67,6 +65,4 @@ void WINAPI FitWindowToImageEx(HWND window, HGLOBAL dib, uint32_t scale) {
            target.height + outer.height - client.height);
 }
 
-void WINAPI FitWindowToImage(HWND window, HGLOBAL dib) {
-    FitWindowToImageEx(window, dib, 1);
-}
+void WINAPI FitWindowToImage(HWND window, HGLOBAL dib) { FitWindowToImageEx(window, dib, 1); }

@@ -10,9 +10,7 @@ namespace kirvo {
 
 namespace {
 
-int descriptor(intptr_t value) {
-    return static_cast<int>(value);
-}
+int descriptor(intptr_t value) { return static_cast<int>(value); }
 
 // A pipe to which nobody writes is a file of no bytes, one from which nobody reads cannot be opened:
 // nothing waits for somebody to come.
@@ -36,9 +34,7 @@ bool InputFile::open(const char* name, Share) {
     return handle_ != -1;
 }
 
-bool InputFile::open_searched(const char* name) {
-    return open(name, Share::anyone);
-}
+bool InputFile::open_searched(const char* name) { return open(name, Share::anyone); }
 
 uint64_t InputFile::size() const {
     struct stat info;

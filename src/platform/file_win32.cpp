@@ -6,9 +6,7 @@ namespace kirvo {
 
 namespace {
 
-HANDLE as_handle(intptr_t value) {
-    return reinterpret_cast<HANDLE>(value);
-}
+HANDLE as_handle(intptr_t value) { return reinterpret_cast<HANDLE>(value); }
 
 DWORD share_flags(Share share) {
     return share == Share::anyone ? FILE_SHARE_READ | FILE_SHARE_WRITE : FILE_SHARE_READ;

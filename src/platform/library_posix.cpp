@@ -11,8 +11,6 @@ LoadedLibrary::~LoadedLibrary() {
         dlclose(handle_);
 }
 
-void* LoadedLibrary::function(const char* name) const {
-    return dlsym(handle_, name);
-}
+void* LoadedLibrary::function(const char* name) const { return dlsym(handle_, name); }
 
 } // namespace kirvo

@@ -63,7 +63,7 @@ struct CubeLevel {
 
 template<size_t n>
 std::array<CubeLevel, value_count> cube_channel(const std::array<uint8_t, n>& levels,
-                                                          uint32_t weight) {
+                                                uint32_t weight) {
     return for_each_value<CubeLevel>([&](int32_t value) {
         const Level level = cube_level(value, levels, weight);
         return CubeLevel{level.error >> 1, level};
@@ -77,9 +77,12 @@ struct CubeQuantiser {
 
     Quantised quantise(const Values& value) const {
         const CubeLevel &b = blue[value.blue], &g = green[value.green], &r = red[value.red];
-        return {b.half,        g.half,
-                r.half,        b.level.error,
-                g.level.error, r.level.error,
+        return {b.half,
+                g.half,
+                r.half,
+                b.level.error,
+                g.level.error,
+                r.level.error,
                 cube_slots[b.level.part + g.level.part + r.level.part]};
     }
 };
@@ -161,8 +164,8 @@ void ErrorDiffusion::add_errors(const uint8_t* bgr) {
     const int16_t* behind = errors_ + 3 * direction_;
     int16_t* values = values_;
     for (size_t i = 0; i < 3 * width_; ++i)
-        values[i] = static_cast<int16_t>(bgr[i] - lowest_value + (below[i] >> 2) +
-                                         (ahead[i] >> 3) + (behind[i] >> 4));
+        values[i] = static_cast<int16_t>(bgr[i] - lowest_value + (below[i] >> 2) + (ahead[i] >> 3) +
+                                         (behind[i] >> 4));
 }
 
 template<typename Quantiser>
@@ -180,9 +183,9 @@ void ErrorDiffusion::quantise_row(const uint8_t* bgr, uint8_t* indices) {
         const auto value = [](int16_t sum, int32_t half) {
             return static_cast<uint32_t>(sum + half);
         };
-        pixel = quantiser.quantise({value(cell[0], pixel.half_blue),
-                                     value(cell[1], pixel.half_green),
-                                     value(cell[2], pixel.half_red)});
+        pixel =
+            quantiser.quantise({value(cell[0], pixel.half_blue), value(cell[1], pixel.half_green),
+                                value(cell[2], pixel.half_red)});
         cell[0] = pixel.blue;
         cell[1] = pixel.green;
         cell[2] = pixel.red;

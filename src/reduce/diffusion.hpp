@@ -26,8 +26,8 @@ class ErrorDiffusion {
     size_t width_;
     Scratch scratch_;
     // Cells in the order of the pixel bytes, with a pixel of zeros before and after them.
-    int16_t* values_; // of the row in work: pixel and errors, then what is left of them
-    int16_t* errors_; // left by the row before
+    int16_t* values_;         // of the row in work: pixel and errors, then what is left of them
+    int16_t* errors_;         // left by the row before
     ptrdiff_t direction_ = 1; // of the row before
 };
 

@@ -16,10 +16,10 @@ constexpr Preset presets_256[] = {
     {5, 0x800080},   {6, 0x008080},   {7, 0xC0C0C0},   {247, 0xA0A0A4}, {248, 0x808080},
     {249, 0xFF0000}, {250, 0x00FF00}, {251, 0xFFFF00}, {252, 0x0000FF}, {253, 0xFF00FF},
     {254, 0x00FFFF}, {255, 0xFFFFFF}};
-constexpr Preset presets_16[] = {
-    {0, 0x000000}, {1, 0x800000},  {2, 0x008000},  {3, 0x808000},  {4, 0x000080},  {5, 0x800080},
-    {6, 0x008080}, {7, 0x808080},  {8, 0xC0C0C0},  {9, 0xFF0000},  {10, 0x00FF00}, {11, 0xFFFF00},
-    {12, 0x0000FF}, {13, 0xFF00FF}, {14, 0x00FFFF}, {15, 0xFFFFFF}};
+constexpr Preset presets_16[] = {{0, 0x000000},  {1, 0x800000},  {2, 0x008000},  {3, 0x808000},
+                                 {4, 0x000080},  {5, 0x800080},  {6, 0x008080},  {7, 0x808080},
+                                 {8, 0xC0C0C0},  {9, 0xFF0000},  {10, 0x00FF00}, {11, 0xFFFF00},
+                                 {12, 0x0000FF}, {13, 0xFF00FF}, {14, 0x00FFFF}, {15, 0xFFFFFF}};
 
 // The colours met so far. A slot is given to each new one in turn, from next_ to last_.
 class ColourSlots {

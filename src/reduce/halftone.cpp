@@ -10,11 +10,10 @@ namespace kirvo {
 namespace {
 
 // Threshold of column x and stored row y, both modulo 8: matrix[x][y].
-constexpr uint8_t matrix[8][8] = {
-    {0, 38, 9, 47, 2, 40, 11, 50},   {25, 12, 35, 22, 27, 15, 37, 24},
-    {6, 44, 3, 41, 8, 47, 5, 43},    {31, 19, 28, 15, 34, 21, 31, 18},
-    {1, 39, 11, 49, 0, 39, 10, 48},  {27, 14, 36, 23, 26, 13, 35, 23},
-    {7, 46, 4, 43, 7, 45, 3, 42},    {33, 20, 30, 17, 32, 19, 29, 16}};
+constexpr uint8_t matrix[8][8] = {{0, 38, 9, 47, 2, 40, 11, 50},  {25, 12, 35, 22, 27, 15, 37, 24},
+                                  {6, 44, 3, 41, 8, 47, 5, 43},   {31, 19, 28, 15, 34, 21, 31, 18},
+                                  {1, 39, 11, 49, 0, 39, 10, 48}, {27, 14, 36, 23, 26, 13, 35, 23},
+                                  {7, 46, 4, 43, 7, 45, 3, 42},   {33, 20, 30, 17, 32, 19, 29, 16}};
 
 constexpr size_t block_pixels = 16; // whole columns of the matrix, whole vectors of pixel bytes
 constexpr size_t block_bytes = 3 * block_pixels;

@@ -40,8 +40,8 @@ Status check(const LockedDib& source, RowRule rule) {
 OwnedBlock new_indexed_dib(const LockedDib& source, RowRule rule, int32_t bits) {
     const int64_t full_stride = row_stride(source.width(), bits);
     const bool overlap = rows_stride(full_stride, rule) != full_stride;
-    OwnedBlock block = new_dib(source.width(), source.height(), bits,
-                               overlap ? Content::zero : Content::any);
+    OwnedBlock block =
+        new_dib(source.width(), source.height(), bits, overlap ? Content::zero : Content::any);
     if (rule == RowRule::counted) {
         const uint32_t colours = 1u << bits;
         LockedDib(block.get())

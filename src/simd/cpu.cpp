@@ -43,8 +43,8 @@ CpuLevel detect() {
     if (!has_all(saved, ymm_saved) || !has_all(seven.ebx, bit(5)))
         return CpuLevel::sse2;
     constexpr uint32_t f_dq_bw_vl = bit(16) | bit(17) | bit(30) | bit(31), vbmi = bit(1);
-    const bool wide = has_all(saved, zmm_saved) && has_all(seven.ebx, f_dq_bw_vl) &&
-                      has_all(seven.ecx, vbmi);
+    const bool wide =
+        has_all(saved, zmm_saved) && has_all(seven.ebx, f_dq_bw_vl) && has_all(seven.ecx, vbmi);
     return wide ? CpuLevel::avx512 : CpuLevel::avx2;
 }
 

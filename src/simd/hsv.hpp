@@ -62,11 +62,7 @@ inline Rgb hsv_to_rgb(const Hsv& hsv) {
     return {levels[of.red], levels[of.green], levels[of.blue]};
 }
 
-inline Hsv rgb_to_hsv(const Rgb& rgb) {
-    return rgb_to_hsv(rgb.red, rgb.green, rgb.blue);
-}
-inline Hsv rgb_to_sv(const Rgb& rgb) {
-    return rgb_to_sv(rgb.red, rgb.green, rgb.blue);
-}
+inline Hsv rgb_to_hsv(const Rgb& rgb) { return rgb_to_hsv(rgb.red, rgb.green, rgb.blue); }
+inline Hsv rgb_to_sv(const Rgb& rgb) { return rgb_to_sv(rgb.red, rgb.green, rgb.blue); }
 
 } // namespace kirvo

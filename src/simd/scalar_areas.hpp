@@ -9,9 +9,7 @@
 namespace kirvo::scalar {
 namespace {
 
-uint8_t clamped(int64_t value) {
-    return static_cast<uint8_t>(std::clamp<int64_t>(value, 0, 255));
-}
+uint8_t clamped(int64_t value) { return static_cast<uint8_t>(std::clamp<int64_t>(value, 0, 255)); }
 
 void blur(uint8_t* to, ThreeRows rows, size_t bytes) {
     for (size_t i = 0; i < bytes; ++i) {
@@ -27,8 +25,8 @@ void convolve(uint8_t* to, ThreeRows rows, size_t bytes, const Convolution& by) 
         for (int k = 0; k < 9; ++k)
             sum += by.weight[k] * (rows[k / 3] + i)[3 * (k % 3) - 3];
         const auto value = static_cast<uint64_t>(std::max(sum, 0));
-        to[i] = clamped(
-            static_cast<int64_t>(by.divides ? (value * by.multiplier) >> by.shift : value));
+        to[i] =
+            clamped(static_cast<int64_t>(by.divides ? (value * by.multiplier) >> by.shift : value));
     }
 }
 

@@ -10,7 +10,8 @@ namespace kirvo::scalar {
 namespace {
 
 // For k = 0, the mean, cos(pi / 4).
-constexpr int32_t cosines[8] = {dct::c4, dct::c1, dct::c2, dct::c3, dct::c4, dct::c5, dct::c6, dct::c7};
+constexpr int32_t cosines[8] = {dct::c4, dct::c1, dct::c2, dct::c3,
+                                dct::c4, dct::c5, dct::c6, dct::c7};
 
 // The factor of input u in output x.
 constexpr int32_t factor(int32_t x, int32_t u) {
@@ -72,9 +73,7 @@ void chroma_terms(const int16_t* cb, const int16_t* cr, ChromaTerms terms, size_
     }
 }
 
-uint8_t clamp8(int32_t value) {
-    return static_cast<uint8_t>(std::clamp(value, 0, 255));
-}
+uint8_t clamp8(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
 
 void decoded_grey(const int16_t* y, uint8_t* bgr, size_t count) {
     for (size_t i = 0; i < count; ++i)
@@ -161,14 +160,14 @@ void code_block(const int8_t* samples, ptrdiff_t stride, const Quantiser& quanti
         const size_t n = zigzag[k];
         const int16_t level = rounded_quotient(coefficients[n], quantiser.divisor[n]);
         group.level[n / 8][8 * block + n % 8] = level;
-        group.small[block][k] = static_cast<uint8_t>(
-            std::clamp<int>(level, INT8_MIN, INT8_MAX) + small_levels);
+        group.small[block][k] =
+            static_cast<uint8_t>(std::clamp<int>(level, INT8_MIN, INT8_MAX) + small_levels);
         group.nonzero[block] |= uint64_t{level != 0} << k;
     }
 }
 
-void code_groups(const int8_t* samples, ptrdiff_t stride, size_t groups,
-                 const Quantiser& quantiser, BlockGroup* out) {
+void code_groups(const int8_t* samples, ptrdiff_t stride, size_t groups, const Quantiser& quantiser,
+                 BlockGroup* out) {
     for (size_t block = 0; block < groups * blocks_abreast; ++block)
         code_block(samples + 8 * block, stride, quantiser, out[block / blocks_abreast],
                    block % blocks_abreast);

@@ -56,9 +56,7 @@ void triple(uint8_t* to, const uint8_t* from, size_t count) {
         to[3 * i] = to[3 * i + 1] = to[3 * i + 2] = from[i];
 }
 
-void copy(uint8_t* to, const uint8_t* from, size_t bytes) {
-    std::memcpy(to, from, bytes);
-}
+void copy(uint8_t* to, const uint8_t* from, size_t bytes) { std::memcpy(to, from, bytes); }
 
 void map_channels(uint8_t* to, const uint8_t* from, size_t pixels, const ChannelLevels& levels) {
     for (; pixels != 0; --pixels, to += 3, from += 3) {

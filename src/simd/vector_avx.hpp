@@ -1,6 +1,8 @@
 // What the wrappers of AVX2 and AVX-512 add to vector_x86.hpp alike; included like that one, with
 // KIRVO_BROADCAST the intrinsic that repeats 16 bytes.
 
+#include "simd/vector_x86.hpp"
+
 struct VectorAvx : VectorX86 {
     static constexpr bool has_table = true;
 

@@ -15,7 +15,6 @@ namespace {
 #define KIRVO_RECIPROCAL _mm256_rcp_ps
 #define KIRVO_STREAM _mm256_stream_si256
 #define KIRVO_BROADCAST _mm256_broadcastsi128_si256
-#include "simd/vector_x86.hpp"
 #include "simd/vector_avx.hpp"
 #undef KIRVO_REGISTER
 #undef KIRVO_MM
@@ -237,15 +236,14 @@ struct Vector : VectorAvx {
             const Register levels[2] = {low_halves(first, second), high_halves(first, second)};
             for (int block = 0; block < 2; ++block) {
                 store(small[block] + 32 * half, add8(levels[block], all8(small_levels)));
-                const auto mask = static_cast<uint32_t>(
-                    _mm256_movemask_epi8(equal8(levels[block], zero())));
+                const auto mask =
+                    static_cast<uint32_t>(_mm256_movemask_epi8(equal8(levels[block], zero())));
                 zeros[block] |= static_cast<uint64_t>(mask) << (32 * half);
             }
         }
         nonzero[0] = ~zeros[0];
         nonzero[1] = ~zeros[1];
     }
-
 
   private:
     static __m128i low_half(Register v) { return _mm256_castsi256_si128(v); }

@@ -16,7 +16,6 @@ namespace {
 #define KIRVO_RECIPROCAL _mm512_rcp14_ps
 #define KIRVO_STREAM _mm512_stream_si512
 #define KIRVO_BROADCAST _mm512_broadcast_i32x4
-#include "simd/vector_x86.hpp"
 #include "simd/vector_avx.hpp"
 #undef KIRVO_REGISTER
 #undef KIRVO_MM
@@ -93,7 +92,8 @@ struct Vector : VectorAvx {
             return _mm512_cvtepu16_epi32(
                 _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from)));
         } else if constexpr (bytes == 3) {
-            static constexpr Places spread([](int i) { return i % 4 == 3 ? 0 : i / 4 * 3 + i % 4; });
+            static constexpr Places spread(
+                [](int i) { return i % 4 == 3 ? 0 : i / 4 * 3 + i % 4; });
             return _mm512_permutexvar_epi8(spread.vector(),
                                            _mm512_maskz_loadu_epi8(first_48, from));
         } else {
@@ -218,10 +218,9 @@ struct Vector : VectorAvx {
         const Register low23 = _mm512_shuffle_i32x4(pair[2], pair[3], 0x44);
         const Register high01 = _mm512_shuffle_i32x4(pair[0], pair[1], 0xEE);
         const Register high23 = _mm512_shuffle_i32x4(pair[2], pair[3], 0xEE);
-        const Register natural[4] = {_mm512_shuffle_i32x4(low01, low23, 0x88),
-                                     _mm512_shuffle_i32x4(low01, low23, 0xDD),
-                                     _mm512_shuffle_i32x4(high01, high23, 0x88),
-                                     _mm512_shuffle_i32x4(high01, high23, 0xDD)};
+        const Register natural[4] = {
+            _mm512_shuffle_i32x4(low01, low23, 0x88), _mm512_shuffle_i32x4(low01, low23, 0xDD),
+            _mm512_shuffle_i32x4(high01, high23, 0x88), _mm512_shuffle_i32x4(high01, high23, 0xDD)};
         const Register order = load(zigzag.data());
         for (int block = 0; block < 4; ++block) {
             const Register levels = _mm512_permutexvar_epi8(order, natural[block]);
@@ -229,7 +228,6 @@ struct Vector : VectorAvx {
             nonzero[block] = _mm512_test_epi8_mask(levels, levels);
         }
     }
-
 
   private:
     static constexpr __mmask64 first_48 = 0x0000FFFFFFFFFFFF;

@@ -56,9 +56,7 @@ struct Vector : VectorX86 {
     static Halves halves_in_order(const Halves& v) { return v; }
 
     // Sums of two bytes side by side, unsigned and signed.
-    static Register pair_sums8(Register a) {
-        return add16(a & all16(0xFF), shift_right16<8>(a));
-    }
+    static Register pair_sums8(Register a) { return add16(a & all16(0xFF), shift_right16<8>(a)); }
     static Register pair_sums8_signed(Register a) {
         return add16(shift_right16_signed<8>(shift_left16<8>(a)), shift_right16_signed<8>(a));
     }
@@ -193,8 +191,8 @@ struct Vector : VectorX86 {
 
         explicit Weighted(const Planes& p)
             : blue{widen_low8(p.blue), widen_high8(p.blue)},
-              green{widen_low8(p.green), widen_high8(p.green)},
-              red{widen_low8(p.red), widen_high8(p.red)} {}
+              green{widen_low8(p.green), widen_high8(p.green)}, red{widen_low8(p.red),
+                                                                    widen_high8(p.red)} {}
         // Of luminance, 65,280 at most.
         Halves luminance() const { return sums<29, 150, 77>(); }
         template<int b, int g, int r>
@@ -245,7 +243,6 @@ struct Vector : VectorX86 {
         }
         *nonzero = mask;
     }
-
 
   private:
     static Register load_4(const void* from) {

@@ -126,8 +126,8 @@ struct VectorX86 {
         const Register factors = all32(static_cast<int>(factor));
         const __m128i shift = _mm_cvtsi32_si128(count);
         const Register even = KIRVO_MM(srl_epi64)(KIRVO_MM(mul_epu32)(a, factors), shift);
-        const Register odd = KIRVO_MM(srl_epi64)(
-            KIRVO_MM(mul_epu32)(KIRVO_MM(srli_epi64)(a, 32), factors), shift);
+        const Register odd =
+            KIRVO_MM(srl_epi64)(KIRVO_MM(mul_epu32)(KIRVO_MM(srli_epi64)(a, 32), factors), shift);
         return even | KIRVO_MM(slli_epi64)(odd, 32);
     }
 
@@ -163,8 +163,7 @@ struct VectorX86 {
         const auto divisor = KIRVO_MM(cvtepi32_ps)(b), rough = KIRVO_RECIPROCAL(divisor);
         const auto reciprocal = KIRVO_MM(mul_ps)(
             rough, KIRVO_MM(sub_ps)(KIRVO_MM(set1_ps)(2.0f), KIRVO_MM(mul_ps)(divisor, rough)));
-        const auto dividend =
-            KIRVO_MM(add_ps)(KIRVO_MM(cvtepi32_ps)(a), KIRVO_MM(set1_ps)(0.5f));
+        const auto dividend = KIRVO_MM(add_ps)(KIRVO_MM(cvtepi32_ps)(a), KIRVO_MM(set1_ps)(0.5f));
         return KIRVO_MM(cvttps_epi32)(KIRVO_MM(mul_ps)(dividend, reciprocal));
     }
 };

@@ -21,15 +21,12 @@ struct Picture {
     Picture(int w, int h) : width(w), height(h), colours(static_cast<size_t>(w * h)) {}
     bool has(int x, int row) const { return x >= 0 && x < width && row >= 0 && row < height; }
     Colour& at(int x, int row) { return colours[static_cast<size_t>(row * width + x)]; }
-    const Colour& at(int x, int row) const {
-        return colours[static_cast<size_t>(row * width + x)];
-    }
+    const Colour& at(int x, int row) const { return colours[static_cast<size_t>(row * width + x)]; }
 };
 
 inline Picture picture_of(const Dib& dib) {
     Picture picture(dib.width(), dib.height());
-    picture.colours =
-        stored_colours(dib, {dib.rows_start(), static_cast<size_t>(dib.stride())});
+    picture.colours = stored_colours(dib, {dib.rows_start(), static_cast<size_t>(dib.stride())});
     return picture;
 }
 
@@ -48,10 +45,16 @@ inline std::vector<uint8_t> image_bytes(const Picture& picture, int bits, const 
 // An image of any layout that the depth allows: usual and unusual masks, or none; headers longer
 // than 40 bytes; coloured padding, or none after the last row; spare bytes after the image.
 inline Dib random_image(Random& random, int width, int height, int bits) {
-    static constexpr Masks masks16[] = {masks_555, masks_565, {0x001F, 0x07E0, 0xF800},
-                                        {0x0F00, 0x00F0, 0x000F}, {0xFC00, 0x03FF, 0}};
-    static constexpr Masks masks32[] = {masks_888, masks_bgr888, {0x3FF00000, 0xFFC00, 0x3FF},
-                                        {0xFF000000, 0xFF0000, 0xFF00}, {0xF00000, 0xF000, 0x1F0}};
+    static constexpr Masks masks16[] = {masks_555,
+                                        masks_565,
+                                        {0x001F, 0x07E0, 0xF800},
+                                        {0x0F00, 0x00F0, 0x000F},
+                                        {0xFC00, 0x03FF, 0}};
+    static constexpr Masks masks32[] = {masks_888,
+                                        masks_bgr888,
+                                        {0x3FF00000, 0xFFC00, 0x3FF},
+                                        {0xFF000000, 0xFF0000, 0xFF00},
+                                        {0xF00000, 0xF000, 0x1F0}};
     DibSpec spec{width, height, bits};
     if ((bits == 16 || bits == 32) && !random.once_in(4))
         spec.masks = bits == 16 ? random.pick(masks16) : random.pick(masks32);
@@ -86,7 +89,7 @@ template<typename Call>
 void expect_rectangle_checks(std::initializer_list<int> depths, int wrong_depth, const Call& call) {
     EXPECT_EQ(call(nullptr, Area{0, 0, 1, 1}), -3);
     EXPECT_EQ(call(nullptr, Area{-1, 0, 0, 1}), -3) << "the handle comes first";
-        for (const int bits : {1, 4, 8, 16, 24, 32}) {
+    for (const int bits : {1, 4, 8, 16, 24, 32}) {
         SCOPED_TRACE(bits);
         const bool accepted = std::find(depths.begin(), depths.end(), bits) != depths.end();
         const Dib dib = make_dib({5, 4, bits});

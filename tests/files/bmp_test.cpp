@@ -5,9 +5,7 @@ using namespace kirvo_test;
 
 namespace {
 
-uint32_t rgb(uint32_t x, uint32_t y) {
-    return (x * 40) << 16 | (y * 70) << 8 | (x * 7 + y);
-}
+uint32_t rgb(uint32_t x, uint32_t y) { return (x * 40) << 16 | (y * 70) << 8 | (x * 7 + y); }
 
 void expect_rgb(const Opened& opened, uint32_t bits) {
     ASSERT_EQ(opened.status, KIRVO_FILES_OK) << opened.text(KIRVO_FILES_TEXT_REASON);
@@ -41,9 +39,7 @@ TEST(Bmp, every_header_of_24_bits_gives_the_same_picture) {
     }
 }
 
-TEST(Bmp, rows_from_the_top_down_are_turned) {
-    expect_rgb(Opened(of_24(40, true).file()), 24);
-}
+TEST(Bmp, rows_from_the_top_down_are_turned) { expect_rgb(Opened(of_24(40, true).file()), 24); }
 
 TEST(Bmp, a_gap_before_the_pixels_and_a_palette_at_24_bits_are_skipped) {
     Bmp bmp = of_24(40);

@@ -11,9 +11,7 @@ using namespace kirvo_test;
 
 namespace {
 
-bool writes(int32_t format) {
-    return (KirvoFilesAbilities(format) & KIRVO_FILES_WRITES) != 0;
-}
+bool writes(int32_t format) { return (KirvoFilesAbilities(format) & KIRVO_FILES_WRITES) != 0; }
 
 #ifdef _WIN32
 template<typename Work>

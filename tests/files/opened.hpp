@@ -19,12 +19,8 @@ inline void add_words(Bytes& to, std::initializer_list<uint32_t> words, uint32_t
         for (uint32_t i = 0; i < size; ++i)
             to.push_back(static_cast<uint8_t>(word >> 8 * i));
 }
-inline void add16(Bytes& to, std::initializer_list<uint32_t> words) {
-    add_words(to, words, 2);
-}
-inline void add32(Bytes& to, std::initializer_list<uint32_t> words) {
-    add_words(to, words, 4);
-}
+inline void add16(Bytes& to, std::initializer_list<uint32_t> words) { add_words(to, words, 2); }
+inline void add32(Bytes& to, std::initializer_list<uint32_t> words) { add_words(to, words, 4); }
 
 class Opened {
   public:

@@ -27,9 +27,7 @@ struct Targa {
     }
 };
 
-uint32_t rgb(uint32_t x, uint32_t y) {
-    return (x * 50 + 3) << 16 | (y * 80) << 8 | (x * 9 + y);
-}
+uint32_t rgb(uint32_t x, uint32_t y) { return (x * 50 + 3) << 16 | (y * 80) << 8 | (x * 9 + y); }
 
 // Pixels in the order of an origin.
 Bytes stored(uint32_t descriptor, uint32_t size, uint32_t alpha = 0) {

@@ -47,10 +47,13 @@ Bytes file_header(size_t colour_part, size_t image) {
 
 size_t written_colour_part(int bits, uint32_t used) {
     switch (bits) {
-    case 24: return 0;
+    case 24:
+        return 0;
     case 16:
-    case 32: return 12;
-    default: return 4 * (used != 0 ? used : 1u << bits);
+    case 32:
+        return 12;
+    default:
+        return 4 * (used != 0 ? used : 1u << bits);
     }
 }
 
@@ -72,8 +75,8 @@ Bytes expected_file(const Dib& dib, int32_t x, int32_t y, int32_t w, int32_t h) 
     file.insert(file.end(), block.begin() + 40, block.begin() + 40 + static_cast<long>(colours));
     const int32_t column = bits == 1 ? (x + 7) / 8 : bits == 4 ? (x + 1) / 2 : x * bits / 8;
     for (int32_t row = header.biHeight - (y + h); row < header.biHeight - y; ++row) {
-        const size_t start = 40 + colours + static_cast<size_t>(row) * from_stride +
-                             static_cast<size_t>(column);
+        const size_t start =
+            40 + colours + static_cast<size_t>(row) * from_stride + static_cast<size_t>(column);
         file.insert(file.end(), block.begin() + static_cast<long>(start),
                     block.begin() + static_cast<long>(start + stride));
     }
@@ -81,9 +84,21 @@ Bytes expected_file(const Dib& dib, int32_t x, int32_t y, int32_t w, int32_t h) 
 }
 
 std::vector<DibSpec> all_kinds() {
-    return {{17, 5, 1}, {9, 4, 4},  {6, 3, 8},  {6, 3, 8, {}, 20}, {3, 3, 4, {}, 5},
-            {9, 2, 1, {}, 1}, {5, 3, 16, masks_565}, {4, 4, 24}, {5, 7, 24}, {3, 3, 32, masks_888},
-            {1, 1, 24}, {1, 1, 1}, {1, 1, 8}, {1, 1, 16, masks_555}, {1, 1, 32, masks_bgr888}};
+    return {{17, 5, 1},
+            {9, 4, 4},
+            {6, 3, 8},
+            {6, 3, 8, {}, 20},
+            {3, 3, 4, {}, 5},
+            {9, 2, 1, {}, 1},
+            {5, 3, 16, masks_565},
+            {4, 4, 24},
+            {5, 7, 24},
+            {3, 3, 32, masks_888},
+            {1, 1, 24},
+            {1, 1, 1},
+            {1, 1, 8},
+            {1, 1, 16, masks_555},
+            {1, 1, 32, masks_bgr888}};
 }
 
 } // namespace
@@ -98,8 +113,7 @@ TEST(WriteBmp, WholeImageIsTheBlockBehindAFileHeader) {
             EXPECT_EQ(by_size ? DibWriteEx(file.name(), dib, 0, 0, spec.width, spec.height)
                               : DibWriteEx(file.name(), dib, 0, 0, -1, -1),
                       KIRVO_OK);
-            EXPECT_EQ(file.read(), expected_file(dib, 0, 0, spec.width, spec.height))
-                << spec.bits;
+            EXPECT_EQ(file.read(), expected_file(dib, 0, 0, spec.width, spec.height)) << spec.bits;
         }
         EXPECT_EQ(dib.bytes(), before);
         EXPECT_TRUE(is_unlocked(dib));
@@ -233,8 +247,9 @@ TEST(WriteBmp, BlockShorterThanItsHeaderSays) {
     Random random(7);
     for (const int bits : {1, 4, 8, 16, 24, 32}) {
         const TempFile file(".bmp");
-        const std::optional<Masks> masks =
-            bits == 16 ? std::optional(masks_565) : bits == 32 ? std::optional(masks_888) : std::nullopt;
+        const std::optional<Masks> masks = bits == 16   ? std::optional(masks_565)
+                                           : bits == 32 ? std::optional(masks_888)
+                                                        : std::nullopt;
         const Dib cut = make_random_dib({9, 3, bits, masks, 0, 40, -8}, random);
         EXPECT_EQ(DibWriteEx(file.name(), cut, 0, 0, -1, -1), KIRVO_BAD_PARAMETER) << bits;
         EXPECT_EQ(DibWriteEx(file.name(), cut, 0, 0, 1, 1), KIRVO_BAD_PARAMETER) << bits;
@@ -333,7 +348,8 @@ TEST(ReadBmp, EveryShortFileHasItsStatus) {
     ASSERT_EQ(DibWriteEx(whole.name(), dib, 0, 0, -1, -1), KIRVO_OK);
     const Bytes content = whole.read();
     for (size_t size = 0; size <= content.size(); ++size) {
-        const TempFile file(".bmp", Bytes(content.begin(), content.begin() + static_cast<long>(size)));
+        const TempFile file(".bmp",
+                            Bytes(content.begin(), content.begin() + static_cast<long>(size)));
         const ReadResult r = read_bmp(file.name());
         if (size < 14)
             EXPECT_EQ(r.status, KIRVO_READ_ERROR) << size;
@@ -369,7 +385,8 @@ TEST(ReadBmp, DepthIsReportedEvenWhenItIsRefused) {
         content[14 + 14] = static_cast<uint8_t>(bits);
         const TempFile file(".bmp", content);
         const ReadResult r = read_bmp(file.name());
-        const bool good = bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32;
+        const bool good =
+            bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32;
         EXPECT_EQ(r.status, good ? KIRVO_OK : KIRVO_NOT_BMP);
         EXPECT_EQ(r.bits, static_cast<uint32_t>(bits));
         EXPECT_EQ(r.width, good ? 1u : untouched);
@@ -378,7 +395,8 @@ TEST(ReadBmp, DepthIsReportedEvenWhenItIsRefused) {
 }
 
 TEST(ReadBmp, MissingFilesAndFolders) {
-    for (const std::string& name : {std::string("no such file.bmp"), std::string(), temp_folder()}) {
+    for (const std::string& name :
+         {std::string("no such file.bmp"), std::string(), temp_folder()}) {
         const ReadResult r = read_bmp(name.c_str());
         EXPECT_EQ(r.status, KIRVO_CANNOT_OPEN) << name;
         EXPECT_EQ(r.width, untouched);

@@ -13,9 +13,7 @@ void append(Bytes& to, uint32_t value, int bytes) {
         to.push_back(static_cast<uint8_t>(value >> (8 * i)));
 }
 
-void append(Bytes& to, const Bytes& more) {
-    to.insert(to.end(), more.begin(), more.end());
-}
+void append(Bytes& to, const Bytes& more) { to.insert(to.end(), more.begin(), more.end()); }
 
 struct Entry {
     uint8_t width, height;

@@ -25,29 +25,17 @@ std::filesystem::path folder_of_this_program() {
 
 #ifdef _WIN32
 using Library = HMODULE;
-Library load(const std::string& path) {
-    return LoadLibraryA(path.c_str());
-}
-void unload(Library library) {
-    FreeLibrary(library);
-}
+Library load(const std::string& path) { return LoadLibraryA(path.c_str()); }
+void unload(Library library) { FreeLibrary(library); }
 void* function(Library library, const char* name) {
     return reinterpret_cast<void*>(GetProcAddress(library, name));
 }
-bool is_loaded(const std::string&) {
-    return GetModuleHandleA("PCDLIB32.DLL") != nullptr;
-}
+bool is_loaded(const std::string&) { return GetModuleHandleA("PCDLIB32.DLL") != nullptr; }
 #else
 using Library = void*;
-Library load(const std::string& path) {
-    return dlopen(path.c_str(), RTLD_NOW);
-}
-void unload(Library library) {
-    dlclose(library);
-}
-void* function(Library library, const char* name) {
-    return dlsym(library, name);
-}
+Library load(const std::string& path) { return dlopen(path.c_str(), RTLD_NOW); }
+void unload(Library library) { dlclose(library); }
+void* function(Library library, const char* name) { return dlsym(library, name); }
 bool is_loaded(const std::string& path) {
     void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
     if (library != nullptr)

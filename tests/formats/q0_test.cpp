@@ -40,9 +40,7 @@ TEST(Q0Read, reads_red_green_blue_rows_from_the_top_down) {
     }
 }
 
-TEST(Q0Read, reads_a_single_pixel) {
-    expect_picture(read_with_companion("1 1", 1, 1), 1, 1);
-}
+TEST(Q0Read, reads_a_single_pixel) { expect_picture(read_with_companion("1 1", 1, 1), 1, 1); }
 
 TEST(Q0Read, puts_the_files_first_row_at_the_top) {
     const TempFolder folder;

@@ -81,9 +81,7 @@ inline Bytes rgb_rows(int32_t width, int32_t height) {
     return rows;
 }
 
-inline std::string text(const TempFile& file) {
-    return file.name();
-}
+inline std::string text(const TempFile& file) { return file.name(); }
 
 // Names that no file has: of each length from 0 on, and longer than any system takes.
 inline std::vector<std::string> impossible_names(const std::string& ending) {

@@ -15,9 +15,9 @@ struct Conversion {
     int from, to;
     Convert convert;
 };
-constexpr Conversion conversions[] = {
-    {16, 24, DibConvert24bit}, {32, 24, DibConvert24bit}, {24, 16, DibConvert16bit},
-    {32, 16, DibConvert16bit}, {16, 32, DibConvert32bit}, {24, 32, DibConvert32bit}};
+constexpr Conversion conversions[] = {{16, 24, DibConvert24bit}, {32, 24, DibConvert24bit},
+                                      {24, 16, DibConvert16bit}, {32, 16, DibConvert16bit},
+                                      {16, 32, DibConvert32bit}, {24, 32, DibConvert32bit}};
 
 Masks target_masks(int bits) { return bits == 16 ? masks_565 : masks_888; }
 
@@ -42,9 +42,9 @@ std::vector<uint8_t> expected_block(const Dib& from, int bits) {
     for (int32_t row = 0; row < height; ++row)
         for (int32_t x = 0; x < width; ++x) {
             const Colour& c = colours[static_cast<size_t>(row * width + x)];
-            const uint32_t pixel =
-                bits == 16 ? (c.red / 8u) << 11 | (c.green / 4u) << 5 | c.blue / 8u
-                           : c.red * 0x10000u + c.green * 0x100u + c.blue;
+            const uint32_t pixel = bits == 16
+                                       ? (c.red / 8u) << 11 | (c.green / 4u) << 5 | c.blue / 8u
+                                       : c.red * 0x10000u + c.green * 0x100u + c.blue;
             result.set_pixel(x, height - 1 - row, pixel);
         }
     return block_bytes(result);
@@ -174,8 +174,8 @@ TEST(DepthConversion, ColourTablesAndLongHeadersMoveThePixels) {
                     if (masks)
                         spec.masks = target_masks(conversion.from);
                     Dib from = make_dib(spec);
-                    const size_t pixels = std::max(size_t{40}, size_t{header_size}) +
-                                          (masks ? 12 : 0);
+                    const size_t pixels =
+                        std::max(size_t{40}, size_t{header_size}) + (masks ? 12 : 0);
                     std::vector<uint8_t> bytes(block_bytes(from).size() - pixels);
                     random.fill(bytes.data(), bytes.size());
                     from.write(pixels, bytes);
@@ -294,8 +294,8 @@ TEST(DepthConversion, RandomImages) {
 constexpr uint8_t top_bits[] = {0, 0x80, 0xC0, 0xE0, 0xF0, 0xF8, 0xFC, 0xFE, 0xFF};
 
 void expect_cut(const Dib& from, int red, int green, int blue) {
-    SCOPED_TRACE(testing::Message() << red << ", " << green << ", " << blue << " bits, width "
-                                    << from.width());
+    SCOPED_TRACE(testing::Message()
+                 << red << ", " << green << ", " << blue << " bits, width " << from.width());
     Dib expected = make_dib({from.width(), from.height(), 24});
     const size_t start = 40 + 4 * from.header().biClrUsed;
     const std::vector<uint8_t> block = block_bytes(from);

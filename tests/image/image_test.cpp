@@ -38,15 +38,14 @@ TEST(Version, IsOneByteEach) { EXPECT_EQ(GetVerKirvoDll(), 16778242u); }
 
 TEST(NewImage, HasTheStatedSizeAndHeaderAtEveryDepth) {
     const Expected cases[] = {
-        {1, 1, 1, 52, 4},          {33, 2, 1, 48 + 16, 16},    {1, 1, 4, 108, 4},
-        {9, 3, 4, 104 + 24, 24},   {1, 1, 8, 1068, 4},         {5, 2, 8, 1064 + 16, 16},
-        {1, 1, 16, 56, 4},         {3, 2, 16, 52 + 16, 16},    {3, 2, 24, 64, 24},
-        {1, 5, 24, 40 + 20, 20},   {3, 2, 32, 76, 24},         {1, 1, 32, 56, 4},
+        {1, 1, 1, 52, 4},   {33, 2, 1, 48 + 16, 16},  {1, 1, 4, 108, 4},  {9, 3, 4, 104 + 24, 24},
+        {1, 1, 8, 1068, 4}, {5, 2, 8, 1064 + 16, 16}, {1, 1, 16, 56, 4},  {3, 2, 16, 52 + 16, 16},
+        {3, 2, 24, 64, 24}, {1, 5, 24, 40 + 20, 20},  {3, 2, 32, 76, 24}, {1, 1, 32, 56, 4},
     };
     for (const Expected& e : cases) {
         SCOPED_TRACE(testing::Message() << e.width << "x" << e.height << "x" << e.bits);
-        const Dib dib(DibMemAllocEx(static_cast<uint32_t>(e.width), e.height,
-                                    static_cast<uint32_t>(e.bits)));
+        const Dib dib(
+            DibMemAllocEx(static_cast<uint32_t>(e.width), e.height, static_cast<uint32_t>(e.bits)));
         ASSERT_TRUE(dib);
         EXPECT_TRUE(is_unlocked(dib));
         std::vector<uint8_t> bytes = whole_block(dib);
@@ -64,8 +63,9 @@ TEST(NewImage, HasTheStatedSizeAndHeaderAtEveryDepth) {
         want.biSizeImage = e.image;
         EXPECT_EQ(std::memcmp(bytes.data(), &want, 40), 0);
         // Colour table, masks and pixels are zero.
-        EXPECT_EQ(std::vector<uint8_t>(bytes.begin() + 40, bytes.begin() + static_cast<long>(e.block)),
-                  std::vector<uint8_t>(e.block - 40));
+        EXPECT_EQ(
+            std::vector<uint8_t>(bytes.begin() + 40, bytes.begin() + static_cast<long>(e.block)),
+            std::vector<uint8_t>(e.block - 40));
     }
 }
 
@@ -77,7 +77,8 @@ TEST(NewImage, RefusesBadSizesAndDepths) {
     EXPECT_EQ(DibMemAllocEx(1, -1, 24), nullptr);
     EXPECT_EQ(DibMemAllocEx(1, INT32_MIN, 24), nullptr);
     for (uint32_t bits = 0; bits <= 64; ++bits) {
-        const bool good = bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32;
+        const bool good =
+            bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32;
         const Dib dib(DibMemAllocEx(1, 1, bits));
         EXPECT_EQ(static_cast<HGLOBAL>(dib) != nullptr, good) << bits;
     }
@@ -88,7 +89,7 @@ TEST(NewImage, RefusesBlocksThatCannotBe) {
     EXPECT_EQ(DibMemAllocEx(0x7FFFFFFF, 0x7FFFFFFF, 32), nullptr);
     EXPECT_EQ(DibMemAllocEx(262144, 131072, 1), nullptr); // 2^32 wraps to 0 in 32 bits
     EXPECT_EQ(DibMemAllocEx(0x7FFFFFFF, 1, 24), nullptr);
-    EXPECT_EQ(DibMemAllocEx(23171, 23171, 32), nullptr); // 2^31 + 97316 bytes of pixels
+    EXPECT_EQ(DibMemAllocEx(23171, 23171, 32), nullptr);  // 2^31 + 97316 bytes of pixels
     EXPECT_EQ(DibMemAllocEx(0x40000000, 4, 32), nullptr); // 2^34 wraps to 0 in 32 bits
 }
 
@@ -269,9 +270,9 @@ TEST(Blocks, WrongAndFreedHandlesAreRecognised) {
     HGLOBAL other = GlobalAlloc(GHND, 10); // takes the freed place, with another handle
     EXPECT_NE(block, other);
     char somewhere[64] = {};
-    for (HGLOBAL wrong : {block, HGLOBAL{nullptr}, static_cast<HGLOBAL>(somewhere),
-                          reinterpret_cast<HGLOBAL>(uintptr_t{12345}),
-                          reinterpret_cast<HGLOBAL>(~uintptr_t{0})}) {
+    for (HGLOBAL wrong :
+         {block, HGLOBAL{nullptr}, static_cast<HGLOBAL>(somewhere),
+          reinterpret_cast<HGLOBAL>(uintptr_t{12345}), reinterpret_cast<HGLOBAL>(~uintptr_t{0})}) {
         EXPECT_EQ(GlobalLock(wrong), nullptr);
         EXPECT_EQ(GlobalSize(wrong), 0u);
         EXPECT_EQ(GlobalUnlock(wrong), 0);

@@ -8,16 +8,16 @@ using namespace kirvo_test;
 namespace {
 
 void expect_increased(const Dib& from) {
-    SCOPED_TRACE(testing::Message() << from.width() << " x " << from.height() << ", "
-                                    << from.bits() << " bits");
+    SCOPED_TRACE(testing::Message()
+                 << from.width() << " x " << from.height() << ", " << from.bits() << " bits");
     const std::vector<uint8_t> block = block_bytes(from);
     const auto byte = [&](size_t at) { return at < block.size() ? block[at] : uint8_t{0}; };
     Dib expected = make_dib({from.width(), from.height(), 24});
     for (int32_t y = 0; y < from.height(); ++y)
         for (int32_t x = 0; x < from.width(); ++x) {
             const size_t entry = 40 + 4 * size_t(from.pixel(x, y));
-            expected.set_pixel(x, y, uint32_t(byte(entry) | byte(entry + 1) << 8 |
-                                              byte(entry + 2) << 16));
+            expected.set_pixel(
+                x, y, uint32_t(byte(entry) | byte(entry + 1) << 8 | byte(entry + 2) << 16));
         }
     EXPECT_EQ(block_bytes(run(IncreaseColor16M, from)), block_bytes(expected));
 }

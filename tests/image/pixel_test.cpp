@@ -225,7 +225,11 @@ TEST(PixelAccess, TakesANullColourPointer) {
 TEST(PixelAccess, RefusesABlockThatIsTooShort) {
 #ifndef _WIN32 // sizes of blocks are exact
     for (const int bits : {1, 4, 8, 16, 24, 32}) {
-        const int64_t padding = bits == 1 || bits == 8 ? 3 : bits == 4 ? 3 : bits == 16 ? 2 : bits == 24 ? 1 : 0;
+        const int64_t padding = bits == 1 || bits == 8 ? 3
+                                : bits == 4            ? 3
+                                : bits == 16           ? 2
+                                : bits == 24           ? 1
+                                                       : 0;
         const Dib enough = make_dib({1, 2, bits, {}, 0, 40, -padding});
         const Dib cut = make_dib({1, 2, bits, {}, 0, 40, -padding - 1});
         EXPECT_EQ(pixel_colour(enough, 0, 0).status, KIRVO_OK) << bits;

@@ -201,8 +201,8 @@ class CallerStates : public testing::TestWithParam<CallerState> {
     Random random{2026};
     const Dib image24 = make_random_dib({.width = width, .height = height, .bits = 24}, random);
     const Dib image16 = make_random_dib({.width = width, .height = height, .bits = 16}, random);
-    const Dib image32 = make_random_dib(
-        {.width = width, .height = height, .bits = 32, .masks = masks_888}, random);
+    const Dib image32 =
+        make_random_dib({.width = width, .height = height, .bits = 32, .masks = masks_888}, random);
 };
 
 INSTANTIATE_TEST_SUITE_P(All, CallerStates, testing::ValuesIn(states),

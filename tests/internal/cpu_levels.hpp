@@ -8,7 +8,8 @@
 namespace kirvo_test {
 
 // Calls body(level) at each level that the machine has, lowest first.
-template<typename Body> void at_every_cpu_level(Body body) {
+template<typename Body>
+void at_every_cpu_level(Body body) {
     using kirvo::CpuLevel;
     static constexpr const char* names[] = {"scalar", "sse2", "avx2", "avx512"};
     for (int i = 0; i < 4; ++i) {

@@ -51,7 +51,8 @@ TEST(DecodeCalls, FirstAndNextAndMainAgree) {
 TEST(DecodeCalls, OutPointersMayBeNull) {
     const Bytes stream = sample();
     const Dib data = block_of(stream);
-    Dib image(JpgDecMainHGLOBAL(data, static_cast<int32_t>(stream.size()), nullptr, nullptr, nullptr));
+    Dib image(
+        JpgDecMainHGLOBAL(data, static_cast<int32_t>(stream.size()), nullptr, nullptr, nullptr));
     EXPECT_NE(image, nullptr);
     EXPECT_EQ(JpgDecMainEx("no such file.jpg", nullptr, nullptr, nullptr), nullptr);
     EXPECT_EQ(decode_first(stream, nullptr), 0);
@@ -69,15 +70,15 @@ TEST(DecodeCalls, NothingIsDecodedBelowTheReserve) {
     ASSERT_GT(stream.size(), data + 700);
     HGLOBAL image = nullptr;
     // 511 bytes behind the first byte of data: it has begun, but no MCU has been read.
-    EXPECT_EQ(decode_first(Bytes(stream.begin(), stream.begin() + static_cast<std::ptrdiff_t>(
-                                                                       data + 1 + 511)),
+    EXPECT_EQ(decode_first(Bytes(stream.begin(),
+                                 stream.begin() + static_cast<std::ptrdiff_t>(data + 1 + 511)),
                            &image),
               0);
     EXPECT_EQ(recorder.percents(), std::vector{0});
-    EXPECT_EQ(decode_next(Bytes(stream.begin() + static_cast<std::ptrdiff_t>(data + 512),
-                                stream.end()),
-                          1, &image),
-              1);
+    EXPECT_EQ(
+        decode_next(Bytes(stream.begin() + static_cast<std::ptrdiff_t>(data + 512), stream.end()),
+                    1, &image),
+        1);
     EXPECT_EQ(recorder.percents().back(), 100);
     GlobalFree(image);
 }
@@ -123,9 +124,10 @@ TEST(DecodeCalls, Abandonment) {
     const Bytes stream = sample(64, 64, Sampling::s1x1);
     HGLOBAL image = reinterpret_cast<HGLOBAL>(8);
     for (size_t size : {0u, 1u, 100u, 700u, 1000u}) {
-        EXPECT_EQ(decode_first(Bytes(stream.begin(), stream.begin() + static_cast<std::ptrdiff_t>(size)),
-                               &image),
-                  0);
+        EXPECT_EQ(
+            decode_first(Bytes(stream.begin(), stream.begin() + static_cast<std::ptrdiff_t>(size)),
+                         &image),
+            0);
         EXPECT_EQ(decode_next({}, -1, &image), -16);
         EXPECT_EQ(image, nullptr);
     }
@@ -208,9 +210,9 @@ TEST(DecodeCalls, StreamInformationEndsADecodeUnderWay) {
     HGLOBAL image = nullptr;
     for (size_t size : {50u, 800u, 1200u})
         for (int final_flag : {-1, 1, 0}) {
-            EXPECT_EQ(decode_first(Bytes(stream.begin(),
-                                         stream.begin() + static_cast<std::ptrdiff_t>(size)),
-                                   &image),
+            EXPECT_EQ(decode_first(
+                          Bytes(stream.begin(), stream.begin() + static_cast<std::ptrdiff_t>(size)),
+                          &image),
                       0);
             JpgDecSpec spec;
             EXPECT_EQ(JpgDecGetSpecEx(file.name(), &spec), 0);

@@ -49,8 +49,8 @@ TEST(DecodeCorrupt, AlteredStreams) {
     for (int i = 0; i < variants && !testing::Test::HasFailure(); ++i) {
         SCOPED_TRACE(testing::Message() << "variant " << i);
         if (i % 100 == 0)
-            original = build_jpeg(random_plan(random, i % 1000 == 0 ? 64 : 24, i % 300 == 0),
-                                  random);
+            original =
+                build_jpeg(random_plan(random, i % 1000 == 0 ? 64 : 24, i % 300 == 0), random);
         Bytes stream = original;
         for (int edits = random.between(1, 4); edits > 0; --edits)
             alter(stream, random);

@@ -70,7 +70,8 @@ Result decode(const Bytes& stream) {
     uint32_t width = 0, height = 0;
     int32_t error = 1;
     const Dib data = block_of(stream);
-    Dib image(JpgDecMainHGLOBAL(data, static_cast<int32_t>(stream.size()), &width, &height, &error));
+    Dib image(
+        JpgDecMainHGLOBAL(data, static_cast<int32_t>(stream.size()), &width, &height, &error));
     EXPECT_EQ(error == 0, image != nullptr);
     EXPECT_TRUE(is_unlocked(data));
     return {std::move(image), error};
@@ -186,8 +187,9 @@ TEST(DecodeHeaders, OtherFrameTypes) {
 
 TEST(DecodeHeaders, MarkersWithoutMeaningAreIgnored) {
     for (int marker = 0xC8; marker < 0xFE; ++marker) {
-        const bool ignored = marker == 0xC8 || marker == 0xCC || (marker >= 0xD0 && marker <= 0xD8) ||
-                             marker == 0xDE || marker == 0xDF || marker >= 0xF0;
+        const bool ignored = marker == 0xC8 || marker == 0xCC ||
+                             (marker >= 0xD0 && marker <= 0xD8) || marker == 0xDE ||
+                             marker == 0xDF || marker >= 0xF0;
         if (!ignored)
             continue;
         Bytes stream = join(grey_segments(), grey_data);
@@ -264,8 +266,9 @@ TEST(DecodeHeaders, SamplingsThatAreAccepted) {
                                          first_byte == 0x12 || first_byte == 0x22)) ||
                      (first_byte == 0x22 && (second == 0x21 || second == 0x12)));
                 const Bytes content =
-                    frame(8, 8, {1, static_cast<uint8_t>(first_byte), 0, 2,
-                                 static_cast<uint8_t>(second), 0, 3, static_cast<uint8_t>(third), 0});
+                    frame(8, 8,
+                          {1, static_cast<uint8_t>(first_byte), 0, 2, static_cast<uint8_t>(second),
+                           0, 3, static_cast<uint8_t>(third), 0});
                 EXPECT_EQ(first(join({{SOF0, content}})), accepted ? 0 : -13)
                     << first_byte << " " << second << " " << third;
             }
@@ -336,11 +339,9 @@ TEST(DecodeHeaders, SeveralTablesInOneSegment) {
     Bytes books = one_code(0x00, 6);
     const Bytes ac = one_code(0x10, 0);
     books.insert(books.end(), ac.begin(), ac.end());
-    const Result result = decode(join({{DQT, slots},
-                                       {SOF0, frame(8, 8, grey_component)},
-                                       {DHT, books},
-                                       {SOS, grey_scan}},
-                                      grey_data));
+    const Result result = decode(
+        join({{DQT, slots}, {SOF0, frame(8, 8, grey_component)}, {DHT, books}, {SOS, grey_scan}},
+             grey_data));
     ASSERT_EQ(result.error, 0);
     EXPECT_EQ(result.image.pixel(3, 3), 0xA8A8A8u);
 }
@@ -375,7 +376,8 @@ TEST(DecodeHeaders, FaultyTablesLeaveThoseBeforeThem) {
     const Bytes bad = quantisation(4, 1);
     content.insert(content.end(), bad.begin(), bad.end());
     EXPECT_EQ(first(join({{DQT, content}})), -13);
-    EXPECT_EQ(decode(join(with(grey_segments(), 0, {DQT, quantisation(0, 8)}), grey_data)).error, 0);
+    EXPECT_EQ(decode(join(with(grey_segments(), 0, {DQT, quantisation(0, 8)}), grey_data)).error,
+              0);
     uint16_t table[64];
     EXPECT_EQ(JpgDecGetQtableEx(2, table), -3); // not by this stream
 }
@@ -483,7 +485,8 @@ TEST(DecodeHeaders, RestartMarkersNeedNoInterval) {
     const Result without = decode(join(grey_segments(16, 8), {0x50, 0x50, 0xFF, EOI}));
     ASSERT_EQ(without.error, 0);
     EXPECT_EQ(without.image.pixel(15, 0), 0xD0D0D0u);
-    const Result restarted = decode(join(grey_segments(16, 8), {0x50, 0xFF, 0xD5, 0x50, 0xFF, EOI}));
+    const Result restarted =
+        decode(join(grey_segments(16, 8), {0x50, 0xFF, 0xD5, 0x50, 0xFF, EOI}));
     ASSERT_EQ(restarted.error, 0);
     EXPECT_EQ(restarted.image.pixel(15, 0), 0xA8A8A8u);
 }

@@ -24,8 +24,8 @@ std::vector<ScanPlan> plain_scans(Sampling sampling) {
 TEST_P(EverySampling, BaselineImagesOfManySizes) {
     Lockstep both;
     Random random(100);
-    const int sides[][2] = {{1, 1},   {8, 8},   {9, 7},   {16, 16}, {17, 15}, {64, 1},
-                            {1, 50},  {63, 33}, {64, 32}, {65, 31}, {130, 40}};
+    const int sides[][2] = {{1, 1},  {8, 8},   {9, 7},   {16, 16}, {17, 15}, {64, 1},
+                            {1, 50}, {63, 33}, {64, 32}, {65, 31}, {130, 40}};
     for (const auto& [width, height] : sides) {
         SCOPED_TRACE(testing::Message() << width << " x " << height);
         EXPECT_EQ(both.run({build_jpeg(plan_of(GetParam(), width, height), random)}), 1);
@@ -198,10 +198,10 @@ TEST(DecodeStreams, OddScanParameters) {
             if (stream[at] != 0xFF || stream[at + 1] != 0xDA || !random.once_in(2))
                 continue;
             const size_t parameters = at + 2 + stream[at + 3] - 3;
-            stream[parameters] = static_cast<uint8_t>(random.once_in(2) ? random.between(0, 2)
-                                                                        : random.byte());
-            stream[parameters + 1] = static_cast<uint8_t>(
-                random.once_in(2) ? random.between(0, 70) : random.byte());
+            stream[parameters] =
+                static_cast<uint8_t>(random.once_in(2) ? random.between(0, 2) : random.byte());
+            stream[parameters + 1] =
+                static_cast<uint8_t>(random.once_in(2) ? random.between(0, 70) : random.byte());
             stream[parameters + 2] = random.byte();
         }
         both.run({stream});

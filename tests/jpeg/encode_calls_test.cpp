@@ -30,9 +30,9 @@ class Encoder : public Encoding {
         EXPECT_EQ(JpgCodFirst_M(dib, r.left, r.top, r.width, r.height, 0, -1, &status), nullptr);
         uint32_t length = 77;
         int32_t whole_status = 1;
-        EXPECT_EQ(JpgCodMainHGLOBAL_M(dib, r.left, r.top, r.width, r.height, 0, &length,
-                                      &whole_status),
-                  nullptr);
+        EXPECT_EQ(
+            JpgCodMainHGLOBAL_M(dib, r.left, r.top, r.width, r.height, 0, &length, &whole_status),
+            nullptr);
         EXPECT_EQ(whole_status, status);
         const TempFile file(".jpg");
         EXPECT_EQ(JpgCodMainEx_M(file.name(), dib, r.left, r.top, r.width, r.height, 0), status);
@@ -73,8 +73,12 @@ TEST_F(Encoder, null_and_freed_handles_are_refused) {
 
 TEST_F(Encoder, rectangles_without_extent_or_with_negative_corners_are_refused_before_the_depth) {
     const Dib wrong = make_dib({50, 40, 16});
-    for (const Region& r : {Region{0, 0, 0, 1}, {0, 0, 1, 0}, {-1, 0, 1, 1}, {0, -1, 1, 1},
-                            {0, 0, -5, 1}, {0, 0, 1, INT32_MIN}}) {
+    for (const Region& r : {Region{0, 0, 0, 1},
+                            {0, 0, 1, 0},
+                            {-1, 0, 1, 1},
+                            {0, -1, 1, 1},
+                            {0, 0, -5, 1},
+                            {0, 0, 1, INT32_MIN}}) {
         EXPECT_EQ(refusal(picture, r), KIRVO_BAD_PARAMETER);
         EXPECT_EQ(refusal(wrong, r), KIRVO_BAD_PARAMETER);
         EXPECT_EQ(grey_refusal(indexed, r), KIRVO_BAD_PARAMETER);
@@ -97,8 +101,13 @@ TEST_F(Encoder, other_depths_are_refused_before_the_extent) {
 }
 
 TEST_F(Encoder, rectangles_outside_the_image_are_refused) {
-    for (const Region& r : {Region{0, 0, 51, 1}, {0, 0, 1, 41}, {1, 0, 50, 1}, {0, 1, 1, 40},
-                            {50, 0, 1, 1}, {INT32_MAX, 0, INT32_MAX, 1}, {0, INT32_MAX, 1, 1}}) {
+    for (const Region& r : {Region{0, 0, 51, 1},
+                            {0, 0, 1, 41},
+                            {1, 0, 50, 1},
+                            {0, 1, 1, 40},
+                            {50, 0, 1, 1},
+                            {INT32_MAX, 0, INT32_MAX, 1},
+                            {0, INT32_MAX, 1, 1}}) {
         EXPECT_EQ(refusal(picture, r), KIRVO_BAD_PARAMETER);
         EXPECT_EQ(grey_refusal(indexed, r), KIRVO_BAD_PARAMETER);
     }
@@ -121,7 +130,8 @@ TEST_F(Encoder, blocks_smaller_than_their_header_says_are_refused) {
 
 TEST_F(Encoder, the_padding_of_the_last_row_may_be_missing) {
     const Dib dib = make_dib({3, 4, 24, {}, 0, 40, -3});
-    EXPECT_EQ(encode(dib, whole(dib)), reference_stream(colour_job(make_dib({3, 4, 24}), {0, 0, 3, 4})));
+    EXPECT_EQ(encode(dib, whole(dib)),
+              reference_stream(colour_job(make_dib({3, 4, 24}), {0, 0, 3, 4})));
 }
 
 TEST_F(Encoder, out_pointers_may_be_null) {
@@ -147,8 +157,7 @@ TEST_F(Encoder, two_mcus_one_a_call_take_three_calls) {
     EXPECT_EQ(JpgCodNext(0, &length), 1);
     EXPECT_TRUE(is_unlocked(picture));
     EXPECT_TRUE(is_unlocked(block));
-    EXPECT_EQ(take_stream(block, length),
-              reference_stream(colour_job(picture, {0, 0, 32, 16})));
+    EXPECT_EQ(take_stream(block, length), reference_stream(colour_job(picture, {0, 0, 32, 16})));
     expect_idle();
 }
 
@@ -311,7 +320,8 @@ TEST_F(Encoder, the_block_is_as_large_as_estimated_and_zero_after_the_stream) {
         int32_t level;
         uint32_t factor, divisor;
     };
-    for (const Case& c : {Case{0, 1, 1}, {1, 1, 1}, {2, 4, 7}, {3, 4, 15}, {4, 4, 25}, {5, 4, 40}}) {
+    for (const Case& c :
+         {Case{0, 1, 1}, {1, 1, 1}, {2, 4, 7}, {3, 4, 15}, {4, 4, 25}, {5, 4, 40}}) {
         JpgCodSetQEx(c.level);
         const Dib dib = make_dib({601, 409, 24});
         const Dib grey = make_dib({601, 409, 8});
@@ -493,7 +503,8 @@ TEST_F(Encoder, a_handler_may_silence_the_rest) {
             KirvoSetProcess(recorder.window(), 1, 0);
     };
     recorder.watch();
-    EXPECT_EQ(encode(picture, whole(picture)), reference_stream(colour_job(picture, whole(picture))));
+    EXPECT_EQ(encode(picture, whole(picture)),
+              reference_stream(colour_job(picture, whole(picture))));
     EXPECT_EQ(recorder.percents(), (std::vector<int>{0, 8, 16, 25}));
 }
 
@@ -525,7 +536,8 @@ TEST_F(Encoder, a_handler_that_encodes_is_refused_until_the_end) {
         statuses.push_back(status);
     };
     recorder.watch();
-    EXPECT_EQ(encode(picture, whole(picture)), reference_stream(colour_job(picture, whole(picture))));
+    EXPECT_EQ(encode(picture, whole(picture)),
+              reference_stream(colour_job(picture, whole(picture))));
     EXPECT_EQ(statuses, std::vector<int32_t>(recorder.messages().size(), KIRVO_BUSY));
 }
 

@@ -71,8 +71,8 @@ TEST_F(EncodeDecode, a_grey_stream_yields_the_grey_levels) {
         for (int32_t y = 0; y < 21; ++y) {
             for (int32_t x = 0; x < 33; ++x) {
                 const uint32_t index = dib.pixel(x, y);
-                const int grey = grey_mode == 1 ? table_entry(dib, index).blue
-                                                : static_cast<int>(index);
+                const int grey =
+                    grey_mode == 1 ? table_entry(dib, index).blue : static_cast<int>(index);
                 for (int shift : {0, 8, 16})
                     ASSERT_NEAR(channel(image.pixel(x, y), shift), grey, 3);
             }

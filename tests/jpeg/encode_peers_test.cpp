@@ -63,8 +63,8 @@ Coded coded_colour(int mode, int quantiser, Random& random) {
     JpgCodSetQtable(table.data(), table.data());
     coded.stream = encode(dib, whole(dib));
     // Padding is coded too, so that the error of the pixels may be that of whole MCUs.
-    const double area = static_cast<double>((width + 15) / 16 * 16 * ((height + 15) / 16 * 16)) /
-                        (width * height);
+    const double area =
+        static_cast<double>((width + 15) / 16 * 16 * ((height + 15) / 16 * 16)) / (width * height);
     coded.luminance_error = coded.chrominance_error = allowed(quantiser) * std::sqrt(area);
     return coded;
 }
@@ -109,7 +109,8 @@ void expect_close(const Coded& coded, const Pixels& decoded) {
     EXPECT_LE(root_mean_square(coded.picture, decoded, 2), y + 1.772 * c + 1);
 }
 
-template<typename Decode> void for_many_streams(Decode decode) {
+template<typename Decode>
+void for_many_streams(Decode decode) {
     for (uint64_t seed = 0; seed < 24; ++seed) {
         SCOPED_TRACE(seed);
         Random random(seed);
@@ -166,8 +167,8 @@ TEST_F(PeerDecoders, djpeg_reads_every_level_and_a_comment) {
         JpgCodSetQEx(level);
         JpgCodSetComment(reinterpret_cast<const uint8_t*>("made for a test"), 15);
         const TempFile stream(".jpg", encode(dib, whole(dib))), messages(".txt");
-        const std::string command = std::string("djpeg -pnm -outfile /dev/null ") +
-                                    stream.name() + " 2>" + messages.name();
+        const std::string command =
+            std::string("djpeg -pnm -outfile /dev/null ") + stream.name() + " 2>" + messages.name();
         EXPECT_EQ(std::system(command.c_str()), 0);
         EXPECT_TRUE(messages.read().empty());
     }

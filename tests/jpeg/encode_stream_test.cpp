@@ -216,12 +216,12 @@ TEST_F(EncodedStream, colour_headers_have_these_bytes) {
                                     stream.begin() + static_cast<ptrdiff_t>(from + count));
     };
     using V = std::vector<uint8_t>;
-    EXPECT_EQ(part(0, 20), (V{0xFF, 0xD8, 0xFF, 0xE0, 0, 16, 'J', 'F', 'I', 'F', 0, 1, 0, 0, 0, 1,
-                              0, 1, 0, 0}));
+    EXPECT_EQ(part(0, 20),
+              (V{0xFF, 0xD8, 0xFF, 0xE0, 0, 16, 'J', 'F', 'I', 'F', 0, 1, 0, 0, 0, 1, 0, 1, 0, 0}));
     EXPECT_EQ(part(20, 11), (V{0xFF, 0xDB, 0, 67, 0, 9, 11, 11, 13, 12, 13}));
     EXPECT_EQ(part(88, 12), (V{113, 0xFF, 0xDB, 0, 67, 1, 11, 13, 13, 15, 14, 15}));
-    EXPECT_EQ(part(157, 20), (V{128, 0xFF, 0xC0, 0, 17, 8, 0, 2, 1, 43, 3, 1, 0x21, 0, 2, 0x11, 1,
-                                3, 0x11, 1}));
+    EXPECT_EQ(part(157, 20),
+              (V{128, 0xFF, 0xC0, 0, 17, 8, 0, 2, 1, 43, 3, 1, 0x21, 0, 2, 0x11, 1, 3, 0x11, 1}));
     EXPECT_EQ(part(177, 10), (V{0xFF, 0xC4, 1, 0xA2, 0, 0, 1, 5, 1, 1}));
     EXPECT_EQ(part(597, 14), (V{0xFF, 0xDA, 0, 12, 3, 1, 0, 2, 0x11, 3, 0x11, 0, 63, 0}));
 }

@@ -57,8 +57,7 @@ inline std::vector<uint8_t> take_stream(HGLOBAL block, uint32_t length) {
 inline std::vector<uint8_t> encode(const Dib& dib, const Region& r) {
     uint32_t length = 0;
     int32_t status = 1;
-    HGLOBAL block =
-        JpgCodMainHGLOBAL(dib, r.left, r.top, r.width, r.height, &length, &status);
+    HGLOBAL block = JpgCodMainHGLOBAL(dib, r.left, r.top, r.width, r.height, &length, &status);
     EXPECT_EQ(status, 0);
     EXPECT_NE(block, nullptr);
     return take_stream(block, length);
@@ -67,8 +66,8 @@ inline std::vector<uint8_t> encode(const Dib& dib, const Region& r) {
 inline std::vector<uint8_t> encode_grey(const Dib& dib, const Region& r, int32_t grey_mode) {
     uint32_t length = 0;
     int32_t status = 1;
-    HGLOBAL block = JpgCodMainHGLOBAL_M(dib, r.left, r.top, r.width, r.height, grey_mode, &length,
-                                        &status);
+    HGLOBAL block =
+        JpgCodMainHGLOBAL_M(dib, r.left, r.top, r.width, r.height, grey_mode, &length, &status);
     EXPECT_EQ(status, 0);
     EXPECT_NE(block, nullptr);
     return take_stream(block, length);
@@ -96,12 +95,12 @@ inline ReferenceJob colour_job(const Dib& dib, const Region& r) {
 }
 
 inline ReferenceJob grey_job(const Dib& dib, const Region& r, int32_t grey_mode) {
-    ReferenceJob job{r.width, r.height, [&dib, r, grey_mode](int x, int y) {
-                         const uint32_t index = dib.pixel(r.left + x, r.top + y);
-                         const auto grey = static_cast<int>(index);
-                         return grey_mode == 1 ? table_entry(dib, index)
-                                               : ReferencePixel{grey, grey, grey};
-                     }};
+    ReferenceJob job{
+        r.width, r.height, [&dib, r, grey_mode](int x, int y) {
+            const uint32_t index = dib.pixel(r.left + x, r.top + y);
+            const auto grey = static_cast<int>(index);
+            return grey_mode == 1 ? table_entry(dib, index) : ReferencePixel{grey, grey, grey};
+        }};
     job.grey = true;
     return job;
 }

@@ -12,7 +12,7 @@ HGLOBAL WINAPI exact16_1(HGLOBAL dib, int32_t* status) {
     return Decrease16PaletteEx(dib, 1, status);
 }
 
-constexpr Reduce from_true_colour[] = {DecreaseColor256,  DecreaseColor16,   DecreaseColorMono256,
+constexpr Reduce from_true_colour[] = {DecreaseColor256,  DecreaseColor16,    DecreaseColorMono256,
                                        Decrease256Fast,   Decrease256Palette, exact256_1,
                                        Decrease16Palette, exact16_1};
 

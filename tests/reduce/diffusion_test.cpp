@@ -13,8 +13,8 @@ using Sums = std::array<int16_t, 3>; // red, green, blue
 
 // The slots of the cube positions that do not stand in the slot of their own number.
 const std::map<int, int> moved_positions = {
-    {1, 111},   {2, 108},   {3, 1},     {4, 18},    {5, 249},   {6, 126},  {7, 208},
-    {8, 30},    {9, 35},    {18, 4},    {21, 5},    {30, 252},  {35, 253}, {108, 2},
+    {1, 111},   {2, 108},   {3, 1},     {4, 18},    {5, 249},   {6, 126},   {7, 208},
+    {8, 30},    {9, 35},    {18, 4},    {21, 5},    {30, 252},  {35, 253},  {108, 2},
     {111, 3},   {126, 6},   {129, 248}, {208, 7},   {216, 250}, {221, 251}, {246, 254},
     {247, 221}, {248, 129}, {249, 21},  {250, 216}, {251, 255}};
 
@@ -123,14 +123,13 @@ std::vector<Colour> palette_of_256() {
 }
 
 const std::vector<Colour> palette_of_16 = {
-    {0, 0, 0},       {128, 0, 0},   {0, 128, 0},   {128, 128, 0},
-    {0, 0, 128},     {128, 0, 128}, {0, 128, 128}, {192, 192, 192},
-    {128, 128, 128}, {255, 0, 0},   {0, 255, 0},   {255, 255, 0},
-    {0, 0, 255},     {255, 0, 255}, {0, 255, 255}, {255, 255, 255}};
+    {0, 0, 0},     {128, 0, 0},     {0, 128, 0},     {128, 128, 0},  {0, 0, 128}, {128, 0, 128},
+    {0, 128, 128}, {192, 192, 192}, {128, 128, 128}, {255, 0, 0},    {0, 255, 0}, {255, 255, 0},
+    {0, 0, 255},   {255, 0, 255},   {0, 255, 255},   {255, 255, 255}};
 
 void expect_diffused(const Dib& from) {
-    SCOPED_TRACE(testing::Message() << from.width() << " x " << from.height() << ", "
-                                    << from.bits() << " bits");
+    SCOPED_TRACE(testing::Message()
+                 << from.width() << " x " << from.height() << ", " << from.bits() << " bits");
     EXPECT_EQ(block_bytes(run(DecreaseColor256, from)),
               (IndexedImage{from.width(), from.height(), 8, 0, palette_of_256(),
                             diffuse(from, quantise_to_256)})
@@ -264,8 +263,7 @@ TEST(Diffusion, ErrorsOfTheFirstPixelReachItsNeighbours) {
 }
 
 TEST(Diffusion, WhiteBlackAndGreys) {
-    for (const auto& [level, slot256, slot16] :
-         {std::tuple{0, 0u, 0u}, {255, 255u, 15u}}) {
+    for (const auto& [level, slot256, slot16] : {std::tuple{0, 0u, 0u}, {255, 255u, 15u}}) {
         const Dib from = flat(7, 5, uint8_t(level), uint8_t(level), uint8_t(level));
         const Dib in256 = run(DecreaseColor256, from), in16 = run(DecreaseColor16, from);
         for (int32_t y = 0; y < 5; ++y)

@@ -35,16 +35,16 @@ struct Preset {
     Colour colour;
 };
 const std::vector<Preset> presets256 = {
-    {0, {0, 0, 0}},       {1, {128, 0, 0}},       {2, {0, 128, 0}},     {3, {128, 128, 0}},
-    {4, {0, 0, 128}},     {5, {128, 0, 128}},     {6, {0, 128, 128}},   {7, {192, 192, 192}},
+    {0, {0, 0, 0}},         {1, {128, 0, 0}},       {2, {0, 128, 0}},     {3, {128, 128, 0}},
+    {4, {0, 0, 128}},       {5, {128, 0, 128}},     {6, {0, 128, 128}},   {7, {192, 192, 192}},
     {247, {160, 160, 164}}, {248, {128, 128, 128}}, {249, {255, 0, 0}},   {250, {0, 255, 0}},
-    {251, {255, 255, 0}}, {252, {0, 0, 255}},     {253, {255, 0, 255}}, {254, {0, 255, 255}},
+    {251, {255, 255, 0}},   {252, {0, 0, 255}},     {253, {255, 0, 255}}, {254, {0, 255, 255}},
     {255, {255, 255, 255}}};
 const std::vector<Preset> presets16 = {
-    {0, {0, 0, 0}},       {1, {128, 0, 0}},      {2, {0, 128, 0}},    {3, {128, 128, 0}},
-    {4, {0, 0, 128}},     {5, {128, 0, 128}},    {6, {0, 128, 128}},  {7, {128, 128, 128}},
-    {8, {192, 192, 192}}, {9, {255, 0, 0}},      {10, {0, 255, 0}},   {11, {255, 255, 0}},
-    {12, {0, 0, 255}},    {13, {255, 0, 255}},   {14, {0, 255, 255}}, {15, {255, 255, 255}}};
+    {0, {0, 0, 0}},       {1, {128, 0, 0}},    {2, {0, 128, 0}},    {3, {128, 128, 0}},
+    {4, {0, 0, 128}},     {5, {128, 0, 128}},  {6, {0, 128, 128}},  {7, {128, 128, 128}},
+    {8, {192, 192, 192}}, {9, {255, 0, 0}},    {10, {0, 255, 0}},   {11, {255, 255, 0}},
+    {12, {0, 0, 255}},    {13, {255, 0, 255}}, {14, {0, 255, 255}}, {15, {255, 255, 255}}};
 
 size_t rows_start(const Dib& from) {
     return from.header().biSize + 4 * from.header().biClrUsed + (from.bits() == 32 ? 12 : 0);
@@ -63,8 +63,8 @@ std::optional<std::vector<uint8_t>> expected_block(const Kind& kind, const Dib& 
     int last_used = kind.mode == 1 ? -1 : kind.bits == 8 ? 7 : 15;
     const int last_allowed = kind.bits == 4 ? 15 : kind.mode == 0 ? 246 : 255;
     std::vector<uint8_t> indices;
-    for (const Colour& colour : stored_colours(
-             from, {rows_start(from), stride_of_16_bits(from.width(), from.bits())})) {
+    for (const Colour& colour :
+         stored_colours(from, {rows_start(from), stride_of_16_bits(from.width(), from.bits())})) {
         int slot = -1;
         for (const auto& [known, its_slot] : searched)
             if (known == colour) {
@@ -86,9 +86,8 @@ std::optional<std::vector<uint8_t>> expected_block(const Kind& kind, const Dib& 
 
 // True when the colours fitted.
 bool expect_exact(const Kind& kind, const Dib& from) {
-    SCOPED_TRACE(testing::Message() << from.width() << " x " << from.height() << ", "
-                                    << from.bits() << " bits to " << kind.bits << ", mode "
-                                    << kind.mode);
+    SCOPED_TRACE(testing::Message() << from.width() << " x " << from.height() << ", " << from.bits()
+                                    << " bits to " << kind.bits << ", mode " << kind.mode);
     const auto expected = expected_block(kind, from);
     if (expected)
         EXPECT_EQ(block_bytes(run(kind.reduce, from)), *expected);
@@ -150,8 +149,8 @@ TEST(Exact, ImagesOfPresets) {
     Random random(2);
     std::vector<uint32_t> colours;
     for (const Preset& preset : presets16)
-        colours.push_back(uint32_t(preset.colour.red << 16 | preset.colour.green << 8 |
-                                   preset.colour.blue));
+        colours.push_back(
+            uint32_t(preset.colour.red << 16 | preset.colour.green << 8 | preset.colour.blue));
     for (const Kind& kind : kinds)
         for (int32_t width = 1; width <= 20; ++width)
             EXPECT_TRUE(expect_exact(kind, image_of({width, 3, 24}, colours, random)));
@@ -239,9 +238,17 @@ TEST(Exact, RowsTooWideFor16BitsOverlap) {
     // However their bytes meet in overlapping rows, they make system colours.
     const std::vector<uint32_t> colours = {0, 0xFF, 0xFF00, 0xFF0000, 0xFFFF00, 0xFFFFFF};
     for (const Kind& kind : kinds)
-        for (const auto& [width, bits] :
-             {std::pair{2729, 24}, {2730, 24}, {2760, 24}, {8189, 24}, {8300, 24}, {16376, 24},
-              {16377, 24}, {16401, 24}, {2047, 32}, {2048, 32}, {2051, 32}}) {
+        for (const auto& [width, bits] : {std::pair{2729, 24},
+                                          {2730, 24},
+                                          {2760, 24},
+                                          {8189, 24},
+                                          {8300, 24},
+                                          {16376, 24},
+                                          {16377, 24},
+                                          {16401, 24},
+                                          {2047, 32},
+                                          {2048, 32},
+                                          {2051, 32}}) {
             DibSpec spec{width, 3, bits};
             if (bits == 32)
                 spec.masks = masks_bgr888;

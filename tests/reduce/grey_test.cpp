@@ -25,8 +25,8 @@ std::vector<Colour> grey_palette() {
 }
 
 void expect_grey(const Dib& from) {
-    SCOPED_TRACE(testing::Message() << from.width() << " x " << from.height() << ", "
-                                    << from.bits() << " bits");
+    SCOPED_TRACE(testing::Message()
+                 << from.width() << " x " << from.height() << ", " << from.bits() << " bits");
     std::vector<uint8_t> indices;
     for (const Colour& c : stored_colours(from, {from.rows_start(), size_t(from.stride())})) {
         const int luminance = (29 * c.blue + 150 * c.green + 77 * c.red + 128) / 256;

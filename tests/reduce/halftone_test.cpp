@@ -6,11 +6,10 @@ using namespace kirvo_test;
 namespace {
 
 // [x mod 8][stored row mod 8]
-constexpr int thresholds[8][8] = {
-    {0, 38, 9, 47, 2, 40, 11, 50},  {25, 12, 35, 22, 27, 15, 37, 24},
-    {6, 44, 3, 41, 8, 47, 5, 43},   {31, 19, 28, 15, 34, 21, 31, 18},
-    {1, 39, 11, 49, 0, 39, 10, 48}, {27, 14, 36, 23, 26, 13, 35, 23},
-    {7, 46, 4, 43, 7, 45, 3, 42},   {33, 20, 30, 17, 32, 19, 29, 16}};
+constexpr int thresholds[8][8] = {{0, 38, 9, 47, 2, 40, 11, 50},  {25, 12, 35, 22, 27, 15, 37, 24},
+                                  {6, 44, 3, 41, 8, 47, 5, 43},   {31, 19, 28, 15, 34, 21, 31, 18},
+                                  {1, 39, 11, 49, 0, 39, 10, 48}, {27, 14, 36, 23, 26, 13, 35, 23},
+                                  {7, 46, 4, 43, 7, 45, 3, 42},   {33, 20, 30, 17, 32, 19, 29, 16}};
 
 // The library's palette as the system knows it.
 const std::vector<Colour>& library_palette() {
@@ -60,13 +59,12 @@ void expect_halftone(const Dib& from) {
         for (int32_t x = 0; x < width; ++x) {
             const Colour& c = colours[size_t(row) * size_t(width) + size_t(x)];
             const int threshold = thresholds[x % 8][row % 8];
-            indices.push_back(slots[size_t(level_of(c.red, threshold) +
-                                           6 * level_of(c.green, threshold) +
-                                           36 * level_of(c.blue, threshold))]);
+            indices.push_back(
+                slots[size_t(level_of(c.red, threshold) + 6 * level_of(c.green, threshold) +
+                             36 * level_of(c.blue, threshold))]);
         }
     const IndexedImage expected{width, height, 8, 256, library_palette(), indices};
-    EXPECT_EQ(block_bytes(run(Decrease256Fast, from)),
-              expected.block(stride_of_16_bits(width, 8)));
+    EXPECT_EQ(block_bytes(run(Decrease256Fast, from)), expected.block(stride_of_16_bits(width, 8)));
 }
 
 TEST(Halftone, EveryWidthAndKindOfSource) {

@@ -56,8 +56,7 @@ bool may_be_written(const Export& what, std::string_view parameter) {
 class FailingMemory : public SafetyTest {
   protected:
     static void TearDownTestSuite() {
-        report("failing memory",
-               {{"calls", calls}, {"allocations_failed", memory().refused()}});
+        report("failing memory", {{"calls", calls}, {"allocations_failed", memory().refused()}});
     }
 
     // Makes the n-th allocation of the call fail. False when it has fewer.

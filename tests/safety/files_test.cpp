@@ -113,9 +113,7 @@ TEST_P(FileReaders, answer_a_folder) {
     EXPECT_EQ(reader.read(folder.path(reader.title).c_str()), KIRVO_CANNOT_OPEN);
 }
 
-TEST_P(FileWriters, write_where_they_may) {
-    EXPECT_GT(whole_file().size(), 18u);
-}
+TEST_P(FileWriters, write_where_they_may) { EXPECT_GT(whole_file().size(), 18u); }
 
 TEST_P(FileWriters, replace_what_was_there) {
     const std::string name = folder.write("file", std::vector<uint8_t>(5000, 1));
@@ -180,9 +178,7 @@ TEST_P(FileReaders, answer_a_file_that_may_not_be_read) {
     setfsuid(static_cast<uid_t>(user));
 }
 
-TEST_P(FileWriters, answer_a_full_disk) {
-    EXPECT_EQ(writer.write("/dev/full"), KIRVO_WRITE_ERROR);
-}
+TEST_P(FileWriters, answer_a_full_disk) { EXPECT_EQ(writer.write("/dev/full"), KIRVO_WRITE_ERROR); }
 
 TEST_P(FileWriters, answer_a_size_limit_and_leave_what_fits) {
     const auto whole = whole_file();
@@ -294,9 +290,7 @@ TEST_P(FileReaders, answer_the_null_device) {
         EXPECT_EQ(status, reader.of_no_bytes);
 }
 
-TEST_P(FileWriters, write_to_the_null_device) {
-    EXPECT_EQ(writer.write("NUL"), KIRVO_OK);
-}
+TEST_P(FileWriters, write_to_the_null_device) { EXPECT_EQ(writer.write("NUL"), KIRVO_OK); }
 
 TEST_P(FileWriters, answer_a_file_that_is_open_elsewhere) {
     const std::string name = folder.write("file", "x");

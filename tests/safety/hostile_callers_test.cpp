@@ -48,10 +48,8 @@ void start_codecs(Pool& pool) {
 }
 
 const Handler handlers[] = {
-    {"switches off",
-     [](Call&, Pool&, const Plan&, ProgressRecorder& recorder) {
-         KirvoSetProcess(recorder.window(), 1, 0);
-     }},
+    {"switches off", [](Call&, Pool&, const Plan&,
+                        ProgressRecorder& recorder) { KirvoSetProcess(recorder.window(), 1, 0); }},
     {"switches on again",
      [](Call&, Pool&, const Plan&, ProgressRecorder& recorder) {
          KirvoSetProcess(recorder.window(), 2, 1);

@@ -51,18 +51,26 @@ struct Lie {
 };
 
 const Lie lies[] = {
-    {0, 4, {0, 1, 4, 12, 16, 39, 41, 44, 52, 64, 108, 124, 1000, 65536, INT32_MAX, 0x80000000,
-            0xFFFFFFD8, 0xFFFFFFFF}},
-    {4, 4, {0, 1, 2, 20, 22, 65535, 65536, 0x1FFFFFFF, 0x20000000, 0x2AAAAAAB, 0x55555556,
-            0x40000000, INT32_MAX, 0x80000000, 0xFFFFFFFF}},
-    {8, 4, {0, 1, 2, 12, 14, 65535, 65536, 0x1FFFFFFF, 0x20000000, 0x40000000, INT32_MAX,
-            0x80000000, 0xFFFFFFFF, 0xFFFFFFF3}},
+    {0,
+     4,
+     {0, 1, 4, 12, 16, 39, 41, 44, 52, 64, 108, 124, 1000, 65536, INT32_MAX, 0x80000000, 0xFFFFFFD8,
+      0xFFFFFFFF}},
+    {4,
+     4,
+     {0, 1, 2, 20, 22, 65535, 65536, 0x1FFFFFFF, 0x20000000, 0x2AAAAAAB, 0x55555556, 0x40000000,
+      INT32_MAX, 0x80000000, 0xFFFFFFFF}},
+    {8,
+     4,
+     {0, 1, 2, 12, 14, 65535, 65536, 0x1FFFFFFF, 0x20000000, 0x40000000, INT32_MAX, 0x80000000,
+      0xFFFFFFFF, 0xFFFFFFF3}},
     {12, 2, {0, 2, 65535}},
     {14, 2, {0, 1, 2, 4, 8, 15, 16, 24, 25, 32, 33, 48, 64, 255, 256, 264, 280, 32768, 65535}},
     {16, 4, {0, 1, 2, 3, 4, 6, 0xFFFFFFFF}},
     {20, 4, {0, 1, INT32_MAX, 0xFFFFFFFF}},
-    {32, 4, {1, 2, 3, 15, 16, 17, 255, 256, 257, 16383, 16384, 65535, 65536, 65537, 65792,
-             0x40000000, 0x7FFFFFFF, 0xFFFFFFFF}},
+    {32,
+     4,
+     {1, 2, 3, 15, 16, 17, 255, 256, 257, 16383, 16384, 65535, 65536, 65537, 65792, 0x40000000,
+      0x7FFFFFFF, 0xFFFFFFFF}},
     // Masks of 16 and 32 bits, or the first colours or pixels.
     {40, 4, {0, 1, 0x8000, 0xFF, 0xFF00, 0x55555555, 0x80000000, 0xFFFFFFFF, 0xF00F, 0x7F80}},
     {44, 4, {0, 1, 0x8000, 0xFF, 0xF800, 0x55555555, 0x80000000, 0xFFFFFFFF, 0xF00F, 0x7F80}},
@@ -92,9 +100,10 @@ TEST_P(LyingHeaders, cut_short) {
         const Bytes whole = plain_image(plan.bits);
         for (const size_t image : image_parameters(*plan.what)) {
             for (size_t size = 0; size < whole.size(); ++size) {
-                const bool interesting = size <= 60 || size + 9 >= whole.size() ||
-                                         size % 97 == 0 || (plan.bits <= 8 && size % 64 == 40);
-                if (interesting && !check_image(plan, image, Bytes(whole.data(), whole.data() + size)))
+                const bool interesting = size <= 60 || size + 9 >= whole.size() || size % 97 == 0 ||
+                                         (plan.bits <= 8 && size % 64 == 40);
+                if (interesting &&
+                    !check_image(plan, image, Bytes(whole.data(), whole.data() + size)))
                     return;
             }
         }

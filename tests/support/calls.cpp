@@ -17,8 +17,8 @@ bool has(const Container& values, const typename Container::value_type& value) {
 // Sizes and places: small, at the widths of vectors, and such that sums and products wrap.
 int32_t hostile_extent(Choices& choices) {
     static const int32_t small[] = {1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 33, 64, 65};
-    static const int32_t odd[] = {0,       -1,          INT_MAX,     INT_MAX - 1, INT_MIN,
-                                  INT_MIN + 1, 65535,   65536,       32768,       -2};
+    static const int32_t odd[] = {0,           -1,    INT_MAX, INT_MAX - 1, INT_MIN,
+                                  INT_MIN + 1, 65535, 65536,   32768,       -2};
     return choices.once_in(6) ? choices.pick(odd) : choices.pick(small);
 }
 
@@ -28,10 +28,10 @@ int32_t hostile_position(Choices& choices) {
 }
 
 int32_t hostile_number(Choices& choices) {
-    static const int32_t odd[] = {-1,    -2,    -100,  -101,    -259,  8,       16,     24,
-                                  32,    63,    64,    65,      99,    100,     101,    255,
-                                  256,   257,   359,   360,     0x101, 0x102,   0x202,  1024,
-                                  1025,  32767, 65535, 0xFF00,  65536, 0x1FF00, INT_MAX, INT_MIN};
+    static const int32_t odd[] = {-1,   -2,    -100,  -101,   -259,  8,       16,      24,
+                                  32,   63,    64,    65,     99,    100,     101,     255,
+                                  256,  257,   359,   360,    0x101, 0x102,   0x202,   1024,
+                                  1025, 32767, 65535, 0xFF00, 65536, 0x1FF00, INT_MAX, INT_MIN};
     return choices.once_in(3) ? choices.pick(odd) : static_cast<int32_t>(choices.below(7));
 }
 
@@ -94,10 +94,10 @@ uint32_t InputChoices::below(uint32_t n) {
 std::vector<uint8_t> hostile_image(Choices& choices) {
     static const uint16_t depths[] = {24, 8, 32, 16, 4, 1};
     static const uint16_t odd_depths[] = {0, 2, 12, 15, 25, 48, 64, 255, 256 + 8, 0x8018, 65535};
-    static const uint32_t header_sizes[] = {0,  4,  12, 16,         39,         41, 52,
+    static const uint32_t header_sizes[] = {0,  4,   12,  16,         39,         41,        52,
                                             64, 108, 124, 0x7FFFFFFF, 0xFFFFFFFF, 0x80000000};
-    static const uint32_t colours[] = {1,   2,     3,     15,         16,        17,
-                                       255, 256,   257,   16383,      16384,     65535,
+    static const uint32_t colours[] = {1,     2,     3,     15,         16,         17,
+                                       255,   256,   257,   16383,      16384,      65535,
                                        65536, 65792, 65539, 0x40000000, 0x7FFFFFFF, 0xFFFFFFFF};
     static const uint32_t compressions[] = {1, 2, 4, 6, 0xFFFFFFFF};
 
@@ -119,8 +119,8 @@ std::vector<uint8_t> hostile_image(Choices& choices) {
                            header.biHeight <= 65 && header.biBitCount <= 64;
     const size_t colour_part = PaletteSize(&header);
     const size_t rows_at = std::min<size_t>(header.biSize, 1024) + colour_part;
-    const size_t stride = (size_t{header.biBitCount} * static_cast<uint32_t>(header.biWidth) + 31) /
-                          32 * 4;
+    const size_t stride =
+        (size_t{header.biBitCount} * static_cast<uint32_t>(header.biWidth) + 31) / 32 * 4;
     const size_t promised =
         rows_at + (plausible ? stride * static_cast<uint32_t>(header.biHeight) : 256);
     size_t size = promised;

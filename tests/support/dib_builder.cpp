@@ -94,7 +94,8 @@ std::vector<uint8_t> Dib::bytes() const {
 
 std::vector<uint8_t> Dib::rows() const {
     std::vector<uint8_t> all = bytes();
-    all.erase(all.begin(), all.begin() + static_cast<ptrdiff_t>(std::min(rows_start(), all.size())));
+    all.erase(all.begin(),
+              all.begin() + static_cast<ptrdiff_t>(std::min(rows_start(), all.size())));
     return all;
 }
 
@@ -108,8 +109,8 @@ uint32_t Dib::pixel(int32_t x, int32_t y) const {
     const BITMAPINFOHEADER now = header();
     const size_t start = rows_start();
     const Lock lock(handle_);
-    const uint8_t* row = lock.bytes + start +
-                         stride_of(now.biWidth, now.biBitCount) * (now.biHeight - 1 - y);
+    const uint8_t* row =
+        lock.bytes + start + stride_of(now.biWidth, now.biBitCount) * (now.biHeight - 1 - y);
     const int bits = now.biBitCount;
     if (bits < 8) {
         const int bit = x * bits;
@@ -124,8 +125,8 @@ void Dib::set_pixel(int32_t x, int32_t y, uint32_t value) {
     const BITMAPINFOHEADER now = header();
     const size_t start = rows_start();
     const Lock lock(handle_);
-    uint8_t* row = lock.bytes + start +
-                   stride_of(now.biWidth, now.biBitCount) * (now.biHeight - 1 - y);
+    uint8_t* row =
+        lock.bytes + start + stride_of(now.biWidth, now.biBitCount) * (now.biHeight - 1 - y);
     const int bits = now.biBitCount;
     if (bits < 8) {
         const int bit = x * bits;
@@ -154,8 +155,7 @@ void Dib::set_colour(int index, uint8_t red, uint8_t green, uint8_t blue, uint8_
 
 Dib make_dib(const DibSpec& spec) {
     const BITMAPINFOHEADER header = header_of(spec);
-    const int64_t bytes = int64_t{header.biSize} +
-                          static_cast<int64_t>(colour_part_bytes(header)) +
+    const int64_t bytes = int64_t{header.biSize} + static_cast<int64_t>(colour_part_bytes(header)) +
                           stride_of(spec.width, spec.bits) * spec.height + spec.extra_bytes;
     Dib dib(GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, static_cast<size_t>(bytes)));
     dib.set_header(header);

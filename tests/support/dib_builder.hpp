@@ -29,11 +29,11 @@ struct DibSpec {
     int32_t width;
     int32_t height;
     int bits;
-    std::optional<Masks> masks{};    // makes it BI_BITFIELDS, three masks after the header
-    uint32_t colours_used = 0;       // biClrUsed
-    uint32_t header_size = 40;       // biSize; the colour part follows it
-    int64_t extra_bytes = 0;         // the block is longer (or shorter, when negative) by so much
-    uint8_t padding = 0;             // value of the padding bytes of every row
+    std::optional<Masks> masks{}; // makes it BI_BITFIELDS, three masks after the header
+    uint32_t colours_used = 0;    // biClrUsed
+    uint32_t header_size = 40;    // biSize; the colour part follows it
+    int64_t extra_bytes = 0;      // the block is longer (or shorter, when negative) by so much
+    uint8_t padding = 0;          // value of the padding bytes of every row
     std::optional<uint32_t> compression{}; // biCompression when it is not what the masks say
 };
 

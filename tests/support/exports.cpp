@@ -45,9 +45,9 @@ constexpr std::string_view writers[] = {"DibWriteEx", "Dib24Write", "Targa24Writ
                                         "JpgCodMainEx_M"};
 
 constexpr std::string_view images[] = {"dib", "to", "from", "first", "second"};
-constexpr std::string_view positions[] = {"x",  "y",  "left",    "top",    "x0",        "x1",
-                                          "x2", "y1", "y2",      "to_left", "to_top",   "from_left",
-                                          "from_top"};
+constexpr std::string_view positions[] = {"x",      "y",         "left",    "top", "x0",
+                                          "x1",     "x2",        "y1",      "y2",  "to_left",
+                                          "to_top", "from_left", "from_top"};
 constexpr std::string_view extents[] = {"width", "height", "new_width", "new_height"};
 constexpr std::string_view sizes[] = {"size", "length"};
 
@@ -74,10 +74,10 @@ constexpr Parameter parameter(std::string_view function, std::string_view name) 
     if constexpr (std::is_same_v<T, double>) {
         return plain(Kind::real);
     } else if constexpr (std::is_integral_v<T>) {
-        return plain(contains(extents, name)                               ? Kind::extent
-                     : contains(positions, name) && std::is_signed_v<T>    ? Kind::position
-                     : contains(sizes, name)                               ? Kind::size
-                                                                           : Kind::number);
+        return plain(contains(extents, name)                            ? Kind::extent
+                     : contains(positions, name) && std::is_signed_v<T> ? Kind::position
+                     : contains(sizes, name)                            ? Kind::size
+                                                                        : Kind::number);
     } else if constexpr (std::is_same_v<T, LPCSTR>) {
         return plain(contains(writers, function) ? Kind::file_written : Kind::file_read);
     } else if constexpr (std::is_same_v<T, HWND>) {

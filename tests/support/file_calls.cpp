@@ -74,9 +74,7 @@ Bytes jpeg() {
     file.insert(file.end(), {0x3F, 0xFF, 0xD9});
     return file;
 }
-size_t jpeg_header_bytes() {
-    return jpeg_header(width, height, false).size();
-}
+size_t jpeg_header_bytes() { return jpeg_header(width, height, false).size(); }
 
 // Frees what a reader made and tells its status.
 template<typename Read>
@@ -133,27 +131,15 @@ constexpr size_t depth_end = 14 + 15;
 int32_t cut_bmp(size_t bytes) {
     return bytes < 14 ? KIRVO_READ_ERROR : bytes < depth_end ? KIRVO_NOT_BMP : KIRVO_OK;
 }
-int32_t unreadable_bmp(size_t bytes) {
-    return bytes < bmp().size() ? KIRVO_READ_ERROR : KIRVO_OK;
-}
-int32_t short_targa(size_t bytes) {
-    return bytes < targa().size() ? KIRVO_READ_ERROR : KIRVO_OK;
-}
-int32_t cut_q0(size_t bytes) {
-    return bytes < rgb_bytes ? KIRVO_Q0_SIZE : KIRVO_OK;
-}
-int32_t unreadable_q0(size_t bytes) {
-    return bytes < rgb_bytes ? KIRVO_READ_ERROR : KIRVO_OK;
-}
+int32_t unreadable_bmp(size_t bytes) { return bytes < bmp().size() ? KIRVO_READ_ERROR : KIRVO_OK; }
+int32_t short_targa(size_t bytes) { return bytes < targa().size() ? KIRVO_READ_ERROR : KIRVO_OK; }
+int32_t cut_q0(size_t bytes) { return bytes < rgb_bytes ? KIRVO_Q0_SIZE : KIRVO_OK; }
+int32_t unreadable_q0(size_t bytes) { return bytes < rgb_bytes ? KIRVO_READ_ERROR : KIRVO_OK; }
 int32_t cut_raw(size_t bytes) {
     return bytes < 32 ? KIRVO_READ_ERROR : bytes < raw().size() ? KIRVO_NOT_RAW : KIRVO_OK;
 }
-int32_t unreadable_raw(size_t bytes) {
-    return bytes < raw().size() ? KIRVO_READ_ERROR : KIRVO_OK;
-}
-int32_t short_listing(size_t bytes) {
-    return bytes < icon_image ? KIRVO_READ_ERROR : 1;
-}
+int32_t unreadable_raw(size_t bytes) { return bytes < raw().size() ? KIRVO_READ_ERROR : KIRVO_OK; }
+int32_t short_listing(size_t bytes) { return bytes < icon_image ? KIRVO_READ_ERROR : 1; }
 // What is missing of the image is 0, its depth too.
 int32_t short_icon(size_t bytes) {
     return bytes < icon_image        ? KIRVO_READ_ERROR

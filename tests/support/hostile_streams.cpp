@@ -169,15 +169,9 @@ Bytes repeated_segments(int scale, int code, const Bytes& content) {
     return end(std::move(stream));
 }
 
-Bytes tiny_comments(int scale) {
-    return repeated_segments(scale, com, {'x'});
-}
-Bytes empty_comments(int scale) {
-    return repeated_segments(scale, com, {});
-}
-Bytes tiny_app_segments(int scale) {
-    return repeated_segments(scale, app, {0});
-}
+Bytes tiny_comments(int scale) { return repeated_segments(scale, com, {'x'}); }
+Bytes empty_comments(int scale) { return repeated_segments(scale, com, {}); }
+Bytes tiny_app_segments(int scale) { return repeated_segments(scale, app, {0}); }
 Bytes long_app_segments(int scale) {
     return repeated_segments((scale + 63) / 64, app, Bytes(65533));
 }
@@ -216,12 +210,8 @@ Bytes repeated_scans(int scale, const Bytes& components, int first, int last, co
     return end(std::move(stream));
 }
 
-Bytes empty_scans(int scale) {
-    return repeated_scans(scale, {}, 0, 63, {});
-}
-Bytes scans_without_band(int scale) {
-    return repeated_scans(scale, {1}, 9, 5, {});
-}
+Bytes empty_scans(int scale) { return repeated_scans(scale, {}, 0, 63, {}); }
+Bytes scans_without_band(int scale) { return repeated_scans(scale, {1}, 9, 5, {}); }
 // 10 and 14 ones: an end of 32767 blocks.
 Bytes scans_of_ended_bands(int scale) {
     return repeated_scans(std::min(scale, 32767 / across), {1}, 1, 63, {0xBF, 0xFF, 0x00});

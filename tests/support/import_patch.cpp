@@ -70,8 +70,8 @@ int visit(dl_phdr_info* info, size_t, void* data) {
     const ElfW(Dyn)* dynamic = nullptr;
     for (int i = 0; i < info->dlpi_phnum; ++i) {
         if (info->dlpi_phdr[i].p_type == PT_DYNAMIC)
-            dynamic = reinterpret_cast<const ElfW(Dyn)*>(info->dlpi_addr +
-                                                         info->dlpi_phdr[i].p_vaddr);
+            dynamic =
+                reinterpret_cast<const ElfW(Dyn)*>(info->dlpi_addr + info->dlpi_phdr[i].p_vaddr);
     }
     const ElfW(Sym)* symbols = nullptr;
     const char* names = nullptr;
@@ -81,12 +81,24 @@ int visit(dl_phdr_info* info, size_t, void* data) {
     for (; dynamic != nullptr && dynamic->d_tag != DT_NULL; ++dynamic) {
         const ElfW(Addr) value = dynamic->d_un.d_ptr;
         switch (dynamic->d_tag) {
-        case DT_SYMTAB: symbols = reinterpret_cast<const ElfW(Sym)*>(value); break;
-        case DT_STRTAB: names = reinterpret_cast<const char*>(value); break;
-        case DT_RELA: tables[0].at = value; break;
-        case DT_RELASZ: tables[0].bytes = value; break;
-        case DT_JMPREL: tables[1].at = value; break;
-        case DT_PLTRELSZ: tables[1].bytes = value; break;
+        case DT_SYMTAB:
+            symbols = reinterpret_cast<const ElfW(Sym)*>(value);
+            break;
+        case DT_STRTAB:
+            names = reinterpret_cast<const char*>(value);
+            break;
+        case DT_RELA:
+            tables[0].at = value;
+            break;
+        case DT_RELASZ:
+            tables[0].bytes = value;
+            break;
+        case DT_JMPREL:
+            tables[1].at = value;
+            break;
+        case DT_PLTRELSZ:
+            tables[1].bytes = value;
+            break;
         }
     }
     for (const auto& table : tables) {

@@ -268,8 +268,9 @@ Bytes build_jpeg(const JpegPlan& plan, Random& random) {
     }
     add_segment(stream, progressive ? 0xC2 : 0xC0, frame);
     if (plan.restart_every != 0)
-        add_segment(stream, 0xDD, {static_cast<uint8_t>(plan.restart_every >> 8),
-                                   static_cast<uint8_t>(plan.restart_every)});
+        add_segment(stream, 0xDD,
+                    {static_cast<uint8_t>(plan.restart_every >> 8),
+                     static_cast<uint8_t>(plan.restart_every)});
 
     std::vector<ScanPlan> scans = plan.scans;
     if (!progressive)

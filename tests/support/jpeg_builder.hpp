@@ -45,8 +45,8 @@ class EntropyWriter {
 int size_of(int value); // category
 
 enum class Sampling { grey, s1x1, s2x1, s1x2, s2x2, s2x2_2x1, s2x2_1x2 };
-constexpr Sampling all_samplings[] = {Sampling::grey, Sampling::s1x1,     Sampling::s2x1,
-                                      Sampling::s1x2, Sampling::s2x2,     Sampling::s2x2_2x1,
+constexpr Sampling all_samplings[] = {Sampling::grey,    Sampling::s1x1, Sampling::s2x1,
+                                      Sampling::s1x2,    Sampling::s2x2, Sampling::s2x2_2x1,
                                       Sampling::s2x2_1x2};
 
 struct ScanPlan {
@@ -61,9 +61,9 @@ struct JpegPlan {
     std::array<int, 3> selectors{0, 1, 1};
     int restart_every = 0; // MCUs
     bool fill_bytes = false;
-    int coefficients = 6;            // in a block, about
-    int largest = 60;                // of an AC value
-    std::vector<ScanPlan> scans{};   // progressive when there are any
+    int coefficients = 6;          // in a block, about
+    int largest = 60;              // of an AC value
+    std::vector<ScanPlan> scans{}; // progressive when there are any
     std::vector<std::string> comments{};
     Bytes after{}; // bytes behind EOI
 };

@@ -161,13 +161,28 @@ int JpegReference::read_segments(bool store) {
                 prefix_ = true;
             else if (prefix_) {
                 switch (b) {
-                case 0xC1: case 0xC3: case 0xC5: case 0xC6: case 0xC7: case 0xC9:
-                case 0xCA: case 0xCB: case 0xCD: case 0xCE: case 0xCF:
+                case 0xC1:
+                case 0xC3:
+                case 0xC5:
+                case 0xC6:
+                case 0xC7:
+                case 0xC9:
+                case 0xCA:
+                case 0xCB:
+                case 0xCD:
+                case 0xCE:
+                case 0xCF:
                     return -19;
                 case 0xD9:
                     prefix_ = false;
                     return -12;
-                case 0xC0: case 0xC2: case 0xC4: case 0xDA: case 0xDB: case 0xDC: case 0xDD:
+                case 0xC0:
+                case 0xC2:
+                case 0xC4:
+                case 0xDA:
+                case 0xDB:
+                case 0xDC:
+                case 0xDD:
                 case 0xFE:
                     break;
                 default:
@@ -514,8 +529,8 @@ void JpegReference::block(std::vector<int16_t>& coefficients, const Table& dc, c
     }
 }
 
-void JpegReference::block_once(std::vector<int16_t>& coefficients, const Table& dc,
-                               const Table& ac, int q, int predictor) {
+void JpegReference::block_once(std::vector<int16_t>& coefficients, const Table& dc, const Table& ac,
+                               int q, int predictor) {
     const auto& quant = wide_[static_cast<size_t>(q)];
     const auto put = [&](int k, int product) {
         const auto value = static_cast<int16_t>(static_cast<int16_t>(product) * (1 << al_));

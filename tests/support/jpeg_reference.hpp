@@ -31,7 +31,7 @@ class JpegReference {
     int marker = 0;
     int64_t position = 0;
     int comment_count = 0;
-    std::vector<std::string> comments; // stored ones
+    std::vector<std::string> comments;          // stored ones
     std::array<std::array<int, 64>, 4> slots{}; // in zigzag order
     std::array<bool, 4> slot_defined{};
 

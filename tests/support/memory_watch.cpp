@@ -59,8 +59,8 @@ class GuardedPages {
   private:
     static uint8_t* map(size_t pages) {
 #ifdef _WIN32
-        auto* memory = static_cast<uint8_t*>(
-            VirtualAlloc(nullptr, pages * page, MEM_RESERVE, PAGE_NOACCESS));
+        auto* memory =
+            static_cast<uint8_t*>(VirtualAlloc(nullptr, pages * page, MEM_RESERVE, PAGE_NOACCESS));
         VirtualAlloc(memory, (pages - 1) * page, MEM_COMMIT, PAGE_READWRITE);
 #else
         auto* memory = static_cast<uint8_t*>(mmap(nullptr, pages * page, PROT_READ | PROT_WRITE,

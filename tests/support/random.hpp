@@ -26,7 +26,8 @@ class Random {
     // True once in `of` calls.
     bool once_in(int32_t of) { return between(1, of) == 1; }
     // One of the given values.
-    template<typename T, size_t n> const T& pick(const T (&values)[n]) {
+    template<typename T, size_t n>
+    const T& pick(const T (&values)[n]) {
         return values[between(0, static_cast<int32_t>(n) - 1)];
     }
     void fill(void* to, size_t bytes) {

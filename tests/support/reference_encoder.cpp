@@ -192,10 +192,10 @@ struct Component {
 class Pipeline {
   public:
     explicit Pipeline(const ReferenceJob& job) : job_(job) {
-        const auto* luminance = job.level == 0 ? job.luminance.data()
-                                               : luminance_tables[job.level - 1];
-        const auto* chrominance = job.level == 0 ? job.chrominance.data()
-                                                 : chrominance_tables[job.level - 1];
+        const auto* luminance =
+            job.level == 0 ? job.luminance.data() : luminance_tables[job.level - 1];
+        const auto* chrominance =
+            job.level == 0 ? job.chrominance.data() : chrominance_tables[job.level - 1];
         count_ = job.level == 0 ? job.count : job.level == 5 ? 21 : 64;
         component_[0] = {luminance, codes_of(huffman_lists[0]), codes_of(huffman_lists[2])};
         component_[1] = {chrominance, codes_of(huffman_lists[1]), codes_of(huffman_lists[3])};
@@ -290,7 +290,8 @@ class Pipeline {
         }
     }
 
-    template<typename SampleAt> void encode_block(int c, SampleAt sample_at) {
+    template<typename SampleAt>
+    void encode_block(int c, SampleAt sample_at) {
         Block samples;
         for (int row = 0; row < 8; ++row) {
             for (int column = 0; column < 8; ++column)

@@ -13,9 +13,7 @@ namespace kirvo_test {
 
 namespace files = std::filesystem;
 
-TempFolder::TempFolder() : name_(TempFile("").name()) {
-    files::create_directory(name_);
-}
+TempFolder::TempFolder() : name_(TempFile("").name()) { files::create_directory(name_); }
 
 TempFolder::~TempFolder() {
     std::error_code ignored;

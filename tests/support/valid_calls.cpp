@@ -68,8 +68,12 @@ struct Fixed {
 };
 
 constexpr Fixed fixed_numbers[] = {
-    {"", "mcus_per_call", -1}, {"", "control", 0},   {"", "final", 1},
-    {"", "index", 0},          {"", "progress", 0},  {"Dib24FilterEx", "range0", 0x101},
+    {"", "mcus_per_call", -1},
+    {"", "control", 0},
+    {"", "final", 1},
+    {"", "index", 0},
+    {"", "progress", 0},
+    {"Dib24FilterEx", "range0", 0x101},
     {"KirvoSetProcess", "enable", 0},
 };
 
@@ -180,7 +184,14 @@ const char* Samples::file_for(const Export& what) const {
 }
 
 std::vector<std::string> Samples::all_files() const {
-    return {bmp_, jpeg_, icon_, targa_, q0_, raw_, folder_.path("missing"), folder_.path("empty"),
+    return {bmp_,
+            jpeg_,
+            icon_,
+            targa_,
+            q0_,
+            raw_,
+            folder_.path("missing"),
+            folder_.path("empty"),
             folder_.path("")};
 }
 

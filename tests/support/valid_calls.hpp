@@ -33,8 +33,8 @@ class Samples {
 // One way to make an export work.
 struct Plan {
     const Export* what;
-    int bits;       // of images, given or made
-    int32_t number; // what other numbers are
+    int bits;           // of images, given or made
+    int32_t number;     // what other numbers are
     bool whole = false; // rectangles are whole images, not parts
 
     // A call with these arguments, which are new in the pool. What the call needs to happen before

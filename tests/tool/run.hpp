@@ -16,9 +16,7 @@ constexpr const char* program = "kirvo.exe";
 inline int start(const std::string& command) {
     return _wsystem(std::filesystem::path(std::u8string(command.begin(), command.end())).c_str());
 }
-inline int exit_code(int result) {
-    return result;
-}
+inline int exit_code(int result) { return result; }
 // Under load Wine now and then does not start a program, which its shell then says it does not
 // find, or does not start the shell.
 inline bool has_started(int code) {
@@ -27,15 +25,9 @@ inline bool has_started(int code) {
 }
 #else
 constexpr const char* program = "./kirvo";
-inline int start(const std::string& command) {
-    return std::system(command.c_str());
-}
-inline int exit_code(int result) {
-    return WIFEXITED(result) ? WEXITSTATUS(result) : -1;
-}
-inline bool has_started(int) {
-    return true;
-}
+inline int start(const std::string& command) { return std::system(command.c_str()); }
+inline int exit_code(int result) { return WIFEXITED(result) ? WEXITSTATUS(result) : -1; }
+inline bool has_started(int) { return true; }
 #endif
 
 struct Outcome {

@@ -40,15 +40,11 @@ std::map<std::string, std::vector<std::string>> chosen_values(int32_t w, int32_t
     };
 }
 
-std::string padded(size_t number) {
-    return (number < 10 ? "0" : "") + std::to_string(number);
-}
+std::string padded(size_t number) { return (number < 10 ? "0" : "") + std::to_string(number); }
 
 } // namespace
 
-std::string Exhibit::command() const {
-    return effect->option + (value.empty() ? "" : " " + value);
-}
+std::string Exhibit::command() const { return effect->option + (value.empty() ? "" : " " + value); }
 
 std::vector<Exhibit> exhibits(int32_t width, int32_t height, const std::string& other) {
     const auto chosen = chosen_values(width, height, other);

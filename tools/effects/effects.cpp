@@ -159,13 +159,9 @@ const std::vector<Effect>& effects() {
 }
 // clang-format on
 
-std::string Effect::values() const {
-    return *form == '\0' ? signature(parameters) : form;
-}
+std::string Effect::values() const { return *form == '\0' ? signature(parameters) : form; }
 
-std::string Effect::call() const {
-    return option + (parameters.empty() ? "" : " " + values());
-}
+std::string Effect::call() const { return option + (parameters.empty() ? "" : " " + values()); }
 
 std::string Effect::ranges() const {
     const std::string text = ::ranges(parameters);

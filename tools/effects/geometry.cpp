@@ -38,9 +38,7 @@ std::string in_words(const Image& image) {
 
 } // namespace
 
-void resize_by_nearest(bool nearest) {
-    nearest_pixel = nearest;
-}
+void resize_by_nearest(bool nearest) { nearest_pixel = nearest; }
 
 Image crop(Image image, const Values& values) {
     const int32_t x = values.integer(0), y = values.integer(1);

@@ -133,17 +133,11 @@ Parameter real(const char* name, double least, double most) {
     return {name, Kind::real, least, most, {}};
 }
 
-Parameter colour() {
-    return {"COLOUR", Kind::colour, 0, 0, {}};
-}
+Parameter colour() { return {"COLOUR", Kind::colour, 0, 0, {}}; }
 
-Parameter size(const char* name) {
-    return {name, Kind::size, 0, 0, {}};
-}
+Parameter size(const char* name) { return {name, Kind::size, 0, 0, {}}; }
 
-Parameter file() {
-    return {"FILE", Kind::file, 0, 0, {}};
-}
+Parameter file() { return {"FILE", Kind::file, 0, 0, {}}; }
 
 Parameter mode(const char* name, std::vector<std::string> words) {
     const int highest = static_cast<int>(words.size()) - 1;

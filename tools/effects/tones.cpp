@@ -80,6 +80,4 @@ void set_histogram_receiver(std::function<void(const Histogram&)> receiver) {
     histogram_receiver = std::move(receiver);
 }
 
-void forget_effects() {
-    SetKeyColorDib24Add(0);
-}
+void forget_effects() { SetKeyColorDib24Add(0); }

@@ -107,6 +107,4 @@ uint32_t parse_colour(const std::string& text) {
     return (*rgb & 0xFF) << 16 | (*rgb & 0xFF00) | *rgb >> 16;
 }
 
-bool is_colour(const std::string& text) {
-    return rgb_of(text).has_value();
-}
+bool is_colour(const std::string& text) { return rgb_of(text).has_value(); }

@@ -38,9 +38,7 @@ size_t column_for(const std::vector<std::string>& names) {
     return std::min<size_t>(widest + 4, 30);
 }
 
-std::string heading(const char* text) {
-    return "\n" + styled(stdout, Style::heading, text) + "\n";
-}
+std::string heading(const char* text) { return "\n" + styled(stdout, Style::heading, text) + "\n"; }
 
 std::string usage_lines(const Command& command) {
     std::string text;
@@ -200,13 +198,9 @@ std::string spelling(const Entry& entry) {
     return text + (entry.repeated ? "..." : "");
 }
 
-bool names_file(const Entry& entry) {
-    return entry.value.starts_with("FILE");
-}
+bool names_file(const Entry& entry) { return entry.value.starts_with("FILE"); }
 
-bool names_folder(const Entry& entry) {
-    return entry.value.starts_with("DIR");
-}
+bool names_folder(const Entry& entry) { return entry.value.starts_with("DIR"); }
 
 std::string wrapped(const std::string& text, size_t width, size_t margin) {
     std::istringstream words(text);

@@ -15,16 +15,10 @@ std::string plain(const std::string& text) {
     return result;
 }
 
-std::string bold(const std::string& text) {
-    return "\\fB" + plain(text) + "\\fR";
-}
-std::string slanted(const std::string& text) {
-    return "\\fI" + plain(text) + "\\fR";
-}
+std::string bold(const std::string& text) { return "\\fB" + plain(text) + "\\fR"; }
+std::string slanted(const std::string& text) { return "\\fI" + plain(text) + "\\fR"; }
 
-std::string section(const std::string& name) {
-    return ".SH " + name + "\n";
-}
+std::string section(const std::string& name) { return ".SH " + name + "\n"; }
 
 std::string item(const std::string& title, const std::string& text) {
     return ".TP\n" + title + "\n" + plain(text) + "\n";

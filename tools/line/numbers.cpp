@@ -17,9 +17,7 @@ std::optional<Number> number(const std::string& text) {
 
 } // namespace
 
-std::optional<int32_t> whole_number(const std::string& text) {
-    return number<int32_t>(text);
-}
+std::optional<int32_t> whole_number(const std::string& text) { return number<int32_t>(text); }
 
 std::optional<double> real_number(const std::string& text) {
     const auto value = number<double>(text);

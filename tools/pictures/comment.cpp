@@ -6,9 +6,7 @@ namespace {
 
 constexpr size_t longest = 65533, marker_and_length = 4;
 
-size_t byte(const std::string& text, size_t at) {
-    return static_cast<unsigned char>(text[at]);
-}
+size_t byte(const std::string& text, size_t at) { return static_cast<unsigned char>(text[at]); }
 
 // Behind the start of the image and the segments of applications.
 size_t place_for_comment(const std::string& jpeg) {

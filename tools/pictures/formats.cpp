@@ -16,18 +16,14 @@ std::string word(Format format, KirvoFilesFormatWord which) {
 
 } // namespace
 
-std::string format_name(Format format) {
-    return word(format, KIRVO_FILES_FORMAT_NAME);
-}
+std::string format_name(Format format) { return word(format, KIRVO_FILES_FORMAT_NAME); }
 
 std::vector<std::string> extensions(Format format) {
     std::istringstream words(word(format, KIRVO_FILES_FORMAT_EXTENSIONS));
     return {std::istream_iterator<std::string>(words), {}};
 }
 
-std::string codec(Format format) {
-    return word(format, KIRVO_FILES_FORMAT_CODEC);
-}
+std::string codec(Format format) { return word(format, KIRVO_FILES_FORMAT_CODEC); }
 
 std::string written_formats(const char* between) {
     std::string all;

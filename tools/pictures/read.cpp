@@ -35,9 +35,7 @@ Picture read_picture(const std::string& name, const ReadOptions& options) {
     return picture;
 }
 
-Image read_image(const std::string& name) {
-    return read_picture(name).image;
-}
+Image read_image(const std::string& name) { return read_picture(name).image; }
 
 Known read_headers(const std::string& name, const ReadOptions& options) {
     const KirvoFilesOpenOptions how = options.as_structure();

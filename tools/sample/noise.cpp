@@ -7,9 +7,7 @@ namespace kirvo_sample {
 
 namespace {
 
-float ease(float t) {
-    return t * t * (3.0f - 2.0f * t);
-}
+float ease(float t) { return t * t * (3.0f - 2.0f * t); }
 
 uint8_t to_byte(float channel) {
     return static_cast<uint8_t>(std::clamp(channel, 0.0f, 1.0f) * 255.0f + 0.5f);
@@ -24,13 +22,9 @@ uint32_t hash(uint32_t x, uint32_t y, uint32_t z) {
     return h ^ (h >> 15);
 }
 
-float unit(uint32_t bits) {
-    return static_cast<float>(bits >> 8) * (1.0f / 16777216.0f);
-}
+float unit(uint32_t bits) { return static_cast<float>(bits >> 8) * (1.0f / 16777216.0f); }
 
-float lerp(float from, float to, float t) {
-    return from + (to - from) * t;
-}
+float lerp(float from, float to, float t) { return from + (to - from) * t; }
 
 float smooth(float low, float high, float value) {
     return ease(std::clamp((value - low) / (high - low), 0.0f, 1.0f));

@@ -54,9 +54,7 @@ Light light_on(Heights heights, float u, float v) {
     return {std::clamp(0.30f + 0.78f * facing, 0.10f, 1.1f), std::pow(std::max(half, 0.0f), 42.0f)};
 }
 
-float mouth_line(float u) {
-    return mouth_y - 1.1f * u * u - 0.004f * std::exp(-u * u / 0.0002f);
-}
+float mouth_line(float u) { return mouth_y - 1.1f * u * u - 0.004f * std::exp(-u * u / 0.0002f); }
 
 } // namespace
 

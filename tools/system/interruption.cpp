@@ -32,6 +32,4 @@ Perishable::~Perishable() {
 
 Mortal::Mortal(std::ptrdiff_t process) : slot_(enter(mortal, process)) {}
 
-Mortal::~Mortal() {
-    mortal[slot_] = 0;
-}
+Mortal::~Mortal() { mortal[slot_] = 0; }

@@ -40,9 +40,7 @@ BOOL WINAPI on_interrupt(DWORD) {
 
 } // namespace
 
-void clean_up_when_interrupted() {
-    SetConsoleCtrlHandler(on_interrupt, TRUE);
-}
+void clean_up_when_interrupted() { SetConsoleCtrlHandler(on_interrupt, TRUE); }
 
 Uninterrupted::Uninterrupted() {
     if (depth++ == 0)

@@ -4,18 +4,10 @@ std::vector<std::string> words_of_the_command_line(int argc, char** argv) {
     return {argv + (argc > 0 ? 1 : 0), argv + argc};
 }
 
-std::filesystem::path path_of(const std::string& name) {
-    return name;
-}
+std::filesystem::path path_of(const std::string& name) { return name; }
 
-std::string text_of(const std::filesystem::path& path) {
-    return path.native();
-}
+std::string text_of(const std::filesystem::path& path) { return path.native(); }
 
-std::string utf8_of(const std::string& name) {
-    return name;
-}
+std::string utf8_of(const std::string& name) { return name; }
 
-std::vector<std::string> expanded(const std::string& pattern) {
-    return {pattern};
-}
+std::vector<std::string> expanded(const std::string& pattern) { return {pattern}; }

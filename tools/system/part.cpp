@@ -51,6 +51,4 @@ void Part::become(const fs::path& target) {
     part_file::rename(name(), target);
 }
 
-void announce_parts_to(std::function<void(const fs::path&)> whom) {
-    listener = std::move(whom);
-}
+void announce_parts_to(std::function<void(const fs::path&)> whom) { listener = std::move(whom); }

@@ -42,13 +42,9 @@ void write(std::ptrdiff_t file, const char* bytes, size_t count) {
     }
 }
 
-void close(std::ptrdiff_t file) {
-    ::close(static_cast<int>(file));
-}
+void close(std::ptrdiff_t file) { ::close(static_cast<int>(file)); }
 
-void remove(const fs::path& name) {
-    unlink(name.c_str());
-}
+void remove(const fs::path& name) { unlink(name.c_str()); }
 
 void take_over(std::ptrdiff_t file, const fs::path& part, const fs::path& target) {
     struct stat old;

@@ -15,9 +15,7 @@ void check(bool good) {
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category());
 }
 
-HANDLE handle_of(std::ptrdiff_t file) {
-    return reinterpret_cast<HANDLE>(file);
-}
+HANDLE handle_of(std::ptrdiff_t file) { return reinterpret_cast<HANDLE>(file); }
 
 } // namespace
 
@@ -39,13 +37,9 @@ void write(std::ptrdiff_t file, const char* bytes, size_t count) {
     }
 }
 
-void close(std::ptrdiff_t file) {
-    CloseHandle(handle_of(file));
-}
+void close(std::ptrdiff_t file) { CloseHandle(handle_of(file)); }
 
-void remove(const fs::path& name) {
-    DeleteFileW(name.c_str());
-}
+void remove(const fs::path& name) { DeleteFileW(name.c_str()); }
 
 void take_over(std::ptrdiff_t file, const fs::path&, const fs::path& target) {
     if (file != none && GetFileAttributesW(target.c_str()) != INVALID_FILE_ATTRIBUTES)

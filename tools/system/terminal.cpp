@@ -62,9 +62,7 @@ void restore_console() {
         SetConsoleOutputCP(console_before);
 }
 
-bool is_terminal(std::FILE* stream) {
-    return _isatty(_fileno(stream)) != 0;
-}
+bool is_terminal(std::FILE* stream) { return _isatty(_fileno(stream)) != 0; }
 
 int terminal_width() {
     CONSOLE_SCREEN_BUFFER_INFO info;
@@ -73,18 +71,14 @@ int terminal_width() {
                : 80;
 }
 
-void make_binary(std::FILE* stream) {
-    _setmode(_fileno(stream), _O_BINARY);
-}
+void make_binary(std::FILE* stream) { _setmode(_fileno(stream), _O_BINARY); }
 
 #else
 
 void prepare_console() {}
 void restore_console() {}
 
-bool is_terminal(std::FILE* stream) {
-    return isatty(fileno(stream)) != 0;
-}
+bool is_terminal(std::FILE* stream) { return isatty(fileno(stream)) != 0; }
 
 int terminal_width() {
     winsize size = {};
@@ -106,10 +100,6 @@ static void tell(Style style, const std::string& message) {
     std::fprintf(stderr, "%s %s\n", styled(stderr, style, "kirvo:").c_str(), message.c_str());
 }
 
-void complain(const std::string& message) {
-    tell(Style::error, message);
-}
+void complain(const std::string& message) { tell(Style::error, message); }
 
-void warn(const std::string& message) {
-    tell(Style::warning, message);
-}
+void warn(const std::string& message) { tell(Style::warning, message); }

@@ -77,6 +77,4 @@ void clear_bar() {
     drawn = false;
 }
 
-bool bar_is_drawn() {
-    return drawn;
-}
+bool bar_is_drawn() { return drawn; }

@@ -67,9 +67,7 @@ HWND receiver() {
 
 #endif
 
-bool is_watched() {
-    return listener || bar_is_wanted();
-}
+bool is_watched() { return listener || bar_is_wanted(); }
 
 } // namespace
 
@@ -79,13 +77,9 @@ void expect_work(size_t stages) {
     start_bar();
 }
 
-void work_on(const std::string& subject) {
-    work.subject = subject;
-}
+void work_on(const std::string& subject) { work.subject = subject; }
 
-void tell_shares_to(std::function<void(double)> whom) {
-    listener = std::move(whom);
-}
+void tell_shares_to(std::function<void(double)> whom) { listener = std::move(whom); }
 
 Watch::Watch(const std::string& label) {
     if (work.depth++ > 0 || !is_watched())

@@ -18,9 +18,7 @@ bool keeps_pixels(Blend blend) {
     return blend == Blend::black_transparent || blend == Blend::key_colour;
 }
 
-const uint8_t* key_of(Blend blend) {
-    return blend == Blend::key_colour ? key_colour : black;
-}
+const uint8_t* key_of(Blend blend) { return blend == Blend::key_colour ? key_colour : black; }
 
 void compose_24(Blend blend, uint8_t* to, const uint8_t* from, size_t count) {
     const Kernels& k = kernels();

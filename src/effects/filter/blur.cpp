@@ -20,8 +20,7 @@ HGLOBAL WINAPI Dib24Gausian(HGLOBAL dib, int32_t x, int32_t y, int32_t width, in
         report(status, Status::no_memory);
         return nullptr;
     }
-    operation.each_row([&](int32_t r) {
-        kernels().blur(result.row(r), neighbourhood.at(r), bytes);
-    });
+    operation.each_row(
+        [&](int32_t r) { kernels().blur(result.row(r), neighbourhood.at(r), bytes); });
     return result.release();
 }

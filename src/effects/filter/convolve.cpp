@@ -78,8 +78,8 @@ class ImageRow {
         : operation_(operation), format_(operation.format()),
           image_row_(bottom_row(operation.source().height(), operation.rect())),
           left_(operation.rect().x > 0 ? 1 : 0),
-          right_(operation.rect().x + operation.rect().width < operation.source().width() ? 1
-                                                                                          : 0) {}
+          right_(operation.rect().x + operation.rect().width < operation.source().width() ? 1 : 0) {
+    }
 
     void operator()(int32_t row, uint8_t* to) const {
         const int64_t stored = image_row_ + row;

@@ -342,7 +342,8 @@ class ExtremeFilter {
     size_t cells_; // in a row of a strip's reach
     Kind kind_;
     AlignedLines<Element> rows_;
-    AlignedLines<Element> shared_; // the extremes of the last columns of the strip before, row by row
+    AlignedLines<Element>
+        shared_; // the extremes of the last columns of the strip before, row by row
 };
 
 template<typename Kind>

@@ -61,11 +61,10 @@ class AverageMosaic {
     AverageMosaic(const RectOperation& operation, int32_t block)
         : operation_(operation), bits_(operation.source().bits()),
           bytes_(static_cast<size_t>(bits_ / 8)), channels_(bits_ == 8 ? 1 : 3),
-          block_(static_cast<size_t>(block)),
-          blocks_((operation.width() + block_ - 1) / block_),
-          columns_(std::min(blocks_ * block_,
-                            static_cast<size_t>(operation.source().stride()) / bytes_ -
-                                static_cast<size_t>(operation.rect().x))),
+          block_(static_cast<size_t>(block)), blocks_((operation.width() + block_ - 1) / block_),
+          columns_(
+              std::min(blocks_ * block_, static_cast<size_t>(operation.source().stride()) / bytes_ -
+                                             static_cast<size_t>(operation.rect().x))),
           sums_(sizeof(uint32_t) * channels_ * uint64_t{columns_}),
           raw_(bytes_ * uint64_t{columns_}), bgr_(channels_ * uint64_t{columns_}),
           result_(operation, bits_) {
@@ -87,12 +86,12 @@ class AverageMosaic {
     // The blocks whose top row is the given one of the rectangle, counted from its bottom.
     void make_blocks(int32_t top) {
         const int64_t below = bottom_row(operation_.source().height(), operation_.rect()) + top;
-        const auto rows = static_cast<int32_t>(std::min<int64_t>(
-            static_cast<int64_t>(block_), below + 1));
+        const auto rows =
+            static_cast<int32_t>(std::min<int64_t>(static_cast<int64_t>(block_), below + 1));
         std::memset(sums_.data(), 0, sizeof(uint32_t) * channels_ * columns_);
         for (int32_t i = 0; i < rows; ++i)
             kernels().add_to_sums32(sums_.as<uint32_t>(), channels_of(operation_.row(top - i)),
-                             channels_ * columns_);
+                                    channels_ * columns_);
         fill_row(result_.row(top), static_cast<uint32_t>(rows));
         const int32_t filled = std::min(rows, top + 1);
         for (int32_t i = 1; i < filled; ++i)

@@ -23,8 +23,8 @@ struct WorkLines {
     explicit operator bool() const { return static_cast<bool>(buffer); }
 
     Scratch buffer;
-    int16_t* slope;           // the Laplacian or another measure of change
-    uint8_t *first, *second;  // a byte a pixel
+    int16_t* slope;            // the Laplacian or another measure of change
+    uint8_t *first, *second;   // a byte a pixel
     uint8_t *first3, *second3; // three bytes a pixel
 };
 
@@ -66,31 +66,29 @@ HGLOBAL from_luminance(const RectOperation& operation, std::span<const Pass> pas
 HGLOBAL sharpened(const RectOperation& operation, int divisor, int32_t* status) {
     const size_t width = operation.width();
     const Kernels& k = kernels();
-    return from_luminance(
-        operation, sharpen_passes, status,
-        [&](int32_t r, ThreeRows luminance, const WorkLines& work, uint8_t* to) {
-            k.laplacian(work.slope, luminance, width);
-            k.correction(work.first, work.second, work.slope, width, divisor);
-            k.triple(work.first3, work.first, width);
-            k.triple(work.second3, work.second, width);
-            k.correct(to, operation.row(r), work.first3, work.second3, 3 * width);
-        });
+    return from_luminance(operation, sharpen_passes, status,
+                          [&](int32_t r, ThreeRows luminance, const WorkLines& work, uint8_t* to) {
+                              k.laplacian(work.slope, luminance, width);
+                              k.correction(work.first, work.second, work.slope, width, divisor);
+                              k.triple(work.first3, work.first, width);
+                              k.triple(work.second3, work.second, width);
+                              k.correct(to, operation.row(r), work.first3, work.second3, 3 * width);
+                          });
 }
 
 HGLOBAL edges(const RectOperation& operation, int32_t mode, int32_t* status) {
     const size_t width = operation.width();
     const Kernels& k = kernels();
-    return from_luminance(
-        operation, edge_passes, status,
-        [&](int32_t, ThreeRows luminance, const WorkLines& work, uint8_t* to) {
-            (mode == 2 ? k.gradient : k.laplacian)(work.slope, luminance, width);
-            if (mode <= 2)
-                k.relief(work.first, work.slope, width);
-            else
-                k.dark_edges(work.first, work.slope, width, mode == 4 ? 0 : -255,
-                                mode == 5 ? 0 : 255);
-            k.triple(to, work.first, width);
-        });
+    return from_luminance(operation, edge_passes, status,
+                          [&](int32_t, ThreeRows luminance, const WorkLines& work, uint8_t* to) {
+                              (mode == 2 ? k.gradient : k.laplacian)(work.slope, luminance, width);
+                              if (mode <= 2)
+                                  k.relief(work.first, work.slope, width);
+                              else
+                                  k.dark_edges(work.first, work.slope, width, mode == 4 ? 0 : -255,
+                                               mode == 5 ? 0 : 255);
+                              k.triple(to, work.first, width);
+                          });
 }
 
 struct SlopeLimits {
@@ -135,17 +133,18 @@ HGLOBAL WINAPI Dib24ColorEdge(HGLOBAL dib, int32_t x, int32_t y, int32_t width, 
     const SlopeLimits flat = flat_slopes(threshold, mode);
     const size_t pixels = operation.width(), stride = static_cast<size_t>(row_stride(width, 24));
     const Kernels& k = kernels();
-    return from_luminance(
-        operation, edge_passes, status,
-        [&](int32_t r, ThreeRows luminance, const WorkLines& work, uint8_t* to) {
-            k.laplacian(work.slope, luminance, pixels);
-            k.between(work.first, work.slope, pixels, flat.low, flat.high);
-            k.triple(work.first3, work.first, pixels);
-            // The colours come from stored row y + r, as far from the bottom as the rectangle is
-            // from the top.
-            const uint8_t* colours =
-                operation.source().rows(RowStart::after_header)[int64_t{y} + r] + size_t{3} * static_cast<uint32_t>(x);
-            k.veil(to, colours, work.first3, 3 * pixels);
-            std::memset(to + 3 * pixels, 255, stride - 3 * pixels); // padding is white too
-        });
+    return from_luminance(operation, edge_passes, status,
+                          [&](int32_t r, ThreeRows luminance, const WorkLines& work, uint8_t* to) {
+                              k.laplacian(work.slope, luminance, pixels);
+                              k.between(work.first, work.slope, pixels, flat.low, flat.high);
+                              k.triple(work.first3, work.first, pixels);
+                              // The colours come from stored row y + r, as far from the bottom as the rectangle is
+                              // from the top.
+                              const uint8_t* colours =
+                                  operation.source().rows(RowStart::after_header)[int64_t{y} + r] +
+                                  size_t{3} * static_cast<uint32_t>(x);
+                              k.veil(to, colours, work.first3, 3 * pixels);
+                              std::memset(to + 3 * pixels, 255,
+                                          stride - 3 * pixels); // padding is white too
+                          });
 }

@@ -11,9 +11,7 @@ namespace kirvo {
 
 namespace {
 
-bool is_inside(int32_t coordinate, int32_t size) {
-    return coordinate >= 0 && coordinate < size;
-}
+bool is_inside(int32_t coordinate, int32_t size) { return coordinate >= 0 && coordinate < size; }
 
 // The pixel of a picture row and column that may lie outside the picture: the bytes at which they
 // lead, a negative column into the stored row below, or, where those lie outside the block, the
@@ -27,8 +25,8 @@ const uint8_t* pixel_at(const LockedDib& source, int32_t x, int32_t y) {
     const int64_t offset = from_first(x, y), first = rows[0] - source.data();
     if (first + offset >= 0 && offset + bytes <= rows.end - rows[0])
         return rows[0] + offset;
-    return rows[0] + from_first(std::clamp(x, 0, source.width() - 1),
-                                std::clamp(y, 0, source.height() - 1));
+    return rows[0] +
+           from_first(std::clamp(x, 0, source.width() - 1), std::clamp(y, 0, source.height() - 1));
 }
 
 } // namespace
@@ -53,8 +51,8 @@ bool zoom_nearest(const Zoom& zoom, const Rows& to) {
         if (inside && is_inside(y, source.height()))
             return gather(row, from[source.height() - 1 - y], offsets, width);
         for (size_t i = 0; i < width; ++i)
-            std::memcpy(row + i * bytes,
-                        pixel_at(source, zoom.column(static_cast<int32_t>(i)), y), bytes);
+            std::memcpy(row + i * bytes, pixel_at(source, zoom.column(static_cast<int32_t>(i)), y),
+                        bytes);
     };
     const uint8_t* last = nullptr;
     int32_t last_y = 0;

@@ -1,6 +1,6 @@
 // The mean of a box of source pixels under each pixel of a reduced image.
-#include "image/pixels.hpp"
 #include "effects/geometry/zoom.hpp"
+#include "image/pixels.hpp"
 #include "simd/kernels.hpp"
 
 #include <bit>
@@ -136,8 +136,7 @@ bool are_even(const Zoom& zoom, const BoxColumns* spans) {
 
 void average_even(const Zoom& zoom, const Rows& to) {
     const LockedDib& source = zoom.source();
-    const auto means =
-        zoom.box_width() == 2 ? kernels().means_of_2 : kernels().means_of_4;
+    const auto means = zoom.box_width() == 2 ? kernels().means_of_2 : kernels().means_of_4;
     const auto rows = static_cast<size_t>(zoom.box_height());
     const int shift =
         std::countr_zero(static_cast<uint32_t>(zoom.box_width()) * static_cast<uint32_t>(rows));

@@ -14,9 +14,7 @@ class NumberSet {
     explicit NumberSet(int bits) : words_((size_t{1} << bits) / 32), memory_(4 * words_) {}
 
     explicit operator bool() const { return static_cast<bool>(memory_); }
-    void add(uint32_t number) const {
-        memory_.as<uint32_t>()[number / 32] |= 1u << number % 32;
-    }
+    void add(uint32_t number) const { memory_.as<uint32_t>()[number / 32] |= 1u << number % 32; }
     uint32_t count() const {
         uint32_t sum = 0;
         for (size_t i = 0; i < words_; ++i)
@@ -77,8 +75,8 @@ Status count_words(const LockedDib& dib, uint32_t& count) {
         return Status::no_memory;
     uint16_t words[1024];
     for (int32_t row = 0; row < dib.height(); ++row) {
-        uint64_t offset = uint64_t{dib.header.biSize} + mask_bytes +
-                          static_cast<uint64_t>(dib.stride() * row);
+        uint64_t offset =
+            uint64_t{dib.header.biSize} + mask_bytes + static_cast<uint64_t>(dib.stride() * row);
         for (auto left = static_cast<size_t>(dib.width()); left != 0;) {
             const size_t n = std::min(left, std::size(words));
             dib.read_bytes(offset, words, 2 * n);

@@ -72,9 +72,8 @@ int32_t WINAPI DibModifyHue(HGLOBAL handle, int32_t mode, int32_t value) {
         return code(Status::bad_parameter);
     const Rows rows = dib.rows_at(offset);
     const auto change = hue_changed(mode, value);
-    each_step(dib.height(), [&](int32_t r) {
-        change(rows[r], rows[r], static_cast<size_t>(dib.width()));
-    });
+    each_step(dib.height(),
+              [&](int32_t r) { change(rows[r], rows[r], static_cast<size_t>(dib.width())); });
     return code(Status::ok);
 }
 

@@ -1,7 +1,7 @@
 // Point operations: each channel of the result depends on the same pixel alone.
+#include "effects/tone/levels.hpp"
 #include "image/duplicate.hpp"
 #include "image/rect_operation.hpp"
-#include "effects/tone/levels.hpp"
 #include "simd/kernels.hpp"
 
 using namespace kirvo;
@@ -33,9 +33,7 @@ void copy_mask_bytes(HGLOBAL to, const LockedDib& from) {
     LockedDib(to).write_bytes(info_header_bytes, masks, sizeof masks);
 }
 
-bool is_level(int32_t level) {
-    return level >= -100 && level <= 100;
-}
+bool is_level(int32_t level) { return level >= -100 && level <= 100; }
 
 // An 8-bit image is mapped by its colour table: all 256 entries from the header on, however many
 // are in use, become those of a duplicate of the rectangle.
@@ -87,8 +85,7 @@ int32_t WINAPI Dib24RGBChange(HGLOBAL dib, int32_t mode, int32_t x, int32_t y, i
         return code(Status::bad_parameter);
     if (mode == 0)
         return code(Status::ok);
-    const RectOperation operation(dib, {x, y, width, height}, check_rect_24_32,
-                                  RowStart::after_40);
+    const RectOperation operation(dib, {x, y, width, height}, check_rect_24_32, RowStart::after_40);
     return code(operation.change(permuted(orders[mode])));
 }
 
@@ -126,8 +123,7 @@ HGLOBAL WINAPI Dib24HalfTone(HGLOBAL dib, int32_t x, int32_t y, int32_t width, i
 
 HGLOBAL WINAPI Dib24Monochrome(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                                int32_t* status) {
-    const RectOperation operation(dib, {x, y, width, height}, check_rect_24_32,
-                                  RowStart::after_40);
+    const RectOperation operation(dib, {x, y, width, height}, check_rect_24_32, RowStart::after_40);
     const auto row = [](uint8_t* to, const uint8_t* from, size_t count) {
         kernels().grey(to, from, count);
     };

@@ -80,9 +80,7 @@ void WINAPI JpgDecGetCommentEnable(int32_t enable) {
     session.decoder.comments.enabled = enable == 1;
 }
 
-int32_t WINAPI JpgDecCommentCounts(void) {
-    return session.decoder.comments.count;
-}
+int32_t WINAPI JpgDecCommentCounts(void) { return session.decoder.comments.count; }
 
 HGLOBAL WINAPI JpgDecGetComment(int32_t index) {
     const Comments& comments = session.decoder.comments;
@@ -90,9 +88,7 @@ HGLOBAL WINAPI JpgDecGetComment(int32_t index) {
     return there ? comments.stored[index] : nullptr;
 }
 
-void WINAPI JpgDecCommentFree(void) {
-    session.decoder.comments.discard();
-}
+void WINAPI JpgDecCommentFree(void) { session.decoder.comments.discard(); }
 
 int32_t WINAPI JpgDecGetQtable(uint16_t* luma, uint16_t* chroma) {
     const QuantisationTables& tables = session.decoder.quantisation;

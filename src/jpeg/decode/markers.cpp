@@ -41,9 +41,7 @@ bool has_segment(uint8_t marker) {
            (marker >= SOS && marker <= DRI) || (marker >= APP0 && marker <= APP15);
 }
 
-uint32_t word_at(Content content, size_t at) {
-    return content[at] * 256u + content[at + 1];
-}
+uint32_t word_at(Content content, size_t at) { return content[at] * 256u + content[at + 1]; }
 
 const Layout* find_layout(int32_t components, uint8_t first, uint8_t second, uint8_t third) {
     if (components == 1)

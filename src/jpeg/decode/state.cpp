@@ -25,9 +25,7 @@ void Picture::discard() {
     discard_coefficients();
 }
 
-void Picture::discard_coefficients() {
-    discard_block(coefficients);
-}
+void Picture::discard_coefficients() { discard_block(coefficients); }
 
 void DecodeState::reset() {
     header = HeaderState::seeking_start;

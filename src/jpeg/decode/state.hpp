@@ -62,7 +62,7 @@ struct Scan {
     int32_t count;
     Component components[255];
     int32_t spectral_start, spectral_end = 63; // Ss, Se
-    int32_t refined_from, shift;          // Ah, Al
+    int32_t refined_from, shift;               // Ah, Al
     bool has_component_1;
 };
 

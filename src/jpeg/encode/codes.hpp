@@ -2,8 +2,8 @@
 // carries, and the code words, derived from the same lists as T.81, Annex C, says.
 #pragma once
 
-#include "simd/kernel_types.hpp"
 #include "jpeg/tables.hpp"
+#include "simd/kernel_types.hpp"
 
 #include <algorithm>
 
@@ -55,12 +55,12 @@ constexpr bool is_small(int32_t level) { return level >= -small_levels && level 
 struct EntropyCodes {
     std::array<Bits, dc_symbols> dc;
     std::array<Bits, 256> ac;
-    std::array<Bits, 2 * small_levels> small_dc;      // by difference + small_levels
-    std::array<Bits, 2 * small_levels> small_ac[16];  // by run and level + small_levels
+    std::array<Bits, 2 * small_levels> small_dc;     // by difference + small_levels
+    std::array<Bits, 2 * small_levels> small_ac[16]; // by run and level + small_levels
 };
 
 inline EntropyCodes entropy_codes(const HuffmanTable<dc_symbols>& dc,
-                                     const HuffmanTable<ac_symbols>& ac) {
+                                  const HuffmanTable<ac_symbols>& ac) {
     EntropyCodes codes = {code_words<dc_symbols>(dc), code_words<256>(ac), {}, {}};
     for (int32_t level = -small_levels; level < small_levels; ++level) {
         const uint32_t category = category_of(magnitude_of(level));

@@ -103,8 +103,8 @@ bool put_mcu(BitWriter& out, const McuPart* parts, size_t part_count, size_t mcu
     BitWriter writer = out; // in registers
     for (const McuPart* part = parts; part != parts + part_count; ++part) {
         for (size_t i = mcu * part->blocks; i < (mcu + 1) * part->blocks; ++i) {
-            if (!put_block(writer, part->groups[i / blocks_abreast], i % blocks_abreast, *part->codes,
-                           *part->predictor))
+            if (!put_block(writer, part->groups[i / blocks_abreast], i % blocks_abreast,
+                           *part->codes, *part->predictor))
                 return false;
         }
     }

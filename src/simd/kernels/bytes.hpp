@@ -70,8 +70,8 @@ struct ByteKernels {
     }
 
     // One of plus and minus is 0, so that the order of the two does not matter.
-    static void correct(uint8_t* to, const uint8_t* from, const uint8_t* plus,
-                        const uint8_t* minus, size_t bytes) {
+    static void correct(uint8_t* to, const uint8_t* from, const uint8_t* plus, const uint8_t* minus,
+                        size_t bytes) {
         const auto block = [&](size_t i) {
             const Register more = V::add8_to_255(V::load(from + i), V::load(plus + i));
             V::store(to + i, V::sub8_to_0(more, V::load(minus + i)));

@@ -99,8 +99,9 @@ struct InverseDct {
 #pragma GCC unroll 8
         for (int y = 0; y < 8; y += rows_at_once)
             store(samples + y * stride, stride,
-                  parts == 2 ? V::narrow32(shifted(0, y), shifted(parts - 1, y))
-                             : V::in_order(V::narrow32(shifted(0, y), shifted(0, y + rows_at_once - 1))));
+                  parts == 2
+                      ? V::narrow32(shifted(0, y), shifted(parts - 1, y))
+                      : V::in_order(V::narrow32(shifted(0, y), shifted(0, y + rows_at_once - 1))));
     }
 
     // Of the mean alone.
@@ -133,8 +134,8 @@ struct DecodeKernels {
         const Register middle = V::all16(128), green_factors = V::all_pairs16(-22525, 18724);
         for (size_t i = 0; i < count; i += V::size / 2) {
             const Register cb = V::load(cb_row + i), cr = V::load(cr_row + i);
-            const Register blue = V::add16(V::add16(cb, cb),
-                                           V::multiply_high16_signed(cb, V::all16(-15073)));
+            const Register blue =
+                V::add16(V::add16(cb, cb), V::multiply_high16_signed(cb, V::all16(-15073)));
             const Register red = V::add16(cr, V::multiply_high16_signed(cr, V::all16(26345)));
             const auto shifted = [&](Register pairs) {
                 return V::template shift_right32_signed<16>(V::dot16(pairs, green_factors));
@@ -163,9 +164,8 @@ struct DecodeKernels {
                                  channel(luma, V::load_halves16(terms.green + i)),
                                  channel(luma, V::load_halves16(terms.red + i))});
         });
-        finish(bgr, pixels, whole, [&](uint8_t* rest) {
-            colour(y + whole, terms_from(terms, whole), rest, V::size);
-        });
+        finish(bgr, pixels, whole,
+               [&](uint8_t* rest) { colour(y + whole, terms_from(terms, whole), rest, V::size); });
     }
 
     static void colour_wide(const int16_t* y, ChromaTerms terms, uint8_t* bgr, size_t pixels) {

@@ -89,19 +89,22 @@ struct EncodeKernels {
     // Pairs of inputs, word by word.
     struct Pairs {
         Register low, high;
-        Pairs(Register first, Register second) : low(V::zip_low16(first, second)), high(V::zip_high16(first, second)) {}
+        Pairs(Register first, Register second)
+            : low(V::zip_low16(first, second)), high(V::zip_high16(first, second)) {}
     };
 
     template<bool rows>
     static Register narrow(Register low, Register high) {
         if constexpr (rows)
             return V::narrow32(V::template shift_right32_signed<13>(low),
-                             V::template shift_right32_signed<13>(high));
+                               V::template shift_right32_signed<13>(high));
         else
             return rounded_eighth(V::narrow32(V::template shift_right32_signed<16>(low),
-                                            V::template shift_right32_signed<16>(high)));
+                                              V::template shift_right32_signed<16>(high)));
     }
-    static Register rounded_eighth(Register x) { return V::template shift_right16_signed<3>(V::add16(x, V::all16(4))); }
+    static Register rounded_eighth(Register x) {
+        return V::template shift_right16_signed<3>(V::add16(x, V::all16(4)));
+    }
 
     template<bool rows>
     static Register times_c4(Register x) {
@@ -116,8 +119,7 @@ struct EncodeKernels {
         return narrow<rows>(V::dot16(p.low, factors), V::dot16(p.high, factors));
     }
     template<bool rows>
-    static Register sum_of_4(const Pairs& p, int p1, int p2, const Pairs& q, int q1,
-                      int q2) {
+    static Register sum_of_4(const Pairs& p, int p1, int p2, const Pairs& q, int q1, int q2) {
         const Register p_factors = V::all_pairs16(p1, p2), q_factors = V::all_pairs16(q1, q2);
         return narrow<rows>(V::add32(V::dot16(p.low, p_factors), V::dot16(q.low, q_factors)),
                             V::add32(V::dot16(p.high, p_factors), V::dot16(q.high, q_factors)));
@@ -128,7 +130,7 @@ struct EncodeKernels {
     static void pass(Register (&x)[8]) {
         using namespace dct;
         const Register s07 = V::add16(x[0], x[7]), s16 = V::add16(x[1], x[6]),
-                s25 = V::add16(x[2], x[5]), s34 = V::add16(x[3], x[4]);
+                       s25 = V::add16(x[2], x[5]), s34 = V::add16(x[3], x[4]);
         const Pairs outer(V::sub16(x[0], x[7]), V::sub16(x[1], x[6]));
         const Pairs inner(V::sub16(x[2], x[5]), V::sub16(x[3], x[4]));
         const Register even = V::add16(s07, s34), odd = V::add16(s16, s25);
@@ -144,11 +146,10 @@ struct EncodeKernels {
     }
 
     static Register quantise(Register coefficient, const Quantiser& quantiser, int row) {
-        const Register biased = V::add16(V::magnitude16(coefficient),
-                                  V::load(quantiser.bias[row]));
+        const Register biased = V::add16(V::magnitude16(coefficient), V::load(quantiser.bias[row]));
         const Register scaled = V::multiply_high16(biased, V::load(quantiser.reciprocal[row]));
         return V::with_sign16(V::multiply_high16(scaled, V::load(quantiser.scale[row])),
-                            coefficient);
+                              coefficient);
     }
 
     // V::blocks blocks of the group from block on.

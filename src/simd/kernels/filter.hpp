@@ -93,8 +93,7 @@ struct FilterKernels {
         const int shift = !by.divides ? 0 : shifts ? by.shift - 31 : by.shift;
         const auto quotient = [&](Register sum) {
             const Register value = V::but_not(sum, V::template shift_right32_signed<31>(sum));
-            return shifts ? V::shift_right32(value, shift)
-                          : V::scaled32(value, multiplier, shift);
+            return shifts ? V::shift_right32(value, shift) : V::scaled32(value, multiplier, shift);
         };
         const auto block = [&](size_t i) {
             Register sums[4] = {V::zero(), V::zero(), V::zero(), V::zero()};
@@ -108,9 +107,8 @@ struct FilterKernels {
                 for (int part = 0; part < 4; ++part)
                     sums[part] = V::add32(sums[part], V::dot16(pairs[part], weights[k]));
             }
-            V::store(to + i,
-                     V::narrow16(V::narrow32(quotient(sums[0]), quotient(sums[1])),
-                                 V::narrow32(quotient(sums[2]), quotient(sums[3]))));
+            V::store(to + i, V::narrow16(V::narrow32(quotient(sums[0]), quotient(sums[1])),
+                                         V::narrow32(quotient(sums[2]), quotient(sums[3]))));
         };
         if (!each_step<V::size>(bytes, block))
             scalar::kernels.convolve32(to, rows, bytes, by);
@@ -139,8 +137,7 @@ struct FilterKernels {
         const auto block = [&](size_t i) {
             const Halves after = sum(widened(row + i + 1), widened(above + i));
             const Halves before = sum(widened(row + i - 1), widened(below + i));
-            const Halves corners =
-                difference(widened(above + i + 1), widened(below + i - 1));
+            const Halves corners = difference(widened(above + i + 1), widened(below + i - 1));
             store16(to + i, sum(difference(after, before), sum(corners, corners)));
         };
         if (!each_step<V::size>(count, block))
@@ -173,8 +170,7 @@ struct FilterKernels {
             scalar::kernels.correction(plus, minus, laplacian, count, divisor);
     }
 
-    static void dark_edges(uint8_t* to, const int16_t* v, size_t count, int16_t low,
-                           int16_t high) {
+    static void dark_edges(uint8_t* to, const int16_t* v, size_t count, int16_t low, int16_t high) {
         const Register lowest = V::all16(low), highest = V::all16(high);
         const auto darkness = [&](Register slope) {
             const Register clamped = V::min16(V::max16(slope, lowest), highest);

@@ -104,27 +104,30 @@ struct HueKernels {
         const Register fall = V::sub8_to_0(before, after);
         const Register difference = V::either(V::sub8_to_0(after, before), fall);
         const Register rising = V::equal8(fall, V::all8(0));
-        const Register base = V::but_not(V::select(green_most, V::all8(120), V::all8(240)), red_most);
+        const Register base =
+            V::but_not(V::select(green_most, V::all8(120), V::all8(240)), red_most);
         const Register divisor = V::max8(V::sub8(most, least), V::all8(1));
-        const auto turned = [&](Register difference, Register divisor, Register base, Register rising) {
+        const auto turned = [&](Register difference, Register divisor, Register base,
+                                Register rising) {
             const Register negative = V::differing(rising, V::all16(-1));
             const Register sum = V::add16(hue(difference, divisor, base, negative), by);
             return V::min16_unsigned(sum, V::sub16(sum, V::all16(360)));
         };
-        return {
-            turned(V::widen_low8(difference), V::widen_low8(divisor), V::widen_low8(base), V::zip_low8(rising, rising)),
-            turned(V::widen_high8(difference), V::widen_high8(divisor), V::widen_high8(base),
-                   V::zip_high8(rising, rising)),
-            most, least};
+        return {turned(V::widen_low8(difference), V::widen_low8(divisor), V::widen_low8(base),
+                       V::zip_low8(rising, rising)),
+                turned(V::widen_high8(difference), V::widen_high8(divisor), V::widen_high8(base),
+                       V::zip_high8(rising, rising)),
+                most, least};
     }
 
     static Planes colour(const Parts& p) {
         const Register spread = p.saturation();
         const Position low = position(p.low_hue), high = position(p.high_hue);
-        const Register part =
-            V::narrow16(part16(low.within, V::widen_low8(spread)), part16(high.within, V::widen_high8(spread)));
+        const Register part = V::narrow16(part16(low.within, V::widen_low8(spread)),
+                                          part16(high.within, V::widen_high8(spread)));
         const Register short_of = short8(V::narrow16(low.within, high.within), spread);
-        return colour(V::narrow16(low.sector, high.sector), V::add8(part, short_of), p.most, p.least);
+        return colour(V::narrow16(low.sector, high.sector), V::add8(part, short_of), p.most,
+                      p.least);
     }
 
     static void turn_hue(uint8_t* to, const uint8_t* from, size_t pixels, int32_t degrees) {

@@ -45,7 +45,8 @@ struct RangeKernels {
         return {V::both(p.blue, mask), V::both(p.green, mask), V::both(p.red, mask)};
     }
 
-    static void keep_rgb(uint8_t* to, const uint8_t* from, size_t pixels, const PassBand (&bands)[3]) {
+    static void keep_rgb(uint8_t* to, const uint8_t* from, size_t pixels,
+                         const PassBand (&bands)[3]) {
         const Test8 red(bands[0]), green(bands[1]), blue(bands[2]);
         each_block<3, V::size>(to, from, pixels, [&](uint8_t* out, const uint8_t* in) {
             const Planes p = V::load_planes(in);
@@ -54,13 +55,14 @@ struct RangeKernels {
         });
     }
 
-    static void keep_hsv(uint8_t* to, const uint8_t* from, size_t pixels, const PassBand (&bands)[3]) {
+    static void keep_hsv(uint8_t* to, const uint8_t* from, size_t pixels,
+                         const PassBand (&bands)[3]) {
         const Test16 hue(bands[0]);
         const Test8 saturation(bands[1]), value(bands[2]);
         each_block<3, V::size>(to, from, pixels, [&](uint8_t* out, const uint8_t* in) {
             const auto p = Hue::parts(V::load_planes(in), 0);
             const Register mask = V::both(narrow_mask(hue(p.low_hue), hue(p.high_hue)),
-                                        V::both(saturation(p.saturation()), value(p.most)));
+                                          V::both(saturation(p.saturation()), value(p.most)));
             V::store_planes(out, kept(Hue::colour(p), mask));
         });
     }

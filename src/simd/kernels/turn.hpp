@@ -22,8 +22,8 @@ struct TurnKernels {
     }
 
     template<int bytes>
-    static void transpose(uint8_t* to, ptrdiff_t to_step, const uint8_t* from,
-                          ptrdiff_t from_step, size_t columns, size_t rows) {
+    static void transpose(uint8_t* to, ptrdiff_t to_step, const uint8_t* from, ptrdiff_t from_step,
+                          size_t columns, size_t rows) {
         const auto rest = scalar::kernels.transpose[bytes - 1];
         const size_t whole_columns = columns & ~(side - 1), whole_rows = rows & ~(side - 1);
         const auto target = [&](size_t x, size_t k) {

@@ -36,10 +36,9 @@ std::vector<uint8_t> expected_rows(const Dib& first, Field a, const Dib& second,
         const auto source = block_bytes(from);
         const size_t rows = 40 + from.rows_start() - from.header().biSize;
         for (size_t i = 0; i < stride; ++i) {
-            const size_t at = rows +
-                              static_cast<size_t>(field.y + row / 2) *
-                                  static_cast<size_t>(from.stride()) +
-                              static_cast<size_t>(field.x * bits / 8) + i;
+            const size_t at =
+                rows + static_cast<size_t>(field.y + row / 2) * static_cast<size_t>(from.stride()) +
+                static_cast<size_t>(field.x * bits / 8) + i;
             result[start + static_cast<size_t>(row) * stride + i] =
                 at < source.size() ? source[at] : uint8_t{0};
         }
@@ -51,7 +50,8 @@ TEST(InterLeave, AlternatesStoredRows) {
     Random random(2);
     for (int bits : {24, 32})
         for (int round = 0; round < 200; ++round) {
-            const Dib first = random_image(random, random.between(1, 20), random.between(1, 9), bits);
+            const Dib first =
+                random_image(random, random.between(1, 20), random.between(1, 9), bits);
             const Dib second =
                 random_image(random, random.between(1, 20), random.between(1, 9), bits);
             const int width = random.between(1, std::min(first.width(), second.width()));
@@ -119,8 +119,9 @@ TEST(InterLeave, ChecksHandlesThenSignsThenDepthsThenSizes) {
 
 TEST(InterLeave, ReportsPairsOfRows) {
     const Dib dib = make_dib({3, 12, 24});
-    expect_messages(single_pass_percents(11),
-                    [&] { interleave_status(dib, {0, 0}, dib, {0, 1}, 3, 11); });
+    expect_messages(single_pass_percents(11), [&] {
+        interleave_status(dib, {0, 0}, dib, {0, 1}, 3, 11);
+    });
 }
 
 } // namespace

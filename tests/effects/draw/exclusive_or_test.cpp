@@ -13,14 +13,15 @@ TEST(Xor, FlipsTheColourUnderTheMasks) {
     Random random(1);
     for (int bits : {16, 24, 32})
         for (int round = 0; round < 120; ++round) {
-            const Dib dib = random_image(random, random.between(1, 400), random.between(1, 5), bits);
+            const Dib dib =
+                random_image(random, random.between(1, 400), random.between(1, 5), bits);
             const auto before = block_bytes(dib);
             const Area area = random_area(random, dib);
             const uint32_t colour = random.next();
-            const Colour channels = {static_cast<uint8_t>(colour), static_cast<uint8_t>(colour >> 8),
+            const Colour channels = {static_cast<uint8_t>(colour),
+                                     static_cast<uint8_t>(colour >> 8),
                                      static_cast<uint8_t>(colour >> 16)};
-            const uint32_t word =
-                pixel_of(channels, bits, bits == 24 ? Masks{} : dib.masks());
+            const uint32_t word = pixel_of(channels, bits, bits == 24 ? Masks{} : dib.masks());
             Dib expected = copy_of(dib);
             for (int y = area.y; y < area.y + area.height; ++y)
                 for (int x = area.x; x < area.x + area.width; ++x)
@@ -43,9 +44,8 @@ TEST(Xor, InvertsA24BitImageWithWhite) {
 }
 
 TEST(Xor, ChecksTheRectangleAndTheDepth) {
-    expect_rectangle_checks({16, 24, 32}, -41, [](HGLOBAL dib, const Area& area) {
-        return exclusive_or(dib, area);
-    });
+    expect_rectangle_checks({16, 24, 32}, -41,
+                            [](HGLOBAL dib, const Area& area) { return exclusive_or(dib, area); });
 }
 
 TEST(Xor, ReportsItsRows) {

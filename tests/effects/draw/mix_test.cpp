@@ -85,7 +85,7 @@ TEST(MixBrush, IsExactForEveryWeight) {
         for (int32_t& m : mask3)
             m = random.once_in(3) ? static_cast<int32_t>(random.next()) : random.between(-30, 30);
         for (int32_t& m : mask5)
-            m = random.once_in(9) ? INT32_MIN
+            m = random.once_in(9)   ? INT32_MIN
                 : random.once_in(9) ? INT32_MAX
                                     : random.between(-30, 30);
         Dib24Mix3X3SetMask(mask3);

@@ -11,8 +11,7 @@ struct Kernel {
 };
 
 void set(const Kernel& n) {
-    SetFilter3x3(n.k[0], n.k[1], n.k[2], n.k[3], n.k[4], n.k[5], n.k[6], n.k[7], n.k[8],
-                 n.divisor);
+    SetFilter3x3(n.k[0], n.k[1], n.k[2], n.k[3], n.k[4], n.k[5], n.k[6], n.k[7], n.k[8], n.divisor);
 }
 
 int filter(HGLOBAL dib, const Area& area) {
@@ -87,8 +86,9 @@ TEST(KernelFilter, SumsWeightsOfEverySize) {
         Kernel kernel;
         for (int32_t& k : kernel.k)
             k = random.once_in(3) ? limit : random.between(-limit - (limit > 32767), limit);
-        kernel.divisor = random.once_in(4) ? INT32_MIN
-                                           : random.between(-limit - 1, limit) / random.between(1, 64);
+        kernel.divisor = random.once_in(4)
+                             ? INT32_MIN
+                             : random.between(-limit - 1, limit) / random.between(1, 64);
         ASSERT_NO_FATAL_FAILURE(expect_filtered(random, 24, kernel));
     }
 }

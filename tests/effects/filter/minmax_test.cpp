@@ -103,9 +103,7 @@ void expect_random_images(uint64_t seed, int rounds, int largest,
             }
 }
 
-TEST(ExtremeFilter, FindsTheExtremesOfSmallSquares) {
-    expect_random_images(1, 40, 24, {1, 2, 3});
-}
+TEST(ExtremeFilter, FindsTheExtremesOfSmallSquares) { expect_random_images(1, 40, 24, {1, 2, 3}); }
 
 TEST(ExtremeFilter, FindsTheExtremesOfMiddlingSquares) {
     expect_random_images(2, 15, 40, {7, 8, 15});

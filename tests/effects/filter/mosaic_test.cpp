@@ -117,7 +117,8 @@ TEST(SampleMosaic, SpreadsTheTopLeftPixelOfEachBlock) {
     Random random(1);
     for (int bits : {8, 16, 24, 32})
         for (int round = 0; round < 120; ++round) {
-            const Dib dib = random_image(random, random.between(1, 25), random.between(1, 12), bits);
+            const Dib dib =
+                random_image(random, random.between(1, 25), random.between(1, 12), bits);
             const Area area = random_area(random, dib);
             const int block = random_block(random);
             const auto expected = expected_samples(dib, area, block);
@@ -132,11 +133,12 @@ TEST(AverageMosaic, AveragesBlocksClippedToTheImageAndItsStride) {
     Random random(2);
     for (int bits : {8, 16, 24, 32})
         for (int round = 0; round < 250; ++round) {
-            const Dib dib = random_image(random, random.between(1, 25), random.between(1, 12), bits);
+            const Dib dib =
+                random_image(random, random.between(1, 25), random.between(1, 12), bits);
             const Area area = random_area(random, dib);
             const int block = random_block(random);
-            ASSERT_NO_FATAL_FAILURE(expect_mosaic(dib, area, block, DibMosaicEx2,
-                                                  expected_averages(dib, area, block)));
+            ASSERT_NO_FATAL_FAILURE(
+                expect_mosaic(dib, area, block, DibMosaicEx2, expected_averages(dib, area, block)));
         }
 }
 

@@ -108,8 +108,7 @@ std::vector<uint8_t> expected_colour_edge(const Picture& image, const Area& area
             const int64_t l = plane.laplacian(c, r);
             const bool kept = (mode == 0 && (l < -threshold || l > threshold)) ||
                               (mode == 1 && l > threshold) || (mode == 2 && l < -threshold);
-            result.at(c, r) =
-                kept ? image.at(area.x + c, area.y + r) : Colour{255, 255, 255};
+            result.at(c, r) = kept ? image.at(area.x + c, area.y + r) : Colour{255, 255, 255};
         }
     auto bytes = image_bytes(result, 24, {});
     const auto stride = static_cast<size_t>(stride_of(area.width, 24));
@@ -167,8 +166,11 @@ TEST(Sharpen, GivesMiddleGreyOrWhiteOnAFlatArea) {
     Dib dib = make_dib({4, 3, 24});
     for (int i = 0; i < 12; ++i)
         dib.set_pixel(i % 4, i / 4, 0x405060);
-    for (const auto& [mode, grey] :
-         {std::pair{1, 0x808080u}, {2, 0x808080u}, {3, 0xFFFFFFu}, {4, 0xFFFFFFu}, {5, 0xFFFFFFu}}) {
+    for (const auto& [mode, grey] : {std::pair{1, 0x808080u},
+                                     {2, 0x808080u},
+                                     {3, 0xFFFFFFu},
+                                     {4, 0xFFFFFFu},
+                                     {5, 0xFFFFFFu}}) {
         int32_t status = 99;
         const Dib made(Dib24Sharpen(dib, 0, 0, 4, 3, mode, &status));
         for (int i = 0; i < 12; ++i)
@@ -232,19 +234,18 @@ TEST(SharpenMore, DividesByItsStrength) {
 
 TEST(ColourEdge, KeepsColoursOfTheMirroredBandAtEdges) {
     Random random(4);
-    static constexpr int thresholds[] = {0, 1, 7, 40, 300, 1020, 1021, 5000, -1, -30,
-                                         INT32_MAX, INT32_MIN};
+    static constexpr int thresholds[] = {0,    1,    7,  40,  300,       1020,
+                                         1021, 5000, -1, -30, INT32_MAX, INT32_MIN};
     for (int round = 0; round < 400; ++round) {
         const Dib dib = random_scene(random);
         const auto before = block_bytes(dib);
         const Area area = random_area(random, dib);
         const int threshold = random.pick(thresholds), mode = random.between(-1, 4);
         int32_t status = 99;
-        const Dib made(Dib24ColorEdge(dib, area.x, area.y, area.width, area.height, threshold,
-                                      mode, &status));
+        const Dib made(
+            Dib24ColorEdge(dib, area.x, area.y, area.width, area.height, threshold, mode, &status));
         ASSERT_EQ(status, 0);
-        ASSERT_EQ(block_bytes(made),
-                  expected_colour_edge(picture_of(dib), area, threshold, mode))
+        ASSERT_EQ(block_bytes(made), expected_colour_edge(picture_of(dib), area, threshold, mode))
             << threshold << " " << mode;
         ASSERT_EQ(block_bytes(dib), before);
     }

@@ -120,8 +120,8 @@ TEST(ColourCount, CountsWordsFromTwelveBytesAfterTheHeader) {
         std::set<uint32_t> seen;
         for (int row = 0; row < dib.height(); ++row)
             for (int x = 0; x < dib.width(); ++x) {
-                const size_t at = dib.header().biSize + 12u +
-                                  static_cast<size_t>(dib.stride() * row + 2 * x);
+                const size_t at =
+                    dib.header().biSize + 12u + static_cast<size_t>(dib.stride() * row + 2 * x);
                 const auto byte = [&](size_t i) { return i < block.size() ? block[i] : 0u; };
                 seen.insert(byte(at) | byte(at + 1) << 8);
             }

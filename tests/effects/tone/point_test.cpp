@@ -12,9 +12,7 @@ namespace {
 constexpr double infinity = std::numeric_limits<double>::infinity();
 const double not_a_number = std::numeric_limits<double>::quiet_NaN();
 
-int clamped(int value) {
-    return value < 0 ? 0 : value > 255 ? 255 : value;
-}
+int clamped(int value) { return value < 0 ? 0 : value > 255 ? 255 : value; }
 
 ColourFunction on_each(const std::function<int(int)>& f) {
     return [=](Colour c) { return rgb(f(c.red), f(c.green), f(c.blue)); };

@@ -26,15 +26,15 @@ struct Record {
 };
 
 uint32_t pair(int first, int second) {
-    return static_cast<uint16_t>(first) | static_cast<uint32_t>(static_cast<uint16_t>(second)) << 16;
+    return static_cast<uint16_t>(first) | static_cast<uint32_t>(static_cast<uint16_t>(second))
+                                              << 16;
 }
 
 HGLOBAL run(HGLOBAL dib, const Area& a, const Record& r, int32_t* status) {
-    return Dib24FilterEx(dib, a.x, a.y, a.width, a.height, pair(r.flags, r.range[0].lower),
-                         pair(r.range[0].upper, r.range[0].mode),
-                         pair(r.range[1].lower, r.range[1].upper),
-                         pair(r.range[1].mode, r.range[2].lower),
-                         pair(r.range[2].upper, r.range[2].mode), status);
+    return Dib24FilterEx(
+        dib, a.x, a.y, a.width, a.height, pair(r.flags, r.range[0].lower),
+        pair(r.range[0].upper, r.range[0].mode), pair(r.range[1].lower, r.range[1].upper),
+        pair(r.range[1].mode, r.range[2].lower), pair(r.range[2].upper, r.range[2].mode), status);
 }
 
 int filter_ex(HGLOBAL dib, const Area& area, const Record& record) {
@@ -73,8 +73,8 @@ Hsv hsv_of(const Colour& c) {
 Colour colour_from(const Hsv& hsv) {
     const int sector = hsv.h / 60, m = hsv.v - hsv.s;
     const int f = static_cast<int>((hsv.h - 60 * sector) / 60.0 * hsv.s);
-    const int rgb[6][3] = {{hsv.v, m + f, m}, {hsv.v - f, hsv.v, m}, {m, hsv.v, m + f},
-                           {m, hsv.v - f, hsv.v}, {m + f, m, hsv.v}, {hsv.v, m, hsv.v - f}};
+    const int rgb[6][3] = {{hsv.v, m + f, m},     {hsv.v - f, hsv.v, m}, {m, hsv.v, m + f},
+                           {m, hsv.v - f, hsv.v}, {m + f, m, hsv.v},     {hsv.v, m, hsv.v - f}};
     const int* c = rgb[sector];
     return {static_cast<uint8_t>(c[0]), static_cast<uint8_t>(c[1]), static_cast<uint8_t>(c[2])};
 }
@@ -104,8 +104,7 @@ std::vector<uint8_t> expected(const Dib& dib, const Area& area, const Record& re
     Dib result = make_dib(spec);
     for (int r = 0; r < area.height; ++r)
         for (int c = 0; c < area.width; ++c) {
-            const Colour now =
-                filtered(record, image.at(area.x + c, lowest_row(image, area) + r));
+            const Colour now = filtered(record, image.at(area.x + c, lowest_row(image, area) + r));
             const uint32_t channels[] = {now.red, now.green, now.blue};
             const uint32_t masks[] = {dib.masks().red, dib.masks().green, dib.masks().blue};
             uint32_t pixel = bits == 24 ? pixel_of(now, 24, {}) : 0;
@@ -224,9 +223,8 @@ TEST(RangeFilter, ChecksItsRecordBeforeTheHandle) {
 }
 
 TEST(RangeFilter, ChecksTheRectangleAndTheDepth) {
-    expect_rectangle_checks({24, 32}, -42, [](HGLOBAL dib, const Area& area) {
-        return filter(dib, area, 0, 0, 0);
-    });
+    expect_rectangle_checks(
+        {24, 32}, -42, [](HGLOBAL dib, const Area& area) { return filter(dib, area, 0, 0, 0); });
     for (const int flags : {0x101, 0x102, 0x202})
         expect_rectangle_checks({24, 32}, -42, [&](HGLOBAL dib, const Area& area) {
             return filter_ex(dib, area, {flags, {}});
@@ -237,8 +235,9 @@ TEST(RangeFilter, ReportsItsRows) {
     const Dib dib = make_dib({3, 12, 24});
     expect_messages(single_pass_percents(11), [&] { filter(dib, {0, 1, 3, 11}, 0, 0, 0); });
     for (const int flags : {0x101, 0x102, 0x202})
-        expect_messages(single_pass_percents(11),
-                        [&] { filter_ex(dib, {0, 1, 3, 11}, {flags, {}}); });
+        expect_messages(single_pass_percents(11), [&] {
+            filter_ex(dib, {0, 1, 3, 11}, {flags, {}});
+        });
 }
 
 } // namespace

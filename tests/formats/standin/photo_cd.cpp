@@ -29,9 +29,7 @@ void record(const char* format, ...) {
 
 } // namespace
 
-STANDIN_EXPORT PhotoCdStandIn* WINAPI photo_cd_stand_in() {
-    return &state;
-}
+STANDIN_EXPORT PhotoCdStandIn* WINAPI photo_cd_stand_in() { return &state; }
 
 STANDIN_EXPORT uint32_t WINAPI PCDopen(const char* name, void** photo) {
     record("PCDopen(%s) ", name != nullptr ? name : "null");

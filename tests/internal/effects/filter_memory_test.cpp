@@ -39,20 +39,17 @@ void expect_no_memory(const char* name, int bits, const Maker& make) {
 
 TEST(FilterMemory, NoNeighbourhoodNoResult) {
     SetFilter3x3(0, 0, 0, 0, 1, 0, 0, 0, 0, 1);
-    expect_no_memory("blur", 24, [](HGLOBAL dib, int32_t* s) {
-        return Dib24Gausian(dib, 0, 0, 3, 3, s);
-    });
+    expect_no_memory("blur", 24,
+                     [](HGLOBAL dib, int32_t* s) { return Dib24Gausian(dib, 0, 0, 3, 3, s); });
     for (const int bits : {16, 24, 32})
-        expect_no_memory("kernel", bits, [](HGLOBAL dib, int32_t* s) {
-            return DibFilter3x3(dib, 0, 0, 3, 3, s);
-        });
+        expect_no_memory("kernel", bits,
+                         [](HGLOBAL dib, int32_t* s) { return DibFilter3x3(dib, 0, 0, 3, 3, s); });
     for (const int mode : {0, 1, 3})
         expect_no_memory("sharpen", 24, [&](HGLOBAL dib, int32_t* s) {
             return Dib24Sharpen(dib, 0, 0, 3, 3, mode, s);
         });
-    expect_no_memory("sharpen more", 24, [](HGLOBAL dib, int32_t* s) {
-        return Dib24SharpenEx(dib, 0, 0, 3, 3, 1, s);
-    });
+    expect_no_memory("sharpen more", 24,
+                     [](HGLOBAL dib, int32_t* s) { return Dib24SharpenEx(dib, 0, 0, 3, 3, 1, s); });
     expect_no_memory("colour edge", 24, [](HGLOBAL dib, int32_t* s) {
         return Dib24ColorEdge(dib, 0, 0, 3, 3, 1, 0, s);
     });
@@ -90,15 +87,12 @@ TEST(FilterMemory, NoBlocksNoResult) {
 
 TEST(FilterMemory, NoPattern) {
     for (const int bits : {16, 24, 32}) {
-        expect_no_memory("solid", bits, [&](HGLOBAL, int32_t* s) {
-            return Dib24Solid(3, 2, bits, 1, s);
-        });
-        expect_no_memory("gradient 1", bits, [&](HGLOBAL, int32_t* s) {
-            return Dib24Gradation1(3, 2, bits, 1, 2, s);
-        });
-        expect_no_memory("gradient 2", bits, [&](HGLOBAL, int32_t* s) {
-            return Dib24Gradation2(3, 2, bits, 1, 2, s);
-        });
+        expect_no_memory("solid", bits,
+                         [&](HGLOBAL, int32_t* s) { return Dib24Solid(3, 2, bits, 1, s); });
+        expect_no_memory("gradient 1", bits,
+                         [&](HGLOBAL, int32_t* s) { return Dib24Gradation1(3, 2, bits, 1, 2, s); });
+        expect_no_memory("gradient 2", bits,
+                         [&](HGLOBAL, int32_t* s) { return Dib24Gradation2(3, 2, bits, 1, 2, s); });
         expect_no_memory("gradient 3", bits, [&](HGLOBAL, int32_t* s) {
             return Dib24Gradation3(3, 2, bits, 1, 2, 3, 4, s);
         });

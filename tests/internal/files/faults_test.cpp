@@ -152,13 +152,9 @@ class FaultyWrites : public Faulty, public testing::WithParamInterface<FileWrite
 
 } // namespace
 
-TEST_P(FaultyReads, of_a_file_that_has_shrunk_to_each_size) {
-    read_up_to_each_byte(0);
-}
+TEST_P(FaultyReads, of_a_file_that_has_shrunk_to_each_size) { read_up_to_each_byte(0); }
 
-TEST_P(FaultyReads, of_a_disk_with_an_error_at_each_byte) {
-    read_up_to_each_byte(EIO);
-}
+TEST_P(FaultyReads, of_a_disk_with_an_error_at_each_byte) { read_up_to_each_byte(EIO); }
 
 TEST_P(FaultyReads, in_small_pieces_and_interrupted) {
     for (const size_t piece : {1, 2, 7}) {

@@ -1,7 +1,7 @@
 // Readers when memory runs out: at each allocation the right status, nothing leaked, nothing open.
-#include "image/memory.hpp"
 #include "formats/made_elsewhere.hpp"
 #include "formats/reader.hpp"
+#include "image/memory.hpp"
 
 #include <functional>
 

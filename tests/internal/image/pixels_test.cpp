@@ -14,9 +14,7 @@ using namespace kirvo_test;
 namespace {
 
 // Masks as the tests of the library's users name them.
-kirvo_test::Masks named(const uint32_t (&masks)[3]) {
-    return {masks[0], masks[1], masks[2]};
-}
+kirvo_test::Masks named(const uint32_t (&masks)[3]) { return {masks[0], masks[1], masks[2]}; }
 
 // Position of a mask's lowest one bit, and the length of the run of ones from there.
 int low_zeros(uint32_t mask, int bits) {
@@ -104,18 +102,10 @@ void check_all(int bits, const uint32_t (&formats)[n][3]) {
     }
 }
 
-TEST(PixelRows, UsualMasksOf16BitPixels) {
-    check_all(16, usual16);
-}
-TEST(PixelRows, UsualMasksOf32BitPixels) {
-    check_all(32, usual32);
-}
-TEST(PixelRows, UnusualMasksOf16BitPixels) {
-    check_all(16, unusual16);
-}
-TEST(PixelRows, UnusualMasksOf32BitPixels) {
-    check_all(32, unusual32);
-}
+TEST(PixelRows, UsualMasksOf16BitPixels) { check_all(16, usual16); }
+TEST(PixelRows, UsualMasksOf32BitPixels) { check_all(32, usual32); }
+TEST(PixelRows, UnusualMasksOf16BitPixels) { check_all(16, unusual16); }
+TEST(PixelRows, UnusualMasksOf32BitPixels) { check_all(32, unusual32); }
 
 // From any masks to any masks of the other depth: read as colours, written as pixels.
 void check_across(int from_bits, const uint32_t (&from_masks)[3], int to_bits,

@@ -102,7 +102,7 @@ TEST(ProgressMessages, ProductsWrapAt32Bits) {
     recorder.watch();
     Progress progress;
     progress.start();
-    progress.step(30000000, 40000000);    // 3,000,000,000 wraps below 0
-    progress.step(50000000, 60000000);    // 5,000,000,000 wraps to 705,032,704: 11
+    progress.step(30000000, 40000000); // 3,000,000,000 wraps below 0
+    progress.step(50000000, 60000000); // 5,000,000,000 wraps to 705,032,704: 11
     EXPECT_EQ(recorder.percents(), (std::vector{0, 11}));
 }

@@ -29,8 +29,7 @@ const Member members[] = {
     {kirvo::check_rect_8_to_32, {8, 16, 24, 32}, Status::needs_8_16_24_32},
 };
 
-Status run(Check check, HGLOBAL handle, const Rect& rect,
-           RowStart start = RowStart::after_header) {
+Status run(Check check, HGLOBAL handle, const Rect& rect, RowStart start = RowStart::after_header) {
     return check(LockedDib(handle), rect, start);
 }
 
@@ -64,11 +63,11 @@ TEST(RectangleCheck, Extent) {
     const auto check = [&](const Rect& rect) { return run(kirvo::check_rect_24, dib, rect); };
     EXPECT_EQ(check({0, 0, 6, 4}), Status::ok);
     EXPECT_EQ(check({5, 3, 1, 1}), Status::ok);
-    for (const Rect& bad : {Rect{-1, 0, 1, 1}, Rect{0, -1, 1, 1}, Rect{0, 0, 0, 1},
-                            Rect{0, 0, 1, 0}, Rect{0, 0, -1, 1}, Rect{0, 0, 1, -1},
-                            Rect{0, 0, 7, 4}, Rect{0, 0, 6, 5}, Rect{1, 0, 6, 4},
-                            Rect{0, 1, 6, 4}, Rect{6, 0, 1, 1}, Rect{INT32_MAX, 0, 1, 1},
-                            Rect{0, INT32_MAX, 1, INT32_MAX}, Rect{INT32_MAX, 0, INT32_MAX, 1}})
+    for (const Rect& bad :
+         {Rect{-1, 0, 1, 1}, Rect{0, -1, 1, 1}, Rect{0, 0, 0, 1}, Rect{0, 0, 1, 0},
+          Rect{0, 0, -1, 1}, Rect{0, 0, 1, -1}, Rect{0, 0, 7, 4}, Rect{0, 0, 6, 5},
+          Rect{1, 0, 6, 4}, Rect{0, 1, 6, 4}, Rect{6, 0, 1, 1}, Rect{INT32_MAX, 0, 1, 1},
+          Rect{0, INT32_MAX, 1, INT32_MAX}, Rect{INT32_MAX, 0, INT32_MAX, 1}})
         EXPECT_EQ(check(bad), Status::bad_parameter);
     EXPECT_TRUE(is_unlocked(dib));
 }

@@ -56,7 +56,8 @@ TEST_P(DecodeWithoutMemory, FromMemory) {
     const Bytes stream = stream_of(GetParam());
     const Dib data = block_of(stream);
     const auto decode = [&](int32_t* error) {
-        return JpgDecMainHGLOBAL(data, static_cast<int32_t>(stream.size()), nullptr, nullptr, error);
+        return JpgDecMainHGLOBAL(data, static_cast<int32_t>(stream.size()), nullptr, nullptr,
+                                 error);
     };
     // The input, the image, and the coefficients.
     EXPECT_EQ(failures_until_success(decode, -2), GetParam() ? 3 : 2);

@@ -167,7 +167,8 @@ TEST(EncodeEntropy, random_blocks) {
     for (int round = 0; round < 3000; ++round) {
         const TablePlace& place = round % 2 ? luminance : chrominance;
         Block block;
-        const int32_t one_in = random.between(1, 40), highest = random.pick({1, 3, 63, 64, 200, 1023, 2047});
+        const int32_t one_in = random.between(1, 40),
+                      highest = random.pick({1, 3, 63, 64, 200, 1023, 2047});
         for (int& level : block.level) {
             if (random.once_in(one_in))
                 level = random.between(-highest, highest);
@@ -187,25 +188,28 @@ TEST(EncodeEntropy, the_longest_block_fits) {
     Block block;
     for (int k = 0; k < 64; ++k)
         block.level[k] = k % 2 ? 1023 : -1023;
-    EXPECT_EQ(written(block.group(), luminance, 1023),
-              padded(block.expected(luminance, -2046)));
+    EXPECT_EQ(written(block.group(), luminance, 1023), padded(block.expected(luminance, -2046)));
 }
 
 TEST(EncodeEntropy, runs_of_zeros) {
     for (int position = 1; position < 64; ++position) {
         Block block;
         block.level[position] = -5;
-        EXPECT_EQ(written(block.group(), chrominance, 0),
-                  padded(block.expected(chrominance, 0)))
+        EXPECT_EQ(written(block.group(), chrominance, 0), padded(block.expected(chrominance, 0)))
             << position;
     }
     // 62 zeros, then the last: three runs of sixteen, run 14, no end of block.
     Block last;
     last.level[63] = 1;
-    EXPECT_EQ(written(last.group(), luminance, 0),
-              padded("00" "11111111001" "11111111001" "11111111001" "1111111111101011" "1"));
+    EXPECT_EQ(written(last.group(), luminance, 0), padded("00"
+                                                          "11111111001"
+                                                          "11111111001"
+                                                          "11111111001"
+                                                          "1111111111101011"
+                                                          "1"));
     // None at all: the difference and the end of block.
-    EXPECT_EQ(written(Block().group(), luminance, 0), padded("00" "1010"));
+    EXPECT_EQ(written(Block().group(), luminance, 0), padded("00"
+                                                             "1010"));
 }
 
 TEST(EncodeEntropy, an_ac_value_of_category_11_has_magnitude_bits_alone) {
@@ -244,7 +248,9 @@ TEST(EncodeEntropy, differences_wrap_in_16_bits) {
     Block block;
     block.level[0] = -32768;
     bool good = false;
-    EXPECT_EQ(written(block.group(), luminance, 32767, &good), padded("010" "1" "1010"));
+    EXPECT_EQ(written(block.group(), luminance, 32767, &good), padded("010"
+                                                                      "1"
+                                                                      "1010"));
     EXPECT_TRUE(good);
 }
 
@@ -255,8 +261,9 @@ TEST(EncodeStuffing, zero_bytes_follow_ones_and_nothing_passes_the_end) {
         const int32_t ones_in = random.between(1, 30);
         std::vector<uint8_t> expected;
         for (uint8_t& byte : bytes) {
-            byte = random.once_in(ones_in) ? 0xFF : random.pick({uint8_t{0xFE}, uint8_t{0},
-                                                                 uint8_t{0x7F}, random.byte()});
+            byte = random.once_in(ones_in)
+                       ? 0xFF
+                       : random.pick({uint8_t{0xFE}, uint8_t{0}, uint8_t{0x7F}, random.byte()});
             expected.push_back(byte);
             if (byte == 0xFF)
                 expected.push_back(0);
