@@ -126,6 +126,7 @@ template<typename V>
 struct DecodeKernels {
     using Register = typename V::Register;
     using Halves = typename V::Halves;
+    using Planes = typename V::Planes;
 
     // 115999 = 2 * 65536 - 15073, 91881 = 65536 + 26345, 46812 = 65536 - 18724: the high half of a
     // 16 x 16-bit product is what remains after the shift, rounded down.
@@ -150,22 +151,19 @@ struct DecodeKernels {
 
     static void grey(const int16_t* y, uint8_t* bgr, size_t pixels) {
         const Halves middle = {V::all16(128), V::all16(128)};
-        const size_t whole = each_pixels(bgr, pixels, [&](size_t i, uint8_t* to) {
+        write(bgr, pixels, [&](size_t i) -> Planes {
             const Register level = channel(V::load_halves16(y + i), middle);
-            V::store_planes(to, {level, level, level});
+            return {level, level, level};
         });
-        finish(bgr, pixels, whole, [&](uint8_t* rest) { grey(y + whole, rest, V::size); });
     }
 
     static void colour(const int16_t* y, ChromaTerms terms, uint8_t* bgr, size_t pixels) {
-        const size_t whole = each_pixels(bgr, pixels, [&](size_t i, uint8_t* to) {
+        write(bgr, pixels, [&](size_t i) -> Planes {
             const Halves luma = V::load_halves16(y + i);
-            V::store_planes(to, {channel(luma, V::load_halves16(terms.blue + i)),
-                                 channel(luma, V::load_halves16(terms.green + i)),
-                                 channel(luma, V::load_halves16(terms.red + i))});
+            return {channel(luma, V::load_halves16(terms.blue + i)),
+                    channel(luma, V::load_halves16(terms.green + i)),
+                    channel(luma, V::load_halves16(terms.red + i))};
         });
-        finish(bgr, pixels, whole,
-               [&](uint8_t* rest) { colour(y + whole, terms_from(terms, whole), rest, V::size); });
     }
 
     static void colour_wide(const int16_t* y, ChromaTerms terms, uint8_t* bgr, size_t pixels) {
@@ -173,14 +171,11 @@ struct DecodeKernels {
             const Register v = V::load(from);
             return Halves{V::zip_low16(v, v), V::zip_high16(v, v)};
         };
-        const size_t whole = each_pixels(bgr, pixels, [&](size_t i, uint8_t* to) {
+        write(bgr, pixels, [&](size_t i) -> Planes {
             const Halves luma = V::load_halves16(y + i);
-            V::store_planes(to, {channel(luma, twice(terms.blue + i / 2)),
-                                 channel(luma, twice(terms.green + i / 2)),
-                                 channel(luma, twice(terms.red + i / 2))});
-        });
-        finish(bgr, pixels, whole, [&](uint8_t* rest) {
-            colour_wide(y + whole, terms_from(terms, whole / 2), rest, V::size);
+            return {channel(luma, twice(terms.blue + i / 2)),
+                    channel(luma, twice(terms.green + i / 2)),
+                    channel(luma, twice(terms.red + i / 2))};
         });
     }
 
@@ -189,27 +184,14 @@ struct DecodeKernels {
         return V::narrow16(V::add16(y.low, terms.low), V::add16(y.high, terms.high));
     }
 
-    static ChromaTerms terms_from(const ChromaTerms& terms, size_t i) {
-        return {terms.blue + i, terms.green + i, terms.red + i};
-    }
-
-    // Whole steps straight into the row; how many pixels they are.
-    template<typename Convert>
-    [[gnu::always_inline]] static size_t each_pixels(uint8_t* bgr, size_t pixels,
-                                                     const Convert& convert) {
-        size_t i = 0;
-        for (; i + V::size <= pixels; i += V::size)
-            convert(i, bgr + 3 * i);
-        return i;
-    }
-    // The last pixels by way of a buffer.
-    template<typename Make>
-    static void finish(uint8_t* bgr, size_t pixels, size_t whole, const Make& make) {
-        if (whole == pixels)
-            return;
-        uint8_t rest[3 * V::size];
-        make(rest);
-        std::memcpy(bgr + 3 * whole, rest, 3 * (pixels - whole));
+    // Whole steps straight into the row, the last pixels by way of a buffer.
+    template<typename Made>
+    [[gnu::always_inline]] static void write(uint8_t* bgr, size_t pixels, const Made& made) {
+        uint8_t last[3 * V::size];
+        for (size_t i = 0; i < pixels; i += V::size)
+            V::store_planes(pixels - i >= V::size ? bgr + 3 * i : last, made(i));
+        const size_t rest = pixels % V::size;
+        std::memcpy(bgr + 3 * (pixels - rest), last, 3 * rest);
     }
 };
 
