@@ -98,5 +98,6 @@ void Viewer::show_pixel(std::optional<POINT> pixel) {
 
 void Viewer::refresh_title() {
     const std::wstring mark = history.changed() ? L"*" : L"";
+    SetWindowTextW(view.window(), title.c_str()); // what a screen reader says of the picture
     SetWindowTextW(window, (title.empty() ? L"KirvoView" : title + mark + L" - KirvoView").c_str());
 }

@@ -1,6 +1,8 @@
 // Streams of every kind, whole and in pieces, against a plain decoder.
 #include "jpeg/decode_lockstep.hpp"
 
+#include <algorithm>
+
 using namespace kirvo_test;
 
 namespace {
@@ -66,6 +68,29 @@ TEST_P(EverySampling, LargeCoefficientsWrap) {
     plan.largest = 1023;
     plan.coefficients = 64;
     EXPECT_EQ(both.run({build_jpeg(plan, random)}), 1);
+}
+
+// In the frame header.
+void state_size(Bytes& stream, int width, int height) {
+    const uint8_t marker[] = {0xFF, 0xC0};
+    const auto at = std::search(stream.begin(), stream.end(), std::begin(marker), std::end(marker));
+    const int bytes[] = {height >> 8, height & 255, width >> 8, width & 255};
+    std::copy(std::begin(bytes), std::end(bytes), at + 5);
+}
+
+// The last byte is read again and again, at any of its bits; predictors go on and wrap.
+TEST_P(EverySampling, DataThatEndsLongBeforeThePicture) {
+    Lockstep both;
+    Random random(107);
+    int pictures = 0;
+    for (int i = 0; i < 40; ++i) {
+        SCOPED_TRACE(testing::Message() << "stream " << i);
+        Bytes stream = build_jpeg(plan_of(GetParam(), 20, 20), random);
+        state_size(stream, 300, 70);
+        stream.erase(stream.end() - random.between(2, 30), stream.end());
+        pictures += both.run({stream}) == 1;
+    }
+    EXPECT_GT(pictures, 10);
 }
 
 TEST_P(EverySampling, EveryWayToCutASmallStreamInTwo) {

@@ -72,7 +72,8 @@ def check_contents():
                      "share/bash-completion/completions/kirvo"]
         documents += ["copyright", "changelog.gz"]
     else:
-        expected += ["bin/Kirvo.dll", "bin/KirvoView.exe", "lib/libKirvo.dll.a", "lib/Kirvo.lib", "lib/kirvo.def",
+        expected += ["bin/Kirvo.dll", "bin/KirvoView.exe", "lib/libKirvo.dll.a", "lib/Kirvo.lib",
+                     "lib/kirvo.def",
                      "bin/KirvoFiles.dll", "lib/libKirvoFiles.dll.a", "lib/KirvoFiles.lib",
                      "lib/kirvo_files.def"]
         documents += ["LICENSE"]

@@ -1,7 +1,7 @@
 // The fast entropy decoder: a wide bit buffer and lookup tables, for sound data in the middle of
-// the input. Whatever is out of the ordinary (a marker, a fill byte, the end of the input, an
-// unknown code) it leaves to the careful reader, in exactly the state in which that would have come
-// there.
+// the input. Whatever is out of the ordinary (a marker inside an MCU, a fill byte, the end of the
+// input, an unknown code) it leaves to the careful reader, in exactly the state in which that would
+// have come there.
 #pragma once
 
 #include "jpeg/decode/careful.hpp"
