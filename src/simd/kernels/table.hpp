@@ -18,21 +18,24 @@ namespace {
 template<template<typename> typename Which, typename V>
 using Extreme = ExtremeKernels<V, Which>;
 
-// Eight is the wrapper, of at most 8 words, for blocks of 8 x 8. Pixels are
-// gathered one by one at every level.
-template<typename V, typename Eight>
+// Narrow is the wrapper of at most 32 bytes: for blocks of 8 x 8, and for rows that are read and
+// written anywhere, whose vectors then cross fewer lines of the cache. Pixels are gathered one by one
+// at every level.
+template<typename V, typename Narrow>
 constexpr Kernels table_of() {
     using Bytes = ByteKernels<V>;
+    using Blend = ByteKernels<Narrow>;
     using Pixels = PixelKernels<V>;
     using Filter = FilterKernels<V>;
     using Sums = SumKernels<V>;
     using Turn = TurnKernels<V>;
+    using Exchange = TurnKernels<Narrow>;
     using Decode = DecodeKernels<V>;
     using Encode = EncodeKernels<V>;
     return {
-        .add = Bytes::add,
-        .average = Bytes::average,
-        .subtract = Bytes::subtract,
+        .add = Blend::add,
+        .average = Blend::average,
+        .subtract = Blend::subtract,
         .scale = AnyCount<Bytes::scale, 1, V::size>::run,
         .map = AnyCount<Bytes::map, 1, V::size>::run,
         .invert = AnyCount<Bytes::invert, 1, V::size>::run,
@@ -64,27 +67,27 @@ constexpr Kernels table_of() {
         .dark_edges = Filter::dark_edges,
         .relief = Filter::relief,
         .between = Filter::between,
-        .highest8 = Extreme<Highest8, Eight>::pick,
-        .lowest8 = Extreme<Lowest8, Eight>::pick,
-        .highest_two8 = Extreme<Highest8, Eight>::pick_two,
-        .lowest_two8 = Extreme<Lowest8, Eight>::pick_two,
-        .highest_four8 = Extreme<Highest8, Eight>::pick_four,
-        .lowest_four8 = Extreme<Lowest8, Eight>::pick_four,
-        .highest16 = Extreme<Highest16, Eight>::pick,
-        .highest_two16 = Extreme<Highest16, Eight>::pick_two,
-        .highest_four32 = Extreme<HighestSmall32, Eight>::pick_four,
+        .highest8 = Extreme<Highest8, Narrow>::pick,
+        .lowest8 = Extreme<Lowest8, Narrow>::pick,
+        .highest_two8 = Extreme<Highest8, Narrow>::pick_two,
+        .lowest_two8 = Extreme<Lowest8, Narrow>::pick_two,
+        .highest_four8 = Extreme<Highest8, Narrow>::pick_four,
+        .lowest_four8 = Extreme<Lowest8, Narrow>::pick_four,
+        .highest16 = Extreme<Highest16, Narrow>::pick,
+        .highest_two16 = Extreme<Highest16, Narrow>::pick_two,
+        .highest_four32 = Extreme<HighestSmall32, Narrow>::pick_four,
         .add_to_sums16 = Sums::add_to_sums16,
         .add_to_sums32 = Sums::add_to_sums32,
         .means_of_2 = Sums::template means<2>,
         .means_of_4 = Sums::template means<4>,
         .gather = {gather<1>, gather<2>, gather_24, gather<4>},
-        .exchange_reversed = {Turn::template exchange_reversed<1>,
-                              Turn::template exchange_reversed<2>,
-                              Turn::template exchange_reversed<3>,
-                              Turn::template exchange_reversed<4>},
+        .exchange_reversed = {Exchange::template exchange_reversed<1>,
+                              Exchange::template exchange_reversed<2>,
+                              Exchange::template exchange_reversed<3>,
+                              Exchange::template exchange_reversed<4>},
         .transpose = {Turn::template transpose<1>, Turn::template transpose<2>,
                       Turn::template transpose<3>, Turn::template transpose<4>},
-        .inverse_dct = InverseDct<Eight>::inverse_dct,
+        .inverse_dct = InverseDct<Narrow>::inverse_dct,
         .chroma_terms = Decode::chroma_terms,
         .decoded_grey = Decode::grey,
         .decoded_colour = Decode::colour,
