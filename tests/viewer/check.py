@@ -35,7 +35,7 @@ def main(objdump, program):
         wrong.append(f"wants Windows {version}")
     if os.path.getsize(program) >= LIMIT:
         wrong.append(f"has {os.path.getsize(program)} bytes")
-    sys.exit("\n".join(wrong))
+    sys.exit("\n".join(wrong) or 0)
 
 
 main(*sys.argv[1:])

@@ -73,8 +73,10 @@ Viewer::Viewer(const std::string& picture, const std::string& settings) {
     CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
                    &process_);
     EXPECT_TRUE(wait_for("window shown"));
-    window_ = window_of(process_.dwProcessId, "KirvoView", "");
-    EXPECT_NE(window_, nullptr);
+    EXPECT_TRUE(eventually([&] {
+        window_ = window_of(process_.dwProcessId, "KirvoView", "");
+        return window_ != nullptr;
+    }));
     if (!picture.empty() && picture.substr(0, 4) != "\\\\.\\") {
         EXPECT_TRUE(wait_for("ready"));
     }
