@@ -232,6 +232,7 @@ elseif(TARGET kirvo_tool AND NOT KIRVO_SANITIZE)
     add_test(NAME kirvo_tool_workers
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/workers.py
                      $<TARGET_FILE:kirvo_tool>)
+    set_tests_properties(kirvo_tool_workers PROPERTIES RUN_SERIAL TRUE) # it measures
     add_test(NAME kirvo_readme
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/readme.py
                      $<TARGET_FILE:kirvo_tool> $<TARGET_FILE:kirvo_sample>)

@@ -7,68 +7,51 @@ to another, one that fails is tried again, and a run that was stopped goes on wh
 there and newer than its picture is not made again.
 
 Debian: apt install python3-distributed. Every machine sees FROM and TO under these names, has
-libkirvo.so and libkirvofiles.so; the modules kirvo.py and kirvo_files.py travel there. The guide
-many-machines.md shows how to start workers.
+libkirvo.so and libkirvofiles.so; the Python package kirvo travels there. The guide many-machines.md
+shows how to start workers.
 """
 import argparse
+import contextlib
 import os
 import pathlib
 import sys
+import tempfile
+import zipfile
 
 from distributed import Client, LocalCluster, as_completed
 from distributed.diagnostics.plugin import UploadFile
 
 HERE = pathlib.Path(__file__).resolve().parent
-BINDINGS = [HERE, HERE.parent / "bindings/python"]
+PACKAGE = [HERE / "kirvo", HERE.parent / "bindings/python/src/kirvo"]
 KINDS = {".bmp", ".dib", ".gif", ".ico", ".jfif", ".jpe", ".jpeg", ".jpg", ".png", ".tga", ".tif",
          ".tiff", ".webp"}
 
 
 def thumbnail(source, target, size):
     """Runs on a worker: makes one thumbnail, complete or not at all. Answers why not, or None."""
-    import threading
-    from ctypes import byref, c_int32
-
     import kirvo
-    import kirvo_files
 
-    # Kirvo does one thing at a time in a process, whatever number of threads a worker has.
-    one_at_a_time = kirvo.__dict__.setdefault("one_at_a_time", threading.Lock())
+    try:
+        picture = kirvo.Image.open(source)
+    except kirvo.Error as error:
+        return str(error)  # trying it again would not help
+    scale = min(1, size / max(picture.size))
+    small = picture.resize(*(max(1, round(side * scale)) for side in picture.size))
+    os.makedirs(os.path.dirname(target), exist_ok=True)
+    small.save(target, format=kirvo.flat_files.KIRVO_FILES_JPEG)
+    return None  # a disk may be full in passing: an error there is worth another attempt
 
-    def reduced(picture):
-        header = kirvo.BITMAPINFOHEADER.from_buffer_copy(bytes(picture)[:40])
-        width, height = header.biWidth, header.biHeight
-        scale = min(1, size / max(width, height))
-        status = c_int32()
-        if header.biBitCount <= 8:  # colours of a palette have no average
-            picture = kirvo.Block(kirvo.IncreaseColor16M(picture, byref(status)))
-            kirvo.check(status)
-        small = kirvo.Block(kirvo.Dib24ZoomEx2(picture, 0, 0, width, height,
-                                               max(1, round(width * scale)),
-                                               max(1, round(height * scale)), byref(status), 1))
-        kirvo.check(status)
-        return small
 
-    with one_at_a_time:
-        dib, photo = kirvo.HANDLE(), kirvo_files.KirvoFile()
-        try:
-            kirvo_files.check(kirvo_files.KirvoFilesOpen(os.fsencode(source), None, byref(dib),
-                                                         byref(photo)), photo)
-        except kirvo_files.KirvoFilesError as error:
-            return str(error)  # trying it again would not help
-        finally:
-            kirvo_files.KirvoFilesClose(photo)
-        with kirvo.Block(dib.value) as picture, reduced(picture) as small:
-            os.makedirs(os.path.dirname(target), exist_ok=True)
-            how = kirvo_files.options(kirvo_files.KirvoFilesSaveOptions,
-                                      format=kirvo_files.KIRVO_FILES_JPEG)
-            file = kirvo_files.KirvoFile()
-            try:  # a disk may be full in passing: an error here is worth another attempt
-                kirvo_files.check(kirvo_files.KirvoFilesSave(os.fsencode(target), small, None,
-                                                             byref(how), byref(file)), file)
-            finally:
-                kirvo_files.KirvoFilesClose(file)
-    return None
+@contextlib.contextmanager
+def packed_module():
+    """The Python package as one file, for workers to import."""
+    source = next(place for place in PACKAGE if (place / "__init__.py").exists())
+    with tempfile.TemporaryDirectory() as folder:
+        packed = pathlib.Path(folder, "kirvo.zip")
+        with zipfile.ZipFile(packed, "w") as modules:
+            for module in source.glob("*.py"):
+                modules.write(module, f"kirvo/{module.name}")
+        yield packed
 
 
 def work_to_do(top, to):
@@ -93,9 +76,8 @@ def work_to_do(top, to):
 
 def run(client, work, size):
     """Answers how many have failed."""
-    folder = next(folder for folder in BINDINGS if (folder / "kirvo.py").exists())
-    for module in "kirvo.py", "kirvo_files.py":  # to workers that come later too
-        client.register_worker_plugin(UploadFile(str(folder / module)), name=module)
+    with packed_module() as module:  # to workers that come later too
+        client.register_worker_plugin(UploadFile(str(module)), name="kirvo")
     sources, targets = zip(*work)
     futures = client.map(thumbnail, sources, targets, size=size, retries=3, pure=False)
     source_of = {future.key: source for future, source in zip(futures, sources)}

@@ -1200,8 +1200,10 @@ namespace KirvoImaging
         /// <remarks>With sx = new_width / width and sy = new_height / height in double precision,
         /// destination pixel (i, j) is source pixel (trunc(i / sx + left), top + trunc(j / sy)).
         /// Both coordinates are cut to signed 16 bits, so that images above 32767 pixels give wrong
-        /// columns or rows; those that fall outside the picture take its nearest edge. Reports
-        /// progress per row of the result; a copy, when the size stays, reports none.</remarks>
+        /// columns or rows. A negative column leads into the row below, a negative row above the
+        /// top row; where such bytes do not lie in the image's block, the pixel is the picture's
+        /// nearest. Reports progress per row of the result; a copy, when the size stays, reports
+        /// none.</remarks>
         /// <param name="dib">packed DIB of 8, 16, 24 or 32 bits</param>
         /// <param name="left">rectangle in the picture</param>
         /// <param name="top">rectangle in the picture</param>
