@@ -120,7 +120,8 @@ Status View::open(HGLOBAL block) {
     block_ = block;
     BITMAPINFOHEADER header;
     std::memcpy(&header, data_, sizeof header);
-    const auto rows_high = static_cast<uint64_t>(std::abs(int64_t{header.biHeight}));
+    const int64_t height = header.biHeight;
+    const auto rows_high = static_cast<uint64_t>(height < 0 ? -height : height);
     if (header.biSize < header_bytes || header.biSize > size || header.biWidth <= 0 ||
         rows_high == 0)
         return KIRVO_FILES_BAD_PARAMETER;
