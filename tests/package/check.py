@@ -22,7 +22,7 @@ UNPACKED = pathlib.Path(FOLDER) / PACKAGE / "unpacked"
 WORK = pathlib.Path(FOLDER) / PACKAGE / CHECK
 VERSION = version.TEXT
 SIZE_LIMIT = 400 * 1024
-DESCRIBED = r"format: JPEG\r?\n.*\n *width: \d{3,}" # what the tool says of a picture
+DESCRIBED = r"contact-sheet\.jpg: JPEG, \d+ x \d+, 24 bits, baseline, "
 
 if PACKAGE == "deb":
     PREFIX, DOCUMENTS = UNPACKED / "usr", UNPACKED / "usr/share/doc/kirvo"
