@@ -18,17 +18,15 @@ libkirvofiles.so beside the first library, else the one that the system finds. k
 Written by script/bindings from interface/kirvo_files.txt and kirvo_files.h: changes belong there.
 """
 import ctypes
-import enum
 import os
 import pathlib
-import sys
 from ctypes import (POINTER, Structure, c_char, c_double, c_int32, c_uint16, c_uint32, c_void_p,
                     sizeof)
 
+from ._declared import Code, Functions, WINDOWS, load
 from . import flat as kirvo  # loads the first library, which the second needs
 
-_WINDOWS = sys.platform == "win32"
-_FILE = "KirvoFiles.dll" if _WINDOWS else "libkirvofiles.so"
+_FILE = "KirvoFiles.dll" if WINDOWS else "libkirvofiles.so"
 
 HANDLE = KirvoFile = c_void_p
 
@@ -47,31 +45,18 @@ class Text(ctypes.c_char_p):
 def _load():
     beside = pathlib.Path(os.environ.get("KIRVO_LIBRARY", __file__)).with_name(_FILE)
     path = os.environ.get("KIRVO_FILES_LIBRARY") or (str(beside) if beside.exists() else _FILE)
-    return ctypes.WinDLL(path) if _WINDOWS else ctypes.CDLL(path)
+    return load(path)
 
 
 _files = _load()
 
 #: The functions by their names.
-functions = {}
+functions = Functions()
+_declare = functions.declare
 
 
-def _declare(library, result, *parameters, usage, summary):
-    name = usage.split("(")[0]
-    function = getattr(library, name)
-    function.restype, function.argtypes = result, parameters
-    function.__name__, function.__doc__ = name, f"{usage}\n\n{summary}"
-    functions[name] = function
-    return function
-
-
-class Status(enum.IntEnum):
+class Status(Code):
     """What a call answers: 0 for success, below 0 for an error."""
-    def __new__(cls, value, meaning):
-        status = int.__new__(cls, value)
-        status._value_, status.meaning = value, meaning
-        return status
-
 @statuses@
 
 

@@ -20,15 +20,14 @@ a function is for; kirvo.h tells the ranges and the status codes, under the same
 Written by script/bindings from interface/kirvo.txt and kirvo.h: changes belong there.
 """
 import ctypes
-import enum
 import os
 import pathlib
-import sys
 from ctypes import (CFUNCTYPE, POINTER, Structure, c_double, c_int16, c_int32, c_size_t, c_ssize_t,
                     c_uint8, c_uint16, c_uint32, c_void_p)
 
-_WINDOWS = sys.platform == "win32"
-_FILE = "Kirvo.dll" if _WINDOWS else "libkirvo.so"
+from ._declared import Code, Functions, WINDOWS, load
+
+_FILE = "Kirvo.dll" if WINDOWS else "libkirvo.so"
 
 HANDLE = c_void_p
 
@@ -40,7 +39,7 @@ class FileName(ctypes.c_char_p):
     def from_param(cls, name):
         if name is None or isinstance(name, bytes):
             return super().from_param(name)
-        if _WINDOWS:
+        if WINDOWS:
             return super().from_param(os.fspath(name).encode("mbcs", "strict"))
         return super().from_param(os.fsencode(name))
 
@@ -48,35 +47,20 @@ class FileName(ctypes.c_char_p):
 def _load():
     beside = pathlib.Path(__file__).with_name(_FILE)
     path = os.environ.get("KIRVO_LIBRARY") or (str(beside) if beside.exists() else _FILE)
-    return ctypes.WinDLL(path) if _WINDOWS else ctypes.CDLL(path)
+    return load(path)
 
 
 _kirvo = _load()
-_kernel32 = ctypes.WinDLL("kernel32") if _WINDOWS else _kirvo
-_gdi32 = ctypes.WinDLL("gdi32") if _WINDOWS else _kirvo
+_kernel32 = ctypes.WinDLL("kernel32") if WINDOWS else _kirvo
+_gdi32 = ctypes.WinDLL("gdi32") if WINDOWS else _kirvo
 
 #: The functions by their names.
-functions = {}
+functions = Functions()
+_declare = functions.declare
 
 
-def _declare(library, result, *parameters, usage, summary):
-    name = usage.split("(")[0]
-    if _WINDOWS and name == "KirvoSetWindowHost":
-        return None  # windows are the system's there
-    function = getattr(library, name)
-    function.restype, function.argtypes = result, parameters
-    function.__name__, function.__doc__ = name, f"{usage}\n\n{summary}"
-    functions[name] = function
-    return function
-
-
-class Status(enum.IntEnum):
+class Status(Code):
     """What a call answers: 0 for success, below 0 for an error."""
-    def __new__(cls, value, meaning):
-        status = int.__new__(cls, value)
-        status._value_, status.meaning = value, meaning
-        return status
-
     KIRVO_OK = 0, "Success."
     KIRVO_BAD_PARAMETER = -1, "A rectangle that is empty, negative or outside the image, a value out of its range, or a block of memory smaller than its header says."
     KIRVO_NO_MEMORY = -2, "Memory could not be allocated, or the result would have no pixels or more than 2^31 - 1 bytes, or a JPEG stream has outgrown its block."
@@ -1026,5 +1010,5 @@ def watch(progress):
     global _watcher
     _watcher = progress
     if not _kept:
-        _kept.extend(_open_window() if _WINDOWS else _open_host())
+        _kept.extend(_open_window() if WINDOWS else _open_host())
     KirvoSetProcess(_kept[0], _COMMAND, 1 if progress else 0)
