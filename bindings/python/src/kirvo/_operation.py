@@ -19,7 +19,7 @@ _running: list[Operation] = []
 def _window() -> int:
     """Receives reports: on Windows a hidden window of this thread, so that no other has to fetch
     its messages."""
-    if flat._WINDOWS:
+    if flat.WINDOWS:
         if not hasattr(_local, "window"):
             _local.window = flat._open_window()
         return int(_local.window[0])
