@@ -139,6 +139,7 @@ file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/interface.json CONTENT "{
     \"files_objects\": [\"$<JOIN:$<TARGET_OBJECTS:kirvo_files_objects>,\", \">\"],
     \"c_compiler\": \"${CMAKE_C_COMPILER}\",
     \"cpp_compiler\": \"${CMAKE_CXX_COMPILER}\",
+    \"sanitized\": \"$<BOOL:${KIRVO_SANITIZE}>\",
     \"nm\": \"${CMAKE_NM}\",
     \"objdump\": \"${CMAKE_OBJDUMP}\",
     \"objects\": [\"$<JOIN:$<TARGET_OBJECTS:kirvo_objects>,\", \">\"]

@@ -78,8 +78,10 @@ def check_effects(folder):
 
 def check_cpp(folder):
     """kirvo.hpp by every compiler that is there, at two standards."""
-    compilers = [CONFIG["cpp_compiler"]]
-    if not WINDOWS:
+    compilers, flags = [CONFIG["cpp_compiler"]], []
+    if CONFIG["sanitized"] == "1": # the library's compiler alone has its runtime
+        flags = ["-fsanitize=address,undefined", "-fno-sanitize-recover=all"]
+    elif not WINDOWS:
         need("clang++", "clang")
         compilers.append("clang++")
     libraries = ["-lKirvoFiles", "-lKirvo", "-static"] if WINDOWS else ["-lkirvofiles", "-lkirvo", "-pthread"]
@@ -89,7 +91,7 @@ def check_cpp(folder):
     for compiler in compilers:
         for standard in ("c++17", "c++20"):
             program = folder / ("layer.exe" if WINDOWS else "layer")
-            run(compiler, f"-std={standard}", "-Wall", "-Wextra", "-Wconversion", "-pedantic", "-Werror",
+            run(compiler, f"-std={standard}", *flags, "-Wall", "-Wextra", "-Wconversion", "-pedantic", "-Werror",
                 f"-I{SOURCE}/include", SOURCE / "tests/layers/cpp.cpp", f"-L{FOLDER}", *libraries,
                 "-o", program)
             print(compiler, standard, run(program, folder))
