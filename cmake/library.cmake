@@ -26,7 +26,7 @@ foreach(source IN LISTS kirvo_sources)
     endif()
     if(source MATCHES "/level_[a-z0-9]+\\.cpp$")
         # What is worth vectors has them; the rest of a row is short.
-        list(APPEND isa_flags -fno-tree-vectorize)
+        list(APPEND isa_flags -fno-tree-vectorize -falign-loops=64)
     endif()
     set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${isa_flags}")
 endforeach()

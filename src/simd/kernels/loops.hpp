@@ -28,7 +28,7 @@ struct AnyCount<whole_steps, size, step> {
     }
 
   private:
-    [[gnu::noinline]] static void run_steps(uint8_t* to, const uint8_t* from, size_t count,
+    [[gnu::noinline, gnu::flatten]] static void run_steps(uint8_t* to, const uint8_t* from, size_t count,
                                             Arguments... arguments) {
         whole_steps(to, from, count, arguments...);
     }

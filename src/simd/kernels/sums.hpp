@@ -30,12 +30,17 @@ struct ExtremeKernels {
     using Element = typename Pick::Element;
     static constexpr size_t step = V::size / sizeof(Element);
 
-    // Calls block with the number of an element, for a vector and, at the end, for single ones.
+    // Calls block with the number of an element, for a vector, or for single ones where there are
+    // fewer. The last vector may take elements once more, which does not change an extreme.
     template<typename Block>
     static void each(size_t count, const Block& block) {
         size_t i = 0;
         for (; i + step <= count; i += step)
             block(i, Register{});
+        if (i == count)
+            return;
+        if (i != 0)
+            return block(count - step, Register{});
         for (; i < count; ++i)
             block(i, Element{});
     }

@@ -18,9 +18,9 @@ namespace {
 template<template<typename> typename Which, typename V>
 using Extreme = ExtremeKernels<V, Which>;
 
-// Narrow is the wrapper of at most 32 bytes: for blocks of 8 x 8, and for rows that are read and
-// written anywhere, whose vectors then cross fewer lines of the cache. Pixels are gathered one by one
-// at every level.
+// Narrow is the wrapper of at most 32 bytes: for blocks of 8 x 8, and for two rows that are read and
+// one that is written anywhere, whose vectors then cross fewer lines of the cache. Pixels are
+// gathered one by one at every level.
 template<typename V, typename Narrow>
 constexpr Kernels table_of() {
     using Bytes = ByteKernels<V>;
@@ -67,15 +67,15 @@ constexpr Kernels table_of() {
         .dark_edges = Filter::dark_edges,
         .relief = Filter::relief,
         .between = Filter::between,
-        .highest8 = Extreme<Highest8, Narrow>::pick,
-        .lowest8 = Extreme<Lowest8, Narrow>::pick,
-        .highest_two8 = Extreme<Highest8, Narrow>::pick_two,
-        .lowest_two8 = Extreme<Lowest8, Narrow>::pick_two,
-        .highest_four8 = Extreme<Highest8, Narrow>::pick_four,
-        .lowest_four8 = Extreme<Lowest8, Narrow>::pick_four,
-        .highest16 = Extreme<Highest16, Narrow>::pick,
-        .highest_two16 = Extreme<Highest16, Narrow>::pick_two,
-        .highest_four32 = Extreme<HighestSmall32, Narrow>::pick_four,
+        .highest8 = Extreme<Highest8, V>::pick,
+        .lowest8 = Extreme<Lowest8, V>::pick,
+        .highest_two8 = Extreme<Highest8, V>::pick_two,
+        .lowest_two8 = Extreme<Lowest8, V>::pick_two,
+        .highest_four8 = Extreme<Highest8, V>::pick_four,
+        .lowest_four8 = Extreme<Lowest8, V>::pick_four,
+        .highest16 = Extreme<Highest16, V>::pick,
+        .highest_two16 = Extreme<Highest16, V>::pick_two,
+        .highest_four32 = Extreme<HighestSmall32, V>::pick_four,
         .add_to_sums16 = Sums::add_to_sums16,
         .add_to_sums32 = Sums::add_to_sums32,
         .means_of_2 = Sums::template means<2>,
