@@ -22,6 +22,8 @@ struct Kernels {
     void (*map)(uint8_t* to, const uint8_t* from, size_t bytes, const Levels& levels);
     // Inverts the bits that are set in pattern, which repeats every 4 bytes.
     void (*invert)(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern);
+    // Keeps the bits that are set in pattern, which repeats every 4 bytes.
+    void (*keep_bits)(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern);
     // from | veil; no overlap
     void (*veil)(uint8_t* to, const uint8_t* from, const uint8_t* veil, size_t bytes);
     // from + plus - minus, clamped, where plus or minus is 0; no overlap

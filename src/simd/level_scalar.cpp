@@ -14,6 +14,7 @@ const Kernels kernels = {
     scale,
     map,
     invert,
+    keep_bits,
     veil,
     correct,
     triple,

@@ -23,6 +23,7 @@ const Kernels toy = [] {
     table.scale = AnyCount<Bytes::scale, 1, ToyVector::size>::run;
     table.map = AnyCount<Bytes::map, 1, ToyVector::size>::run;
     table.invert = AnyCount<Bytes::invert, 1, ToyVector::size>::run;
+    table.keep_bits = AnyCount<Bytes::keep_bits, 1, ToyVector::size>::run;
     table.veil = Bytes::veil;
     table.correct = Bytes::correct;
     table.triple = Bytes::triple;
@@ -46,8 +47,9 @@ TEST_P(ToyTest, DoesWhatTheOracleDoes) { check(case_named(GetParam()), {{"the to
 
 INSTANTIATE_TEST_SUITE_P(Kernels, ToyTest,
                          testing::Values("add", "average", "subtract", "scale", "map", "invert",
-                                         "veil", "correct", "triple", "copy_past_caches", "set_hue",
-                                         "turn_hue", "keep_rgb", "keep_hsv"),
+                                         "keep_bits", "veil", "correct", "triple",
+                                         "copy_past_caches", "set_hue", "turn_hue", "keep_rgb",
+                                         "keep_hsv"),
                          [](const auto& tested) { return std::string(tested.param); });
 
 } // namespace kirvo_test

@@ -20,18 +20,19 @@ bool keeps_pixels(Blend blend) {
 
 const uint8_t* key_of(Blend blend) { return blend == Blend::key_colour ? key_colour : black; }
 
-void compose_24(Blend blend, uint8_t* to, const uint8_t* from, size_t count) {
+void blend_bytes(Blend blend, uint8_t* to, const uint8_t* from, size_t bytes) {
     const Kernels& k = kernels();
-    switch (blend) {
-    case Blend::add:
-        return k.add(to, from, 3 * count);
-    case Blend::average:
-        return k.average(to, from, 3 * count);
-    case Blend::subtract:
-        return k.subtract(to, from, 3 * count);
-    default:
-        return k.replace(to, from, count, key_of(blend));
-    }
+    const auto blended = blend == Blend::add       ? k.add
+                         : blend == Blend::average ? k.average
+                                                   : k.subtract;
+    blended(to, from, bytes);
+}
+
+void compose_24(Blend blend, uint8_t* to, const uint8_t* from, size_t count) {
+    if (keeps_pixels(blend))
+        kernels().replace(to, from, count, key_of(blend));
+    else
+        blend_bytes(blend, to, from, 3 * count);
 }
 
 // Result channels go to their shifts with all 8 bits: a sum that a narrow mask cannot hold reaches
@@ -46,8 +47,13 @@ PixelFormat whole_channels(PixelFormat format) {
 // one row.
 void compose_chunk(Blend blend, const PixelFormat& format, uint8_t* to, const uint8_t* from,
                    size_t count) {
-    const PixelFormat result = whole_channels(format);
     uint8_t source[3 * pixels_at_once], words[4 * pixels_at_once];
+    if (format.bits == 32 && format.has_byte_channels() && !keeps_pixels(blend)) {
+        std::memcpy(words, from, 4 * count);
+        blend_bytes(blend, to, words, 4 * count);
+        return kernels().keep_bits(to, to, 4 * count, format.masks.sum());
+    }
+    const PixelFormat result = whole_channels(format);
     unpack_row(format, from, source, count);
     if (format.bits == 24)
         return compose_24(blend, to, source, count);

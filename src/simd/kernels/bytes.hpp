@@ -54,12 +54,15 @@ struct ByteKernels {
         }
     }
 
-    static void invert(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
-        const Register inverted = V::all32(static_cast<int>(pattern));
+    template<Register combine(Register, Register)>
+    static void with_pattern(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
+        const Register repeated = V::all32(static_cast<int>(pattern));
         each_block<1, V::size>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
-            V::store(out, V::differing(V::load(in), inverted));
+            V::store(out, combine(V::load(in), repeated));
         });
     }
+    static constexpr auto invert = with_pattern<V::differing>;
+    static constexpr auto keep_bits = with_pattern<V::both>;
 
     static void veil(uint8_t* to, const uint8_t* from, const uint8_t* veil, size_t bytes) {
         const auto block = [&](size_t i) {

@@ -28,8 +28,8 @@ struct AnyCount<whole_steps, size, step> {
     }
 
   private:
-    [[gnu::noinline, gnu::flatten]] static void run_steps(uint8_t* to, const uint8_t* from, size_t count,
-                                            Arguments... arguments) {
+    [[gnu::noinline, gnu::flatten]] static void run_steps(uint8_t* to, const uint8_t* from,
+                                                          size_t count, Arguments... arguments) {
         whole_steps(to, from, count, arguments...);
     }
 };

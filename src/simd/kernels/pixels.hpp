@@ -100,9 +100,26 @@ struct PixelKernels {
         }
     };
 
+    // Where every field stays in its place.
+    struct Stays {
+        Register keep;
+
+        explicit Stays(const Moves& moves)
+            : keep(V::either(V::either(moves.keep[0], moves.keep[1]), moves.keep[2])) {}
+        Register operator()(Register words) const { return V::both(words, keep); }
+    };
+
     template<int from_bytes, int to_bytes>
     static void convert(const uint8_t* from, uint8_t* to, size_t pixels, const PixelMoves& moves) {
         const Moves moved(moves);
+        if (moves.stay())
+            convert_by<from_bytes, to_bytes>(from, to, pixels, Stays(moved));
+        else
+            convert_by<from_bytes, to_bytes>(from, to, pixels, moved);
+    }
+
+    template<int from_bytes, int to_bytes, typename Move>
+    static void convert_by(const uint8_t* from, uint8_t* to, size_t pixels, const Move& moved) {
         constexpr size_t step = V::words;
         for (; pixels >= step; pixels -= step, from += step * from_bytes, to += step * to_bytes)
             V::template store_row<to_bytes>(to, moved(V::template load_row<from_bytes>(from)));
@@ -110,7 +127,7 @@ struct PixelKernels {
             return;
         uint8_t in[step * from_bytes] = {}, out[step * to_bytes];
         std::memcpy(in, from, pixels * from_bytes);
-        convert<from_bytes, to_bytes>(in, out, step, moves);
+        V::template store_row<to_bytes>(out, moved(V::template load_row<from_bytes>(in)));
         std::memcpy(to, out, pixels * to_bytes);
     }
 };

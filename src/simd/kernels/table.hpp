@@ -39,6 +39,7 @@ constexpr Kernels table_of() {
         .scale = AnyCount<Bytes::scale, 1, V::size>::run,
         .map = AnyCount<Bytes::map, 1, V::size>::run,
         .invert = AnyCount<Bytes::invert, 1, V::size>::run,
+        .keep_bits = AnyCount<Bytes::keep_bits, 1, V::size>::run,
         .veil = Bytes::veil,
         .correct = Bytes::correct,
         .triple = Bytes::triple,
