@@ -99,11 +99,16 @@ struct VectorX86 {
     static Register sub32(Register a, Register b) { return KIRVO_MM(sub_epi32)(a, b); }
     // Sums of the products of two signed 16-bit numbers side by side.
     static Register dot16(Register a, Register b) { return KIRVO_MM(madd_epi16)(a, b); }
-    static Register shift_left32(Register a, int count) {
-        return KIRVO_MM(sll_epi32)(a, _mm_cvtsi32_si128(count));
+    // A count of bits for all lanes.
+    struct Count {
+        __m128i bits;
+        explicit Count(uint32_t count) : bits(_mm_cvtsi32_si128(static_cast<int>(count))) {}
+    };
+    static Register shift_left32(Register a, Count count) {
+        return KIRVO_MM(sll_epi32)(a, count.bits);
     }
-    static Register shift_right32(Register a, int count) {
-        return KIRVO_MM(srl_epi32)(a, _mm_cvtsi32_si128(count));
+    static Register shift_right32(Register a, Count count) {
+        return KIRVO_MM(srl_epi32)(a, count.bits);
     }
     template<int count>
     static Register shift_left32(Register a) {

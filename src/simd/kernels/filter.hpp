@@ -91,9 +91,10 @@ struct FilterKernels {
         const uint32_t multiplier = by.multiplier;
         const bool shifts = !by.divides || multiplier == uint32_t{1} << 31;
         const int shift = !by.divides ? 0 : shifts ? by.shift - 31 : by.shift;
+        const typename V::Count places(static_cast<uint32_t>(shift));
         const auto quotient = [&](Register sum) {
             const Register value = V::but_not(sum, V::template shift_right32_signed<31>(sum));
-            return shifts ? V::shift_right32(value, shift) : V::scaled32(value, multiplier, shift);
+            return shifts ? V::shift_right32(value, places) : V::scaled32(value, multiplier, shift);
         };
         const auto block = [&](size_t i) {
             Register sums[4] = {V::zero(), V::zero(), V::zero(), V::zero()};
