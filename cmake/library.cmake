@@ -26,7 +26,11 @@ foreach(source IN LISTS kirvo_sources)
     endif()
     if(source MATCHES "/level_[a-z0-9]+\\.cpp$")
         # What is worth vectors has them; the rest of a row is short.
-        list(APPEND isa_flags -fno-tree-vectorize -falign-loops=64)
+        list(APPEND isa_flags -fno-tree-vectorize)
+        if(NOT WIN32)
+            # A loop across lines of the cache may take a quarter more. The DLL is kept small instead.
+            list(APPEND isa_flags -falign-loops=64)
+        endif()
     endif()
     set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${isa_flags}")
 endforeach()

@@ -1,6 +1,6 @@
 // Plain C++: the definition of every kernel.
+#include "simd/kernels/turn.hpp"
 #include "simd/scalar_areas.hpp"
-#include "simd/scalar_gather.hpp"
 #include "simd/scalar_jpeg.hpp"
 #include "simd/scalar_points.hpp"
 

@@ -2,7 +2,7 @@
 #include "kernels/harness.hpp"
 #include "kernels/toy_vector.hpp"
 #include "simd/kernels/bytes.hpp"
-#include "simd/kernels/range.hpp"
+#include "simd/kernels/hue.hpp"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,6 @@ namespace {
 const Kernels toy = [] {
     using Bytes = ByteKernels<ToyVector>;
     using Hue = HueKernels<ToyVector>;
-    using Range = RangeKernels<ToyVector>;
     Kernels table = scalar::kernels;
     table.add = Bytes::add;
     table.average = Bytes::average;
@@ -30,8 +29,8 @@ const Kernels toy = [] {
     table.copy_past_caches = Bytes::copy_past_caches;
     table.set_hue = AnyCount<Hue::set_hue, 3, ToyVector::size>::run;
     table.turn_hue = AnyCount<Hue::turn_hue, 3, ToyVector::size>::run;
-    table.keep_rgb = AnyCount<Range::keep_rgb, 3, ToyVector::size>::run;
-    table.keep_hsv = AnyCount<Range::keep_hsv, 3, ToyVector::size>::run;
+    table.keep_rgb = AnyCount<Hue::keep_rgb, 3, ToyVector::size>::run;
+    table.keep_hsv = AnyCount<Hue::keep_hsv, 3, ToyVector::size>::run;
     return table;
 }();
 

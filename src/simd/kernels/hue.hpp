@@ -1,4 +1,4 @@
-// Hues of 24-bit pixels set and turned.
+// Hues of 24-bit pixels set and turned; pixels kept where their values lie in bands.
 //
 // The definition divides in doubles and truncates. Whole numbers give the same, except where a
 // quotient that should come out whole falls just short of it in doubles. The differences of channels
@@ -159,6 +159,53 @@ struct HueKernels {
             const Register part = V::narrow16(part16(within16, low), part16(within16, high));
             V::store_planes(out, colour(sector, V::add8(part, short8(within8, spread)), most,
                                         V::sub8(most, spread)));
+        });
+    }
+
+    // Which values pass a band, as masks. One number compared serves both ends: what lies below
+    // the lowest wraps round.
+    template<auto all, auto sub, auto min, auto equal, int32_t most>
+    struct Test {
+        Register lowest, extent, inverted;
+
+        explicit Test(const PassBand& band)
+            : lowest(all(band.lowest)), extent(all(band.extent < most ? band.extent : most)),
+              inverted(all(-band.outside)) {}
+        Register operator()(Register values) const {
+            const Register above = sub(values, lowest);
+            return V::differing(equal(min(above, extent), above), inverted);
+        }
+    };
+    using Test8 = Test<V::all8, V::sub8, V::min8, V::equal8, 255>;
+    using Test16 = Test<V::all16, V::sub16, V::min16_unsigned, V::equal16, 32767>;
+
+    // The mask of bytes for those of two halves.
+    static Register narrow_mask(Register low, Register high) {
+        return V::narrow16(V::template shift_right16<8>(low), V::template shift_right16<8>(high));
+    }
+    static Planes kept(const Planes& p, Register mask) {
+        return {V::both(p.blue, mask), V::both(p.green, mask), V::both(p.red, mask)};
+    }
+
+    static void keep_rgb(uint8_t* to, const uint8_t* from, size_t pixels,
+                         const PassBand (&bands)[3]) {
+        const Test8 red(bands[0]), green(bands[1]), blue(bands[2]);
+        each_block<3, V::size>(to, from, pixels, [&](uint8_t* out, const uint8_t* in) {
+            const Planes p = V::load_planes(in);
+            const Register mask = V::both(V::both(red(p.red), green(p.green)), blue(p.blue));
+            V::store_planes(out, kept(p, mask));
+        });
+    }
+
+    static void keep_hsv(uint8_t* to, const uint8_t* from, size_t pixels,
+                         const PassBand (&bands)[3]) {
+        const Test16 hue(bands[0]);
+        const Test8 saturation(bands[1]), value(bands[2]);
+        each_block<3, V::size>(to, from, pixels, [&](uint8_t* out, const uint8_t* in) {
+            const auto p = parts(V::load_planes(in), 0);
+            const Register mask = V::both(narrow_mask(hue(p.low_hue), hue(p.high_hue)),
+                                          V::both(saturation(p.saturation()), value(p.most)));
+            V::store_planes(out, kept(colour(p), mask));
         });
     }
 };

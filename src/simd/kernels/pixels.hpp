@@ -91,32 +91,18 @@ struct PixelKernels {
             return V::both(V::shift_left32(V::shift_right32(words, right), left), keep);
         }
     };
-    struct Moves {
-        Move red, green, blue;
-
-        explicit Moves(const PixelMoves& moves)
-            : red(moves.channel[0]), green(moves.channel[1]), blue(moves.channel[2]) {}
-        Register operator()(Register words) const {
-            return V::either(V::either(red(words), green(words)), blue(words));
-        }
-    };
-
-    // Where every field stays in its place.
-    struct Stays {
-        Register keep;
-
-        explicit Stays(const Moves& moves)
-            : keep(V::either(V::either(moves.red.keep, moves.green.keep), moves.blue.keep)) {}
-        Register operator()(Register words) const { return V::both(words, keep); }
-    };
-
     template<int from_bytes, int to_bytes>
     static void convert(const uint8_t* from, uint8_t* to, size_t pixels, const PixelMoves& moves) {
-        const Moves moved(moves);
-        if (moves.stay())
-            convert_by<from_bytes, to_bytes>(from, to, pixels, Stays(moved));
-        else
-            convert_by<from_bytes, to_bytes>(from, to, pixels, moved);
+        const Move red(moves.channel[0]), green(moves.channel[1]), blue(moves.channel[2]);
+        if constexpr (from_bytes > 2 && to_bytes > 2) {
+            const Register all = V::either(V::either(red.keep, green.keep), blue.keep);
+            if (moves.stay())
+                return convert_by<from_bytes, to_bytes>(
+                    from, to, pixels, [=](Register words) { return V::both(words, all); });
+        }
+        convert_by<from_bytes, to_bytes>(from, to, pixels, [=](Register words) {
+            return V::either(V::either(red(words), green(words)), blue(words));
+        });
     }
 
     template<int from_bytes, int to_bytes, typename F>

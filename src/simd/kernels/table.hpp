@@ -7,16 +7,11 @@
 #include "simd/kernels/filter.hpp"
 #include "simd/kernels/hue.hpp"
 #include "simd/kernels/pixels.hpp"
-#include "simd/kernels/range.hpp"
 #include "simd/kernels/sums.hpp"
 #include "simd/kernels/turn.hpp"
-#include "simd/scalar_gather.hpp"
 
 namespace kirvo {
 namespace {
-
-template<template<typename> typename Which, typename V>
-using Extreme = ExtremeKernels<V, Which>;
 
 // Narrow is the wrapper of at most 32 bytes: for blocks of 8 x 8, and for two rows that are read and
 // one that is written anywhere, whose vectors then cross fewer lines of the cache. Pixels are
@@ -27,6 +22,10 @@ constexpr Kernels table_of() {
     using Blend = ByteKernels<Narrow>;
     using Pixels = PixelKernels<V>;
     using Filter = FilterKernels<V>;
+    using Highest8 = ExtremeKernels<V, uint8_t, V::max8>;
+    using Lowest8 = ExtremeKernels<V, uint8_t, V::min8>;
+    using Highest16 = ExtremeKernels<V, uint16_t, V::max16_unsigned>;
+    using Highest32 = ExtremeKernels<V, uint32_t, V::max32>;
     using Sums = SumKernels<V>;
     using Turn = TurnKernels<V>;
     using Exchange = TurnKernels<Narrow>;
@@ -49,8 +48,8 @@ constexpr Kernels table_of() {
         .grey = AnyCount<Pixels::grey, 3, V::size>::run,
         .set_hue = AnyCount<HueKernels<V>::set_hue, 3, V::size>::run,
         .turn_hue = AnyCount<HueKernels<V>::turn_hue, 3, V::size>::run,
-        .keep_rgb = AnyCount<RangeKernels<V>::keep_rgb, 3, V::size>::run,
-        .keep_hsv = AnyCount<RangeKernels<V>::keep_hsv, 3, V::size>::run,
+        .keep_rgb = AnyCount<HueKernels<V>::keep_rgb, 3, V::size>::run,
+        .keep_hsv = AnyCount<HueKernels<V>::keep_hsv, 3, V::size>::run,
         .replace = Pixels::replace,
         .luminance = Pixels::luminance,
         .from16to24 = Pixels::template convert<2, 3>,
@@ -68,15 +67,15 @@ constexpr Kernels table_of() {
         .dark_edges = Filter::dark_edges,
         .relief = Filter::relief,
         .between = Filter::between,
-        .highest8 = Extreme<Highest8, V>::pick,
-        .lowest8 = Extreme<Lowest8, V>::pick,
-        .highest_two8 = Extreme<Highest8, V>::pick_two,
-        .lowest_two8 = Extreme<Lowest8, V>::pick_two,
-        .highest_four8 = Extreme<Highest8, V>::pick_four,
-        .lowest_four8 = Extreme<Lowest8, V>::pick_four,
-        .highest16 = Extreme<Highest16, V>::pick,
-        .highest_two16 = Extreme<Highest16, V>::pick_two,
-        .highest_four32 = Extreme<HighestSmall32, V>::pick_four,
+        .highest8 = Highest8::template pick<&Kernels::highest8>,
+        .lowest8 = Lowest8::template pick<&Kernels::lowest8>,
+        .highest_two8 = Highest8::template pick_two<&Kernels::highest_two8>,
+        .lowest_two8 = Lowest8::template pick_two<&Kernels::lowest_two8>,
+        .highest_four8 = Highest8::template pick_four<&Kernels::highest_four8>,
+        .lowest_four8 = Lowest8::template pick_four<&Kernels::lowest_four8>,
+        .highest16 = Highest16::template pick<&Kernels::highest16>,
+        .highest_two16 = Highest16::template pick_two<&Kernels::highest_two16>,
+        .highest_four32 = Highest32::template pick_four<&Kernels::highest_four32>,
         .add_to_sums16 = Sums::add_to_sums16,
         .add_to_sums32 = Sums::add_to_sums32,
         .means_of_2 = Sums::template means<2>,
