@@ -39,4 +39,21 @@ if(KIRVO_TESTS)
                          ${KIRVO_NATIVE_LIBRARY})
         set_tests_properties(kirvo_javascript_${check} PROPERTIES TIMEOUT 300)
     endforeach()
+    include(cmake/googletest.cmake)
+endif()
+
+# Every kernel at both levels, in Node.
+if(TARGET gtest)
+    file(GLOB kernel_test_sources CONFIGURE_DEPENDS tests/kernels/*.cpp)
+    add_executable(kirvo_kernel_tests ${kernel_test_sources})
+    target_include_directories(kirvo_kernel_tests PRIVATE tests)
+    target_link_libraries(kirvo_kernel_tests PRIVATE gtest kirvo_objects)
+    target_link_options(kirvo_kernel_tests PRIVATE -sALLOW_MEMORY_GROWTH -sEXIT_RUNTIME -sNODERAWFS)
+    set_target_properties(kirvo_kernel_tests PROPERTIES # Emscripten's tools find their modules
+        RULE_LAUNCH_LINK "${CMAKE_COMMAND} -E env NODE_PATH=/usr/share/nodejs")
+    add_test(NAME kirvo_kernel_tests
+             COMMAND node $<TARGET_FILE:kirvo_kernel_tests> --gtest_brief=1
+                     --gtest_output=xml:reports/kirvo_kernel_tests.xml
+             WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
+    set_tests_properties(kirvo_kernel_tests PROPERTIES TIMEOUT 300)
 endif()

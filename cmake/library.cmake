@@ -19,8 +19,6 @@ foreach(source IN LISTS kirvo_sources)
     set(isa_flags)
     if(source MATCHES "/level_avx2\\.cpp$")
         set(isa_flags -mavx2)
-    elseif(source MATCHES "/level_wasm\\.cpp$")
-        set(isa_flags -msimd128)
     elseif(source MATCHES "/level_avx512\\.cpp$")
         # GCC 12 warns of its own AVX-512 headers.
         set(isa_flags -mavx512f -mavx512bw -mavx512dq -mavx512vl -mavx512vbmi -Wno-uninitialized

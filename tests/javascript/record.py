@@ -25,7 +25,7 @@ sys.path.insert(0, str(SOURCE / "bindings/python/src"))
 from description import Description
 from header import Header
 from layers import Layers
-from languages.javascript import ARRAYS, functions, kind
+from languages.javascript import ARRAYS, camel, functions, kind
 from kirvo import flat
 
 DEPTHS = (8, 16, 24, 24, 32)
@@ -62,7 +62,8 @@ class Recorder:
                           for function in functions(group)}
         self.steps, self.blocks, self.count = [], {}, 0
         self.succeeded = dict.fromkeys(self.functions, 0)
-        self.depths = {method.function.name: method.depths for method in Layers(Description(), Header()).methods}
+        self.methods = Layers(Description(), Header()).methods
+        self.depths = {method.function.name: method.depths for method in self.methods}
 
     # What is seen
 
@@ -149,8 +150,9 @@ class Recorder:
         flat.GlobalUnlock(self.blocks[number])
         return flat.BITMAPINFOHEADER.from_buffer_copy(data)
 
-    def picture(self):
-        """A picture of any depth: noise, or noise in large patches; sometimes its header lies."""
+    def picture(self, sound=False):
+        """A picture of any depth: noise, or noise in large patches; sometimes its header lies, unless it is
+        to be sound."""
         draw = self.random
         bits = draw.choice((1, 4, *DEPTHS))
         width, height = (draw.choice((1, 2, 3, draw.randint(1, 90))) for _ in range(2))
@@ -175,7 +177,9 @@ class Recorder:
         header = flat.BITMAPINFOHEADER(40, width, height, 1, bits, 3 if masks else 0, stride * height,
                                        0, 0, used, 0)
         data = bytearray(bytes(header) + masks + colours + bytes(rows))
-        if draw.random() < 0.03:
+        if sound:
+            pass
+        elif draw.random() < 0.03:
             data[draw.choice((0, 4, 8, 14, 16, 32))] ^= 1 << draw.randrange(8)
         elif draw.random() < 0.03:
             del data[-draw.randint(1, 50):]
@@ -373,6 +377,85 @@ class Recorder:
         for number in filter(None, new):
             self.settle("JpgDecNext", number)
 
+    # Methods of pictures, each as its function and what layers.txt tells
+
+    def method(self, method):
+        """A method called with another picture each time: ["method", [name, picture, values], [], seen]."""
+        draw, dib = self.random, None
+        number, other = self.picture(sound=True), self.picture(sound=True)
+        self.passing += [number, other]
+        if method.way != "static":
+            dib = self.at(self.blocks[number], method.depths)
+        drawn = {one.name: self.drawn(method, one, other) for one in method.parameters}
+        area = self.area(flat.BITMAPINFOHEADER.from_address(flat.GlobalLock(dib))) if method.has_area else {}
+        shown = [given for given, _ in drawn.values()]
+        if method.has_area:
+            shown.append(draw.choice((None, {name: area[name] for name in ("x", "y", "width", "height")})))
+        seen = self.answer(method, dib, drawn, shown[-1] if method.has_area else None, other)
+        self.steps.append(["method", [camel(method.name), None if dib is None else number, shown], [], seen])
+
+    def answer(self, method, dib, drawn, area, other):
+        """What the function does to the picture, which is freed."""
+        status, values, second = ctypes.c_int32(), [], None
+        own = size_of(dib) if dib else (0, 0)
+        area = area or {"x": 0, "y": 0, "width": own[0], "height": own[1]}
+        if any(one.role == "other" for one in method.arguments):
+            depth = flat.BITMAPINFOHEADER.from_address(flat.GlobalLock(dib)).biBitCount
+            second = self.at(self.blocks[other], (depth,))
+        for one in method.arguments:
+            if one.role == "fixed" and "." in one.value:
+                size = size_of(second) if one.value.startswith("other") else own
+                values.append(size["height" in one.value])
+            else:
+                values.append({"own": lambda: dib, "other": lambda: second, "status": lambda: ctypes.byref(status),
+                               "fixed": lambda: int(one.value), "given": lambda: drawn[one.name][1],
+                               }.get(one.role, lambda: area[one.role])())
+        result = getattr(flat, method.function.name)(*values)
+        made = result if method.way == "static" or method.makes else dib if result >= 0 else None
+        seen = [self.block(made)] if made else ["error", status.value if method.makes else result]
+        for block in {dib, second, made} - {None}:
+            flat.GlobalFree(block)
+        return seen
+
+    def at(self, block, depths):
+        """A copy of a picture at one of these depths: its own, or else the only one, or 24 bits."""
+        bits = flat.BITMAPINFOHEADER.from_address(flat.GlobalLock(block)).biBitCount
+        if bits in depths:
+            size = flat.GlobalSize(block)
+            copy = flat.GlobalAlloc(flat.GHND, size)
+            ctypes.memmove(flat.GlobalLock(copy), flat.GlobalLock(block), size)
+            return copy
+        wanted = depths[0] if len(depths) == 1 else 24
+        convert = {16: flat.DibConvert16bit, 24: flat.DibConvert24bit, 32: flat.DibConvert32bit}[wanted]
+        if bits > 8:
+            return convert(block, None)
+        made = flat.IncreaseColor16M(block, None)
+        if wanted == 24:
+            return made
+        try:
+            return convert(made, None)
+        finally:
+            flat.GlobalFree(made)
+
+    def drawn(self, method, one, other):
+        """A value as the recording shows it, and as the function takes it."""
+        draw = self.random
+        if one.role == "other":
+            return {"block": other}, None
+        if method.name == "keep_channels":
+            lower, upper = sorted((draw.randrange(256), draw.randrange(256)))
+            test = draw.randrange(3)
+            return {"range": {"lower": lower, "upper": upper, "test": test}}, lower | upper << 8 | test << 16
+        if one.kind == "byte":
+            table = draw.randbytes(256)
+            return {"table": list(table)}, (ctypes.c_uint8 * 256)(*table)
+        if one.kind == "flag":
+            value = draw.random() < 0.5
+            return value, int(value)
+        value = draw.uniform(0.1, 4) if one.kind == "double" else draw.randrange(2**24) if one.kind == "colour" else \
+            draw.choice(RANGES.get(one.name, range(0, 40)))
+        return value, value
+
     def comments(self):
         made = self.bytes_to(bytes(flat.BITMAPINFOHEADER(40, 1, 1, 1, 24, 0, 0, 0, 0, 0, 0)) + b"abcd")
         variable = {"array": "Uint32Array", "values": [0]}
@@ -412,6 +495,8 @@ class Recorder:
                 number = self.picture()
                 self.pictures[number] = self.header(number).biBitCount
             self.one(self.random.choice(names))
+            if self.random.random() < 0.1:
+                self.method(self.random.choice(self.methods))
             if self.random.random() < 0.01:
                 self.encode_in_slices()
             if self.random.random() < 0.02:
@@ -428,6 +513,11 @@ class Recorder:
 def smaller(one, other):
     one.biWidth, one.biHeight = min(one.biWidth, other.biWidth), min(one.biHeight, other.biHeight)
     return one
+
+
+def size_of(dib):
+    header = flat.BITMAPINFOHEADER.from_address(flat.GlobalLock(dib))
+    return header.biWidth, header.biHeight
 
 
 def re_range(name):

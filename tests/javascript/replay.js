@@ -1,6 +1,6 @@
 // Does the calls of a recording with the package and compares what is seen: replay(kirvo, recorded)
 // gives a list of differences. A classic script, for pages on a disk and for Node alike.
-globalThis.replay = ({ flat }, recorded) => {
+globalThis.replay = ({ flat, Image, KirvoError }, recorded) => {
     const blocks = new Map([[0, 0]]);
     const table = Uint32Array.from({ length: 256 }, (_, byte) => {
         for (let bit = 0; bit < 8; ++bit)
@@ -38,6 +38,27 @@ globalThis.replay = ({ flat }, recorded) => {
             flat.GlobalFree(blocks.get(number));
             blocks.delete(number);
             return [];
+        },
+        method([name, number, values]) {
+            const pictures = [];
+            const picture = (number) => {
+                pictures.push(Image.fromDib(flat.bytesOf(blocks.get(number)).slice()));
+                return pictures.at(-1);
+            };
+            const given = values.map((value) => value?.block ? picture(value.block) :
+                value?.range ?? value?.table ?? value);
+            const own = number === null ? Image : picture(number);
+            try {
+                const made = own[name](...given) ?? own;
+                pictures.push(made);
+                return [seenBlock(made.handle)];
+            } catch (error) {
+                if (!(error instanceof KirvoError))
+                    throw error;
+                return ["error", error.status];
+            } finally {
+                pictures.forEach((one) => one.free());
+            }
         },
     };
 
