@@ -38,7 +38,7 @@ def check_node(folder):
 
 def check_layer(folder):
     """What pictures promise."""
-    run("node", "--expose-gc", "--test", HERE / "layer_test.mjs", KIRVO_PACKAGE=str(PACKAGE))
+    run("node", "--expose-gc", HERE / "layer_test.mjs", KIRVO_PACKAGE=str(PACKAGE))
 
 
 def check_types(folder):
