@@ -4,7 +4,6 @@
 #include "simd/dct.hpp"
 #include "simd/kernel_types.hpp"
 
-#include <cstring>
 #include <immintrin.h>
 
 namespace kirvo::avx2 {

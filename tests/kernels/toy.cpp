@@ -20,18 +20,18 @@ const Kernels toy = [] {
     table.add = Bytes::add;
     table.average = Bytes::average;
     table.subtract = Bytes::subtract;
-    table.scale = AnyCount<Bytes::scale, 1, ToyVector::size>::run;
-    table.map = AnyCount<Bytes::map, 1, ToyVector::size>::run;
-    table.invert = AnyCount<Bytes::invert, 1, ToyVector::size>::run;
-    table.keep_bits = AnyCount<Bytes::keep_bits, 1, ToyVector::size>::run;
+    table.scale = any_count<Bytes::scale, 1, ToyVector::size>;
+    table.map = any_count<Bytes::map, 1, ToyVector::size>;
+    table.invert = any_count<Bytes::invert, 1, ToyVector::size>;
+    table.keep_bits = any_count<Bytes::keep_bits, 1, ToyVector::size>;
     table.veil = Bytes::veil;
     table.correct = Bytes::correct;
     table.triple = Bytes::triple;
     table.copy_past_caches = Bytes::copy_past_caches;
-    table.set_hue = AnyCount<Hue::set_hue, 3, ToyVector::size>::run;
-    table.turn_hue = AnyCount<Hue::turn_hue, 3, ToyVector::size>::run;
-    table.keep_rgb = AnyCount<Hue::keep_rgb, 3, ToyVector::size>::run;
-    table.keep_hsv = AnyCount<Hue::keep_hsv, 3, ToyVector::size>::run;
+    table.set_hue = any_count<Hue::set_hue, 3, ToyVector::size>;
+    table.turn_hue = any_count<Hue::turn_hue, 3, ToyVector::size>;
+    table.keep_rgb = any_count<Hue::keep_rgb, 3, ToyVector::size>;
+    table.keep_hsv = any_count<Hue::keep_hsv, 3, ToyVector::size>;
     return table;
 }();
 
