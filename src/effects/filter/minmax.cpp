@@ -184,8 +184,8 @@ class LuminanceKind {
         const auto columns = static_cast<size_t>(patch.columns);
         const auto side = static_cast<size_t>(setting_.side());
         uint32_t* keys = keys_;
-        for (uint32_t i = 0; i < columns + side - 1; ++i)
-            keys[i] = uint32_t{line[i]} << column_bits | (column_mask - i);
+        for (size_t i = 0; i < columns + side - 1; ++i)
+            keys[i] = uint32_t{line[i]} << column_bits | (column_mask - static_cast<uint32_t>(i));
         const uint32_t* winners = keys_ + 2 * cells_;
         pick_along(keys_ + 2 * cells_, keys, columns, 1, side, kernels().highest_four32,
                    keys_ + cells_, keys_);
@@ -218,19 +218,19 @@ class LuminanceKind {
         const auto stride = static_cast<uint32_t>(rows.stride), step = static_cast<uint32_t>(bytes);
         const auto inside = static_cast<uint32_t>(rows[0] - source.data());
         uint32_t* const offsets = keys_;
-        bool all_found = true;
+        uint32_t lacking = 0;
         for (size_t i = 0; i < count; ++i) {
             const uint32_t row = 255 - (keys[i] >> column_bits & 255);
             const uint32_t column = column_mask - (keys[i] & column_mask);
-            const bool found = score(keys[i]) != 0;
-            offsets[i] = found ? first + row * stride + column * step : inside;
-            all_found &= found;
+            const uint32_t unfound = score(keys[i]) == 0, found = unfound - 1; // all ones or 0
+            offsets[i] = inside + ((first + row * stride + column * step - inside) & found);
+            lacking |= unfound;
         }
         auto* const pixels = reinterpret_cast<uint8_t*>(keys_ + cells_);
         uint8_t* const gathered = setting_.format.bits == 24 ? to : pixels;
         kernels().gather[bytes - 1](gathered, source.data(), offsets, count);
         unpack_row(setting_.format, gathered, to, count);
-        for (size_t i = 0; !all_found && i < count; ++i)
+        for (size_t i = 0; lacking != 0 && i < count; ++i)
             if (score(keys[i]) == 0)
                 std::memset(to + 3 * i, setting_.maximum ? 0 : 255, 3);
     }
