@@ -47,6 +47,13 @@ void copied(const cv::Mat& photo, const cv::Mat&, cv::Mat& result) {
     std::memcpy(result.data, photo.data, photo.total() * photo.elemSize());
 }
 
+void copied_twice(const cv::Mat& photo, const cv::Mat& other, cv::Mat& result) {
+    result.create(2 * photo.rows, photo.cols, photo.type());
+    const size_t bytes = photo.total() * photo.elemSize();
+    std::memcpy(result.data, photo.data, bytes);
+    std::memcpy(result.data + bytes, other.data, bytes);
+}
+
 const Operation operations[] = {
     {"compose/add, 32 bits", 32,
      [](const cv::Mat& photo, const cv::Mat& other, cv::Mat&) {
@@ -98,8 +105,8 @@ const Operation operations[] = {
     {"copy/duplicate, 8 bits", 8, copied},
     {"copy/duplicate, 16 bits", 16, copied},
     {"copy/duplicate, 32 bits", 32, copied},
-    {"filter/interleave, 24 bits", 24, copied},
-    {"filter/interleave, 32 bits", 32, copied},
+    {"filter/interleave, 24 bits", 24, copied_twice},
+    {"filter/interleave, 32 bits", 32, copied_twice},
     {"draw/gradient 1", 24, copied},
     {"draw/gradient 2", 24, copied},
     {"draw/gradient 3", 24, copied},
@@ -108,7 +115,7 @@ const Operation operations[] = {
 
 const bool added = [] {
     for (const Operation& operation : operations) {
-        const bool copies = operation.run == &copied;
+        const bool copies = operation.run == &copied || operation.run == &copied_twice;
         const std::string name = operation.name + std::string(copies ? "/memcpy" : "/opencv");
         const Row row(name.c_str(), [operation] {
             return [run = operation.run, photo = picture(operation.bits, 0),

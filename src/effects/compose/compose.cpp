@@ -43,20 +43,27 @@ PixelFormat whole_channels(PixelFormat format) {
     return format;
 }
 
-// The source pixels are read before any of the destination is written, since both may be parts of
-// one row.
-void compose_chunk(Blend blend, const PixelFormat& format, uint8_t* to, const uint8_t* from,
+// Pixels whose bytes are channels, from another place than they go to.
+void compose_bytes(Blend blend, const PixelFormat& format, uint8_t* to, const uint8_t* from,
                    size_t count) {
+    if (format.bits == 24)
+        return compose_24(blend, to, from, count);
+    blend_bytes(blend, to, from, 4 * count);
+    kernels().keep_bits(to, to, 4 * count, format.masks.sum());
+}
+
+// In one image the source pixels are read before any of the destination is written, since both may
+// be parts of one row.
+void compose_chunk(Blend blend, const PixelFormat& format, uint8_t* to, const uint8_t* from,
+                   size_t count, bool same_image) {
     uint8_t source[3 * pixels_at_once], words[4 * pixels_at_once];
-    if (format.bits == 32 && format.has_byte_channels() && !keeps_pixels(blend)) {
-        std::memcpy(words, from, 4 * count);
-        blend_bytes(blend, to, words, 4 * count);
-        return kernels().keep_bits(to, to, 4 * count, format.masks.sum());
+    if (format.bits == 24 || (format.has_byte_channels() && !keeps_pixels(blend))) {
+        if (same_image)
+            from = static_cast<const uint8_t*>(std::memcpy(words, from, format.bytes() * count));
+        return compose_bytes(blend, format, to, from, count);
     }
     const PixelFormat result = whole_channels(format);
     unpack_row(format, from, source, count);
-    if (format.bits == 24)
-        return compose_24(blend, to, source, count);
     if (!keeps_pixels(blend)) {
         uint8_t target[3 * pixels_at_once];
         unpack_row(format, to, target, count);
@@ -77,7 +84,7 @@ void compose_row(Blend blend, const PixelFormat& format, uint8_t* to, const uint
     for (size_t done = 0; done < count;) {
         const size_t now = std::min(pixels_at_once, count - done);
         const size_t at = (from_right ? count - done - now : done) * format.bytes();
-        compose_chunk(blend, format, to + at, from + at, now);
+        compose_chunk(blend, format, to + at, from + at, now, same_image);
         done += now;
     }
 }
