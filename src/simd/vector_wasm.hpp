@@ -271,7 +271,6 @@ struct Vector {
 
     static constexpr int blocks = 1;
     static Register load_block_row(const int8_t* samples) { return wasm_i16x8_load8x8(samples); }
-    static void store_block_row(int16_t* to, Register v) { store(to, v); }
     static void scan(const Register (&rows)[8], uint8_t (*small)[64], uint64_t* nonzero) {
         // Of each 16 levels in zigzag order: where they stand in each 16 in natural order.
         static constexpr auto places = [] {

@@ -1,5 +1,6 @@
 // What the pictures of the package promise.
 import assert from "node:assert/strict";
+import { readFile } from "node:fs/promises";
 import { test } from "node:test";
 import { pathToFileURL } from "node:url";
 
@@ -199,6 +200,13 @@ test("memory grows and comes back", () => {
     const block = flat.GlobalAlloc(flat.GHND, 10);
     assert.ok(flat.bytesOf(block).buffer.byteLength < 100 << 20);
     flat.GlobalFree(block);
+});
+
+test("code that cannot be compiled is told in words", async () => {
+    const source = await readFile(new URL("../../bindings/javascript/machine.js", import.meta.url), "base64");
+    const { start } = await import(`data:text/javascript;base64,${source}`);
+    await assert.rejects(start(Uint8Array.of(0, 97, 115, 109, 1, 0, 0, 0, 77)),
+        (error) => error.message.includes("vectors") && error.cause instanceof WebAssembly.CompileError);
 });
 
 test("what is too large for memory is refused", () => {
