@@ -260,6 +260,9 @@ foreach(example IN LISTS guide_examples)
     add_executable(kirvo_guide_${name} ${example})
     target_compile_options(kirvo_guide_${name} PRIVATE ${KIRVO_TEST_FLAGS})
     target_link_libraries(kirvo_guide_${name} PRIVATE kirvo kirvo_files)
+    if(WIN32) # for sockets and the system's codecs
+        target_link_libraries(kirvo_guide_${name} PRIVATE ws2_32 ole32 windowscodecs)
+    endif()
     add_test(NAME kirvo_guide_${name} COMMAND kirvo_guide_${name}
              WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
 endforeach()
