@@ -14,21 +14,10 @@ import annotate
 ROOT = pathlib.Path(__file__).parent
 
 
-def plain(comment):
-    """The words of a comment without its marks."""
-    comment = re.sub(r"@code.*?@endcode|@ingroup \w+|@param\[out\]|@\w+", " ", comment,
-                     flags=re.DOTALL)
-    return " ".join(re.sub(r"^\s*\*+|[#|*`]", " ", comment, flags=re.MULTILINE).split())
-
-
-def first_sentence(text):
-    return re.split(r"(?<=[.])\s", text, maxsplit=1)[0]
-
-
 def entries(folder):
     for comment, name, number in annotate.codes():
-        text = plain(comment)
-        yield name, f"{number}: {first_sentence(text)}", f"group__status.html#{name}", text
+        text = annotate.plain(comment)
+        yield name, f"{number}: {annotate.first_sentence(text)}", f"group__status.html#{name}", text
     functions = annotate.functions()
     guide = {path.stem: path.read_text() for path in ROOT.glob("guide/*.md")}
     pages = {re.search(r"\{#(\w+)\}", text)[1]: text for text in guide.values()}
@@ -37,14 +26,14 @@ def entries(folder):
         if kind in ("group", "page") and name != "index":
             yield (compound.findtext("title"), "Guide" if kind == "page" else "Reference",
                    compound.findtext("filename"),
-                   plain(pages.get(name, "")))
+                   annotate.plain(pages.get(name, "")))
         if kind != "group":
             continue
         for member in compound.iter("member"):
             name = member.findtext("name")
             if name in functions:
-                text = plain(functions.pop(name))
-                yield (name, first_sentence(text),
+                text = annotate.plain(functions.pop(name))
+                yield (name, annotate.first_sentence(text),
                        f"{member.findtext('anchorfile')}#{member.findtext('anchor')}", text)
     assert not functions, f"not in the reference: {functions.keys()}"
 
