@@ -9,3 +9,6 @@ target_link_options(kirvo_live PRIVATE --no-entry -fexceptions -sALLOW_MEMORY_GR
                     -sMAXIMUM_MEMORY=4GB -sSINGLE_FILE -sMODULARIZE -sEXPORT_NAME=KirvoLive
                     -sENVIRONMENT=web -sEXPORTED_RUNTIME_METHODS=ccall
                     -sEXPORTED_FUNCTIONS=_malloc,_free)
+# Debian keeps the modules of Emscripten's tools where they do not look.
+set_target_properties(kirvo_live PROPERTIES
+    RULE_LAUNCH_LINK "${CMAKE_COMMAND} -E env NODE_PATH=/usr/share/nodejs")

@@ -16,14 +16,14 @@ import pictures
 
 # What an effect's page begins with, where the catalogue's example does not suit its picture.
 FIRST = {
-    "crop": "180,120,360,240",
-    "resize": "25%",
+    "crop": "150,100,300,200",
+    "resize": "50%",
     "rotate": "90",
     "compose": "other.jpg,average",
     "paste": "small.jpg,90,70",
     "key": "000000",
     "interleave": "other.jpg",
-    "brush": "360,240,5",
+    "brush": "300,200,5",
     "posterise": "4",
 }
 # What stands behind an effect that shows nothing by itself.

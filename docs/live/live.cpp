@@ -8,6 +8,7 @@
 #include "effects/effects.hpp"
 #include "pictures/picture.hpp"
 
+#include <cstdlib>
 #include <cstring>
 #include <map>
 
@@ -102,7 +103,8 @@ EXPORTED Pixel* live_decoded(const uint8_t* stream, uint32_t size, int32_t* widt
     Image block(GlobalAlloc(GMEM_MOVEABLE, size));
     std::memcpy(GlobalLock(block.handle()), stream, size);
     GlobalUnlock(block.handle());
-    const Image image(JpgDecMainHGLOBAL(block.handle(), size, &status));
+    const Image image(
+        JpgDecMainHGLOBAL(block.handle(), static_cast<int32_t>(size), nullptr, nullptr, &status));
     if (!image)
         return nullptr;
     *width = image.width();
