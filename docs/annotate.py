@@ -44,7 +44,7 @@ def first_sentence(text):
 
 def linked(text, names):
     """Functions become links, apart from code and what is a link already."""
-    keep = r"@code.*?@endcode|@f\$.*?@f\$|^```.*?^```|`[^`\n]*`|\[[^]\n]*\]\([^)\n]*\)|^#+ .*?$|^@?\\?snippet .*?$|\S*[\\@/#]\w+"
+    keep = r"@htmlonly.*?@endhtmlonly|@code.*?@endcode|@f\$.*?@f\$|^```.*?^```|`[^`\n]*`|\[[^]\n]*\]\([^)\n]*\)|^#+ .*?$|^@?\\?snippet .*?$|\S*[\\@/#]\w+"
     word = rf"({keep})|(?<![\w.])({'|'.join(names)})\b(?!\()"
     return re.sub(word, lambda m: m[1] or "#" + m[2], text, flags=re.DOTALL | re.MULTILINE)
 

@@ -25,7 +25,8 @@ def line_of(page):
 def entries(folder):
     for comment, name, number in annotate.codes():
         text = annotate.plain(comment)
-        yield name, f"{number}: {annotate.first_sentence(text)}", f"group__status.html#{name}", text
+        page = "group__filesstatus.html" if name.startswith("KIRVO_FILES_") else "group__status.html"
+        yield name, f"{number}: {annotate.first_sentence(text)}", f"{page}#{name}", text
     functions = annotate.functions()
     texts = [path.read_text() for place in PAGES for path in place.glob("*.md")]
     pages = {re.search(r"\{#(\w+)\}", text)[1]: without_blocks(text) for text in texts}

@@ -256,7 +256,7 @@ class Code {
         this.element = element("section", {class: "code-of-steps", "aria-label": "Code"},
             element("div", {role: "tablist", "aria-label": "Language",
                             keydown: event => this.step(event)}, ...this.tabs),
-            copied, this.text);
+            element("div", {class: "text"}, copied, this.text));
         this.choose(Math.max(0, titles.indexOf(Code.kept())));
     }
 
@@ -321,12 +321,13 @@ async function copyText(text) {
     }
 }
 
-// Counts of three channels as curves upon each other.
+// Counts of three channels as curves upon each other. The ends, where everything gathers that is cut
+// off, do not set the height.
 function drawHistogram(canvas, counts) {
     const context = canvas.getContext("2d");
     const {width, height} = canvas;
     context.clearRect(0, 0, width, height);
-    const most = Math.max(1, ...counts);
+    const most = Math.max(1, ...counts.filter((_, i) => i % 256 > 0 && i % 256 < 255));
     ["#d33", "#2a2", "#36e"].forEach((colour, channel) => {
         context.beginPath();
         context.moveTo(0, height);
@@ -374,6 +375,7 @@ async function startLive(block, fill) {
     try {
         fill(await Engine.start());
         block.classList.add("runs");
+        block.dataset.milliseconds = Math.round(performance.now());
     } catch (error) {
         block.prepend(element("p", {class: "told"},
             `This browser does not run the live page (${error.message}).`));
