@@ -43,16 +43,16 @@ window.put = (field, value) => {
 
 
 class Browser:
-    def __init__(self, width=1280, dark=False, options=()):
+    def __init__(self, width=1280):
         chosen = webdriver.ChromeOptions()
         for option in ("--headless=new", "--no-sandbox", "--disable-gpu", "--hide-scrollbars",
-                       "--disable-dev-shm-usage", *options):
+                       "--disable-dev-shm-usage"):
             chosen.add_argument(option)
         chosen.set_capability("goog:loggingPrefs", {"browser": "ALL", "performance": "ALL"})
         self.driver = webdriver.Chrome(options=chosen)
         self.driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
             "width": width, "height": 900, "deviceScaleFactor": 1, "mobile": False})
-        self.look(dark)
+        self.look(False)
 
     def look(self, dark):
         self.driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": [
@@ -111,7 +111,7 @@ def write_samples(folder):
 def native(folder, source, *options):
     """Size and checksum of what the command line makes, or its words."""
     made = subprocess.run(
-        [KIRVO, "--quiet", "--force", "convert", "--decoder", "kirvo", source, "made.bmp", *options],
+        [KIRVO, "--quiet", "--force", "convert", "--decoder", "kirvo", source, "made.bmp", *options, "--depth", "24"],
         cwd=folder, capture_output=True, text=True)
     return made.stderr if made.returncode else picture_of(folder / "made.bmp")
 
