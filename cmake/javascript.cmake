@@ -12,8 +12,10 @@ target_link_options(kirvo_wasm PRIVATE --no-entry -sALLOW_MEMORY_GROWTH -sMAXIMU
 find_program(KIRVO_ESBUILD esbuild REQUIRED)
 set(package ${PROJECT_BINARY_DIR}/kirvo-wasm)
 file(GLOB javascript_sources CONFIGURE_DEPENDS ${javascript}/*.js)
-set(bundle ${KIRVO_ESBUILD} --bundle --target=es2022 --minify-whitespace --minify-syntax --log-level=warning
+set(bundle ${KIRVO_ESBUILD} --bundle --target=esnext --minify-whitespace --minify-syntax --log-level=warning
            --loader:.wasm=binary --alias:kirvo.wasm=$<TARGET_FILE:kirvo_wasm>)
+math(EXPR npm_patch "100 * ${PROJECT_VERSION_PATCH} + ${PROJECT_VERSION_TWEAK}") # npm knows three numbers
+set(npm_version ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}.${npm_patch})
 configure_file(${javascript}/package.json.in ${package}/package.json @ONLY)
 add_custom_command(
     OUTPUT ${package}/kirvo.mjs ${package}/kirvo-embedded.mjs ${package}/kirvo.js
@@ -26,3 +28,32 @@ add_custom_command(
     DEPENDS kirvo_wasm ${javascript_sources} ${javascript}/kirvo.d.ts ${javascript}/README.md
     VERBATIM)
 add_custom_target(kirvo_package ALL DEPENDS ${package}/kirvo.js)
+
+if(KIRVO_TESTS)
+    enable_testing()
+    set(KIRVO_NATIVE_LIBRARY ${PROJECT_SOURCE_DIR}/build/native/libkirvo.so CACHE FILEPATH
+        "The native library, whose results are those of WebAssembly")
+    foreach(check IN ITEMS node layer types browser)
+        add_test(NAME kirvo_javascript_${check}
+                 COMMAND /usr/bin/python3 ${PROJECT_SOURCE_DIR}/tests/javascript/check.py ${check} ${package}
+                         ${KIRVO_NATIVE_LIBRARY})
+        set_tests_properties(kirvo_javascript_${check} PROPERTIES TIMEOUT 300)
+    endforeach()
+    include(cmake/googletest.cmake)
+endif()
+
+# Every kernel at both levels, in Node.
+if(TARGET gtest)
+    file(GLOB kernel_test_sources CONFIGURE_DEPENDS tests/kernels/*.cpp)
+    add_executable(kirvo_kernel_tests ${kernel_test_sources})
+    target_include_directories(kirvo_kernel_tests PRIVATE tests)
+    target_link_libraries(kirvo_kernel_tests PRIVATE gtest kirvo_objects)
+    target_link_options(kirvo_kernel_tests PRIVATE -sALLOW_MEMORY_GROWTH -sEXIT_RUNTIME -sNODERAWFS)
+    set_target_properties(kirvo_kernel_tests PROPERTIES # Emscripten's tools find their modules
+        RULE_LAUNCH_LINK "${CMAKE_COMMAND} -E env NODE_PATH=/usr/share/nodejs")
+    add_test(NAME kirvo_kernel_tests
+             COMMAND node $<TARGET_FILE:kirvo_kernel_tests> --gtest_brief=1
+                     --gtest_output=xml:reports/kirvo_kernel_tests.xml
+             WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
+    set_tests_properties(kirvo_kernel_tests PROPERTIES TIMEOUT 300)
+endif()

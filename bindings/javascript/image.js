@@ -470,7 +470,7 @@ export class Image {
     /** A pixel's colour, 0x00BBGGRR. */
     getPixel(x, y) {
         const colour = new Uint32Array(1);
-        check(flat.DibGetPixelColor(this.#dib, x, y, colour), "getPixel");
+        this.#apply("getPixel", [this.bits], null, (dib) => flat.DibGetPixelColor(dib, x, y, colour));
         return colour[0];
     }
 

@@ -4,7 +4,7 @@
 #pragma once
 
 #if defined(__wasm__)
-#define KIRVO_LEVELS(each) each(scalar)
+#define KIRVO_LEVELS(each) each(scalar) each(wasm)
 #else
 #define KIRVO_LEVELS(each) each(scalar) each(sse2) each(avx2) each(avx512)
 #endif
