@@ -105,7 +105,7 @@ def main(folder):
     for preset, runtime in (("win32", "win-x86"), ("win64", "win-x64"), ("native", "linux-x64")):
         libraries = Libraries(preset)
         members |= {f"runtimes/{runtime}/native/{name}": data for name, data in libraries.files.items()}
-        members |= {f"licenses/{name}.txt": data for name, data in libraries.licences.items()}
+        members |= {f"licenses/{name}": data for name, data in libraries.licences.items()}
     endings = sorted({pathlib.PurePath(name).suffix.lstrip(".") for name in members} - {""})
     kinds = "\n".join(f'  <Default Extension="{ending}" ContentType="application/octet" />'
                       for ending in endings)

@@ -73,6 +73,21 @@ build() {
         cmake --build --preset "$preset" --parallel "$jobs" ${2:+--target "${@:2}"}
 }
 
+# The source package of Debian that is installed here, whatever sources apt is set up with, into the
+# folder where it is called.
+fetch_source() {
+    local package=$1 mirror release
+    release=$(. /etc/os-release && echo "$VERSION_CODENAME")
+    mirror=$(apt-get indextargets --format '$(REPO_URI)' "Codename: $release" \
+        'Created-By: Packages' | sort -u | head -n 1)
+    mkdir -p lists/partial
+    echo "deb-src ${mirror:-http://deb.debian.org/debian} $release main" >sources.list
+    local options=(-o "Dir::Etc::sourcelist=$PWD/sources.list" -o Dir::Etc::sourceparts=-
+        -o "Dir::State::Lists=$PWD/lists" -o Dir::Cache::srcpkgcache= -o Dir::Cache::pkgcache=)
+    retry apt-get "${options[@]}" update &&
+        retry apt-get "${options[@]}" source "$package"
+}
+
 # What every build takes, the libraries of picture formats for KirvoFiles among it.
 need_compiler() {
     need cmake ninja-build g++ libcli11-dev nlohmann-json3-dev googletest libjpeg62-turbo-dev \
