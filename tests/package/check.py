@@ -140,11 +140,17 @@ def check_debian():
 
 
 def check_library():
-    """The DLLs are small and stripped."""
+    """The DLLs are small and stripped, and nothing tells when or where it was made."""
     for name, limit in {"Kirvo.dll": SIZE_LIMIT, "KirvoFiles.dll": 250 * 1024}.items():
         library = PREFIX / "bin" / name
         assert library.stat().st_size < limit, library.stat().st_size
         assert "no symbols" in run(f"{TRIPLE}-objdump", "-t", library)
+    for path in (PREFIX / "bin").iterdir():
+        assert re.search(r"^Time/Date\t+Thu Jan  1 00:00:00 1970", run(
+            f"{TRIPLE}-objdump", "-p", path, env={**os.environ, "TZ": "UTC"}), re.M), path
+    for name, target in {"Kirvo": "kirvo", "KirvoFiles": "kirvo_files"}.items():
+        members = run(f"{TRIPLE}-ar", "t", LIB / f"lib{name}.dll.a").split()
+        assert all(re.fullmatch(target + r"_(t|h|s\d+)\.o", member) for member in members), members[:3]
 
 
 def check_tool():
@@ -228,7 +234,8 @@ def check_cmake_project():
         endif()
         find_package(Kirvo {VERSION} EXACT REQUIRED CONFIG)
         """)
-    run("cmake", "-S", versions, "-B", versions, f"-DCMAKE_PREFIX_PATH={PREFIX}")
+    run("cmake", "-S", versions, "-B", versions, f"-DCMAKE_PREFIX_PATH={PREFIX}",
+        f"-DCMAKE_LIBRARY_ARCHITECTURE={LIB.relative_to(PREFIX / 'lib')}")
 
 
 def check_microsoft_linker():
