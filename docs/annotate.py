@@ -99,11 +99,13 @@ def main():
     text = path.read_text()
     comments = functions()
     names = sorted(comments, key=len, reverse=True)
-    if path.suffix == ".h":
+    in_comments = lambda text: re.sub(r"/\*\*.*?\*/", lambda m: linked(m[0], names), text, flags=re.DOTALL)
+    if path.suffix == ".hpp":
+        text = in_comments(text)
+    elif path.suffix == ".h":
         unknown = {picture.function for picture in pictures.pictures()} - comments.keys()
         assert not unknown, f"pictures of functions that do not exist: {unknown}"
-        text = re.sub(r"/\*\*.*?\*/", lambda m: linked(m[0], names), text, flags=re.DOTALL)
-        text = with_numbers(with_pictures(text), comments)
+        text = with_numbers(with_pictures(in_comments(text)), comments)
     else:
         text = linked(text, names).replace("@effects", gallery())
     sys.stdout.write(text)

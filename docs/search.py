@@ -38,6 +38,11 @@ def entries(folder):
             yield (compound.findtext("title"), "Guide" if kind == "page" else "Reference",
                    compound.findtext("filename"),
                    plain(pages.get(name, "")))
+        if name.startswith("kirvo::"):
+            yield name, "C++", compound.findtext("filename"), ""
+            for member in compound.iter("member"):
+                yield (f"{name.removeprefix('kirvo::')}::{member.findtext('name')}", "C++",
+                       f"{member.findtext('anchorfile')}#{member.findtext('anchor')}", "")
         if kind != "group":
             continue
         for member in compound.iter("member"):
