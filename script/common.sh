@@ -2,7 +2,10 @@
 
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-cache=${KIRVO_CACHE:-/var/cache/kirvo}
+# What is made once and kept; of who may not write there, in a folder of their own.
+cache=/var/cache/kirvo
+[ "$(id -u)" = 0 ] || [ -d "$cache" ] || cache=${XDG_CACHE_HOME:-$HOME/.cache}/kirvo
+cache=${KIRVO_CACHE:-$cache}
 jobs=$(nproc)
 
 say() { printf '== %s\n' "$*" >&2; }
