@@ -54,6 +54,26 @@ def check_effects(folder):
 
 
 
+# Where the example of each language begins and ends its task.
+TASKS = {
+    "examples/photo.cpp": (r"    try {\n", r"    } catch"),
+    "bindings/python/photo.py": (r"^def make_ready.*\n", r"^\n"),
+    "bindings/csharp/Photo.cs": (r"    static void MakeReady.*\n", r"^    }\n"),
+    "bindings/pascal/Photo.lpr": (r"^  Picture: TPicture;\nbegin\n", r"^end;"),
+    "bindings/vb/PhotoForm.frm": (r"^Private Sub MakeReady.*\n", r"^End Sub"),
+}
+
+
+def check_lines(folder):
+    """The task of the examples takes at most 12 lines in each language, without lines of a bracket alone."""
+    for path, (begin, end) in TASKS.items():
+        text = (SOURCE / path).read_text(encoding="utf-8").replace("\r\n", "\n")
+        body = re.split(end, re.split(begin, text, maxsplit=1, flags=re.M)[1], maxsplit=1, flags=re.M)[0]
+        lines = [line for line in body.splitlines() if line.strip(" {}")]
+        print(f"{path}: {len(lines)} lines")
+        assert 5 <= len(lines) <= 12, "\n".join(lines)
+
+
 def check_cpp(folder):
     """kirvo.hpp by every compiler that is there, at two standards."""
     compilers, flags = [CONFIG["cpp_compiler"]], []

@@ -54,13 +54,22 @@ def check_wheel():
     python = WORK / "venv/bin/python"
     run(python, "-B", ROOT / "tests/layers/python_layer.py", ROOT / "bindings/python")
     assert run(python, "-c", "import kirvo; print(kirvo.__version__)").strip() == version.TEXT
+    check_photo(python, ROOT / "bindings/python/photo.py")
     # The tag is honest: no library inside asks for a newer C library.
     promised = tuple(map(int, re.search(r"manylinux_(\d+)_(\d+)_", wheel.name).groups()))
     with zipfile.ZipFile(wheel) as archive:
         archive.extractall(WORK / "content")
+    licences = [path.name for path in WORK.glob("content/*.dist-info/licenses/*")]
     for library in (WORK / "content/kirvo").glob("*.so*"):
+        assert "jbig" not in library.name + run("readelf", "--dynamic", library), f"{library} is under the GPL"
         asked = re.findall(r"GLIBC_(\d+)\.(\d+)", run("objdump", "-T", library))
         assert all(tuple(map(int, one)) <= promised for one in asked), library
+    # A licence for each library, and libtiff without what is not inside.
+    foreign = list((WORK / "content/kirvo").glob("*.so*"))[2:] # Kirvo's own are two
+    assert len(licences) == 1 + len(foreign) and "libtiff6.txt" in licences, licences
+    run(python, "-c", "import kirvo, numpy, PIL.Image; "
+        "PIL.Image.fromarray(numpy.full((4, 5, 3), 9, 'uint8')).save('small.tif', compression='tiff_lzw'); "
+        "assert kirvo.Image.open('small.tif').size == (5, 4)")
     for name, dll in (("win32", 0x14C), ("win_amd64", 0x8664)):
         with zipfile.ZipFile(the(f"kirvo-*-{name}.whl")) as archive:
             for library in ("Kirvo.dll", "KirvoFiles.dll"):
@@ -76,32 +85,27 @@ def check_nupkg():
     package = WORK / f"packages/Kirvo.{version.TEXT}"
     assembly, runtime = package / "lib/net45/KirvoImaging.dll", package / "runtimes/linux-x64/native"
     for path in ("lib/net45/KirvoImaging.xml", "build/net45/Kirvo.targets",
-                 "contentFiles/cs/net5.0/Kirvo/KirvoImage.cs", "runtimes/win-x86/native/Kirvo.dll",
+                 "contentFiles/cs/net5.0/Kirvo/KirvoImage.cs",
+                 "contentFiles/cs/net5.0/Kirvo/KirvoBitmap.cs", "runtimes/win-x86/native/Kirvo.dll",
                  "runtimes/win-x64/native/KirvoFiles.dll", "runtimes/linux-x64/native/libkirvofiles.so"):
         assert (package / path).exists(), path
     shutil.copy(assembly, WORK)
     shutil.copy(f"{assembly}.config", WORK)
-    program = WORK / "Program.cs"
-    program.write_text("""
-        using System;
-        using KirvoImaging;
-        static class Program
-        {
-            static int Main(string[] names)
-            {
-                using (KirvoImage photo = KirvoImage.Open(names[0]))
-                using (KirvoImage page = photo.Resize(80, 60).Sharpen())
-                    page.Save(names[1]);
-                try { KirvoImage.Open(names[2]); return 1; }
-                catch (KirvoException error) { Console.WriteLine(error.Message); return 0; }
-            }
-        }""")
-    run("mcs", "-warnaserror", f"-r:{WORK}/KirvoImaging.dll", program)
+    run("mcs", "-warnaserror", f"-r:{WORK}/KirvoImaging.dll", "-r:System.Drawing", f"-out:{WORK}/Photo.exe",
+        ROOT / "bindings/csharp/Photo.cs")
+    check_photo("mono", "Photo.exe", LD_LIBRARY_PATH=str(runtime))
+
+
+def check_photo(*command, **variables):
+    """The example that every language has, from what is installed: its progress, its picture, its error."""
     shutil.copy(ROOT / "docs/contact-sheet.jpg", WORK / "写真.jpg")
-    (WORK / "text.jpg").write_text("no picture")
-    said = run("mono", "Program.exe", "写真.jpg", "page.png", "text.jpg",
-               env={**ENVIRONMENT, "LD_LIBRARY_PATH": str(runtime)})
-    assert "text.jpg: " in said and (WORK / "page.png").read_bytes()[16:24] == bytes((0, 0, 0, 80, 0, 0, 0, 60))
+    (WORK / "文書.jpg").write_text("no picture")
+    environment = {**ENVIRONMENT, **variables}
+    assert run(*command, "写真.jpg", "page.png", env=environment).count(" 100%") >= 4
+    page = (WORK / "page.png").read_bytes()
+    assert page.startswith(b"\x89PNG") and int.from_bytes(page[16:20], "big") == 800
+    assert "文書.jpg: " in run(*command, "文書.jpg", "other.png", code=1, env=environment)
+    assert not (WORK / "other.png").exists()
 
 
 def check_subproject():
