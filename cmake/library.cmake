@@ -91,7 +91,12 @@ if(WIN32)
     set_target_properties(kirvo PROPERTIES OUTPUT_NAME Kirvo PREFIX "" IMPORT_PREFIX lib
                           ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
 elseif(KIRVO_LIBRARY_TYPE STREQUAL SHARED)
-    # One file under one name, as on Windows: a copy of it serves wherever it lies.
+    # One file under one name, as on Windows: a copy of it serves wherever it lies. A distribution's
+    # are numbered.
+    if(KIRVO_SONAMES)
+        set(kirvo_numbers VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+        set_target_properties(kirvo PROPERTIES ${kirvo_numbers})
+    endif()
     target_link_options(kirvo PRIVATE -Wl,--gc-sections -Wl,--as-needed -Wl,-Bsymbolic)
     if(NOT KIRVO_SANITIZE)
         target_link_options(kirvo PRIVATE -Wl,--no-undefined)

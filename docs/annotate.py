@@ -12,23 +12,20 @@ import sys
 
 import pictures
 
-INCLUDE = pathlib.Path(__file__).parent.parent / "include"
-HEADERS = [INCLUDE / "kirvo.h", INCLUDE / "kirvo_files.h"]
-DOCUMENTED = re.compile(r"/\*\*((?:(?!\*/).)*)\*/\s*KIRVO_(?:FILES_)?API\s[^;(]*?\bWINAPI\s+(\w+)\s*\(",
-                        re.DOTALL)
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "interface"))
+from header import CODE, DECLARATION, Header
 
-CODE = re.compile(r"/\*\*(?!<)((?:(?!\*/).)*)\*/\s*(KIRVO_\w+) = (-?\d+)", re.DOTALL)
+HEADERS = [Header("kirvo.h"), Header("kirvo_files.h")]
 
 
 def functions():
     """Every function of the headers with its comment."""
-    return {name: comment for header in HEADERS
-            for comment, name in DOCUMENTED.findall(header.read_text())}
+    return {name: header.comments[name].raw for header in HEADERS for name in header.parameters}
 
 
 def codes():
     """Comment, name and number of every status code."""
-    return [code for header in HEADERS for code in CODE.findall(header.read_text())]
+    return [code for header in HEADERS for code in CODE.findall(header.text)]
 
 
 def plain(comment):
@@ -66,16 +63,16 @@ def shown(effect):
 
 def with_pictures(text):
     def add(match):
-        block = shown(match[2])
+        block = shown(match[3])
         if not block:
             return match[0]
         # where the description ends
         comment, count = re.subn(r"\n \*  @(param|ingroup|return)",
                                  lambda m: f" <br class=\"end\"/>{block}{m[0]}", match[1], count=1)
-        assert count, match[2]
+        assert count, match[3]
         return f"/**{comment}*/{match[0].split('*/', 1)[1]}"
 
-    return DOCUMENTED.sub(add, text)
+    return DECLARATION.sub(add, text)
 
 
 def with_numbers(text, comments):
@@ -100,11 +97,13 @@ def main():
     text = path.read_text()
     comments = functions()
     names = sorted(comments, key=len, reverse=True)
-    if path.suffix == ".h":
+    in_comments = lambda text: re.sub(r"/\*\*.*?\*/", lambda m: linked(m[0], names), text, flags=re.DOTALL)
+    if path.suffix == ".hpp":
+        text = in_comments(text)
+    elif path.suffix == ".h":
         unknown = {picture.function for picture in pictures.pictures()} - comments.keys()
         assert not unknown, f"pictures of functions that do not exist: {unknown}"
-        text = re.sub(r"/\*\*.*?\*/", lambda m: linked(m[0], names), text, flags=re.DOTALL)
-        text = with_numbers(with_pictures(text), comments)
+        text = with_numbers(with_pictures(in_comments(text)), comments)
     else:
         text = linked(text, names)
     sys.stdout.write(text)

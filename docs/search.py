@@ -35,6 +35,11 @@ def entries(folder):
         if kind in ("group", "page") and name != "index":
             yield (compound.findtext("title"), line_of(name) if kind == "page" else "Reference",
                    compound.findtext("filename"), annotate.plain(pages.get(name, "")))
+        if name.startswith("kirvo::"):
+            yield name, "C++", compound.findtext("filename"), ""
+            for member in compound.iter("member"):
+                yield (f"{name.removeprefix('kirvo::')}::{member.findtext('name')}", "C++",
+                       f"{member.findtext('anchorfile')}#{member.findtext('anchor')}", "")
         if kind != "group":
             continue
         for member in compound.iter("member"):

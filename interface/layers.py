@@ -49,6 +49,12 @@ class Method:
         return [given[name] for name in self.order]
 
     @property
+    def sentence(self):
+        """What it does; a function that works in place gives a new image here."""
+        text = self.comment.sentence
+        return re.sub(",? in place", "", text) if self.way == "method" else text
+
+    @property
     def has_area(self):
         return any(argument.role == "x" for argument in self.arguments)
 

@@ -26,11 +26,11 @@ def required(method):
     return [one for one in method.parameters if not one.optional]
 
 
-def documentation(lead, texts, indent):
+def documentation(lead, tags, indent):
     """A comment in which no line is too long."""
     lines = textwrap.wrap(lead, 96 - len(indent), break_on_hyphens=False)
-    for name, text in texts:
-        lines += textwrap.wrap(f" @param {name} {text}", 96 - len(indent), subsequent_indent="  ",
+    for tag in tags:
+        lines += textwrap.wrap(f" @{tag}", 96 - len(indent), subsequent_indent="  ",
                                break_on_hyphens=False)
     if len(lines) == 1:
         return [f"{indent}/** {lines[0]} */"]
@@ -70,14 +70,15 @@ def value(argument, method):
 
 def method_lines(method):
     parameters = [declared(one) for one in required(method)]
-    texts = [(one.name, plain(method.meaning(one.parameter.name))) for one in required(method)]
+    tags = [f"param {name_of(one)} {plain(method.meaning(one.parameter.name))}" for one in required(method)]
     if optional(method):
         parameters.append(f"const {options_type(method)}& options = {{}}")
-        texts.append(("options", "what else it may be told"))
+        tags.append("param options what else it may be told")
     if method.has_area:
         parameters.append("const Area& area = {}")
-        texts.append(("area", "the part that is worked on"))
-    yield from documentation(plain(method.comment.sentence), texts, "    ")
+        tags.append("param area the part that is worked on")
+    tags.append("return this image" if method.way == "change" else "return the new image")
+    yield from documentation(plain(method.sentence), tags, "    ")
     static, result, const = {"method": ("", "Image", " const"), "change": ("", "Image&", ""),
                              "static": ("static ", "Image", "")}[method.way]
     yield from listed(f"    {static}{result} {method.name}(", parameters or [""], f"){const} {{",

@@ -151,7 +151,7 @@ def value(one):
 
 def method_lines(method):
     name = capitals(method.name)
-    yield from documentation("summary", method.comment.sentence)
+    yield from documentation("summary", method.sentence)
     for one in method.parameters:
         yield from documentation(f'param name="{camel(one.name)}"', method.meaning(one.parameter.name))
     given = [declared(one) for one in method.parameters]

@@ -133,7 +133,7 @@ def method_lines(method):
     first = "cls" if method.way == "static" else "self"
     result = "None" if method.way == "change" else "Image"
     yield from listed(head, [first, *given], f") -> {result}:", indent=" " * 8)
-    yield from textwrap.wrap('"""' + plain(method.comment.sentence) + ("" if texts else '"""'),
+    yield from textwrap.wrap('"""' + plain(method.sentence) + ("" if texts else '"""'),
                              94, initial_indent="        ", subsequent_indent="        ")
     if texts:
         yield ""
