@@ -4,7 +4,9 @@
 add_executable(kirvo_live docs/live/live.cpp ${KIRVO_CATALOGUE} ${KIRVO_CALLS}
                           $<TARGET_OBJECTS:kirvo_objects>)
 target_include_directories(kirvo_live PRIVATE include tools)
-target_compile_options(kirvo_live PRIVATE -Wall -Wextra -fexceptions ${KIRVO_RECORDED})
+# Without copies of memory in one instruction, variables of a thread are plain ones: there is one thread.
+target_compile_options(kirvo_live PRIVATE -Wall -Wextra -fexceptions -mno-bulk-memory
+                                          ${KIRVO_RECORDED})
 target_link_options(kirvo_live PRIVATE --no-entry -fexceptions -sALLOW_MEMORY_GROWTH
                     -sMAXIMUM_MEMORY=4GB -sSINGLE_FILE -sMODULARIZE -sEXPORT_NAME=KirvoLive
                     -sENVIRONMENT=web -sEXPORTED_RUNTIME_METHODS=ccall
