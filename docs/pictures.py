@@ -65,7 +65,7 @@ def make_all(programs, folder):
     for name, source in (("landscape", "scene"), ("other", "scene2")):
         convert(f"{source}.bmp", f"sample-{name}.jpg", "--resize", "600x400", "--level", "3")
     convert("scene2.bmp", "sample-small.jpg", "--resize", "240x160", "--level", "3")
-    convert("scene.bmp", "scene.jpg", "--crop", "0,160,1200,480", "--level", "3")
+    convert("scene.bmp", "scene.jpg", "--crop", "0,160,1200,480", "--level", "4")
     for picture in pictures():
         words = picture.options.split()
         if made(picture):

@@ -26,8 +26,9 @@ def line_of(page, text):
 def entries(folder):
     for comment, name, number in annotate.codes():
         text = annotate.plain(comment)
-        page = "group__filesstatus.html" if name.startswith("KIRVO_FILES_") else "group__status.html"
-        yield name, f"{number}: {annotate.first_sentence(text)}", f"{page}#{name}", text
+        place = next(path.name for path in sorted((folder / "html").glob("group__*.html"))
+                     if f'<a id="{name}">' in path.read_text())
+        yield name, f"{number}: {annotate.first_sentence(text)}", f"{place}#{name}", text
     functions = annotate.functions()
     texts = [path.read_text() for place in PAGES for path in place.glob("*.md")]
     pages = {re.search(r"\{#(\w+)\}", text)[1]: without_blocks(text) for text in texts}

@@ -26,5 +26,8 @@ names = {"dib": opened(sys.argv[2])}
 for name, file in re.findall(r"^# (\w+) is the picture of (\S+)$", code, re.MULTILINE):
     names[name] = opened(file)
 exec(code, names)
-result = re.search(r"the result is (\w+)$", code, re.MULTILINE)[1]
-flat.check(flat.DibWriteEx("python.bmp", names[result], 0, 0, -1, -1))
+result = names[re.search(r"the result is (\w+)$", code, re.MULTILINE)[1]]
+bits = flat.DibQueryBitCount(result)
+if bits != 24:
+    result = (flat.IncreaseColor16M if bits <= 8 else flat.DibConvert24bit)(result, None)
+flat.check(flat.DibWriteEx("python.bmp", result, 0, 0, -1, -1))
