@@ -2,12 +2,14 @@
 
 let library = null;
 
-/** Starts the library: compiled code as bytes or a WebAssembly.Module. */
+/** Starts the library: the bytes of its compiled code. */
 export async function start(code) {
-    const { instance = null } = code instanceof WebAssembly.Module ?
-        { instance: await WebAssembly.instantiate(code, imports) } :
-        await WebAssembly.instantiate(code, imports);
-    library = instance.exports;
+    try {
+        library = (await WebAssembly.instantiate(code, imports)).instance.exports;
+    } catch (cause) {
+        throw new Error("kirvo-wasm needs an engine with WebAssembly's 128-bit vectors, and its code unchanged",
+            { cause });
+    }
     library._initialize();
 }
 

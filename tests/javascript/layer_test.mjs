@@ -1,5 +1,6 @@
 // What the pictures of the package promise.
 import assert from "node:assert/strict";
+import { readFile } from "node:fs/promises";
 import { test } from "node:test";
 import { pathToFileURL } from "node:url";
 
@@ -61,6 +62,25 @@ test("a method that changes the picture changes it, whatever its depth", () => {
     grey.paste(other);
     assert.equal(grey.bits, 24);
     assert.equal(grey.getPixel(1, 1), rgb(1, 2, 3));
+});
+
+test("the bytes of a packed DIB make a picture, if they are all there", () => {
+    for (const image of [varied(5, 4), varied(5, 4).convert(16), varied(5, 4).convert(32), varied(9, 2).reduce256()]) {
+        const bytes = image.toDib(), copy = Image.fromDib(bytes);
+        assert.deepEqual(copy.toDib(), bytes);
+        assert.deepEqual(copy.toImageData().data, image.toImageData().data);
+        refused("KIRVO_BAD_PARAMETER", () => Image.fromDib(bytes.slice(0, -1)));
+        for (const at of [0, 4, 8, 14]) { // header size, width, height, bits
+            const changed = bytes.slice();
+            changed[at] += 77;
+            refused("KIRVO_BAD_PARAMETER", () => Image.fromDib(changed));
+        }
+        const upsideDown = bytes.slice();
+        upsideDown.fill(0xFF, 8, 12);
+        refused("KIRVO_BAD_PARAMETER", () => Image.fromDib(upsideDown));
+    }
+    refused("KIRVO_BAD_PARAMETER", () => Image.fromDib(new Uint8Array(3)));
+    refused("KIRVO_BAD_PARAMETER", () => Image.fromDib(new Uint8Array(0)));
 });
 
 test("an area is what is worked on", () => {
@@ -139,6 +159,11 @@ test("what is refused is an error with its reason", () => {
     assert.throws(() => flat.DibHistgram(image.handle, 0, 0, 5, 5, ...[0, 1, 2].map(() => new Uint32Array(9))),
         TypeError);
     assert.throws(() => image.resize(2.5, 3), TypeError);
+    assert.throws(() => image.filter3x3([1, 2, 3]), TypeError);
+    assert.throws(() => image.paste({}), TypeError);
+    assert.throws(() => Image.fromImageData({ width: 2, height: 2, data: new Uint8ClampedArray(15) }), RangeError);
+    refused("KIRVO_NULL_HANDLE", () => Image.fromHandle(0));
+    refused("KIRVO_NULL_HANDLE", () => Image.fromHandle(12345));
 });
 
 test("a picture that is freed is refused", () => {
@@ -175,6 +200,13 @@ test("memory grows and comes back", () => {
     const block = flat.GlobalAlloc(flat.GHND, 10);
     assert.ok(flat.bytesOf(block).buffer.byteLength < 100 << 20);
     flat.GlobalFree(block);
+});
+
+test("code that cannot be compiled is told in words", async () => {
+    const source = await readFile(new URL("../../bindings/javascript/machine.js", import.meta.url), "base64");
+    const { start } = await import(`data:text/javascript;base64,${source}`);
+    await assert.rejects(start(Uint8Array.of(0, 97, 115, 109, 1, 0, 0, 0, 77)),
+        (error) => error.message.includes("vectors") && error.cause instanceof WebAssembly.CompileError);
 });
 
 test("what is too large for memory is refused", () => {
