@@ -642,7 +642,7 @@ namespace KirvoImaging
 
         // Effects
 
-@methods@
+@{ methods }@
         /// <summary>Filters with a kernel of 3 x 3 weights.</summary>
         /// <param name="weights">nine of them, row by row from the top left neighbour</param>
         /// <param name="divisor">divides the sums; 0: the sum of the weights, or 1</param>
@@ -883,7 +883,7 @@ namespace KirvoImaging
         {
             switch (status)
             {
-@messages@
+@{ messages }@
             default:
                 return status.ToString();
             }

@@ -114,7 +114,7 @@ type
       24 bits is three bytes: blue, green, red. }
     function ScanLine(Y: Integer): Pointer;
 
-@declarations@
+@{ declarations }@
     { Filters with a kernel of 3 x 3 weights, row by row from the top left neighbour. Divisor 0: the
       sum of the weights, or 1. }
     function Filter3x3(const Weights: array of LongInt; Divisor: LongInt = 0; AreaLeft: LongInt = 0;
@@ -730,7 +730,7 @@ begin
   Result := TKirvoImage.Adopt(Made, nil);
 end;
 
-@methods@
+@{ methods }@
 function TKirvoImage.Filter3x3(const Weights: array of LongInt; Divisor, AreaLeft, AreaTop, AreaWidth,
   AreaHeight: LongInt): TKirvoImage;
 var

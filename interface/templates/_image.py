@@ -327,7 +327,7 @@ class Image:
 
     # Effects
 
-@methods@
+@{ methods }@
     def filter_3x3(self, weights: Sequence[int], divisor: int = 0, *,
                    area: Optional[Area] = None) -> Image:
         """Filters with a kernel of 3 x 3 weights, row by row from the top left neighbour.
