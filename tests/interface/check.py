@@ -207,9 +207,8 @@ def check_version():
                           "packaging/vcpkg/kirvo/vcpkg.json": r'"version": "(\S+)"'}.items():
         first = re.search(pattern, (SOURCE / name).read_text(), re.M)[1]
         assert first == version.TEXT, f"{name} begins with {first}"
-    tags = subprocess.run(["git", "-C", SOURCE, "tag", "--list", "v*", "--points-at", "HEAD"], text=True,
-                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout.split()
-    assert set(tags) <= {f"v{version.TEXT}"}, f"this commit is tagged {tags}"
+    tags = run("git", "-C", SOURCE, "tag", "--points-at", "HEAD").split() if (SOURCE / ".git").exists() else []
+    assert {tag for tag in tags if re.match(r"v\d", tag)} <= {f"v{version.TEXT}"}, f"tagged {tags}"
     if not WINDOWS:
         return
     # VS_FIXEDFILEINFO follows its signature.
