@@ -8,6 +8,11 @@ if(WIN32)
 else()
     list(FILTER kirvo_sources EXCLUDE REGEX "_win32\\.cpp$")
 endif()
+if(EMSCRIPTEN)
+    list(FILTER kirvo_sources EXCLUDE REGEX "/cpu_x86\\.cpp$|/level_(sse|avx)")
+else()
+    list(FILTER kirvo_sources EXCLUDE REGEX "_wasm\\.cpp$")
+endif()
 
 # The names of the levels' files decide which instructions they may use.
 foreach(source IN LISTS kirvo_sources)

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Doxygen's input filter: annotate.py FILE
 
-Makes names of functions links, shows the pictures of effects before their parameters, gives each
-status code its number and the functions that answer it, and lists all effects where a page says
-@effects. Line numbers of warnings stay true: every block of comment keeps its number of lines.
+Makes names of functions links, shows the pictures of effects before their parameters, and gives each
+status code its number and the functions that answer it. Line numbers of warnings stay true: every
+block of comment keeps its number of lines.
 """
 import html
 import pathlib
@@ -28,9 +28,20 @@ def codes():
     return [code for header in HEADERS for code in CODE.findall(header.text)]
 
 
+def plain(comment):
+    """The words of a comment without its marks."""
+    comment = re.sub(r"@code.*?@endcode|@ingroup \w+|@param\[out\]|@\w+", " ", comment,
+                     flags=re.DOTALL)
+    return " ".join(re.sub(r"^\s*\*+|[#|*`]", " ", comment, flags=re.MULTILINE).split())
+
+
+def first_sentence(text):
+    return re.split(r"(?<=[.])\s", text, maxsplit=1)[0]
+
+
 def linked(text, names):
     """Functions become links, apart from code and what is a link already."""
-    keep = r"@code.*?@endcode|@f\$.*?@f\$|^```.*?^```|`[^`\n]*`|\[[^]\n]*\]\([^)\n]*\)|^#+ .*?$|^@?\\?snippet .*?$|\S*[\\@/#]\w+"
+    keep = r"@htmlonly.*?@endhtmlonly|@code.*?@endcode|@f\$.*?@f\$|^```.*?^```|`[^`\n]*`|\[[^]\n]*\]\([^)\n]*\)|^#+ .*?$|^@?\\?snippet .*?$|\S*[\\@/#]\w+"
     word = rf"({keep})|(?<![\w.])({'|'.join(names)})\b(?!\()"
     return re.sub(word, lambda m: m[1] or "#" + m[2], text, flags=re.DOTALL | re.MULTILINE)
 
@@ -81,16 +92,6 @@ def with_numbers(text, comments):
     return CODE.sub(add, text)
 
 
-def gallery():
-    cells = []
-    for picture in pictures.pictures():
-        cells.append(f'<div class="effect"><img src="{picture.file}" '
-                     f'alt="{html.escape(picture.options)}"/> #{picture.function} '
-                     '@htmlonly <span class="options">'
-                     f"{html.escape(picture.options)}</span>@endhtmlonly</div>")
-    return f'<div class="effects">{"".join(cells)}</div>'
-
-
 def main():
     path = pathlib.Path(sys.argv[1])
     text = path.read_text()
@@ -104,7 +105,7 @@ def main():
         assert not unknown, f"pictures of functions that do not exist: {unknown}"
         text = with_numbers(with_pictures(in_comments(text)), comments)
     else:
-        text = linked(text, names).replace("@effects", gallery())
+        text = linked(text, names)
     sys.stdout.write(text)
 
 

@@ -1676,11 +1676,12 @@ namespace KirvoImaging
 
         /// <summary>Blurs a rectangle with a fixed 3 x 3 kernel.</summary>
         /// <remarks>Each channel becomes (11 x (sum of the four corners) + 30 x (sum of the four
-        /// edge neighbours) + 81 x centre) &gt;&gt; 8. The weights add up to 245, not 256: the blur
-        /// darkens by about 4 % (a flat 255 becomes 244). Neighbours outside the rectangle are not
-        /// read: the pixel's own row or column takes their place. The exception is a rectangle one
-        /// row high, whose row above is read from the image (as black beyond its top). Reports
-        /// progress per row.</remarks>
+        /// edge neighbours) + 81 x centre) &gt;&gt; 8. White darkens by 4 % a pass (255 becomes
+        /// 244, then 233): the weights, four times 11, four times 30 and 81, add up to 245, and the
+        /// sum is divided by 256. DibFilter3x3 keeps white white when its divisor is the sum of its
+        /// weights. Neighbours outside the rectangle are not read: the pixel's own row or column
+        /// takes their place. The exception is a rectangle one row high, whose row above is read
+        /// from the image (as black beyond its top). Reports progress per row.</remarks>
         /// <param name="dib">packed DIB of 24 bits</param>
         /// <param name="x">rectangle in the picture</param>
         /// <param name="y">rectangle in the picture</param>

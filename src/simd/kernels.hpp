@@ -6,6 +6,7 @@
 #pragma once
 
 #include "simd/kernel_types.hpp"
+#include "simd/levels.hpp"
 
 namespace kirvo {
 
@@ -150,17 +151,12 @@ struct Kernels {
 // The table of the level in force.
 const Kernels& kernels();
 
-namespace scalar {
-extern const Kernels kernels; // the definition
-}
-namespace sse2 {
-extern const Kernels kernels;
-}
-namespace avx2 {
-extern const Kernels kernels;
-}
-namespace avx512 {
-extern const Kernels kernels;
-}
+// One of each level; scalar's is the definition.
+#define TABLE(level)                                                                               \
+    namespace level {                                                                              \
+    extern const Kernels kernels;                                                                  \
+    }
+KIRVO_LEVELS(TABLE)
+#undef TABLE
 
 } // namespace kirvo

@@ -4,6 +4,7 @@
 #include "simd/kernels/bytes.hpp"
 #include "simd/kernels/range.hpp"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 using namespace kirvo;
@@ -37,7 +38,8 @@ const Kernels toy = [] {
 class ToyTest : public testing::TestWithParam<const char*> {};
 
 const AnyCase& case_named(std::string_view name) {
-    return *std::ranges::find(all_cases(), name, &AnyCase::name);
+    return *std::find_if(all_cases().begin(), all_cases().end(),
+                         [&](const AnyCase& kernel) { return kernel.name == name; });
 }
 
 } // namespace

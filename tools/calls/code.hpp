@@ -1,11 +1,13 @@
-// What was done, as code of five languages and as a command line.
+// What was done, as code of six languages and as a command line.
 #pragma once
 
-#include "history.hpp"
+#include "calls/step.hpp"
 
-enum class Language { c, csharp, delphi, vb, python };
-constexpr int language_count = 5;
-const wchar_t* language_name(Language language);
+#include <vector>
+
+enum class Language { c, csharp, delphi, vb, python, cpp };
+constexpr int language_count = 6;
+const char* language_name(Language language);
 
 // The calls of the steps in their order; empty without steps.
 std::string code_of(Language language, const std::vector<Step>& steps);

@@ -24,6 +24,8 @@ std::string checked(const Sentence& s, const std::string& call, const std::strin
            (s.answer == calls::Answer::image ? check + "(status)" + end + "\n" : "");
 }
 
+std::string nothing(const std::string&) { return ""; }
+
 const Grammar c = {
     "// ",
     [](const std::vector<std::string>& images) {
@@ -39,7 +41,11 @@ const Grammar c = {
         return (s.answer == calls::Answer::status ? "status = " : "") + call + ";\n" + check;
     },
     [](const std::string& image) { return "GlobalFree(" + image + ");\n"; },
-    "&",
+    nullptr,
+    "",
+    nothing,
+    [](const std::string& image) { return "&" + image; },
+    nothing,
     "&status",
     "0x",
     "",
@@ -58,7 +64,11 @@ const Grammar csharp = {
     "",
     [](const Sentence& s) { return checked(s, plain(s, "Kirvo.", " = "), "Kirvo.Check", ";"); },
     [](const std::string& image) { return "Kirvo.GlobalFree(" + image + ");\n"; },
-    "out ",
+    nullptr,
+    "",
+    nothing,
+    [](const std::string& image) { return "out " + image; },
+    nothing,
     "out status",
     "0x",
     "",
@@ -78,7 +88,11 @@ const Grammar delphi = {
     "end;\n",
     [](const Sentence& s) { return checked(s, plain(s, "", " := "), "KirvoCheck", ";"); },
     [](const std::string& image) { return "GlobalFree(" + image + ");\n"; },
-    "@",
+    nullptr,
+    "",
+    nothing,
+    [](const std::string& image) { return "@" + image; },
+    nothing,
     "status",
     "$",
     "",
@@ -107,7 +121,11 @@ const Grammar vb = {
                    : s.function + " " + arguments + "\n";
     },
     [](const std::string& image) { return "GlobalFree " + image + "\n"; },
+    nullptr,
     "",
+    nothing,
+    [](const std::string& image) { return image; },
+    nothing,
     "status",
     "&H",
     "&",
@@ -126,14 +144,18 @@ const Grammar vb = {
 const Grammar python = {
     "# ",
     [](const std::vector<std::string>&) {
-        return std::string("import kirvo\n"
-                           "from ctypes import byref, c_int32, c_uint8, c_void_p\n\n"
+        return std::string("from ctypes import byref, c_int32, c_uint8, c_void_p\n"
+                           "from kirvo import flat as kirvo\n\n"
                            "status = c_int32()\n");
     },
     "",
     [](const Sentence& s) { return checked(s, plain(s, "kirvo.", " = "), "kirvo.check", ""); },
     [](const std::string& image) { return "kirvo.GlobalFree(" + image + ")\n"; },
-    "byref(",
+    nullptr,
+    "",
+    [](const std::string& image) { return image + " = c_void_p()\n"; },
+    [](const std::string& image) { return "byref(" + image + ")"; },
+    nothing,
     "byref(status)",
     "0x",
     "",
@@ -144,14 +166,49 @@ const Grammar python = {
     "",
 };
 
+// The layer kirvo.hpp frees images and throws what fails.
+const Grammar cpp = {
+    "// ",
+    [](const std::vector<std::string>&) { return std::string("int32_t status = KIRVO_OK;\n"); },
+    "",
+    [](const Sentence& s) {
+        const std::string refused = "throw kirvo::Error(status, kirvo_status_text(status));\n";
+        const std::string call = s.function + "(" + joined(s.arguments) + ")";
+        if (s.answer == calls::Answer::image)
+            return "kirvo::Image " + s.result + " = kirvo::Image::adopt(" + call + ");\nif (!" +
+                   s.result + ")\n    " + refused;
+        return s.answer == calls::Answer::status
+                   ? "status = " + call + ";\nif (status != KIRVO_OK)\n    " + refused
+                   : call + ";\n";
+    },
+    nothing,
+    [](const std::string& image, const std::string& file) {
+        return "kirvo::Image " + image + " = kirvo::Image::open(\"" + file + "\");\n";
+    },
+    ".handle()",
+    [](const std::string& image) { return "HGLOBAL " + image + "_made = nullptr;\n"; },
+    [](const std::string& image) { return "&" + image + "_made"; },
+    [](const std::string& image) {
+        return "kirvo::Image " + image + " = kirvo::Image::adopt(" + image + "_made);\n";
+    },
+    "&status",
+    "0x",
+    "",
+    [](const std::string& name, const std::string& numbers) {
+        return "static const uint8_t " + name + "[256] = {" + numbers + "};\n";
+    },
+    "",
+    "",
+};
+
 } // namespace
 
 const Grammar& grammar_of(Language language) {
-    const Grammar* all[] = {&c, &csharp, &delphi, &vb, &python};
+    const Grammar* all[] = {&c, &csharp, &delphi, &vb, &python, &cpp};
     return *all[static_cast<int>(language)];
 }
 
-const wchar_t* language_name(Language language) {
-    const wchar_t* names[] = {L"C", L"C#", L"Delphi", L"Visual Basic", L"Python"};
+const char* language_name(Language language) {
+    const char* names[] = {"C", "C#", "Delphi", "Visual Basic", "Python", "C++"};
     return names[static_cast<int>(language)];
 }

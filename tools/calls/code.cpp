@@ -26,9 +26,9 @@ class Writer {
             current = last != names_.end() ? last->second : current;
             release_all_but(current);
         }
-        const std::string first = std::string(grammar_.comment) +
-                                  "dib is the picture, a packed DIB; the result is " + current +
-                                  "\n";
+        const std::string first = std::string(grammar_.comment) + "dib is the picture, a " +
+                                  (language_ == Language::cpp ? "kirvo::Image" : "packed DIB") +
+                                  "; the result is " + current + "\n";
         return first + tables_in_front() + grammar_.head(images_) + tables_behind() + body_ +
                grammar_.tail;
     }
@@ -41,8 +41,7 @@ class Writer {
     void add(const calls::Call& call) {
         if (!call.file.empty()) {
             names_[call.image] = new_image();
-            body_ += std::string(grammar_.comment) + names_[call.image] + " is the picture of " +
-                     call.file + "\n";
+            body_ += opened(names_[call.image], call.file);
             return;
         }
         Sentence sentence = {call.name, {}, call.answer, ""};
@@ -53,8 +52,15 @@ class Writer {
             sentence.result = new_image();
             names_[call.image] = sentence.result;
         }
-        body_ += before_ + grammar_.call(sentence);
+        body_ += before_ + grammar_.call(sentence) + behind_;
         before_.clear();
+        behind_.clear();
+    }
+
+    std::string opened(const std::string& image, const std::string& file) const {
+        return grammar_.opened != nullptr
+                   ? grammar_.opened(image, file)
+                   : grammar_.comment + image + " is the picture of " + file + "\n";
     }
 
     std::string new_image() {
@@ -83,16 +89,15 @@ class Writer {
     }
     std::string word(const calls::ImageArgument& image) const {
         const auto found = names_.find(image.handle);
-        return found != names_.end() ? found->second : "dib";
+        return (found != names_.end() ? found->second : "dib") + grammar_.handle_behind;
     }
     std::string word(const calls::StatusOutput&) const { return grammar_.status; }
     std::string word(const calls::Output& output) {
         const std::string name = new_image();
         names_[output.handle] = name;
-        if (language_ != Language::python)
-            return grammar_.output_before + name;
-        before_ += name + " = c_void_p()\n";
-        return grammar_.output_before + name + ")";
+        before_ += grammar_.output_before(name);
+        behind_ += grammar_.output_behind(name);
+        return grammar_.output(name);
     }
     std::string word(const calls::Table& table) {
         const std::string name = "table" + std::to_string(++table_count_);
@@ -107,7 +112,8 @@ class Writer {
     const Grammar& grammar_;
     std::map<HGLOBAL, std::string> names_;
     std::vector<std::string> images_;
-    std::string tables_, body_, before_;
+    std::string tables_, body_;
+    std::string before_, behind_; // the call that is being made
     int table_count_ = 0;
 };
 
