@@ -46,7 +46,8 @@ install(FILES docs/contact-sheet.jpg docs/SAFETY.md DESTINATION ${CMAKE_INSTALL_
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/build/docs/html DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs
         OPTIONAL)
 install(DIRECTORY bindings examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
-        PATTERN __pycache__ EXCLUDE)
+        PATTERN __pycache__ EXCLUDE
+        PATTERN javascript/*.js* EXCLUDE) # parts of a package of its own
 
 # Builds what is installed.
 add_custom_target(kirvo_installed DEPENDS kirvo kirvo_files)

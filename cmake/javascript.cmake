@@ -48,7 +48,8 @@ if(TARGET gtest)
     add_executable(kirvo_kernel_tests ${kernel_test_sources})
     target_include_directories(kirvo_kernel_tests PRIVATE tests)
     target_link_libraries(kirvo_kernel_tests PRIVATE gtest kirvo_objects)
-    target_link_options(kirvo_kernel_tests PRIVATE -sALLOW_MEMORY_GROWTH -sEXIT_RUNTIME -sNODERAWFS)
+    target_link_options(kirvo_kernel_tests PRIVATE -sALLOW_MEMORY_GROWTH -sEXIT_RUNTIME -sNODERAWFS
+                        -sSINGLE_FILE) # which it does not fetch, as it would from a file beside it
     set_target_properties(kirvo_kernel_tests PROPERTIES # Emscripten's tools find their modules
         RULE_LAUNCH_LINK "${CMAKE_COMMAND} -E env NODE_PATH=/usr/share/nodejs")
     add_test(NAME kirvo_kernel_tests

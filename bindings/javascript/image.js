@@ -53,6 +53,8 @@ export class Image {
 
     /** The picture of a handle of the flat functions, which becomes the picture's own. */
     static fromHandle(handle) {
+        if (flat.GlobalSize(handle) === 0)
+            throw new KirvoError(flat.KIRVO_NULL_HANDLE, "fromHandle");
         return new Image(owned, handle);
     }
 
@@ -91,11 +93,13 @@ export class Image {
     get #rows() {
         const bytes = this.#bytes;
         return { bytes: bytes.subarray(HEADER + flat.PaletteSize(this.#address)),
-                 stride: (this.width * this.bits + 31 >>> 5) * 4 };
+                 stride: Math.floor((this.width * this.bits + 31) / 32) * 4 };
     }
 
     /** A picture of 24 bits of an ImageData; what is transparent is laid over a colour. */
     static fromImageData({ width, height, data }, background = 0xFFFFFF) {
+        if (data.length !== 4 * width * height)
+            throw new RangeError(`${width} x ${height} pixels are ${4 * width * height} bytes, not ${data.length}`);
         const image = new Image(width, height);
         const { bytes, stride } = image.#rows;
         const [red, green, blue] = [background & 255, background >> 8 & 255, background >> 16 & 255];
@@ -132,7 +136,20 @@ export class Image {
         const dib = flat.blockOf(bytes);
         if (dib === 0)
             throw new KirvoError(flat.KIRVO_NO_MEMORY, "fromDib");
-        return Image.fromHandle(dib);
+        const image = new Image(owned, dib);
+        if (image.#isWhole)
+            return image;
+        image.free();
+        throw new KirvoError(flat.KIRVO_BAD_PARAMETER, "fromDib");
+    }
+
+    // Whether the block holds all pixels that its header tells of.
+    get #isWhole() {
+        if (flat.GlobalSize(this.#dib) < HEADER || this.#view.getUint32(0, true) !== HEADER || this.width <= 0 ||
+            this.height <= 0 || ![1, 4, 8, 16, 24, 32].includes(this.bits))
+            return false;
+        const { bytes, stride } = this.#rows;
+        return bytes.length >= stride * this.height;
     }
 
     /** A copy of the packed DIB's bytes: what follows the first 14 bytes of a BMP file. */
@@ -427,6 +444,8 @@ export class Image {
 
     /** Filters with a kernel of 3 x 3 weights, row by row from the top left neighbour. */
     filter3x3(weights, divisor = 0, area = null) {
+        if (weights.length !== 9)
+            throw new TypeError(`filter3x3: 9 weights are needed, not ${weights.length}`);
         const [a, b, c, d, e, f, g, h, i] = weights;
         const sum = weights.reduce((left, right) => left + right, 0);
         return this.#make("filter3x3", [16, 24, 32], area, (dib, inside, status) => {

@@ -52,7 +52,7 @@ export class Image {
     /** The pixels for a canvas: an ImageData in browsers, elsewhere an object like one. */
     toImageData(): ImageData;
 
-    /** A picture of the bytes of a packed DIB: a BMP file without its first 14. */
+    /** A picture of the bytes of a packed DIB with a header of 40: a BMP file without its first 14. */
     static fromDib(bytes: Uint8Array): Image;
 
     /** A copy of the packed DIB's bytes. */
@@ -63,14 +63,15 @@ export class Image {
 
     /** The bytes of a JPEG file.
      *  @param options level: 1 (finest) to 5, 2 by default; sampling of chroma: 1 each pixel, 2 halved
-     *  across, 4 halved both ways, which is the default */
+     *  across, 4 halved both ways, which is the default. The flat encoder keeps what was set last. */
     toJpeg(options?: { level?: number; sampling?: number }): Uint8Array;
 
     readonly width: number;
     readonly height: number;
     /** Bits of a pixel. */
     readonly bits: number;
-    /** The packed DIB for the flat functions; it stays the picture's. 0 once it is freed. */
+    /** The packed DIB for the flat functions; it stays the picture's, which is to be kept for as long as
+     *  the handle is in use. 0 once it is freed. */
     readonly handle: number;
 
     /** Frees the picture now. */
@@ -351,7 +352,7 @@ export class Image {
 
     /** Filters with a kernel of 3 x 3 weights, row by row from the top left neighbour.
      *  @param divisor divides the sums; 0, the default: the sum of the weights, or 1 */
-    filter3x3(weights: ArrayLike<number>, divisor?: number, area?: Area | null): Image;
+    filter3x3(weights: readonly number[], divisor?: number, area?: Area | null): Image;
 
     /** Keeps colours by ranges.
      *  @param flags 0x101 channels of RGB, 0x102 pixels of RGB, 0x202 pixels by hue, saturation and
@@ -1416,12 +1417,16 @@ export namespace flat {
      *  Works on the luminance Y = (77 R + 150 G + 29 B + 128) >> 8 and its Laplacian L = 4 × Y −
      *  (Y left + Y right + Y above + Y below). At the rectangle's edges a pixel stands in for its
      *  missing neighbour; a rectangle one row high has black (0) above it.
-     *  | mode | result |  | 0 | sharpened: L / 8 (truncating) is added to each channel, clamped to
-     *  0..255 | | 1 | relief: grey clamp(L, −127, 127) + 128 | | 2 | relief lit from a corner: the
-     *  same of v = right + above − left − below + 2 × (above right − below left) | | 3 | dark
-     *  edges on white: grey 255 − min(abs(L), 255) | | 4 | the same where the pixel is brighter
-     *  than its neighbours (L > 0), else white | | 5 | the same where it is darker (L < 0), else
-     *  white |
+     *
+     *  | mode | result |
+     *  |---|---|
+     *  | 0 | sharpened: L / 8 (truncating) is added to each channel, clamped to 0..255 |
+     *  | 1 | relief: grey clamp(L, −127, 127) + 128 |
+     *  | 2 | relief lit from a corner: the same of v = right + above − left − below + 2 × (above right − below left) |
+     *  | 3 | dark edges on white: grey 255 − min(abs(L), 255) |
+     *  | 4 | the same where the pixel is brighter than its neighbours (L > 0), else white |
+     *  | 5 | the same where it is darker (L < 0), else white |
+     *
      *  Reports progress of two passes (30, 70), or of three (30, 40, 30) in mode 0.
      *  @param dib packed DIB of 24 bits
      *  @param x rectangle in the picture
@@ -1489,14 +1494,23 @@ export namespace flat {
      *  The ranges are a record of ten 16-bit fields: flags, then lower bound, upper bound and test
      *  of red or hue, of green or saturation, and of blue or value. Bounds are signed. Each
      *  argument holds two fields, the first in its low half:
-     *  | argument | bits 0-15 | bits 16-31 |  | range0 | flags | first lower | | range1 | first
-     *  upper | first test | | range2 | second lower | second upper | | range3 | second test |
-     *  third lower | | range4 | third upper | third test |
+     *
+     *  | argument | bits 0-15 | bits 16-31 |
+     *  |---|---|---|
+     *  | range0 | flags | first lower |
+     *  | range1 | first upper | first test |
+     *  | range2 | second lower | second upper |
+     *  | range3 | second test | third lower |
+     *  | range4 | third upper | third test |
+     *
      *  In 32-bit programs this is how a structure of ten 16-bit fields is passed by value.
-     *  | flags | meaning |  | 0x101 | RGB: a channel that fails its test becomes 0 | | 0x102 |
-     *  RGB: a pixel becomes black unless all three channels pass | | 0x202 | HSV: a pixel becomes
-     *  black unless hue (0..359), saturation and value (0..255) pass; one that passes is rebuilt
-     *  from them (RGB2HSV, HSV2RGB) |
+     *
+     *  | flags | meaning |
+     *  |---|---|
+     *  | 0x101 | RGB: a channel that fails its test becomes 0 |
+     *  | 0x102 | RGB: a pixel becomes black unless all three channels pass |
+     *  | 0x202 | HSV: a pixel becomes black unless hue (0..359), saturation and value (0..255) pass; one that passes is rebuilt from them (RGB2HSV, HSV2RGB) |
+     *
      *  Tests are those of Dib24Filter. Reports progress per row.
      *  Example: keep the strong reds (hue 0 to 20, saturation 100 or more).
      *  @param dib packed DIB of 24 or 32 bits

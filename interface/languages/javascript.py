@@ -126,12 +126,19 @@ def given(method):
 
 # Types
 
+def wrapped(text, width):
+    """The lines of a paragraph, or the rows of a table."""
+    if "|---" in text:
+        return ["", *re.split(r"(?<=\|) (?=\|)", text), ""]
+    return textwrap.wrap(text, width, break_on_hyphens=False)
+
+
 def documentation(paragraphs, indent):
     """A comment of these paragraphs, none of which may end it."""
-    lines = [line for text in paragraphs for line in
-             textwrap.wrap(text.replace("*/", "* /"), 95 - len(indent), break_on_hyphens=False)]
-    return [f"{indent}/** {lines[0]}", *(f"{indent} *  {line}" for line in lines[1:-1]),
-            f"{indent} *  {lines[-1]} */"] if len(lines) > 1 else [f"{indent}/** {lines[0]} */"]
+    first, *rest = [line.replace("*/", "* /") for text in paragraphs
+                    for line in wrapped(text, 95 - len(indent))]
+    return [f"{indent}/** {first}", *(f"{indent} *  {line}" for line in rest[:-1]),
+            f"{indent} *  {rest[-1]} */"] if rest else [f"{indent}/** {first} */"]
 
 
 def type_of(given):
@@ -149,7 +156,7 @@ def function_types(function, header):
                     if name in [one.name for one in function.parameters])]
     if comment.result:
         paragraphs.append(f"@returns {comment.result}")
-    yield from documentation([re.sub(r"\|[-|]+\|", "", text) for text in paragraphs] or ["-"], "    ")
+    yield from documentation(paragraphs, "    ")
     yield from listed(f"    function {function.name}(",
                       [f"{one.name}: {type_of(one)}" for one in function.parameters] or [""],
                       f"): {'number' if function.result else 'void'};", indent=" " * 8)

@@ -52,7 +52,7 @@ export class Image {
     /** The pixels for a canvas: an ImageData in browsers, elsewhere an object like one. */
     toImageData(): ImageData;
 
-    /** A picture of the bytes of a packed DIB: a BMP file without its first 14. */
+    /** A picture of the bytes of a packed DIB with a header of 40: a BMP file without its first 14. */
     static fromDib(bytes: Uint8Array): Image;
 
     /** A copy of the packed DIB's bytes. */
@@ -63,14 +63,15 @@ export class Image {
 
     /** The bytes of a JPEG file.
      *  @param options level: 1 (finest) to 5, 2 by default; sampling of chroma: 1 each pixel, 2 halved
-     *  across, 4 halved both ways, which is the default */
+     *  across, 4 halved both ways, which is the default. The flat encoder keeps what was set last. */
     toJpeg(options?: { level?: number; sampling?: number }): Uint8Array;
 
     readonly width: number;
     readonly height: number;
     /** Bits of a pixel. */
     readonly bits: number;
-    /** The packed DIB for the flat functions; it stays the picture's. 0 once it is freed. */
+    /** The packed DIB for the flat functions; it stays the picture's, which is to be kept for as long as
+     *  the handle is in use. 0 once it is freed. */
     readonly handle: number;
 
     /** Frees the picture now. */
@@ -89,7 +90,7 @@ export class Image {
 %% endfor
     /** Filters with a kernel of 3 x 3 weights, row by row from the top left neighbour.
      *  @param divisor divides the sums; 0, the default: the sum of the weights, or 1 */
-    filter3x3(weights: ArrayLike<number>, divisor?: number, area?: Area | null): Image;
+    filter3x3(weights: readonly number[], divisor?: number, area?: Area | null): Image;
 
     /** Keeps colours by ranges.
      *  @param flags 0x101 channels of RGB, 0x102 pixels of RGB, 0x202 pixels by hue, saturation and

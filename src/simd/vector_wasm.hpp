@@ -110,12 +110,13 @@ struct Vector {
     static Register sub32(Register a, Register b) { return wasm_i32x4_sub(a, b); }
     static Register max32(Register a, Register b) { return wasm_i32x4_max(a, b); }
     static Register dot16(Register a, Register b) { return wasm_i32x4_dot_i16x8(a, b); }
-    static Register shift_left32(Register a, int count) {
-        return wasm_i32x4_shl(a, static_cast<uint32_t>(count));
-    }
-    static Register shift_right32(Register a, int count) {
-        return wasm_u32x4_shr(a, static_cast<uint32_t>(count));
-    }
+    // A count of bits for all lanes.
+    struct Count {
+        uint32_t bits;
+        Count(uint32_t count) : bits(count) {}
+    };
+    static Register shift_left32(Register a, Count count) { return wasm_i32x4_shl(a, count.bits); }
+    static Register shift_right32(Register a, Count count) { return wasm_u32x4_shr(a, count.bits); }
     template<int count>
     static Register shift_left32(Register a) {
         return wasm_i32x4_shl(a, count);

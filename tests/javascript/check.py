@@ -3,6 +3,9 @@
 
 The library is the native one, whose results are those of WebAssembly, byte for byte.
 """
+import contextlib
+import functools
+import http.server
 import json
 import os
 import pathlib
@@ -10,6 +13,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import threading
 
 HERE = pathlib.Path(__file__).parent
 PACKAGE, LIBRARY = (pathlib.Path(argument).resolve() for argument in sys.argv[2:4])
@@ -31,6 +35,7 @@ def recording(folder, seed, steps):
 
 def check_node(folder):
     """Random calls in Node: each build of the package, each level."""
+    assert (PACKAGE / "kirvo.wasm").stat().st_size < 400 * 1024
     for seed, module, level in ((1, "kirvo.mjs", "wasm"), (2, "kirvo-embedded.mjs", "wasm"),
                                 (3, "kirvo.js", "scalar")):
         run("node", HERE / "replay_node.mjs", PACKAGE / module, recording(folder, seed, 20000), KIRVO_CPU=level)
@@ -38,7 +43,7 @@ def check_node(folder):
 
 def check_layer(folder):
     """What pictures promise."""
-    run("node", "--expose-gc", "--test", HERE / "layer_test.mjs", KIRVO_PACKAGE=str(PACKAGE))
+    run("node", "--expose-gc", HERE / "layer_test.mjs", KIRVO_PACKAGE=str(PACKAGE))
 
 
 def check_types(folder):
@@ -53,24 +58,41 @@ def check_types(folder):
 
 
 def check_browser(folder):
-    """The same in Chromium, from a page on the disk; and a picture through a canvas."""
+    """The same in Chromium: from a page on the disk, and by the modules of a server."""
     from selenium import webdriver
-    recorded = recording(folder, 4, 20000)
-    page = folder / "page.html"
-    page.write_text((HERE / "page.html").read_text().replace("@package@", PACKAGE.as_uri())
-                    .replace("@tests@", HERE.as_uri()).replace("@recorded@", recorded.as_uri()))
+    page = (HERE / "page.html").read_text()
+    disk = folder / "disk.html"
+    disk.write_text(page.replace("@package@", PACKAGE.as_uri()).replace("@tests@", HERE.as_uri())
+                    .replace("@recorded@", recording(folder, 4, 20000).as_uri()))
+    shutil.copytree(PACKAGE, folder / "package")
+    shutil.copy(HERE / "replay.js", folder)
+    shutil.copy(HERE / "modules.html", folder)
     options = webdriver.ChromeOptions()
     for option in ("--headless=new", "--no-sandbox", "--disable-dev-shm-usage", "--disable-gpu",
                    f"--user-data-dir={folder}/profile"):
         options.add_argument(option)
-    driver = webdriver.Chrome(options=options)
-    try:
+    with served(folder) as address, webdriver.Chrome(options=options) as driver:
         driver.set_script_timeout(120)
-        driver.get(page.as_uri())
-        found = driver.execute_async_script("window.finished.then(arguments[0], e => arguments[0](String(e)))")
-    finally:
-        driver.quit()
-    assert found == [], json.dumps(found, indent=1)
+        for url in (disk.as_uri(), f"{address}/modules.html"):
+            driver.get(url)
+            found = driver.execute_async_script(
+                "window.finished.then(arguments[0], error => arguments[0](String(error)))")
+            assert found == [], f"{url}: {json.dumps(found, indent=1)}"
+
+
+@contextlib.contextmanager
+def served(folder):
+    """The address of a server of this folder."""
+    handler = functools.partial(Quiet, directory=folder)
+    with http.server.ThreadingHTTPServer(("127.0.0.1", 0), handler) as server:
+        threading.Thread(target=server.serve_forever, daemon=True).start()
+        yield f"http://127.0.0.1:{server.server_address[1]}"
+        server.shutdown()
+
+
+class Quiet(http.server.SimpleHTTPRequestHandler):
+    def log_message(self, *_):
+        pass
 
 
 with tempfile.TemporaryDirectory() as made_for_this:

@@ -63,6 +63,25 @@ test("a method that changes the picture changes it, whatever its depth", () => {
     assert.equal(grey.getPixel(1, 1), rgb(1, 2, 3));
 });
 
+test("the bytes of a packed DIB make a picture, if they are all there", () => {
+    for (const image of [varied(5, 4), varied(5, 4).convert(16), varied(5, 4).convert(32), varied(9, 2).reduce256()]) {
+        const bytes = image.toDib(), copy = Image.fromDib(bytes);
+        assert.deepEqual(copy.toDib(), bytes);
+        assert.deepEqual(copy.toImageData().data, image.toImageData().data);
+        refused("KIRVO_BAD_PARAMETER", () => Image.fromDib(bytes.slice(0, -1)));
+        for (const at of [0, 4, 8, 14]) { // header size, width, height, bits
+            const changed = bytes.slice();
+            changed[at] += 77;
+            refused("KIRVO_BAD_PARAMETER", () => Image.fromDib(changed));
+        }
+        const upsideDown = bytes.slice();
+        upsideDown.fill(0xFF, 8, 12);
+        refused("KIRVO_BAD_PARAMETER", () => Image.fromDib(upsideDown));
+    }
+    refused("KIRVO_BAD_PARAMETER", () => Image.fromDib(new Uint8Array(3)));
+    refused("KIRVO_BAD_PARAMETER", () => Image.fromDib(new Uint8Array(0)));
+});
+
 test("an area is what is worked on", () => {
     const image = Image.solid(6, 4, rgb(1, 1, 1)).negative({ x: 2, y: 1, height: 2 });
     assert.deepEqual([[1, 1], [2, 1], [5, 2], [2, 3], [2, 0]].map(([x, y]) => image.getPixel(x, y)),
@@ -139,6 +158,11 @@ test("what is refused is an error with its reason", () => {
     assert.throws(() => flat.DibHistgram(image.handle, 0, 0, 5, 5, ...[0, 1, 2].map(() => new Uint32Array(9))),
         TypeError);
     assert.throws(() => image.resize(2.5, 3), TypeError);
+    assert.throws(() => image.filter3x3([1, 2, 3]), TypeError);
+    assert.throws(() => image.paste({}), TypeError);
+    assert.throws(() => Image.fromImageData({ width: 2, height: 2, data: new Uint8ClampedArray(15) }), RangeError);
+    refused("KIRVO_NULL_HANDLE", () => Image.fromHandle(0));
+    refused("KIRVO_NULL_HANDLE", () => Image.fromHandle(12345));
 });
 
 test("a picture that is freed is refused", () => {

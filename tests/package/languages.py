@@ -96,7 +96,7 @@ def check_npm():
         import * as embedded from "kirvo-wasm/embedded";
         console.log(flat.GetVerKirvoDll(), embedded.Image.solid(2, 2, 7).negative().getPixel(1, 1));""")
     assert run("node", "use.mjs").split() == [str(version.NUMBER), str(0xFFFFFF - 7)]
-    run("node", "--expose-gc", "--test", ROOT / "tests/javascript/layer_test.mjs",
+    run("node", "--expose-gc", ROOT / "tests/javascript/layer_test.mjs",
         env={**ENVIRONMENT, "KIRVO_PACKAGE": str(package)})
 
 
