@@ -6,6 +6,7 @@ status code its number and the functions that answer it. Line numbers of warning
 block of comment keeps its number of lines.
 """
 import html
+import json
 import pathlib
 import re
 import sys
@@ -15,6 +16,7 @@ import pictures
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "interface"))
 from header import CODE, DECLARATION, Header
 
+PAGES = pathlib.Path(__file__).parents[1] / "build/docs/html"
 HEADERS = [Header("kirvo.h"), Header("kirvo_files.h")]
 
 
@@ -51,14 +53,26 @@ def figure(file, caption):
             f"<figcaption>{html.escape(caption)}</figcaption></figure>")
 
 
-def shown(effect):
+def effect_page(name):
+    return "effect_" + name.replace("-", "_")
+
+
+def effect_names():
+    """The effects that pages.py has written pages of."""
+    text = (PAGES / "catalogue.js").read_text()
+    return [effect["option"][2:] for effect in json.loads(text[text.index("["):text.rindex(";")])]
+
+
+def shown(function):
     """One line that shows what a function does; empty for one without pictures."""
-    own = [picture for picture in pictures.pictures() if picture.function == effect]
+    own = [picture for picture in pictures.pictures() if picture.function == function]
     if not own:
         return ""
+    effect = pictures.shown_effect(own[0], effect_names())
+    live = f'<p class="try"><a href="{effect_page(effect)}.html">Try it live</a></p>' if effect else ""
     before = [] if pictures.made(own[0]) else [figure(f"{own[0].before}.jpg", "before")]
     figures = before + [figure(picture.file, f"{picture.options}") for picture in own]
-    return f'@htmlonly[block] <div class="shown">{"".join(figures)}</div> @endhtmlonly'
+    return f'@htmlonly[block] <div class="shown">{"".join(figures)}</div>{live} @endhtmlonly'
 
 
 def with_pictures(text):

@@ -36,13 +36,6 @@ def told(program, *arguments):
     return subprocess.run([program, *arguments], check=True, capture_output=True, text=True).stdout
 
 
-def shown_effect(picture, names):
-    """The effect that a picture of the reference shows: others on its line prepare for it."""
-    options = [word[2:] for word in picture.options.split() if word[2:] in names]
-    telling = [name for name in options if name not in ("crop", "resize")]
-    return (telling or options[-1:] or [None])[0]
-
-
 class Catalogue:
     def __init__(self, program):
         self.effects = [effect for effect in json.loads(told(program, "effects", "--json"))
@@ -50,7 +43,7 @@ class Catalogue:
         names = [self.name(effect) for effect in self.effects]
         self.pictures = {name: [] for name in names}
         for picture in pictures.pictures():
-            name = shown_effect(picture, names)
+            name = pictures.shown_effect(picture, names)
             if name and not pictures.made(picture):
                 self.pictures[name].append(picture)
         bare = [name for name, own in self.pictures.items() if not own]
@@ -68,7 +61,7 @@ class Catalogue:
 
     @staticmethod
     def page(effect):
-        return "effect_" + Catalogue.name(effect).replace("-", "_")
+        return annotate.effect_page(Catalogue.name(effect))
 
     def functions(self, effect):
         return list(dict.fromkeys(picture.function for picture in self.pictures[self.name(effect)]))

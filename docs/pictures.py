@@ -33,6 +33,13 @@ def made(picture):
     return picture.options.startswith("make ")
 
 
+def shown_effect(picture, names):
+    """The effect that a picture of the reference shows: others on its line prepare for it."""
+    options = [word[2:] for word in picture.options.split() if word[2:] in names]
+    telling = [name for name in options if name not in ("crop", "resize")]
+    return (telling or options[-1:] or [None])[0]
+
+
 def make_all(programs, folder):
     def run(program, *arguments):
         subprocess.run([programs / program, *arguments], check=True, cwd=folder,

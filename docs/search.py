@@ -16,10 +16,11 @@ ROOT = pathlib.Path(__file__).parent
 PAGES = [ROOT / "guide", ROOT / "guide/languages", ROOT.parent / "build/docs/pages"]
 
 
-def line_of(page):
-    if page.startswith("effect_"):
-        return "Effect, live"
-    return "Page"
+def line_of(page, text):
+    """The first sentence of a page, apart from its headings."""
+    kind = "Effect" if page.startswith("effect_") else "Page"
+    paragraphs = re.sub(r"^#.*\n|^- .*\n", "", text, flags=re.MULTILINE)
+    return f"{kind}: {annotate.first_sentence(annotate.plain(paragraphs))}".rstrip(": ")
 
 
 def entries(folder):
@@ -33,7 +34,7 @@ def entries(folder):
     for compound in xml.parse(folder / "kirvo.tag").iter("compound"):
         kind, name = compound.get("kind"), compound.findtext("name")
         if kind in ("group", "page") and name != "index":
-            yield (compound.findtext("title"), line_of(name) if kind == "page" else "Reference",
+            yield (compound.findtext("title"), line_of(name, pages.get(name, "")) if kind == "page" else "Reference",
                    compound.findtext("filename"), annotate.plain(pages.get(name, "")))
         if name.startswith("kirvo::"):
             yield name, "C++", compound.findtext("filename"), ""

@@ -136,22 +136,36 @@ class Code(Case):
                 self.assertEqual({language for language, text in code.items() if not text}, set())
                 self.assertIn(option, line)
 
+    def wrapped(self, language, before, behind):
+        return "".join(f"{before.format(i)}\n{code[language]}{behind}\n"
+                       for i, (_, code, _) in enumerate(self.codes))
+
+    def compile(self, name, text, *command):
+        (self.folder / name).write_text(text)
+        made = subprocess.run([*command, name], cwd=self.folder, capture_output=True, text=True)
+        self.assertEqual(made.returncode, 0, made.stdout + made.stderr)
+
     def test_c_compiles(self):
-        functions = [f"int32_t step{i}(HGLOBAL dib)\n{{\n{code['C']}return status;\n}}\n"
-                     for i, (_, code, _) in enumerate(self.codes)]
-        self.compile("code.c", "#include <kirvo.h>\n" + "".join(functions), "-std=c99")
+        self.compile("code.c", "#include <kirvo.h>\n" + self.wrapped(
+            "C", "int32_t step{}(HGLOBAL dib)\n{{", "return status;\n}"),
+            "gcc", "-std=c99", "-fsyntax-only", f"-I{ROOT}/include")
 
     def test_cpp_compiles(self):
-        functions = [f"void step{i}(kirvo::Image dib)\n{{\n{code['C++']}}}\n"
-                     for i, (_, code, _) in enumerate(self.codes)]
-        self.compile("code.cpp", "#include <kirvo.hpp>\n" + "".join(functions), "-std=c++17")
+        self.compile("code.cpp", "#include <kirvo.hpp>\n" + self.wrapped(
+            "C++", "void step{}(kirvo::Image dib)\n{{", "}"),
+            "g++", "-std=c++17", "-fsyntax-only", f"-I{ROOT}/include")
 
-    def compile(self, name, text, standard):
-        (self.folder / name).write_text(text)
-        made = subprocess.run(["g++" if name.endswith("pp") else "gcc", standard, "-fsyntax-only",
-                               "-I", ROOT / "include", self.folder / name],
-                              capture_output=True, text=True)
-        self.assertEqual(made.returncode, 0, made.stderr)
+    # Where a comment names a second picture, the variable is the reader's to fill.
+    def test_csharp_compiles(self):
+        text = self.wrapped("C#", "static void Step{}(IntPtr dib) {{", "}")
+        text = re.sub(r"// (dib2) is the picture of .*", r"\1 = IntPtr.Zero;", text)
+        self.compile("code.cs", f"using System;\nusing KirvoImaging;\nclass Steps {{\n{text}}}\n",
+                     "mcs", "-target:library", f"{ROOT}/bindings/csharp/Kirvo.cs")
+
+    def test_pascal_compiles(self):
+        text = self.wrapped("Delphi", "procedure Step{}(dib: HGLOBAL);", "")
+        self.compile("code.pas", "{$MODE DELPHI}\nunit code;\ninterface\nuses Kirvo;\nimplementation\n"
+                     f"{text}end.\n", "fpc", "-Cn", f"-Fu{ROOT}/bindings/pascal", "-FU.", "-v0e")
 
     def test_python_makes_what_the_command_line_makes(self):
         program = ROOT / "tests/docs/run_code.py"
