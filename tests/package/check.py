@@ -150,8 +150,10 @@ def check_library():
         assert re.search(r"^Time/Date\t+Thu Jan  1 00:00:00 1970", run(
             f"{TRIPLE}-objdump", "-p", path, env={**os.environ, "TZ": "UTC"}), re.M), path
     for name, target in {"Kirvo": "kirvo", "KirvoFiles": "kirvo_files"}.items():
-        members = run(f"{TRIPLE}-ar", "t", LIB / f"lib{name}.dll.a").split()
-        assert all(re.fullmatch(target + r"_(t|h|s\d+)\.o", member) for member in members), members[:3]
+        library = LIB / f"lib{name}.dll.a"
+        members = run(f"{TRIPLE}-ar", "t", library).split()
+        assert all(re.fullmatch(target + r"(t|h|s\d+)\.o", member) for member in members), members[:3]
+        assert f"head_lib{name}_dll_a".encode() in library.read_bytes(), f"{library} knows its folder"
 
 
 def check_tool():
