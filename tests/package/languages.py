@@ -153,6 +153,27 @@ def check_subproject():
     assert installed == ["program"], installed
 
 
+def check_again():
+    """Packed once more, later and in another time zone, everything is the same bytes. (That it is so when
+    all of it is built again, too, is shown by script/package --twice.)"""
+    with tarfile.open(the("kirvo_*.orig.tar.xz")) as archive:
+        moment = archive.next().mtime
+    cache = run("bash", "-c", f". {ROOT}/script/common.sh; echo $cache").strip()
+    environment = {**ENVIRONMENT, "SOURCE_DATE_EPOCH": str(moment), "TZ": "Asia/Tokyo", "KIRVO_TIFF": f"{cache}/tiff"}
+    made = WORK / "packages"
+    made.mkdir()
+    for packer in ("source", "wheel native", "wheel win32", "wheel win64", "nupkg", "npm", "pages"):
+        name, *arguments = packer.split()
+        run(sys.executable, ROOT / f"packaging/{name}.py", *arguments, made, env=environment)
+    for path in PACKAGES.glob("*-win??.zip"):
+        shutil.copy(path, made)
+    for name in ("sbom", "manifests"):
+        run(sys.executable, ROOT / f"packaging/{name}.py", made, env=environment)
+    differ = [path.name for path in made.iterdir() if path.read_bytes() != (PACKAGES / path.name).read_bytes()]
+    assert not differ, differ
+    assert len(list(made.iterdir())) >= 13
+
+
 def check_manifests():
     """What winget, scoop, vcpkg and readers of a bill of materials take holds to their rules, and names
     what is there."""
