@@ -20,9 +20,9 @@ function(kirvo_exports target objects def)
         add_custom_command(
             TARGET ${target} POST_BUILD
             COMMAND ${CMAKE_DLLTOOL} --kill-at --input-def ${exports}
-                    --temp-prefix ${target} # else the library remembers where it was made
-                    --dllname $<TARGET_FILE_NAME:${target}>
-                    --output-lib $<TARGET_LINKER_FILE:${target}>
+                    # Names alone: the library remembers what it is told here.
+                    --temp-prefix ${target} --dllname $<TARGET_FILE_NAME:${target}>
+                    --output-lib $<TARGET_LINKER_FILE_NAME:${target}>
             WORKING_DIRECTORY ${PROJECT_BINARY_DIR}
             VERBATIM)
 

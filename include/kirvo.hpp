@@ -467,6 +467,9 @@ class Rows {
         const size_t bytes = (static_cast<size_t>(width_) * static_cast<size_t>(bits_) + 7) / 8;
         return Row(bottom_ + stride_ * static_cast<size_t>(height_ - 1 - y), bytes);
     }
+    /** All pixels in one piece. @return the bytes of the rows, the bottom one first, each padded to a
+     *  multiple of four */
+    Row pixels() const { return Row(bottom_, stride_ * static_cast<size_t>(height_)); }
     /** @cond */
     class Iterator {
       public:

@@ -5,6 +5,7 @@ import pathlib
 import subprocess
 
 LICENCES = {
+    "emscripten": "MIT AND Apache-2.0 WITH LLVM-exception", # its C and C++ libraries
     "g++-mingw-w64-i686-win32": "GPL-3.0-or-later WITH GCC-exception-3.1",
     "g++-mingw-w64-x86-64-win32": "GPL-3.0-or-later WITH GCC-exception-3.1",
     "libcli11-dev": "BSD-3-Clause",
@@ -23,10 +24,11 @@ LICENCES = {
     "nlohmann-json3-dev": "MIT",
     "zlib1g": "Zlib",
 }
-# What the compiler for Windows puts into every file, its own runtime, and the tool besides.
+# What the compilers for Windows put into every file, the tool besides, and live pages and WebAssembly.
 RUNTIMES = {"win32": ("g++-mingw-w64-i686-win32", "mingw-w64-i686-dev"),
             "win64": ("g++-mingw-w64-x86-64-win32", "mingw-w64-x86-64-dev")}
 TOOL = ("libcli11-dev", "nlohmann-json3-dev")
+WASM = ("emscripten",)
 
 # libtiff as script/package builds it, without JBIG.
 TIFF = pathlib.Path(os.environ.get("KIRVO_TIFF", "/nowhere"))

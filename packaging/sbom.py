@@ -7,6 +7,7 @@ import itertools
 import json
 import pathlib
 import sys
+import tarfile
 import uuid
 import zipfile
 
@@ -17,10 +18,10 @@ import version
 
 folder = pathlib.Path(sys.argv[1])
 packages = set()
-for path in itertools.chain(*map(folder.glob, ("*.whl", "*.nupkg", "*.zip"))):
-    with zipfile.ZipFile(path) as archive:
-        packages |= {pathlib.PurePath(name).stem for name in archive.namelist()
-                     if "licenses/" in name and name.endswith(".txt")}
+for path in itertools.chain(*map(folder.glob, ("*.whl", "*.nupkg", "*.zip", "*.tgz"))):
+    with tarfile.open(path) if path.suffix == ".tgz" else zipfile.ZipFile(path) as archive:
+        names = archive.getnames() if path.suffix == ".tgz" else archive.namelist()
+    packages |= {pathlib.PurePath(name).stem for name in names if "licenses/" in name and name.endswith(".txt")}
 
 
 def component(package):

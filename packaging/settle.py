@@ -14,6 +14,6 @@ for system, runtime in licences.RUNTIMES.items():
     for path in pathlib.Path(sys.argv[1]).glob(f"kirvo-*-{system}.zip"):
         with zipfile.ZipFile(path) as archive:
             members = {name: archive.read(name) for name in archive.namelist() if name[-1] != "/"}
-        texts = licences.texts({*runtime, *licences.TOOL})
+        texts = licences.texts({*runtime, *licences.TOOL, *licences.WASM})
         members |= {f"{path.stem}/licenses/{name}": text for name, text in texts.items()}
         write_zip(path, sorted(members.items()))

@@ -98,15 +98,15 @@ export class Image {
      *  @param area the part that is worked on; all of it by default */
     resize(newWidth: number, newHeight: number, smooth?: boolean, area?: Area | null): Image;
 
-    /** Turns a rectangle upside down, in place.
+    /** Turns a rectangle upside down.
      *  @param area the part that is worked on; all of it by default */
     flip(area?: Area | null): Image;
 
-    /** Exchanges left and right in a rectangle, in place.
+    /** Exchanges left and right in a rectangle.
      *  @param area the part that is worked on; all of it by default */
     mirror(area?: Area | null): Image;
 
-    /** Turns a rectangle by 180 degrees, in place.
+    /** Turns a rectangle by 180 degrees.
      *  @param area the part that is worked on; all of it by default */
     rotate180(area?: Area | null): Image;
 
@@ -155,7 +155,7 @@ export class Image {
      *  @param area the part that is worked on; all of it by default */
     toneChannels(red?: number, green?: number, blue?: number, area?: Area | null): Image;
 
-    /** Inverts a rectangle in place: 255 - channel.
+    /** Inverts a rectangle: 255 - channel.
      *  @param area the part that is worked on; all of it by default */
     negative(area?: Area | null): Image;
 
@@ -168,7 +168,7 @@ export class Image {
      *  @param area the part that is worked on; all of it by default */
     halfTone(area?: Area | null): Image;
 
-    /** Exchanges the channels of a rectangle in place.
+    /** Exchanges the channels of a rectangle.
      *  @param mode what red, green and blue are taken from: 0 nothing changes (KIRVO_OK even for a
      *  null handle), 1 red, blue, green; 2 green, blue, red; 3 green, red, blue; 4 blue, red,
      *  green; 5 blue, green, red
@@ -186,7 +186,7 @@ export class Image {
      *  @param area the part that is worked on; all of it by default */
     changeHue(mode: number, value: number, area?: Area | null): Image;
 
-    /** XORs a colour over a rectangle, in place.
+    /** XORs a colour over a rectangle.
      *  @param colour 0x00BBGGRR
      *  @param area the part that is worked on; all of it by default */
     exclusiveOr(colour: number, area?: Area | null): Image;

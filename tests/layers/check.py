@@ -17,6 +17,7 @@ from built import CONFIG, LIBRARY, WINDOWS, need, run
 from description import Description
 from header import Header
 from layers import Layers
+from photo import check_photo
 
 FOLDER = LIBRARY.parent
 
@@ -113,7 +114,7 @@ def check_csharp(folder):
             source, *(csharp / name for name in ("Kirvo.cs", "KirvoImage.cs", "KirvoBitmap.cs")))
         shutil.copy(csharp / "Kirvo.dll.config", f"{program}.config")
     run("mono", folder / "CSharpLayer.exe", folder)
-    check_photo(folder, "mono", folder / "Photo.exe")
+    check_photo(run, folder, "mono", folder / "Photo.exe")
 
 
 def check_pascal(folder):
@@ -130,20 +131,7 @@ def check_pascal(folder):
     lazarus = ["lazbuild", f"--primary-config-path={folder}/lazarus", "--quiet"]
     run(*lazarus, "--widgetset=gtk2", "--add-package-link", project / "kirvo_lazarus.lpk")
     run(*lazarus, "--widgetset=gtk2", project / "photo.lpi")
-    check_photo(folder, "xvfb-run", "-a", project / "photo")
-
-
-def check_photo(folder, *command):
-    """The example that every language has: its picture, its progress and its error."""
-    photo = folder / "写真.jpg"
-    shutil.copy(SOURCE / "docs/contact-sheet.jpg", photo)
-    shown = run(*command, photo, folder / "page.png")
-    assert shown.count(" 100%") >= 4, shown # opened, cropped, resized, sharpened
-    page = (folder / "page.png").read_bytes()
-    assert page.startswith(b"\x89PNG") and int.from_bytes(page[16:20], "big") == 800
-    photo.write_bytes(b"no picture at all" * 100)
-    assert "写真.jpg: " in run(*command, photo, folder / "other.png", code=1)
-    assert not (folder / "other.png").exists()
+    check_photo(run, folder, "xvfb-run", "-a", project / "photo")
 
 
 with tempfile.TemporaryDirectory() as made_for_this:

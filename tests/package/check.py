@@ -14,6 +14,7 @@ import urllib.parse
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "support"))
 import version
+from photo import check_photo
 
 PACKAGE, CHECK, FOLDER = sys.argv[1:]
 ROOT = pathlib.Path(__file__).resolve().parents[2]
@@ -149,8 +150,10 @@ def check_library():
         assert re.search(r"^Time/Date\t+Thu Jan  1 00:00:00 1970", run(
             f"{TRIPLE}-objdump", "-p", path, env={**os.environ, "TZ": "UTC"}), re.M), path
     for name, target in {"Kirvo": "kirvo", "KirvoFiles": "kirvo_files"}.items():
-        members = run(f"{TRIPLE}-ar", "t", LIB / f"lib{name}.dll.a").split()
-        assert all(re.fullmatch(target + r"_(t|h|s\d+)\.o", member) for member in members), members[:3]
+        library = LIB / f"lib{name}.dll.a"
+        members = run(f"{TRIPLE}-ar", "t", library).split()
+        assert all(re.fullmatch(target + r"(t|h|s\d+)\.o", member) for member in members), members[:3]
+        assert f"head_lib{name}_dll_a".encode() in library.read_bytes(), f"{library} knows its folder"
 
 
 def check_tool():
@@ -199,6 +202,30 @@ def check_c_program():
 def check_cpp_program():
     compile_example(CXX, "vignette.cpp", "-std=c++17", *flags_by_hand())
     run_example("vignette", WORK)
+
+
+def check_layer():
+    """The class for C++ keeps its promises as installed."""
+    compilers = {CXX: "c++20"} if PACKAGE != "deb" else {"g++": "c++17", "clang++": "c++20"}
+    for compiler, standard in compilers.items():
+        program = WORK / f"layer-{compiler}{SUFFIX}"
+        run(compiler, f"-std={standard}", "-Wall", "-Wextra", "-Wconversion", "-Werror",
+            ROOT / "tests/layers/cpp.cpp", *flags_by_hand(), "-pthread", "-o", program)
+        if PACKAGE != "deb":
+            for name in ("Kirvo.dll", "KirvoFiles.dll"):
+                shutil.copy(PREFIX / "bin" / name, WORK)
+        run(*LAUNCHER, program, WORK)
+
+
+def check_lazarus():
+    """Lazarus builds its package and its example from what is installed."""
+    project = WORK / "project"
+    shutil.copytree(DOCUMENTS / "bindings/pascal", project)
+    os.environ["KIRVO_LIBRARIES"] = str(LIB) # for the linker
+    lazarus = ["lazbuild", f"--primary-config-path={WORK}/lazarus", "--quiet", "--widgetset=gtk2"]
+    run(*lazarus, "--add-package-link", project / "kirvo_lazarus.lpk")
+    run(*lazarus, project / "photo.lpi")
+    check_photo(run, WORK, "xvfb-run", "-a", project / "photo")
 
 
 def check_pkg_config():

@@ -17,6 +17,7 @@ import yaml
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "support"))
 import version
+from photo import check_photo
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PACKAGES = ROOT / "build/packages"
@@ -55,7 +56,7 @@ def check_wheel():
     python = WORK / "venv/bin/python"
     run(python, "-B", ROOT / "tests/layers/python_layer.py", ROOT / "bindings/python")
     assert run(python, "-c", "import kirvo; print(kirvo.__version__)").strip() == version.TEXT
-    check_photo(python, ROOT / "bindings/python/photo.py")
+    check_photo(run, WORK, python, ROOT / "bindings/python/photo.py")
     # The tag is honest: no library inside asks for a newer C library.
     promised = tuple(map(int, re.search(r"manylinux_(\d+)_(\d+)_", wheel.name).groups()))
     with zipfile.ZipFile(wheel) as archive:
@@ -114,19 +115,8 @@ def check_nupkg():
     shutil.copy(f"{assembly}.config", WORK)
     run("mcs", "-warnaserror", f"-r:{WORK}/KirvoImaging.dll", "-r:System.Drawing", f"-out:{WORK}/Photo.exe",
         ROOT / "bindings/csharp/Photo.cs")
-    check_photo("mono", "Photo.exe", LD_LIBRARY_PATH=str(runtime))
-
-
-def check_photo(*command, **variables):
-    """The example that every language has, from what is installed: its progress, its picture, its error."""
-    shutil.copy(ROOT / "docs/contact-sheet.jpg", WORK / "写真.jpg")
-    (WORK / "文書.jpg").write_text("no picture")
-    environment = {**ENVIRONMENT, **variables}
-    assert run(*command, "写真.jpg", "page.png", env=environment).count(" 100%") >= 4
-    page = (WORK / "page.png").read_bytes()
-    assert page.startswith(b"\x89PNG") and int.from_bytes(page[16:20], "big") == 800
-    assert "文書.jpg: " in run(*command, "文書.jpg", "other.png", code=1, env=environment)
-    assert not (WORK / "other.png").exists()
+    check_photo(lambda *command, code=0: run(*command, code=code, env={
+        **ENVIRONMENT, "LD_LIBRARY_PATH": str(runtime)}), WORK, "mono", "Photo.exe")
 
 
 def check_subproject():
@@ -161,6 +151,27 @@ def check_subproject():
     run("cmake", "--install", WORK / "OFF", "--prefix", WORK / "installed")
     installed = [path.name for path in (WORK / "installed").rglob("*") if path.is_file()]
     assert installed == ["program"], installed
+
+
+def check_again():
+    """Packed once more, later and in another time zone, everything is the same bytes. (That it is so when
+    all of it is built again, too, is shown by script/package --twice.)"""
+    with tarfile.open(the("kirvo_*.orig.tar.xz")) as archive:
+        moment = archive.next().mtime
+    cache = run("bash", "-c", f". {ROOT}/script/common.sh; echo $cache").strip()
+    environment = {**ENVIRONMENT, "SOURCE_DATE_EPOCH": str(moment), "TZ": "Asia/Tokyo", "KIRVO_TIFF": f"{cache}/tiff"}
+    made = WORK / "packages"
+    made.mkdir()
+    for packer in ("source", "wheel native", "wheel win32", "wheel win64", "nupkg", "npm", "pages"):
+        name, *arguments = packer.split()
+        run(sys.executable, ROOT / f"packaging/{name}.py", *arguments, made, env=environment)
+    for path in PACKAGES.glob("*-win??.zip"):
+        shutil.copy(path, made)
+    for name in ("sbom", "manifests"):
+        run(sys.executable, ROOT / f"packaging/{name}.py", made, env=environment)
+    differ = [path.name for path in made.iterdir() if path.read_bytes() != (PACKAGES / path.name).read_bytes()]
+    assert not differ, differ
+    assert len(list(made.iterdir())) >= 13
 
 
 def check_manifests():

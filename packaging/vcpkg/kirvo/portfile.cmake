@@ -1,6 +1,9 @@
 # An overlay port of the sources that it lies in: vcpkg install kirvo --overlay-ports=packaging/vcpkg
 get_filename_component(SOURCE_PATH "${CMAKE_CURRENT_LIST_DIR}/../../.." ABSOLUTE)
 
+if(VCPKG_TARGET_IS_WINDOWS)
+    vcpkg_check_linkage(ONLY_DYNAMIC_LIBRARY)
+endif()
 vcpkg_cmake_configure(
     SOURCE_PATH "${SOURCE_PATH}"
     OPTIONS -DKIRVO_TOOL=OFF -DKIRVO_TESTS=OFF -DKIRVO_EXAMPLES=OFF

@@ -108,7 +108,16 @@ struct SaveOptions {
 };
 
 // clang-format off
-@options@
+%% for method in methods if optional(method)
+/** What Image::@{ method.name }@ may be told. */
+struct @{ options_type(method) }@ {
+%% for one in optional(method)
+@{ documentation(one.meaning, [], "    ") }@
+    @{ TYPES[one.kind] }@ @{ one.name }@ = @{ default(one) }@;
+%% endfor
+};
+
+%% endfor
 // clang-format on
 
 /** How often each value of each channel occurs. */
@@ -369,6 +378,9 @@ class Rows {
         const size_t bytes = (static_cast<size_t>(width_) * static_cast<size_t>(bits_) + 7) / 8;
         return Row(bottom_ + stride_ * static_cast<size_t>(height_ - 1 - y), bytes);
     }
+    /** All pixels in one piece. @return the bytes of the rows, the bottom one first, each padded to a
+     *  multiple of four */
+    Row pixels() const { return Row(bottom_, stride_ * static_cast<size_t>(height_)); }
     /** @cond */
     class Iterator {
       public:
@@ -560,7 +572,39 @@ class Image {
     }
 
     // clang-format off
-@methods@
+%% for method in methods
+@{ method_documentation(method) }@
+@{ head(method) }@
+%% if method.way == "static"
+        const detail::Operation operation;
+        int32_t status = KIRVO_OK;
+        Image image = adopt(@{ call(method) }@);
+        detail::check(image ? KIRVO_OK : status, "@{ method.name }@");
+        return image;
+%% elif method.way == "change"
+        ready({@{ depths(method) }@});
+%% if method.other
+        const Image depth = other.as_deep_as(*this);
+%% endif
+        apply("@{ method.name }@", {@{ depths(method) }@}, {}, [&](HGLOBAL dib, const Area&) {
+            return @{ call(method) }@;
+        });
+        return *this;
+%% else
+%% if method.other
+        if (!has_depth({@{ depths(method) }@}))
+            return convert(24).@{ method.name }@(other);
+        const Image depth = other.as_deep_as(*this);
+%% endif
+%% set name, area = (" area", "area") if method.has_area else ("", "{}")
+%% set maker, status = ("make", ", int32_t* status") if method.makes else ("changed", "")
+        return @{ maker }@("@{ method.name }@", {@{ depths(method) }@}, @{ area }@, [&](HGLOBAL dib, const Area&@{ name }@@{ status }@) {
+            return @{ call(method) }@;
+        });
+%% endif
+    }
+
+%% endfor
     // clang-format on
 
     /** Filters with a kernel of 3 x 3 weights, row by row from the top left neighbour.
