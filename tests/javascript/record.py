@@ -15,13 +15,15 @@ import os
 import pathlib
 import random
 import sys
+import types
 import zlib
 
 SOURCE = pathlib.Path(__file__).parents[2]
 os.environ["KIRVO_LIBRARY"] = sys.argv[1]
 sys.dont_write_bytecode = True
-sys.path[:0] = [str(SOURCE / folder) for folder in ("interface", "bindings/python/src/kirvo")]
-sys.path.insert(0, str(SOURCE / "bindings/python/src"))
+sys.path.insert(0, str(SOURCE / "interface"))
+sys.modules["kirvo"] = package = types.ModuleType("kirvo")  # without what loads the second library
+package.__path__ = [str(SOURCE / "bindings/python/src/kirvo")]
 from description import Description
 from header import Header
 from layers import Layers
