@@ -160,7 +160,7 @@ class Code(Case):
         text = self.wrapped("C#", "static void Step{}(IntPtr dib) {{", "}")
         text = re.sub(r"// (dib2) is the picture of .*", r"\1 = IntPtr.Zero;", text)
         self.compile("code.cs", f"using System;\nusing KirvoImaging;\nclass Steps {{\n{text}}}\n",
-                     "mcs", "-target:library", f"{ROOT}/bindings/csharp/Kirvo.cs")
+                     "mcs", "-target:library", "-out:code.dll", f"{ROOT}/bindings/csharp/Kirvo.cs")
 
     def test_pascal_compiles(self):
         text = self.wrapped("Delphi", "procedure Step{}(dib: HGLOBAL);", "")
