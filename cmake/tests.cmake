@@ -178,10 +178,16 @@ foreach(check IN LISTS checks)
     endif()
 endforeach()
 
+# What the scripts say to people who are not root.
+if(NOT CMAKE_CROSSCOMPILING AND NOT KIRVO_SANITIZE)
+    add_test(NAME kirvo_scripts_no_install
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/scripts/no_install.py)
+endif()
+
 # The object layers: their own promises, and every effect in each of them.
 set(checks cpp)
 if(NOT WIN32 AND NOT KIRVO_SANITIZE)
-    list(APPEND checks effects python csharp pascal)
+    list(APPEND checks effects lines python csharp pascal)
 endif()
 foreach(check IN LISTS checks)
     add_test(NAME kirvo_layer_${check}
@@ -252,6 +258,9 @@ foreach(example IN LISTS guide_examples)
     add_executable(kirvo_guide_${name} ${example})
     target_compile_options(kirvo_guide_${name} PRIVATE ${KIRVO_TEST_FLAGS})
     target_link_libraries(kirvo_guide_${name} PRIVATE kirvo kirvo_files)
+    if(WIN32) # for sockets and the system's codecs
+        target_link_libraries(kirvo_guide_${name} PRIVATE ws2_32 ole32 windowscodecs)
+    endif()
     add_test(NAME kirvo_guide_${name} COMMAND kirvo_guide_${name}
              WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
 endforeach()

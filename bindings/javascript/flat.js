@@ -120,54 +120,6 @@ export const KirvoCreatePalette = declare(
 export const DibMemAllocEx = declare(
     "DibMemAllocEx(uint width, int height, uint bits) -> image");
 
-// Single pixels and lines
-export const DibGetPixelColor = declare(
-    "DibGetPixelColor(image dib, int x, int y, out colour colour) -> status");
-export const DibSetPixelColor = declare(
-    "DibSetPixelColor(image dib, int x, int y, colour colour) -> status");
-export const DibSetLineColor = declare(
-    "DibSetLineColor(image dib, int x0, int x1, int y, colour colour) -> status");
-
-// Depth conversion
-export const DibConvert24bit = declare(
-    "DibConvert24bit(image dib, out status status) -> image");
-export const DibConvert16bit = declare(
-    "DibConvert16bit(image dib, out status status) -> image");
-export const DibConvert32bit = declare(
-    "DibConvert32bit(image dib, out status status) -> image");
-export const DibCutDepth = declare(
-    "DibCutDepth(image dib, int red_bits, int green_bits, int blue_bits, out status status) -> image");
-
-// JPEG encoder settings
-export const JpgCodSetSubsample = declare(
-    "JpgCodSetSubsample(int mode) -> status");
-export const JpgCodSetQ = declare(
-    "JpgCodSetQ(int q) -> status");
-export const JpgCodSetQEx = declare(
-    "JpgCodSetQEx(int level) -> status");
-export const JpgCodSetQtable = declare(
-    "JpgCodSetQtable(in int16 luminance[64], in int16 chrominance[64]) -> status");
-export const JpgCodSetQtableEx = declare(
-    "JpgCodSetQtableEx(in int16 luminance[64], in int16 chrominance[64], int count) -> status");
-export const JpgCodSetComment = declare(
-    "JpgCodSetComment(in byte text[length], uint length)");
-
-// JPEG encoder
-export const JpgCodGetStatus = declare(
-    "JpgCodGetStatus(out uint source_bytes, out uint output_bytes) -> uint");
-export const JpgCodFirst = declare(
-    "JpgCodFirst(image dib, int left, int top, int width, int height, int mcus_per_call, out status status) -> block");
-export const JpgCodNext = declare(
-    "JpgCodNext(int control, out uint stream_bytes) -> int");
-export const JpgCodMainHGLOBAL = declare(
-    "JpgCodMainHGLOBAL(image dib, int left, int top, int width, int height, out uint stream_bytes, out status status) -> block");
-export const JpgCodFirst_M = declare(
-    "JpgCodFirst_M(image dib, int left, int top, int width, int height, int grey_mode, int mcus_per_call, out status status) -> block");
-export const JpgCodNext_M = declare(
-    "JpgCodNext_M(int control, out uint stream_bytes) -> int");
-export const JpgCodMainHGLOBAL_M = declare(
-    "JpgCodMainHGLOBAL_M(image dib, int left, int top, int width, int height, int grey_mode, out uint stream_bytes, out status status) -> block");
-
 // JPEG decoder
 export const JpgDecFirst = declare(
     "JpgDecFirst(block data, int size, out image image) -> int");
@@ -192,25 +144,35 @@ export const JpgDecGetQtableEx = declare(
 export const JpgDecGetLastUexMarker = declare(
     "JpgDecGetLastUexMarker(out uint position) -> uint16");
 
-// Colour reduction
-export const DecreaseColor256 = declare(
-    "DecreaseColor256(image dib, out status status) -> image");
-export const DecreaseColor16 = declare(
-    "DecreaseColor16(image dib, out status status) -> image");
-export const DecreaseColorMono256 = declare(
-    "DecreaseColorMono256(image dib, out status status) -> image");
-export const Decrease256Fast = declare(
-    "Decrease256Fast(image dib, out status status) -> image");
-export const Decrease256PaletteEx = declare(
-    "Decrease256PaletteEx(image dib, int mode, out status status) -> image");
-export const Decrease256Palette = declare(
-    "Decrease256Palette(image dib, out status status) -> image");
-export const Decrease16PaletteEx = declare(
-    "Decrease16PaletteEx(image dib, int mode, out status status) -> image");
-export const Decrease16Palette = declare(
-    "Decrease16Palette(image dib, out status status) -> image");
-export const IncreaseColor16M = declare(
-    "IncreaseColor16M(image dib, out status status) -> image");
+// JPEG encoder
+export const JpgCodGetStatus = declare(
+    "JpgCodGetStatus(out uint source_bytes, out uint output_bytes) -> uint");
+export const JpgCodFirst = declare(
+    "JpgCodFirst(image dib, int left, int top, int width, int height, int mcus_per_call, out status status) -> block");
+export const JpgCodNext = declare(
+    "JpgCodNext(int control, out uint stream_bytes) -> int");
+export const JpgCodMainHGLOBAL = declare(
+    "JpgCodMainHGLOBAL(image dib, int left, int top, int width, int height, out uint stream_bytes, out status status) -> block");
+export const JpgCodFirst_M = declare(
+    "JpgCodFirst_M(image dib, int left, int top, int width, int height, int grey_mode, int mcus_per_call, out status status) -> block");
+export const JpgCodNext_M = declare(
+    "JpgCodNext_M(int control, out uint stream_bytes) -> int");
+export const JpgCodMainHGLOBAL_M = declare(
+    "JpgCodMainHGLOBAL_M(image dib, int left, int top, int width, int height, int grey_mode, out uint stream_bytes, out status status) -> block");
+
+// JPEG encoder settings
+export const JpgCodSetSubsample = declare(
+    "JpgCodSetSubsample(int mode) -> status");
+export const JpgCodSetQ = declare(
+    "JpgCodSetQ(int q) -> status");
+export const JpgCodSetQEx = declare(
+    "JpgCodSetQEx(int level) -> status");
+export const JpgCodSetQtable = declare(
+    "JpgCodSetQtable(in int16 luminance[64], in int16 chrominance[64]) -> status");
+export const JpgCodSetQtableEx = declare(
+    "JpgCodSetQtableEx(in int16 luminance[64], in int16 chrominance[64], int count) -> status");
+export const JpgCodSetComment = declare(
+    "JpgCodSetComment(in byte text[length], uint length)");
 
 // Copy and compose
 export const Dib24Copy = declare(
@@ -331,6 +293,44 @@ export const Dib24InterLeave = declare(
     "Dib24InterLeave(image first, int x1, int y1, image second, int x2, int y2, int width, int height, out status status) -> image");
 export const DibBlockMxM = declare(
     "DibBlockMxM(image dib, int x, int y, int width, int height, int radius, int maximum, int luminance, out status status) -> image");
+
+// Depth conversion
+export const DibConvert24bit = declare(
+    "DibConvert24bit(image dib, out status status) -> image");
+export const DibConvert16bit = declare(
+    "DibConvert16bit(image dib, out status status) -> image");
+export const DibConvert32bit = declare(
+    "DibConvert32bit(image dib, out status status) -> image");
+export const DibCutDepth = declare(
+    "DibCutDepth(image dib, int red_bits, int green_bits, int blue_bits, out status status) -> image");
+
+// Colour reduction
+export const DecreaseColor256 = declare(
+    "DecreaseColor256(image dib, out status status) -> image");
+export const DecreaseColor16 = declare(
+    "DecreaseColor16(image dib, out status status) -> image");
+export const DecreaseColorMono256 = declare(
+    "DecreaseColorMono256(image dib, out status status) -> image");
+export const Decrease256Fast = declare(
+    "Decrease256Fast(image dib, out status status) -> image");
+export const Decrease256PaletteEx = declare(
+    "Decrease256PaletteEx(image dib, int mode, out status status) -> image");
+export const Decrease256Palette = declare(
+    "Decrease256Palette(image dib, out status status) -> image");
+export const Decrease16PaletteEx = declare(
+    "Decrease16PaletteEx(image dib, int mode, out status status) -> image");
+export const Decrease16Palette = declare(
+    "Decrease16Palette(image dib, out status status) -> image");
+export const IncreaseColor16M = declare(
+    "IncreaseColor16M(image dib, out status status) -> image");
+
+// Single pixels and lines
+export const DibGetPixelColor = declare(
+    "DibGetPixelColor(image dib, int x, int y, out colour colour) -> status");
+export const DibSetPixelColor = declare(
+    "DibSetPixelColor(image dib, int x, int y, colour colour) -> status");
+export const DibSetLineColor = declare(
+    "DibSetLineColor(image dib, int x0, int x1, int y, colour colour) -> status");
 
 /** The bytes of a block. The view is good until memory is next taken. */
 export function bytesOf(block) {

@@ -98,15 +98,15 @@ export class Image {
      *  @param area the part that is worked on; all of it by default */
     resize(newWidth: number, newHeight: number, smooth?: boolean, area?: Area | null): Image;
 
-    /** Turns a rectangle upside down, in place.
+    /** Turns a rectangle upside down.
      *  @param area the part that is worked on; all of it by default */
     flip(area?: Area | null): Image;
 
-    /** Exchanges left and right in a rectangle, in place.
+    /** Exchanges left and right in a rectangle.
      *  @param area the part that is worked on; all of it by default */
     mirror(area?: Area | null): Image;
 
-    /** Turns a rectangle by 180 degrees, in place.
+    /** Turns a rectangle by 180 degrees.
      *  @param area the part that is worked on; all of it by default */
     rotate180(area?: Area | null): Image;
 
@@ -155,7 +155,7 @@ export class Image {
      *  @param area the part that is worked on; all of it by default */
     toneChannels(red?: number, green?: number, blue?: number, area?: Area | null): Image;
 
-    /** Inverts a rectangle in place: 255 - channel.
+    /** Inverts a rectangle: 255 - channel.
      *  @param area the part that is worked on; all of it by default */
     negative(area?: Area | null): Image;
 
@@ -168,7 +168,7 @@ export class Image {
      *  @param area the part that is worked on; all of it by default */
     halfTone(area?: Area | null): Image;
 
-    /** Exchanges the channels of a rectangle in place.
+    /** Exchanges the channels of a rectangle.
      *  @param mode what red, green and blue are taken from: 0 nothing changes (KIRVO_OK even for a
      *  null handle), 1 red, blue, green; 2 green, blue, red; 3 green, red, blue; 4 blue, red,
      *  green; 5 blue, green, red
@@ -186,7 +186,7 @@ export class Image {
      *  @param area the part that is worked on; all of it by default */
     changeHue(mode: number, value: number, area?: Area | null): Image;
 
-    /** XORs a colour over a rectangle, in place.
+    /** XORs a colour over a rectangle.
      *  @param colour 0x00BBGGRR
      *  @param area the part that is worked on; all of it by default */
     exclusiveOr(colour: number, area?: Area | null): Image;
@@ -558,104 +558,92 @@ export namespace flat {
      *  @returns the image, owned by the caller; null for a bad size or depth, or when there is not
      *  enough memory (a block never exceeds 2^31 - 1 bytes) */
     function DibMemAllocEx(width: number, height: number, bits: number): number;
-    /** Reads one pixel of an image of any depth.
-     *  Channels of 16-bit images are scaled to 8 bits with zero low bits (5-bit 31 reads as 248).
-     *  @param dib packed DIB of 1, 4, 8, 16, 24 or 32 bits
-     *  @param x column from the left
-     *  @param y row from the top
-     *  @param colour 0x00BBGGRR; left alone on failure
-     *  @returns KIRVO_OK, or KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image,
-     *  another depth or a block too small */
-    function DibGetPixelColor(dib: number | null, x: number, y: number,
-        colour: Uint32Array | null): number;
-    /** Writes one pixel of a direct-colour image. Channels are narrowed by truncation.
-     *  @param dib packed DIB of 16, 24 or 32 bits
-     *  @param x column from the left
-     *  @param y row from the top
-     *  @param colour 0x00BBGGRR
-     *  @returns KIRVO_OK; KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image or a
-     *  block too small; KIRVO_NEEDS_16_24_32 for another depth */
-    function DibSetPixelColor(dib: number | null, x: number, y: number, colour: number): number;
-    /** Fills the pixels x0 to x1 (inclusive) of one row with a colour. Nothing is written, and the
-     *  result is still KIRVO_OK, when x0 > x1.
-     *  @param dib packed DIB of 16, 24 or 32 bits
-     *  @param x0 first column
-     *  @param x1 last column
-     *  @param y row from the top
-     *  @param colour 0x00BBGGRR
-     *  @returns KIRVO_OK; KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image or a
-     *  block too small; KIRVO_NEEDS_16_24_32 for another depth */
-    function DibSetLineColor(dib: number | null, x0: number, x1: number, y: number,
-        colour: number): number;
-    /** Makes a 24-bit image of a 16- or 32-bit one. 5-bit 31 gives 248.
-     *  @param dib packed DIB of 16 or 32 bits; a 16-bit one without masks is read as 5-5-5
-     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_16_32 for another depth;
-     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
-     *  image without width or height
-     *  @returns the new image, owned by the caller, or null */
-    function DibConvert24bit(dib: number | null, status: Int32Array | null): number;
-    /** Makes a 16-bit image of a 24- or 32-bit one. It is always 5-6-5 with the masks 0xF800,
-     *  0x07E0 and 0x001F: (red & 0xF8) << 8 | (green & 0xFC) << 3 | blue >> 3.
-     *  @param dib packed DIB of 24 or 32 bits
-     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
-     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
-     *  image without width or height
-     *  @returns the new image, owned by the caller, or null */
-    function DibConvert16bit(dib: number | null, status: Int32Array | null): number;
-    /** Makes a 32-bit image of a 16- or 24-bit one, with the masks 0x00FF0000, 0x0000FF00 and
-     *  0x000000FF: red << 16 | green << 8 | blue.
-     *  @param dib packed DIB of 16 or 24 bits; a 16-bit one without masks is read as 5-5-5
-     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_16_24 for another depth;
-     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
-     *  image without width or height
-     *  @returns the new image, owned by the caller, or null */
-    function DibConvert32bit(dib: number | null, status: Int32Array | null): number;
-    /** Makes a copy of a 24-bit image that keeps only the top bits of each channel.
-     *  @param dib packed DIB of 24 bits with a 40-byte header
-     *  @param red_bits bits of red kept, 0 to 8
-     *  @param green_bits bits of green kept, 0 to 8
-     *  @param blue_bits bits of blue kept, 0 to 8
-     *  @param status KIRVO_OK; KIRVO_BAD_PARAMETER for a count outside 0 to 8 (before the handle
-     *  is looked at), an image without width or height or a block smaller than its header says;
-     *  KIRVO_NULL_HANDLE; KIRVO_NEEDS_24; KIRVO_NO_MEMORY
-     *  @returns the new image, owned by the caller, or null */
-    function DibCutDepth(dib: number | null, red_bits: number, green_bits: number,
-        blue_bits: number, status: Int32Array | null): number;
-    /** Sets how colour streams sample chroma. The default is 4.
-     *  @param mode 1: a sample per pixel; 2: halved across; 4: halved both ways
-     *  @returns KIRVO_OK, or KIRVO_BAD_PARAMETER for another mode (the setting stays) */
-    function JpgCodSetSubsample(mode: number): number;
-    /** Selects one of the quality levels 2 to 5.
-     *  @param q 0 to 3 for level 2 (finest) to 5 (coarsest)
-     *  @returns KIRVO_OK, or KIRVO_BAD_PARAMETER for another value (the setting stays) */
-    function JpgCodSetQ(q: number): number;
-    /** Selects a quality level. The default is 4.
-     *  @param level 1 (finest) to 5 (coarsest): a pair of fixed quantisation tables; level 5 also
-     *  keeps only the first 21 coefficients of each block. 0: the tables of JpgCodSetQtable
-     *  @returns KIRVO_OK, or KIRVO_BAD_PARAMETER for another level (the setting stays) */
-    function JpgCodSetQEx(level: number): number;
-    /** Loads quantisation tables of the caller's, which are used at level 0 only (JpgCodSetQEx).
-     *  Until then they are all ones.
-     *  @param luminance 64 quantisers of 1 to 255 in row-major order: entry row * 8 + column is
-     *  for the vertical frequency row and the horizontal frequency column
-     *  @param chrominance likewise
-     *  @returns KIRVO_OK, or KIRVO_BAD_PARAMETER for a quantiser out of range or a null pointer
-     *  (both tables stay) */
-    function JpgCodSetQtable(luminance: Int16Array | null, chrominance: Int16Array | null): number;
-    /** As JpgCodSetQtable, and sets how many coefficients of each block are coded at level 0.
-     *  @param luminance as JpgCodSetQtable
-     *  @param chrominance as JpgCodSetQtable
-     *  @param count 1 to 64 coefficients in zigzag order, the others become 0; any other value
-     *  means 64
-     *  @returns KIRVO_OK, or KIRVO_BAD_PARAMETER for a quantiser out of range or a null pointer
-     *  (both tables stay, and the number of coefficients) */
-    function JpgCodSetQtableEx(luminance: Int16Array | null, chrominance: Int16Array | null,
-        count: number): number;
-    /** Sets a comment for the next stream only; one that is still pending is discarded.
-     *  @param text the bytes of the comment; null: none
-     *  @param length their number; 0: none. Above 65533 the length field of the segment wraps, so
-     *  that decoders take the rest of the comment for other segments */
-    function JpgCodSetComment(text: Uint8Array | null, length: number): void;
+    /** Begins a decode with the first bytes of a stream. They are copied.
+     *  Image data is decoded only while at least 512 bytes of input remain, since more may follow:
+     *  even a whole stream is finished by JpgDecNext with final 1, unless that much stands behind
+     *  it.
+     *  @param data block that holds the bytes
+     *  @param size number of bytes, not more than the block has
+     *  @param image the image with the result 1, else null; left alone by KIRVO_BUSY,
+     *  KIRVO_NULL_HANDLE, KIRVO_BAD_PARAMETER and a failing copy
+     *  @returns 1: finished, the image is the caller's; 0: more input is wanted, call JpgDecNext;
+     *  KIRVO_BUSY while another encode or decode is under way; KIRVO_NULL_HANDLE;
+     *  KIRVO_BAD_PARAMETER for a size below 0 or above the block's; KIRVO_NO_MEMORY;
+     *  KIRVO_JPEG_EARLY_EOI; KIRVO_JPEG_HEADER; KIRVO_JPEG_FRAME; KIRVO_JPEG_MARKER (see
+     *  JpgDecGetLastUexMarker); KIRVO_JPEG_HUFFMAN; KIRVO_ABANDONED when a progress handler has
+     *  ended the decode */
+    function JpgDecFirst(data: number | null, size: number, image: Uint32Array | null): number;
+    /** Goes on with a decode that JpgDecFirst has begun. After any negative result the decode is
+     *  over and its memory is free. To a progress handler of the decode the answer is KIRVO_BUSY,
+     *  and the decode goes on; but with final -1 it ends as soon as the handler returns.
+     *  @param data block that holds the next bytes, which are copied; may be null with final 1
+     *  @param size number of bytes
+     *  @param final 0: more is to come; 1: this is the last piece; -1: the decode is abandoned.
+     *  Another value also has everything decoded, but reports a header's errors as while more may
+     *  come.
+     *  @param image the image with the result 1, else null
+     *  @returns 1: finished, the image is the caller's (also when the decode had finished before:
+     *  the same image); 0: more input is wanted; KIRVO_ABANDONED with final -1, or when a progress
+     *  handler has ended the decode; KIRVO_NULL_HANDLE without data when final is not 1, for a
+     *  handle that cannot be locked, and when no decode is under way; KIRVO_BAD_PARAMETER for a
+     *  size below 0 or above the block's; KIRVO_NO_MEMORY; KIRVO_JPEG_NO_SOI when the stream has
+     *  ended without a start of image; KIRVO_JPEG_HEADER for every fault of the header once final
+     *  is 1; KIRVO_JPEG_EARLY_EOI and KIRVO_JPEG_FRAME while more may come; KIRVO_JPEG_MARKER (see
+     *  JpgDecGetLastUexMarker); KIRVO_JPEG_HUFFMAN; KIRVO_BUSY to a progress handler of the decode */
+    function JpgDecNext(data: number | null, size: number, final: number,
+        image: Uint32Array | null): number;
+    /** Decodes a stream that is in memory.
+     *  @param data block that holds the stream; it is neither freed nor changed
+     *  @param size number of bytes
+     *  @param width pixels, written on success
+     *  @param height pixels, written on success
+     *  @param error KIRVO_OK; KIRVO_BUSY while another encode or decode is under way;
+     *  KIRVO_NULL_HANDLE; KIRVO_BAD_PARAMETER for a size below 0 or above the block's;
+     *  KIRVO_NO_MEMORY; KIRVO_JPEG_NO_SOI; KIRVO_JPEG_EARLY_EOI; KIRVO_JPEG_HEADER;
+     *  KIRVO_JPEG_FRAME; KIRVO_JPEG_MARKER (see JpgDecGetLastUexMarker); KIRVO_JPEG_HUFFMAN;
+     *  KIRVO_ABANDONED when a progress handler has ended the decode
+     *  @returns the image, owned by the caller, or null */
+    function JpgDecMainHGLOBAL(data: number | null, size: number, width: Uint32Array | null,
+        height: Uint32Array | null, error: Int32Array | null): number;
+    /** Does nothing. Callers of the full interface link with it.
+     *  @param a ignored
+     *  @param b ignored
+     *  @param c ignored */
+    function JpgDecSetNoblock(a: number, b: number, c: number): void;
+    /** Switches the storing and the retrieval of comments on or off; off at first.
+     *  @param enable 1 on, any other value off */
+    function JpgDecGetCommentEnable(enable: number): void;
+    /** Counts the comments of the last stream: those before its image data that are not empty,
+     *  stored or not.
+     *  @returns 0 to 5 */
+    function JpgDecCommentCounts(): number;
+    /** A stored comment: its bytes and a zero byte. The block stays the library's and lasts until
+     *  JpgDecCommentFree or until the next stream is begun.
+     *  @param index 0 to JpgDecCommentCounts - 1
+     *  @returns the block; null for another index, when comments are switched off, and for a
+     *  comment that was counted only */
+    function JpgDecGetComment(index: number): number;
+    /** Frees the stored comments; their count becomes 0. */
+    function JpgDecCommentFree(): void;
+    /** Quantisation tables 0 and 1 as they stood when the last decode reached its image data, 64
+     *  values each, row by row; whether or not that stream defined them.
+     *  @param luma table 0
+     *  @param chroma table 1
+     *  @returns 1; 0, and nothing written, when no decode has come that far yet */
+    function JpgDecGetQtable(luma: Uint16Array | null, chroma: Uint16Array | null): number;
+    /** One quantisation table of the last decode.
+     *  @param number 0 to 3
+     *  @param table 64 values, row by row
+     *  @returns numbers of its own: 0; -1 for another number; -2 when no decode has reached its
+     *  image data yet; -3 for a table that the stream did not define */
+    function JpgDecGetQtableEx(number: number, table: Uint16Array | null): number;
+    /** The marker that ended the last decode with KIRVO_JPEG_MARKER. The record is kept until the
+     *  next such marker.
+     *  @param position bytes up to and including the marker, counted in the input that the decoder
+     *  held at that moment: the whole stream, or of a stream in pieces what was left when the last
+     *  piece came, and that piece
+     *  @returns the marker's second byte; 0 when there has been none */
+    function JpgDecGetLastUexMarker(position: Uint32Array | null): number;
     /** Sizes of the most recent encode. Either pointer may be null.
      *  @param source_bytes size of the pixels encoded, without padding
      *  @param output_bytes length of the stream made by the last JpgCodMain... call
@@ -748,186 +736,41 @@ export namespace flat {
     function JpgCodMainHGLOBAL_M(dib: number | null, left: number, top: number, width: number,
         height: number, grey_mode: number, stream_bytes: Uint32Array | null,
         status: Int32Array | null): number;
-    /** Begins a decode with the first bytes of a stream. They are copied.
-     *  Image data is decoded only while at least 512 bytes of input remain, since more may follow:
-     *  even a whole stream is finished by JpgDecNext with final 1, unless that much stands behind
-     *  it.
-     *  @param data block that holds the bytes
-     *  @param size number of bytes, not more than the block has
-     *  @param image the image with the result 1, else null; left alone by KIRVO_BUSY,
-     *  KIRVO_NULL_HANDLE, KIRVO_BAD_PARAMETER and a failing copy
-     *  @returns 1: finished, the image is the caller's; 0: more input is wanted, call JpgDecNext;
-     *  KIRVO_BUSY while another encode or decode is under way; KIRVO_NULL_HANDLE;
-     *  KIRVO_BAD_PARAMETER for a size below 0 or above the block's; KIRVO_NO_MEMORY;
-     *  KIRVO_JPEG_EARLY_EOI; KIRVO_JPEG_HEADER; KIRVO_JPEG_FRAME; KIRVO_JPEG_MARKER (see
-     *  JpgDecGetLastUexMarker); KIRVO_JPEG_HUFFMAN; KIRVO_ABANDONED when a progress handler has
-     *  ended the decode */
-    function JpgDecFirst(data: number | null, size: number, image: Uint32Array | null): number;
-    /** Goes on with a decode that JpgDecFirst has begun. After any negative result the decode is
-     *  over and its memory is free. To a progress handler of the decode the answer is KIRVO_BUSY,
-     *  and the decode goes on; but with final -1 it ends as soon as the handler returns.
-     *  @param data block that holds the next bytes, which are copied; may be null with final 1
-     *  @param size number of bytes
-     *  @param final 0: more is to come; 1: this is the last piece; -1: the decode is abandoned.
-     *  Another value also has everything decoded, but reports a header's errors as while more may
-     *  come.
-     *  @param image the image with the result 1, else null
-     *  @returns 1: finished, the image is the caller's (also when the decode had finished before:
-     *  the same image); 0: more input is wanted; KIRVO_ABANDONED with final -1, or when a progress
-     *  handler has ended the decode; KIRVO_NULL_HANDLE without data when final is not 1, for a
-     *  handle that cannot be locked, and when no decode is under way; KIRVO_BAD_PARAMETER for a
-     *  size below 0 or above the block's; KIRVO_NO_MEMORY; KIRVO_JPEG_NO_SOI when the stream has
-     *  ended without a start of image; KIRVO_JPEG_HEADER for every fault of the header once final
-     *  is 1; KIRVO_JPEG_EARLY_EOI and KIRVO_JPEG_FRAME while more may come; KIRVO_JPEG_MARKER (see
-     *  JpgDecGetLastUexMarker); KIRVO_JPEG_HUFFMAN; KIRVO_BUSY to a progress handler of the decode */
-    function JpgDecNext(data: number | null, size: number, final: number,
-        image: Uint32Array | null): number;
-    /** Decodes a stream that is in memory.
-     *  @param data block that holds the stream; it is neither freed nor changed
-     *  @param size number of bytes
-     *  @param width pixels, written on success
-     *  @param height pixels, written on success
-     *  @param error KIRVO_OK; KIRVO_BUSY while another encode or decode is under way;
-     *  KIRVO_NULL_HANDLE; KIRVO_BAD_PARAMETER for a size below 0 or above the block's;
-     *  KIRVO_NO_MEMORY; KIRVO_JPEG_NO_SOI; KIRVO_JPEG_EARLY_EOI; KIRVO_JPEG_HEADER;
-     *  KIRVO_JPEG_FRAME; KIRVO_JPEG_MARKER (see JpgDecGetLastUexMarker); KIRVO_JPEG_HUFFMAN;
-     *  KIRVO_ABANDONED when a progress handler has ended the decode
-     *  @returns the image, owned by the caller, or null */
-    function JpgDecMainHGLOBAL(data: number | null, size: number, width: Uint32Array | null,
-        height: Uint32Array | null, error: Int32Array | null): number;
-    /** Does nothing. Callers of the full interface link with it.
-     *  @param a ignored
-     *  @param b ignored
-     *  @param c ignored */
-    function JpgDecSetNoblock(a: number, b: number, c: number): void;
-    /** Switches the storing and the retrieval of comments on or off; off at first.
-     *  @param enable 1 on, any other value off */
-    function JpgDecGetCommentEnable(enable: number): void;
-    /** Counts the comments of the last stream: those before its image data that are not empty,
-     *  stored or not.
-     *  @returns 0 to 5 */
-    function JpgDecCommentCounts(): number;
-    /** A stored comment: its bytes and a zero byte. The block stays the library's and lasts until
-     *  JpgDecCommentFree or until the next stream is begun.
-     *  @param index 0 to JpgDecCommentCounts - 1
-     *  @returns the block; null for another index, when comments are switched off, and for a
-     *  comment that was counted only */
-    function JpgDecGetComment(index: number): number;
-    /** Frees the stored comments; their count becomes 0. */
-    function JpgDecCommentFree(): void;
-    /** Quantisation tables 0 and 1 as they stood when the last decode reached its image data, 64
-     *  values each, row by row; whether or not that stream defined them.
-     *  @param luma table 0
-     *  @param chroma table 1
-     *  @returns 1; 0, and nothing written, when no decode has come that far yet */
-    function JpgDecGetQtable(luma: Uint16Array | null, chroma: Uint16Array | null): number;
-    /** One quantisation table of the last decode.
-     *  @param number 0 to 3
-     *  @param table 64 values, row by row
-     *  @returns numbers of its own: 0; -1 for another number; -2 when no decode has reached its
-     *  image data yet; -3 for a table that the stream did not define */
-    function JpgDecGetQtableEx(number: number, table: Uint16Array | null): number;
-    /** The marker that ended the last decode with KIRVO_JPEG_MARKER. The record is kept until the
-     *  next such marker.
-     *  @param position bytes up to and including the marker, counted in the input that the decoder
-     *  held at that moment: the whole stream, or of a stream in pieces what was left when the last
-     *  piece came, and that piece
-     *  @returns the marker's second byte; 0 when there has been none */
-    function JpgDecGetLastUexMarker(position: Uint32Array | null): number;
-    /** Makes an 8-bit image with error diffusion to 256 fixed colours.
-     *  The palette is a cube of 7 levels of green (0, 64, 96, 128, 160, 192, 255) and 6 of blue
-     *  and red (0, 64, 96, 128, 192, 255), with the 20 system colours in slots 0-9 and 246-255. A
-     *  channel goes up to the level above it: to 64 from 32 on, to each further level from the one
-     *  below it on. Rows are scanned right to left and left to right in turn, the bottom row right
-     *  to left. What is left over of each channel goes on, in halves rounded down: 1/2 to the next
-     *  pixel in scan direction, 1/4 below it, 1/8 below and ahead, 1/16 below and behind.
-     *  @param dib packed DIB of 24 or 32 bits
-     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
-     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
-     *  image without width or height
-     *  @returns the new image, owned by the caller, or null */
-    function DecreaseColor256(dib: number | null, status: Int32Array | null): number;
-    /** Makes a 4-bit image with error diffusion, as DecreaseColor256 spreads it, to 16 fixed
-     *  colours.
-     *  Where any channel is above 128, each channel above 128 becomes 255 and the others 0
-     *  (colours 8 to 15, counting red 1, green 2, blue 4); elsewhere each channel above 64 becomes
-     *  128 and the others 0 (colours 0 to 6, and 8 for all three). Colour 7 (192, 192, 192) is in
-     *  the palette but not used.
-     *  @param dib packed DIB of 24 or 32 bits
-     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
-     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
-     *  image without width or height
-     *  @returns the new image, owned by the caller, or null */
-    function DecreaseColor16(dib: number | null, status: Int32Array | null): number;
-    /** Makes an 8-bit grey image, without diffusion.
-     *  The palette has the 20 system colours in slots 0-9 and 246-255 and greys 20 to 255 in slots
-     *  10 to 245. A pixel of luminance Y = (77 red + 150 green + 29 blue + 128) / 256 gets slot Y
-     *  - 10, and no slot below 10.
-     *  @param dib packed DIB of 24 or 32 bits
-     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
-     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
-     *  image without width or height
-     *  @returns the new image, owned by the caller, or null */
-    function DecreaseColorMono256(dib: number | null, status: Int32Array | null): number;
-    /** Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered dither of 8 x 8
-     *  pixels over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255: a channel value v
-     *  becomes level v / 51, one more where v mod 51 is above the dither's threshold. The four
-     *  cube colours that the palette lacks become pure green or pure blue.
-     *  @param dib packed DIB of 24 or 32 bits
-     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
-     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
-     *  image without width or height
-     *  @returns the new image (biClrUsed 256), owned by the caller, or null */
-    function Decrease256Fast(dib: number | null, status: Int32Array | null): number;
-    /** Makes an 8-bit image with exactly the colours of the source.
-     *  New colours receive slots in the order of their appearance, row by row from the bottom
-     *  left. In mode 0 slots 0-7 and 247-255 are given to system colours beforehand and 239 slots
-     *  are free, in mode 1 all 256 are. Slots not used are black.
-     *  @param dib packed DIB of 24 or 32 bits
-     *  @param mode 0 or 1
-     *  @param status KIRVO_OK; KIRVO_BAD_PARAMETER for another mode, before the handle is looked
-     *  at; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth; KIRVO_BAD_PARAMETER for a block
-     *  smaller than its header says; KIRVO_NO_MEMORY, also for an image without width or height;
-     *  KIRVO_MORE_THAN_256 when the free slots do not suffice
-     *  @returns the new image (biClrUsed 256), owned by the caller, or null */
-    function Decrease256PaletteEx(dib: number | null, mode: number,
-        status: Int32Array | null): number;
-    /** Decrease256PaletteEx with mode 0.
-     *  @param dib packed DIB of 24 or 32 bits
-     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
-     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
-     *  image without width or height; KIRVO_MORE_THAN_256 when the free slots do not suffice
-     *  @returns the new image, owned by the caller, or null */
-    function Decrease256Palette(dib: number | null, status: Int32Array | null): number;
-    /** Makes a 4-bit image with exactly the colours of the source. In mode 0 only the 16 system
-     *  colours are accepted: black, the six dark primaries, (128, 128, 128) in slot 7, (192, 192,
-     *  192) in slot 8, the six bright ones and white. In mode 1 any 16 colours receive slots in
-     *  the order of their appearance, row by row from the bottom left.
-     *  @param dib packed DIB of 24 or 32 bits
-     *  @param mode 0 or 1
-     *  @param status KIRVO_OK; KIRVO_BAD_PARAMETER for another mode, before the handle is looked
-     *  at; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth; KIRVO_BAD_PARAMETER for a block
-     *  smaller than its header says; KIRVO_NO_MEMORY, also for an image without width or height;
-     *  KIRVO_MORE_THAN_16 when the slots do not suffice
-     *  @returns the new image (biClrUsed 16), owned by the caller, or null */
-    function Decrease16PaletteEx(dib: number | null, mode: number,
-        status: Int32Array | null): number;
-    /** Decrease16PaletteEx with mode 0.
-     *  @param dib packed DIB of 24 or 32 bits
-     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
-     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
-     *  image without width or height; KIRVO_MORE_THAN_16 for a colour that is not of the 16
-     *  @returns the new image, owned by the caller, or null */
-    function Decrease16Palette(dib: number | null, status: Int32Array | null): number;
-    /** Makes a 24-bit image of an indexed one.
-     *  The colour table is looked for after 40 bytes of header, the rows after biSize +
-     *  PaletteSize. An index is not compared with the number of colours.
-     *  @param dib packed DIB of 1, 4 or 8 bits
-     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_1_4_8 for another depth;
-     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
-     *  image without width or height
-     *  @returns the new image, owned by the caller, or null */
-    function IncreaseColor16M(dib: number | null, status: Int32Array | null): number;
+    /** Sets how colour streams sample chroma. The default is 4.
+     *  @param mode 1: a sample per pixel; 2: halved across; 4: halved both ways
+     *  @returns KIRVO_OK, or KIRVO_BAD_PARAMETER for another mode (the setting stays) */
+    function JpgCodSetSubsample(mode: number): number;
+    /** Selects one of the quality levels 2 to 5.
+     *  @param q 0 to 3 for level 2 (finest) to 5 (coarsest)
+     *  @returns KIRVO_OK, or KIRVO_BAD_PARAMETER for another value (the setting stays) */
+    function JpgCodSetQ(q: number): number;
+    /** Selects a quality level. The default is 4.
+     *  @param level 1 (finest) to 5 (coarsest): a pair of fixed quantisation tables; level 5 also
+     *  keeps only the first 21 coefficients of each block. 0: the tables of JpgCodSetQtable
+     *  @returns KIRVO_OK, or KIRVO_BAD_PARAMETER for another level (the setting stays) */
+    function JpgCodSetQEx(level: number): number;
+    /** Loads quantisation tables of the caller's, which are used at level 0 only (JpgCodSetQEx).
+     *  Until then they are all ones.
+     *  @param luminance 64 quantisers of 1 to 255 in row-major order: entry row * 8 + column is
+     *  for the vertical frequency row and the horizontal frequency column
+     *  @param chrominance likewise
+     *  @returns KIRVO_OK, or KIRVO_BAD_PARAMETER for a quantiser out of range or a null pointer
+     *  (both tables stay) */
+    function JpgCodSetQtable(luminance: Int16Array | null, chrominance: Int16Array | null): number;
+    /** As JpgCodSetQtable, and sets how many coefficients of each block are coded at level 0.
+     *  @param luminance as JpgCodSetQtable
+     *  @param chrominance as JpgCodSetQtable
+     *  @param count 1 to 64 coefficients in zigzag order, the others become 0; any other value
+     *  means 64
+     *  @returns KIRVO_OK, or KIRVO_BAD_PARAMETER for a quantiser out of range or a null pointer
+     *  (both tables stay, and the number of coefficients) */
+    function JpgCodSetQtableEx(luminance: Int16Array | null, chrominance: Int16Array | null,
+        count: number): number;
+    /** Sets a comment for the next stream only; one that is still pending is discarded.
+     *  @param text the bytes of the comment; null: none
+     *  @param length their number; 0: none. Above 65533 the length field of the segment wraps, so
+     *  that decoders take the rest of the comment for other segments */
+    function JpgCodSetComment(text: Uint8Array | null, length: number): void;
     /** Copies a rectangle into an image that was made of exactly its size. The destination's own
      *  width and height are not examined, only that its block can hold the rows.
      *  When width and height are those of the source, the whole source is copied and left and top
@@ -1336,7 +1179,9 @@ export namespace flat {
         mode: number, value: number, status: Int32Array | null): number;
     /** Blurs a rectangle with a fixed 3 × 3 kernel. Each channel becomes (11 × (sum of the four
      *  corners) + 30 × (sum of the four edge neighbours) + 81 × centre) >> 8.
-     *  The weights add up to 245, not 256: the blur darkens by about 4 % (a flat 255 becomes 244).
+     *  White darkens by 4 % a pass (255 becomes 244, then 233): the weights, four times 11, four
+     *  times 30 and 81, add up to 245, and the sum is divided by 256. DibFilter3x3 keeps white
+     *  white when its divisor is the sum of its weights.
      *  Neighbours outside the rectangle are not read: the pixel's own row or column takes their
      *  place. The exception is a rectangle one row high, whose row above is read from the image
      *  (as black beyond its top). Reports progress per row.
@@ -1709,4 +1554,161 @@ export namespace flat {
      *  caller, or null */
     function DibBlockMxM(dib: number | null, x: number, y: number, width: number, height: number,
         radius: number, maximum: number, luminance: number, status: Int32Array | null): number;
+    /** Makes a 24-bit image of a 16- or 32-bit one. 5-bit 31 gives 248.
+     *  @param dib packed DIB of 16 or 32 bits; a 16-bit one without masks is read as 5-5-5
+     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_16_32 for another depth;
+     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
+     *  image without width or height
+     *  @returns the new image, owned by the caller, or null */
+    function DibConvert24bit(dib: number | null, status: Int32Array | null): number;
+    /** Makes a 16-bit image of a 24- or 32-bit one. It is always 5-6-5 with the masks 0xF800,
+     *  0x07E0 and 0x001F: (red & 0xF8) << 8 | (green & 0xFC) << 3 | blue >> 3.
+     *  @param dib packed DIB of 24 or 32 bits
+     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
+     *  image without width or height
+     *  @returns the new image, owned by the caller, or null */
+    function DibConvert16bit(dib: number | null, status: Int32Array | null): number;
+    /** Makes a 32-bit image of a 16- or 24-bit one, with the masks 0x00FF0000, 0x0000FF00 and
+     *  0x000000FF: red << 16 | green << 8 | blue.
+     *  @param dib packed DIB of 16 or 24 bits; a 16-bit one without masks is read as 5-5-5
+     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_16_24 for another depth;
+     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
+     *  image without width or height
+     *  @returns the new image, owned by the caller, or null */
+    function DibConvert32bit(dib: number | null, status: Int32Array | null): number;
+    /** Makes a copy of a 24-bit image that keeps only the top bits of each channel.
+     *  @param dib packed DIB of 24 bits with a 40-byte header
+     *  @param red_bits bits of red kept, 0 to 8
+     *  @param green_bits bits of green kept, 0 to 8
+     *  @param blue_bits bits of blue kept, 0 to 8
+     *  @param status KIRVO_OK; KIRVO_BAD_PARAMETER for a count outside 0 to 8 (before the handle
+     *  is looked at), an image without width or height or a block smaller than its header says;
+     *  KIRVO_NULL_HANDLE; KIRVO_NEEDS_24; KIRVO_NO_MEMORY
+     *  @returns the new image, owned by the caller, or null */
+    function DibCutDepth(dib: number | null, red_bits: number, green_bits: number,
+        blue_bits: number, status: Int32Array | null): number;
+    /** Makes an 8-bit image with error diffusion to 256 fixed colours.
+     *  The palette is a cube of 7 levels of green (0, 64, 96, 128, 160, 192, 255) and 6 of blue
+     *  and red (0, 64, 96, 128, 192, 255), with the 20 system colours in slots 0-9 and 246-255. A
+     *  channel goes up to the level above it: to 64 from 32 on, to each further level from the one
+     *  below it on. Rows are scanned right to left and left to right in turn, the bottom row right
+     *  to left. What is left over of each channel goes on, in halves rounded down: 1/2 to the next
+     *  pixel in scan direction, 1/4 below it, 1/8 below and ahead, 1/16 below and behind.
+     *  @param dib packed DIB of 24 or 32 bits
+     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
+     *  image without width or height
+     *  @returns the new image, owned by the caller, or null */
+    function DecreaseColor256(dib: number | null, status: Int32Array | null): number;
+    /** Makes a 4-bit image with error diffusion, as DecreaseColor256 spreads it, to 16 fixed
+     *  colours.
+     *  Where any channel is above 128, each channel above 128 becomes 255 and the others 0
+     *  (colours 8 to 15, counting red 1, green 2, blue 4); elsewhere each channel above 64 becomes
+     *  128 and the others 0 (colours 0 to 6, and 8 for all three). Colour 7 (192, 192, 192) is in
+     *  the palette but not used.
+     *  @param dib packed DIB of 24 or 32 bits
+     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
+     *  image without width or height
+     *  @returns the new image, owned by the caller, or null */
+    function DecreaseColor16(dib: number | null, status: Int32Array | null): number;
+    /** Makes an 8-bit grey image, without diffusion.
+     *  The palette has the 20 system colours in slots 0-9 and 246-255 and greys 20 to 255 in slots
+     *  10 to 245. A pixel of luminance Y = (77 red + 150 green + 29 blue + 128) / 256 gets slot Y
+     *  - 10, and no slot below 10.
+     *  @param dib packed DIB of 24 or 32 bits
+     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
+     *  image without width or height
+     *  @returns the new image, owned by the caller, or null */
+    function DecreaseColorMono256(dib: number | null, status: Int32Array | null): number;
+    /** Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered dither of 8 x 8
+     *  pixels over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255: a channel value v
+     *  becomes level v / 51, one more where v mod 51 is above the dither's threshold. The four
+     *  cube colours that the palette lacks become pure green or pure blue.
+     *  @param dib packed DIB of 24 or 32 bits
+     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
+     *  image without width or height
+     *  @returns the new image (biClrUsed 256), owned by the caller, or null */
+    function Decrease256Fast(dib: number | null, status: Int32Array | null): number;
+    /** Makes an 8-bit image with exactly the colours of the source.
+     *  New colours receive slots in the order of their appearance, row by row from the bottom
+     *  left. In mode 0 slots 0-7 and 247-255 are given to system colours beforehand and 239 slots
+     *  are free, in mode 1 all 256 are. Slots not used are black.
+     *  @param dib packed DIB of 24 or 32 bits
+     *  @param mode 0 or 1
+     *  @param status KIRVO_OK; KIRVO_BAD_PARAMETER for another mode, before the handle is looked
+     *  at; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth; KIRVO_BAD_PARAMETER for a block
+     *  smaller than its header says; KIRVO_NO_MEMORY, also for an image without width or height;
+     *  KIRVO_MORE_THAN_256 when the free slots do not suffice
+     *  @returns the new image (biClrUsed 256), owned by the caller, or null */
+    function Decrease256PaletteEx(dib: number | null, mode: number,
+        status: Int32Array | null): number;
+    /** Decrease256PaletteEx with mode 0.
+     *  @param dib packed DIB of 24 or 32 bits
+     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
+     *  image without width or height; KIRVO_MORE_THAN_256 when the free slots do not suffice
+     *  @returns the new image, owned by the caller, or null */
+    function Decrease256Palette(dib: number | null, status: Int32Array | null): number;
+    /** Makes a 4-bit image with exactly the colours of the source. In mode 0 only the 16 system
+     *  colours are accepted: black, the six dark primaries, (128, 128, 128) in slot 7, (192, 192,
+     *  192) in slot 8, the six bright ones and white. In mode 1 any 16 colours receive slots in
+     *  the order of their appearance, row by row from the bottom left.
+     *  @param dib packed DIB of 24 or 32 bits
+     *  @param mode 0 or 1
+     *  @param status KIRVO_OK; KIRVO_BAD_PARAMETER for another mode, before the handle is looked
+     *  at; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth; KIRVO_BAD_PARAMETER for a block
+     *  smaller than its header says; KIRVO_NO_MEMORY, also for an image without width or height;
+     *  KIRVO_MORE_THAN_16 when the slots do not suffice
+     *  @returns the new image (biClrUsed 16), owned by the caller, or null */
+    function Decrease16PaletteEx(dib: number | null, mode: number,
+        status: Int32Array | null): number;
+    /** Decrease16PaletteEx with mode 0.
+     *  @param dib packed DIB of 24 or 32 bits
+     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
+     *  image without width or height; KIRVO_MORE_THAN_16 for a colour that is not of the 16
+     *  @returns the new image, owned by the caller, or null */
+    function Decrease16Palette(dib: number | null, status: Int32Array | null): number;
+    /** Makes a 24-bit image of an indexed one.
+     *  The colour table is looked for after 40 bytes of header, the rows after biSize +
+     *  PaletteSize. An index is not compared with the number of colours.
+     *  @param dib packed DIB of 1, 4 or 8 bits
+     *  @param status KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_1_4_8 for another depth;
+     *  KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for an
+     *  image without width or height
+     *  @returns the new image, owned by the caller, or null */
+    function IncreaseColor16M(dib: number | null, status: Int32Array | null): number;
+    /** Reads one pixel of an image of any depth.
+     *  Channels of 16-bit images are scaled to 8 bits with zero low bits (5-bit 31 reads as 248).
+     *  @param dib packed DIB of 1, 4, 8, 16, 24 or 32 bits
+     *  @param x column from the left
+     *  @param y row from the top
+     *  @param colour 0x00BBGGRR; left alone on failure
+     *  @returns KIRVO_OK, or KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image,
+     *  another depth or a block too small */
+    function DibGetPixelColor(dib: number | null, x: number, y: number,
+        colour: Uint32Array | null): number;
+    /** Writes one pixel of a direct-colour image. Channels are narrowed by truncation.
+     *  @param dib packed DIB of 16, 24 or 32 bits
+     *  @param x column from the left
+     *  @param y row from the top
+     *  @param colour 0x00BBGGRR
+     *  @returns KIRVO_OK; KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image or a
+     *  block too small; KIRVO_NEEDS_16_24_32 for another depth */
+    function DibSetPixelColor(dib: number | null, x: number, y: number, colour: number): number;
+    /** Fills the pixels x0 to x1 (inclusive) of one row with a colour. Nothing is written, and the
+     *  result is still KIRVO_OK, when x0 > x1.
+     *  @param dib packed DIB of 16, 24 or 32 bits
+     *  @param x0 first column
+     *  @param x1 last column
+     *  @param y row from the top
+     *  @param colour 0x00BBGGRR
+     *  @returns KIRVO_OK; KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image or a
+     *  block too small; KIRVO_NEEDS_16_24_32 for another depth */
+    function DibSetLineColor(dib: number | null, x0: number, x1: number, y: number,
+        colour: number): number;
 }

@@ -92,40 +92,36 @@ def value(one, method):
     return f"packed({camel(one.name)})" if method.name == "keep_channels" else camel(one.name)
 
 
-def method_lines(method):
-    name = camel(method.name)
+def head(method):
     given = [declared(one) for one in method.parameters]
     if method.has_area:
         given.append("area = null")
     static = "static " if method.way == "static" else ""
-    yield f"    {static}{name}({', '.join(given)}) {{"
+    return f"{static}{camel(method.name)}({', '.join(given)}) {{"
+
+
+def call(method):
     values = ", ".join(filter(None, (value(one, method) for one in method.arguments)))
-    call = f"flat.{method.function.name}({values})"
-    depths = f"[{', '.join(map(str, method.depths))}]"
-    if method.way == "static":
-        yield "        const status = new Int32Array(1);"
-        yield f'        return Image.#made("{name}", {call}, status);'
-    else:
-        helper = {("change", False): "this.#apply", ("method", True): "return this.#make",
-                  ("method", False): "return this.#changed"}[method.way, method.makes]
-        area = "area" if method.has_area else "null"
-        indent = " " * 8
-        if method.way == "change":
-            yield f"{indent}this.#ready({depths});"
-        end = ");"
-        if any(one.role == "other" for one in method.arguments):
-            bits = "this.bits" if method.way == "change" else f"{depths}.includes(this.bits) ? this.bits : 24"
-            yield f"{indent}{'return ' if method.makes else ''}other.#with({bits}, (other) =>"
-            helper, indent, end = helper.removeprefix("return "), indent + "    ", "));"
-        inside = ["dib", "inside", "status"][:3 if method.makes else 2 if method.has_area else 1]
-        yield f'{indent}{helper}("{name}", {depths}, {area},'
-        yield f"{indent}    ({', '.join(inside)}) => {call}{end}"
-    yield "    }"
-    yield ""
+    return f"flat.{method.function.name}({values})"
 
 
-def image_sections(layers):
-    return {"methods": [line for method in layers.methods for line in method_lines(method)]}
+def depths(method):
+    return f"[{', '.join(map(str, method.depths))}]"
+
+
+def bits_for(method):
+    """The depth at which the other picture is given."""
+    return "this.bits" if method.way == "change" else f"{depths(method)}.includes(this.bits) ? this.bits : 24"
+
+
+def helper(method):
+    return {("change", False): "#apply", ("method", True): "#make",
+            ("method", False): "#changed"}[method.way, method.makes]
+
+
+def given(method):
+    """What the helper gives to the call."""
+    return ", ".join(["dib", "inside", "status"][:3 if method.makes else 2 if method.has_area else 1])
 
 
 # Types
@@ -170,26 +166,29 @@ KINDS = {"int": "number", "uint": "number", "double": "number", "colour": "numbe
          "flag": "boolean", "image": "Image", "byte": "ArrayLike<number>"}
 
 
-def method_types(method):
+def method_documentation(method):
+    texts = [method.sentence,
+             *(f"@param {camel(one.name)} {one.meaning}"
+               + (f"; {one.value} by default" if one.optional else "") for one in method.parameters)]
+    if method.has_area:
+        texts.append("@param area the part that is worked on; all of it by default")
+    return documentation(texts, "    ")
+
+
+def method_type(method):
     given = []
     for one in method.parameters:
         of = "Range" if method.name == "keep_channels" else KINDS[one.kind]
         given.append(f"{camel(one.name)}{'?' if one.optional else ''}: {of}")
-    texts = [method.comment.sentence,
-             *(f"@param {camel(one.name)} {method.meaning(one.parameter.name)}"
-               + (f"; {one.value} by default" if one.optional else "") for one in method.parameters)]
     if method.has_area:
         given.append("area?: Area | null")
-        texts.append("@param area the part that is worked on; all of it by default")
-    yield from documentation(texts, "    ")
     static = "static " if method.way == "static" else ""
-    yield from listed(f"    {static}{camel(method.name)}(", given or [""],
-                      f"): {'void' if method.way == 'change' else 'Image'};", indent=" " * 8)
-    yield ""
+    return listed(f"    {static}{camel(method.name)}(", given or [""],
+                  f"): {'void' if method.way == 'change' else 'Image'};", indent=" " * 8)
 
 
-def type_sections(description, header, layers):
-    made = {"functions": [], "methods": [line for method in layers.methods for line in method_types(method)]}
+def type_sections(description, header):
+    made = {"functions": []}
     for group in description.groups:
         for name, number in numbers(group):
             if name in header.comments:
@@ -197,5 +196,4 @@ def type_sections(description, header, layers):
             made["functions"].append(f"    const {name}: {number};")
         for function in functions(group):
             made["functions"] += function_types(function, header)
-    made["methods"].pop()
     return made

@@ -2,14 +2,14 @@
 // mean is in kirvo.d.ts. Written by script/bindings from interface/kirvo.txt: changes belong there.
 import { declare, memory } from "./machine.js";
 
-@constants@
+@{ constants }@
 
 /** What each status code means. */
 export const meanings = {
-@meanings@
+@{ meanings }@
 };
 
-@functions@
+@{ functions }@
 
 /** The bytes of a block. The view is good until memory is next taken. */
 export function bytesOf(block) {

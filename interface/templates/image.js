@@ -203,7 +203,27 @@ export class Image {
 
     // Effects
 
-@methods@
+%% for method in methods
+%% set name = camel(method.name)
+    @{ head(method) }@
+%% if method.way == "static"
+        const status = new Int32Array(1);
+        return Image.#made("@{ name }@", @{ call(method) }@, status);
+%% else
+%% if method.way == "change"
+        this.#ready(@{ depths(method) }@);
+%% endif
+%% set indent, end, returned = "", ");", "" if method.way == "change" else "return "
+%% if method.other
+        @{ "return " if method.makes }@other.#with(@{ bits_for(method) }@, (other) =>
+%% set indent, end, returned = "    ", "));", ""
+%% endif
+        @{ indent }@@{ returned }@this.@{ helper(method) }@("@{ name }@", @{ depths(method) }@, @{ "area" if method.has_area else "null" }@,
+        @{ indent }@    (@{ given(method) }@) => @{ call(method) }@@{ end }@
+%% endif
+    }
+
+%% endfor
     /** Filters with a kernel of 3 x 3 weights, row by row from the top left neighbour. */
     filter3x3(weights, divisor = 0, area = null) {
         if (weights.length !== 9)

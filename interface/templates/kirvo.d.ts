@@ -83,8 +83,11 @@ export class Image {
     /** The picture at another depth: 16, 24 or 32 bits. */
     convert(bits: number): Image;
 
-@methods@
+%% for method in methods
+@{ method_documentation(method) }@
+@{ method_type(method) }@
 
+%% endfor
     /** Filters with a kernel of 3 x 3 weights, row by row from the top left neighbour.
      *  @param divisor divides the sums; 0, the default: the sum of the weights, or 1 */
     filter3x3(weights: readonly number[], divisor?: number, area?: Area | null): Image;
@@ -125,5 +128,5 @@ export namespace flat {
     /** A new block that holds these bytes; 0 without memory for it. */
     function blockOf(bytes: Uint8Array): number;
 
-@functions@
+@{ functions }@
 }
