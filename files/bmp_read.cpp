@@ -430,7 +430,7 @@ Status read_dib(Job& job, Layout& layout) {
     describe(job.known, layout);
     if (!known_combination(layout))
         return job.known.fail(KIRVO_FILES_UNSUPPORTED,
-                              Text::format("a BMP of %u bits with compression %u%s is not offered",
+                              Text::format("a BMP of %u bits with compression %u%s is not read",
                                            layout.bits, layout.compression % 100,
                                            compression_name(layout.compression)));
     if (layout.compression == jpeg || layout.compression == png)
