@@ -265,15 +265,13 @@ const char* tiff_compression(uint32_t number) {
 Status read_tiff(Job& job) {
     Known& known = job.known;
     const Tiff tiff(job.bytes);
-    if (!tiff.good())
-        return job.unsupported("a BigTIFF file");
     uint64_t directory = tiff.first_directory(), found = 0;
     uint32_t pages = 0;
     const uint32_t wanted = job.options.frame != 0 ? job.options.frame : 1;
     while (tiff.entries(directory) != 0 && pages < 65535) {
         if (++pages == wanted)
             found = directory;
-        directory = tiff.u32(tiff.next_directory_at(directory));
+        directory = tiff.offset(tiff.next_directory_at(directory));
     }
     known.numbers.frames = pages != 0 ? pages : 1;
     known.numbers.frame = wanted;
@@ -300,7 +298,8 @@ Status read_tiff(Job& job) {
     known.set(KIRVO_FILES_TOP_DOWN);
     known.set(KIRVO_FILES_HAS_ALPHA, tiff.find(found, 338).count != 0);
     known.text(KIRVO_FILES_TEXT_VARIANT) =
-        Text::format("%s, %u x %u bits", tiff_compression(compression), samples, bits);
+        Text::format("%s%s, %u x %u bits", tiff.big() ? "BigTIFF, " : "",
+                     tiff_compression(compression), samples, bits);
     note_first_frame(job, "several pages");
     Status status;
     if (!job.claim(tiff.number_of(found, 256), tiff.number_of(found, 257),
