@@ -88,6 +88,22 @@ if(TARGET kirvo_view)
                      ${CMAKE_OBJDUMP} $<TARGET_FILE:kirvo_view>)
 endif()
 
+# What the viewer shows as code, built and run.
+if(TARGET kirvo_view_catalogue AND NOT WIN32 AND NOT KIRVO_SANITIZE)
+    file(GLOB code_sources CONFIGURE_DEPENDS viewer/calls/*.cpp)
+    add_executable(kirvo_view_code tests/viewer/code/steps.cpp ${code_sources} viewer/dib.cpp
+                                   viewer/effect.cpp viewer/second_picture.cpp)
+    target_compile_options(kirvo_view_code PRIVATE ${KIRVO_TEST_FLAGS})
+    target_include_directories(kirvo_view_code PRIVATE viewer tools)
+    target_link_libraries(kirvo_view_code PRIVATE kirvo_view_catalogue kirvo kirvo_files)
+    foreach(language IN ITEMS c csharp pascal basic python)
+        add_test(NAME kirvo_view_code_${language}
+                 COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/viewer/code.py ${language}
+                         ${PROJECT_BINARY_DIR}/interface.json $<TARGET_FILE:kirvo_view_code>)
+        set_tests_properties(kirvo_view_code_${language} PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 300)
+    endforeach()
+endif()
+
 # Every kernel at every level: tests/kernels.
 file(GLOB kernel_test_sources CONFIGURE_DEPENDS tests/kernels/*.cpp)
 add_executable(kirvo_kernel_tests ${kernel_test_sources})

@@ -1,18 +1,19 @@
 # The viewer KirvoView (viewer), for Windows: on the two libraries' public interfaces and the tool's
-# catalogue of effects.
-
-if(NOT WIN32)
-    return()
-endif()
+# catalogue of effects. What shows the calls as code knows no system, and is tested everywhere.
 
 # The catalogue, whose calls of the library are noted.
 file(GLOB catalogue_sources CONFIGURE_DEPENDS tools/effects/*.cpp)
 list(APPEND catalogue_sources tools/line/colours.cpp tools/line/numbers.cpp
      tools/line/suggestions.cpp tools/pictures/image.cpp tools/pictures/known.cpp
      tools/system/errors.cpp)
-add_library(kirvo_view_catalogue OBJECT ${catalogue_sources})
+add_library(kirvo_view_catalogue OBJECT EXCLUDE_FROM_ALL ${catalogue_sources})
 target_compile_options(kirvo_view_catalogue PRIVATE
     -include ${PROJECT_SOURCE_DIR}/viewer/calls/recorded.hpp)
+target_include_directories(kirvo_view_catalogue PRIVATE viewer tools)
+target_link_libraries(kirvo_view_catalogue PRIVATE kirvo kirvo_files)
+if(NOT WIN32)
+    return()
+endif()
 
 file(GLOB view_sources CONFIGURE_DEPENDS viewer/*.cpp viewer/calls/*.cpp)
 add_executable(kirvo_view WIN32 ${view_sources})

@@ -152,8 +152,11 @@ void describe(Known& known, const Layout& layout) {
                          : size == 108  ? "V4 header"
                          : size == 124  ? "V5 header"
                                         : "Windows header";
+    Text masks;
+    if (layout.compression == bitfields || layout.compression == alpha_bitfields)
+        masks = Text::format(" %X %X %X", layout.masks[0], layout.masks[1], layout.masks[2]);
     known.text(KIRVO_FILES_TEXT_VARIANT) =
-        Text::format("%s%s%s", header, compression_name(layout.compression),
+        Text::format("%s%s%s%s", header, compression_name(layout.compression), masks.c_str(),
                      layout.top_down ? ", top-down" : "");
     known.numbers.fileBits = layout.bits;
     known.numbers.channels = layout.bits <= 8 ? 1 : layout.masks[3] != 0 ? 4 : 3;

@@ -19,7 +19,10 @@ Status decode_pixels(int32_t format, Job& job) {
 }
 
 void note_first_frame(Job& job, const char* what) {
-    if (job.known.numbers.frames > 1)
+    // Of an icon the best image is taken: nothing is lost that is to be told.
+    const int32_t format = job.known.numbers.format;
+    const bool is_icon = format == KIRVO_FILES_ICON || format == KIRVO_FILES_CURSOR;
+    if (job.known.numbers.frames > 1 && !is_icon)
         job.known.note(KIRVO_FILES_NOTE_FRAMES,
                        Text::format("%s: number %u of %u", what, job.known.numbers.frame,
                                     job.known.numbers.frames));

@@ -127,8 +127,10 @@ class Parser {
             headers_.restart_interval = body.be16(0);
             return KIRVO_FILES_OK;
         case 0xFE:
-            if (known_.comment.empty())
+            if (known_.comment.empty()) {
                 known_.comment.assign(body);
+                known_.text(KIRVO_FILES_TEXT_COMMENT) = Text::cleaned(body);
+            }
             return KIRVO_FILES_OK;
         default:
             return marker >= 0xC0 && marker <= 0xCF ? frame(marker, body) : KIRVO_FILES_OK;

@@ -113,7 +113,7 @@ int run(std::vector<std::string> words) {
         program.parse(std::move(words));
         print_papers(program, papers);
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() != 0)
+        if (error.get_exit_code() != 0 || !program.remaining(true).empty())
             return wrong_usage(program, explained(program, error));
         program.exit(error);
     } catch (const UsageError& error) {

@@ -1,4 +1,5 @@
 // The picture on a page, as large as fits, upright.
+#include "locked.hpp"
 #include "text.hpp"
 #include "viewer.hpp"
 

@@ -56,7 +56,8 @@ std::vector<std::string> usual_words(std::vector<std::string> words) {
 }
 
 std::string explained(const Command& program, const CLI::ParseError& error) {
-    if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr)
+    const bool asks_for_help = error.get_exit_code() == 0; // about a word that nobody knows
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr && !asks_for_help)
         return error.what();
     const std::vector<std::string> extra = program.remaining(true);
     if (extra.empty())

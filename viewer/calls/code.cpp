@@ -29,8 +29,8 @@ class Writer {
         const std::string first = std::string(grammar_.comment) +
                                   "dib is the picture, a packed DIB; the result is " + current +
                                   "\n";
-        return first + tables_in_front() + grammar_.head(images_) + tables_behind() + body_ +
-               grammar_.tail;
+        return first + tables_in_front() + grammar_.head(images_, opens_) + tables_behind() +
+               body_ + grammar_.tail;
     }
 
   private:
@@ -41,8 +41,8 @@ class Writer {
     void add(const calls::Call& call) {
         if (!call.file.empty()) {
             names_[call.image] = new_image();
-            body_ += std::string(grammar_.comment) + names_[call.image] + " is the picture of " +
-                     call.file + "\n";
+            body_ += grammar_.open(names_[call.image], call.file);
+            opens_ = true;
             return;
         }
         Sentence sentence = {call.name, {}, call.answer, ""};
@@ -109,6 +109,7 @@ class Writer {
     std::vector<std::string> images_;
     std::string tables_, body_, before_;
     int table_count_ = 0;
+    bool opens_ = false; // a second picture
 };
 
 std::string quoted(const std::string& text) {

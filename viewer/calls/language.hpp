@@ -16,9 +16,10 @@ struct Sentence {
 
 struct Grammar {
     const char* comment;
-    std::string (*head)(const std::vector<std::string>& images); // variables
+    std::string (*head)(const std::vector<std::string>& images, bool opens); // variables
     const char* tail;
     std::string (*call)(const Sentence& sentence);
+    std::string (*open)(const std::string& image, const std::string& file);
     std::string (*release)(const std::string& image);
     const char* output_before; // "&" of "&dib2"
     const char* status;        // "&status"
