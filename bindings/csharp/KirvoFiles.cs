@@ -257,7 +257,7 @@ namespace KirvoImaging
         public const int KIRVO_FILES_NOTE_REPAIRED = 3;
         /// <summary>"alpha laid over the background"</summary>
         public const int KIRVO_FILES_NOTE_ALPHA = 4;
-        /// <summary>"animation: first of 12 frames"</summary>
+        /// <summary>"animation: number 1 of 12"</summary>
         public const int KIRVO_FILES_NOTE_FRAMES = 5;
         /// <summary>"16 bits a channel reduced to 8", "CMYK converted"</summary>
         public const int KIRVO_FILES_NOTE_REDUCED = 6;
@@ -313,7 +313,7 @@ namespace KirvoImaging
         public const int KIRVO_FILES_DATA_PALETTE = 4;
         /// <summary>JPEG: the first comment</summary>
         public const int KIRVO_FILES_DATA_COMMENT = 5;
-        /// <summary>saving: without the source's metadata</summary>
+        /// <summary>saving: without the metadata that the source came with</summary>
         public const int KIRVO_FILES_STRIP = 1;
         /// <summary>saving: not where there is a file already</summary>
         public const int KIRVO_FILES_NEW_ONLY = 2;
@@ -738,8 +738,9 @@ namespace KirvoImaging
         public static extern uint KirvoFilesData(IntPtr file, int kind, [Out] byte[] bytes,
             uint capacity);
 
-        /// <summary>Gives a file's metadata other bytes, to be saved with a picture: EXIF, an ICC
-        /// profile, XMP or a JPEG comment.</summary>
+        /// <summary>Gives a file's metadata other bytes, to be saved with a picture, also where the
+        /// rest of its metadata is not (KIRVO_FILES_STRIP): EXIF, an ICC profile, XMP or a JPEG
+        /// comment.</summary>
         /// <param name="file">what is known of a file; where it is null, a new one is made, which
         /// knows nothing else</param>
         /// <param name="kind">KIRVO_FILES_DATA_EXIF, KIRVO_FILES_DATA_ICC, KIRVO_FILES_DATA_XMP or
