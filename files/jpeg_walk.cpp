@@ -41,6 +41,8 @@ class Walker {
             if (!dc_[component.dc].make(headers_.huffman[0][component.dc]) ||
                 !ac_[component.ac].make(headers_.huffman[1][component.ac]))
                 return false;
+            dc_steps_[component.dc].make_dc(headers_.huffman[0][component.dc], largest_size());
+            ac_steps_[component.ac].make_ac(headers_.huffman[1][component.ac]);
         }
         return true;
     }
@@ -51,35 +53,67 @@ class Walker {
         return result;
     }
 
+    uint32_t largest_size() const { return headers_.precision == 8 ? 11 : 15; }
+
     // Values go where they are wanted.
-    bool block(uint32_t i, int16_t* values) {
-        const JpegComponent& component = headers_.component[i];
-        const int32_t size = bits_.symbol(dc_[component.dc]);
+    bool first(uint32_t i, int16_t* values) {
+        const int32_t size = bits_.symbol(dc_[headers_.component[i].dc]);
         if (size < 0)
             return false;
-        if (size > (headers_.precision == 8 ? 11 : 15))
+        if (static_cast<uint32_t>(size) > largest_size())
             return wrong();
+        const int32_t difference = bits_.value(static_cast<uint32_t>(size));
         if (values != nullptr)
-            values[0] = last_dc_[i] =
-                static_cast<int16_t>(last_dc_[i] + bits_.value(static_cast<uint32_t>(size)));
-        else
-            bits_.skip(static_cast<uint32_t>(size));
-        const HuffmanTable& ac = ac_[component.ac];
-        for (uint32_t k = 1; k < 64; ++k) {
-            const int32_t symbol = bits_.symbol(ac);
-            if (symbol < 0)
-                return false;
-            const uint32_t run = static_cast<uint32_t>(symbol) >> 4, bits = symbol & 15;
-            if (bits == 0 && run != 15)
-                break;
-            k += run;
-            if (k > 63)
-                return wrong();
-            if (values != nullptr)
-                values[zigzag[k]] = static_cast<int16_t>(bits_.value(bits));
-            else
-                bits_.skip(bits);
+            values[0] = last_dc_[i] = static_cast<int16_t>(last_dc_[i] + difference);
+        return true;
+    }
+
+    // The coefficient behind the next run of zeros, or the end of the block.
+    bool further(const HuffmanTable& ac, uint32_t& k, int16_t* values) {
+        const int32_t symbol = bits_.symbol(ac);
+        if (symbol < 0)
+            return false;
+        const uint32_t run = static_cast<uint32_t>(symbol) >> 4, size = symbol & 15;
+        if (size == 0 && run != 15) {
+            k = 64;
+            return true;
         }
+        k += run;
+        if (k > 63)
+            return wrong();
+        const int32_t value = bits_.value(size);
+        if (values != nullptr)
+            values[zigzag[k]] = static_cast<int16_t>(value);
+        ++k;
+        return true;
+    }
+
+    bool block(uint32_t i, int16_t* values) {
+        const HuffmanTable& ac = ac_[headers_.component[i].ac];
+        if (!first(i, values))
+            return false;
+        for (uint32_t k = 1; k < 64;)
+            if (!further(ac, k, values))
+                return false;
+        return !bits_.starved();
+    }
+
+    // A block that nobody wants: codes with their values are passed over at once.
+    bool skim(uint32_t i) {
+        const JpegComponent& component = headers_.component[i];
+        const HuffmanTable& ac = ac_[component.ac];
+        const HuffmanSteps& steps = ac_steps_[component.ac];
+        uint32_t k = 0;
+        if (!bits_.step(dc_steps_[component.dc], k)) {
+            if (!first(i, nullptr))
+                return false;
+            k = 1;
+        }
+        while (k < 64)
+            if (!bits_.step(steps, k) && !further(ac, k, nullptr))
+                return false;
+        if (k > 64 && k < HuffmanSteps::end_of_block)
+            return wrong(); // a run leads out of the block
         return !bits_.starved();
     }
 
@@ -93,9 +127,9 @@ class Walker {
             const uint32_t across = headers_.blocks_across(i), down = headers_.blocks_down(i);
             for (uint32_t row = 0; row < down; ++row)
                 for (uint32_t column = 0; column < across; ++column)
-                    if (!block(i, planes_ != nullptr
-                                      ? (*planes_)[i].block(x * across + column, y * down + row)
-                                      : nullptr))
+                    if (planes_ != nullptr
+                            ? !block(i, (*planes_)[i].block(x * across + column, y * down + row))
+                            : !skim(i))
                         return false;
         }
         return true;
@@ -105,6 +139,7 @@ class Walker {
     Plane (*planes_)[3];
     EntropyBits bits_;
     HuffmanTable dc_[4], ac_[4];
+    HuffmanSteps dc_steps_[4], ac_steps_[4];
     int16_t last_dc_[4] = {};
 };
 

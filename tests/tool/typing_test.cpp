@@ -164,6 +164,10 @@ TEST(Typing, MistakesAreToldBeforeAFileIsOpened) {
     }
     EXPECT_TRUE(contains(kirvo("convrt a b").text, "did you mean convert?"));
     EXPECT_TRUE(contains(kirvo("effects blurr").text, "did you mean blur?"));
+    const Outcome unknown = kirvo("help convrt");
+    EXPECT_EQ(unknown.code, 2);
+    EXPECT_TRUE(contains(unknown.text, "'convrt' is no command; did you mean convert?"));
+    EXPECT_EQ(kirvo("help convert").code, 0);
     EXPECT_FALSE(std::filesystem::exists("out.bmp"));
 }
 
