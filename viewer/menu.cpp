@@ -4,6 +4,8 @@
 #include "text.hpp"
 #include "viewer.hpp"
 
+#include <string_view>
+
 namespace {
 
 HMENU make_popup(const Menu& menu) {
@@ -109,7 +111,8 @@ HMENU make_menu() {
     HMENU bar = CreateMenu();
     auto menu = menus().begin();
     for (const wchar_t* title : menu_titles()) {
-        HMENU popup = title == effects_title ? make_effects_menu() : make_popup(*menu++);
+        HMENU popup =
+            title == std::wstring_view(effects_title) ? make_effects_menu() : make_popup(*menu++);
         AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(popup), title);
     }
     return bar;
