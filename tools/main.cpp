@@ -107,7 +107,7 @@ int run(std::vector<std::string> words) {
     add_effects(program);
     add_gallery(program);
     try {
-        words = usual_words(std::move(words));
+        words = usual_words(program, std::move(words));
         std::reverse(words.begin(), words.end()); // as the parser wants them
         check_environment();
         program.parse(std::move(words));
