@@ -39,18 +39,23 @@ void draw(HWND window, const DRAWITEMSTRUCT& item) {
     DeleteObject(SelectObject(item.hDC, before));
 }
 
-// The system draws a light line between the bar and the inside of the window.
-void darken_line(HWND window) {
+// Behind the last title, and the light line that the system draws below the bar.
+void darken_rest(HWND window) {
+    HMENU menu = GetMenu(window);
     MENUBARINFO bar = {};
     bar.cbSize = sizeof bar;
-    if (!GetMenuBarInfo(window, OBJID_MENU, 0, &bar))
+    RECT last, outside;
+    if (menu == nullptr || !GetMenuBarInfo(window, OBJID_MENU, 0, &bar) ||
+        !GetMenuItemRect(window, menu, static_cast<UINT>(GetMenuItemCount(menu)) - 1, &last) ||
+        !GetWindowRect(window, &outside))
         return;
-    RECT outside;
-    GetWindowRect(window, &outside);
-    const RECT line = {bar.rcBar.left - outside.left, bar.rcBar.bottom - outside.top,
-                       bar.rcBar.right - outside.left, bar.rcBar.bottom - outside.top + 1};
+    RECT rest = {last.right, bar.rcBar.top, bar.rcBar.right, bar.rcBar.bottom};
+    RECT line = {bar.rcBar.left, bar.rcBar.bottom, bar.rcBar.right, bar.rcBar.bottom + 1};
     HDC dc = GetWindowDC(window);
-    FillRect(dc, &line, theme::brush());
+    for (RECT* part : {&rest, &line}) {
+        OffsetRect(part, -outside.left, -outside.top);
+        FillRect(dc, part, theme::brush());
+    }
     ReleaseDC(window, dc);
 }
 
@@ -83,6 +88,7 @@ void colour_menu_bar(Viewer& viewer) {
         SetMenuItemInfoW(viewer.menu, place, TRUE, &item);
     }
     DrawMenuBar(viewer.window);
+    RedrawWindow(viewer.window, nullptr, nullptr, RDW_FRAME | RDW_INVALIDATE);
 }
 
 bool answer_menu_bar(Viewer& viewer, UINT message, WPARAM wparam, LPARAM lparam, LRESULT& answer) {
@@ -109,8 +115,11 @@ bool answer_menu_bar(Viewer& viewer, UINT message, WPARAM wparam, LPARAM lparam,
     case WM_NCPAINT:
     case WM_NCACTIVATE:
         answer = DefWindowProcW(viewer.window, message, wparam, lparam);
-        darken_line(viewer.window);
+        darken_rest(viewer.window);
         return true;
+    case WM_EXITMENULOOP:
+        darken_rest(viewer.window);
+        return false;
     default:
         return false;
     }
