@@ -225,8 +225,8 @@ typedef struct KirvoFilesOpenOptions {
  *  Icons and cursors have 24 bits, or 32 with their alpha or mask under that flag. More than 8 bits
  * of a channel are reduced to 8; CMYK becomes RGB without a profile. A note tells each of these.
  *
- *  A baseline JPEG that Kirvo's decoder is made for is decoded by it, every other by libjpeg-turbo
- *  or the system. A picture that ends early or is damaged is refused with
+ *  A baseline JPEG that Kirvo's decoder is made for is decoded by it, one of 12 bits a channel by
+ *  this library, every other by libjpeg-turbo or the system. A picture that ends early or is damaged is refused with
  *  #KIRVO_FILES_ENDS_EARLY or #KIRVO_FILES_DAMAGED; with #KIRVO_FILES_KEEP_GOING it opens with a
  *  note, and KirvoFilesDescription.wholeRows says how much of it is good.
  *

@@ -405,14 +405,14 @@ namespace KirvoImaging
         /// bits; a transparent entry of a palette becomes the mixed colour. Icons and cursors have
         /// 24 bits, or 32 with their alpha or mask under that flag. More than 8 bits of a channel
         /// are reduced to 8; CMYK becomes RGB without a profile. A note tells each of these. A
-        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, every other by
-        /// libjpeg-turbo or the system. A picture that ends early or is damaged is refused with
-        /// KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with KIRVO_FILES_KEEP_GOING it opens with
-        /// a note, and KirvoFilesDescription.wholeRows says how much of it is good. A claim is too
-        /// large when the picture would take more than 64 MB and more than 1500 bytes of it for
-        /// each byte of the file, more than any of the formats packs real pictures into; or more
-        /// than 2^31 - 1 bytes at all, which no flag allows. Files of 2 GB and more are not
-        /// read.</remarks>
+        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, one of 12 bits a
+        /// channel by this library, every other by libjpeg-turbo or the system. A picture that ends
+        /// early or is damaged is refused with KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with
+        /// KIRVO_FILES_KEEP_GOING it opens with a note, and KirvoFilesDescription.wholeRows says
+        /// how much of it is good. A claim is too large when the picture would take more than 64 MB
+        /// and more than 1500 bytes of it for each byte of the file, more than any of the formats
+        /// packs real pictures into; or more than 2^31 - 1 bytes at all, which no flag allows.
+        /// Files of 2 GB and more are not read.</remarks>
         /// <param name="name">the file</param>
         /// <param name="options">how; may be null</param>
         /// <param name="dib">receives the picture, owned by the caller (GlobalFree); null on
@@ -440,14 +440,14 @@ namespace KirvoImaging
         /// bits; a transparent entry of a palette becomes the mixed colour. Icons and cursors have
         /// 24 bits, or 32 with their alpha or mask under that flag. More than 8 bits of a channel
         /// are reduced to 8; CMYK becomes RGB without a profile. A note tells each of these. A
-        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, every other by
-        /// libjpeg-turbo or the system. A picture that ends early or is damaged is refused with
-        /// KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with KIRVO_FILES_KEEP_GOING it opens with
-        /// a note, and KirvoFilesDescription.wholeRows says how much of it is good. A claim is too
-        /// large when the picture would take more than 64 MB and more than 1500 bytes of it for
-        /// each byte of the file, more than any of the formats packs real pictures into; or more
-        /// than 2^31 - 1 bytes at all, which no flag allows. Files of 2 GB and more are not
-        /// read.</remarks>
+        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, one of 12 bits a
+        /// channel by this library, every other by libjpeg-turbo or the system. A picture that ends
+        /// early or is damaged is refused with KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with
+        /// KIRVO_FILES_KEEP_GOING it opens with a note, and KirvoFilesDescription.wholeRows says
+        /// how much of it is good. A claim is too large when the picture would take more than 64 MB
+        /// and more than 1500 bytes of it for each byte of the file, more than any of the formats
+        /// packs real pictures into; or more than 2^31 - 1 bytes at all, which no flag allows.
+        /// Files of 2 GB and more are not read.</remarks>
         /// <param name="name">the file</param>
         /// <param name="options">how; may be null</param>
         /// <param name="dib">receives the picture, owned by the caller (GlobalFree); null on
@@ -475,14 +475,14 @@ namespace KirvoImaging
         /// bits; a transparent entry of a palette becomes the mixed colour. Icons and cursors have
         /// 24 bits, or 32 with their alpha or mask under that flag. More than 8 bits of a channel
         /// are reduced to 8; CMYK becomes RGB without a profile. A note tells each of these. A
-        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, every other by
-        /// libjpeg-turbo or the system. A picture that ends early or is damaged is refused with
-        /// KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with KIRVO_FILES_KEEP_GOING it opens with
-        /// a note, and KirvoFilesDescription.wholeRows says how much of it is good. A claim is too
-        /// large when the picture would take more than 64 MB and more than 1500 bytes of it for
-        /// each byte of the file, more than any of the formats packs real pictures into; or more
-        /// than 2^31 - 1 bytes at all, which no flag allows. Files of 2 GB and more are not
-        /// read.</remarks>
+        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, one of 12 bits a
+        /// channel by this library, every other by libjpeg-turbo or the system. A picture that ends
+        /// early or is damaged is refused with KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with
+        /// KIRVO_FILES_KEEP_GOING it opens with a note, and KirvoFilesDescription.wholeRows says
+        /// how much of it is good. A claim is too large when the picture would take more than 64 MB
+        /// and more than 1500 bytes of it for each byte of the file, more than any of the formats
+        /// packs real pictures into; or more than 2^31 - 1 bytes at all, which no flag allows.
+        /// Files of 2 GB and more are not read.</remarks>
         /// <param name="name">the file</param>
         /// <param name="options">how; may be null</param>
         /// <param name="dib">receives the picture, owned by the caller (GlobalFree); null on
@@ -510,14 +510,14 @@ namespace KirvoImaging
         /// bits; a transparent entry of a palette becomes the mixed colour. Icons and cursors have
         /// 24 bits, or 32 with their alpha or mask under that flag. More than 8 bits of a channel
         /// are reduced to 8; CMYK becomes RGB without a profile. A note tells each of these. A
-        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, every other by
-        /// libjpeg-turbo or the system. A picture that ends early or is damaged is refused with
-        /// KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with KIRVO_FILES_KEEP_GOING it opens with
-        /// a note, and KirvoFilesDescription.wholeRows says how much of it is good. A claim is too
-        /// large when the picture would take more than 64 MB and more than 1500 bytes of it for
-        /// each byte of the file, more than any of the formats packs real pictures into; or more
-        /// than 2^31 - 1 bytes at all, which no flag allows. Files of 2 GB and more are not
-        /// read.</remarks>
+        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, one of 12 bits a
+        /// channel by this library, every other by libjpeg-turbo or the system. A picture that ends
+        /// early or is damaged is refused with KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with
+        /// KIRVO_FILES_KEEP_GOING it opens with a note, and KirvoFilesDescription.wholeRows says
+        /// how much of it is good. A claim is too large when the picture would take more than 64 MB
+        /// and more than 1500 bytes of it for each byte of the file, more than any of the formats
+        /// packs real pictures into; or more than 2^31 - 1 bytes at all, which no flag allows.
+        /// Files of 2 GB and more are not read.</remarks>
         /// <param name="name">the file</param>
         /// <param name="options">how; may be null</param>
         /// <param name="dib">receives the picture, owned by the caller (GlobalFree); null on
