@@ -22,7 +22,7 @@ Status decode_elsewhere(Job& job, const JpegHeaders& headers, const char* why) {
 
 Status by_kirvo_alone(Job& job, const char* why) {
     if (why != nullptr)
-        job.known.note(KIRVO_FILES_NOTE_DECODER,
+        job.known.note(KIRVO_FILES_NOTE_REDUCED,
                        Text::format("decoded by Kirvo alone, which is not made for it: %s", why));
     const Status status = kirvo_decode(job, job.known.numbers.channels == 1);
     return status != KIRVO_FILES_NO_CODEC

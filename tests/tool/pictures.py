@@ -331,7 +331,8 @@ class Speaking(Pictures):
         subprocess.run(["jpegtran", "-progressive", "-outfile", self.path("p.jpg"), self.photo],
                        check=True)
         self.check("convert", self.path("p.jpg"), self.path("whole.bmp"))
-        self.check("convert", self.path("p.jpg"), self.path("first.bmp"), "--decoder", "kirvo")
+        told = self.check("convert", self.path("p.jpg"), self.path("first.bmp"), "--decoder", "kirvo")
+        self.assertIn("decoded by Kirvo alone, which is not made for it: progressive", told)
         self.check("convert", self.photo, self.path("base.bmp"))
         whole, first, base = (bmp_pixels(self.path(name))[2]
                               for name in ("whole.bmp", "first.bmp", "base.bmp"))
