@@ -3,7 +3,7 @@
 #include "formats.hpp"
 #include "system.hpp"
 
-#include <cstdio>
+#include <cstdlib>
 
 namespace kirvo_files {
 namespace {
@@ -36,10 +36,13 @@ Status size_of_q0(const char* name, Job& job) {
     const Text companion = Text::format("%.*s.IPR", static_cast<int>(end - name), name);
     Known unheard;
     Buffer words;
-    int width = 0, height = 0;
-    if (read_file(companion.c_str(), words, unheard) != KIRVO_FILES_OK || !words.append("", 1) ||
-        std::sscanf(reinterpret_cast<const char*>(words.data()), "%d %d", &width, &height) != 2 ||
-        width <= 0 || height <= 0 ||
+    int64_t width = 0, height = 0;
+    if (read_file(companion.c_str(), words, unheard) == KIRVO_FILES_OK && words.append("", 1)) {
+        char* rest = nullptr;
+        width = std::strtol(reinterpret_cast<const char*>(words.data()), &rest, 10);
+        height = std::strtol(rest, nullptr, 10);
+    }
+    if (width <= 0 || height <= 0 || width > INT32_MAX || height > INT32_MAX ||
         uint64_t{3} * static_cast<uint32_t>(width) >
             job.bytes.size() / static_cast<uint32_t>(height))
         return job.known.fail(KIRVO_FILES_UNSUPPORTED,

@@ -300,6 +300,8 @@ namespace KirvoImaging
         public const int KIRVO_FILES_TEXT_COPYRIGHT = 12;
         /// <summary>what it shows</summary>
         public const int KIRVO_FILES_TEXT_TITLE = 13;
+        /// <summary>JPEG: the first comment, in one line</summary>
+        public const int KIRVO_FILES_TEXT_COMMENT = 14;
         /// <summary>EXIF, a TIFF structure that begins with II or MM</summary>
         public const int KIRVO_FILES_DATA_EXIF = 0;
         /// <summary>the ICC profile</summary>

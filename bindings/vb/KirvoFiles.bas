@@ -183,6 +183,8 @@ Public Const KIRVO_FILES_TEXT_ARTIST As Long = &HB&
 Public Const KIRVO_FILES_TEXT_COPYRIGHT As Long = &HC&
 ' what it shows
 Public Const KIRVO_FILES_TEXT_TITLE As Long = &HD&
+' JPEG: the first comment, in one line
+Public Const KIRVO_FILES_TEXT_COMMENT As Long = &HE&
 ' EXIF, a TIFF structure that begins with II or MM
 Public Const KIRVO_FILES_DATA_EXIF As Long = &H0&
 ' the ICC profile

@@ -205,6 +205,8 @@ KIRVO_FILES_TEXT_ARTIST = 11
 KIRVO_FILES_TEXT_COPYRIGHT = 12
 # what it shows
 KIRVO_FILES_TEXT_TITLE = 13
+# JPEG: the first comment, in one line
+KIRVO_FILES_TEXT_COMMENT = 14
 # EXIF, a TIFF structure that begins with II or MM
 KIRVO_FILES_DATA_EXIF = 0
 # the ICC profile
