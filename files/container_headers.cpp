@@ -8,11 +8,11 @@ namespace kirvo_files {
 namespace {
 
 // The codec's turn, when the headers have been read.
-Status decode_pixels(int32_t format, Job& job) {
+Status decode_pixels(int32_t format, Job& job, const char* name = nullptr) {
     const Status status = decode(format, job);
     if (status == KIRVO_FILES_NO_CODEC)
-        return job.known.fail(
-            status, Text::format("this system has no decoder for %s files", format_name(format)));
+        return job.known.fail(status, Text::format("this system has no decoder for %s files",
+                                                   name != nullptr ? name : format_name(format)));
     if (status == KIRVO_FILES_OK && job.known.text(KIRVO_FILES_TEXT_DECODER).empty())
         job.known.text(KIRVO_FILES_TEXT_DECODER) = Text::format("%s", decoder_name(format));
     return status;
@@ -308,7 +308,7 @@ Status read_tiff(Job& job) {
     if (!job.claim(tiff.number_of(found, 256), tiff.number_of(found, 257),
                    samples == 1 && bits <= 8 ? 8 : 32, status))
         return status;
-    return decode_pixels(KIRVO_FILES_TIFF, job);
+    return decode_pixels(KIRVO_FILES_TIFF, job, tiff.big() ? "BigTIFF" : "TIFF");
 }
 
 Status read_by_system(Job& job) {

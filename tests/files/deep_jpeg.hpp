@@ -4,6 +4,7 @@
 #include "files/opened.hpp"
 
 #include <cmath>
+#include <numbers>
 
 namespace kirvo_test {
 
@@ -79,9 +80,11 @@ class DeepJpeg {
                 double sum = 0;
                 for (uint32_t y = 0; y < 8; ++y)
                     for (uint32_t x = 0; x < 8; ++x)
-                        sum += (sample(x, y) - 2048) * std::cos((2 * x + 1) * u * M_PI / 16) *
-                               std::cos((2 * y + 1) * v * M_PI / 16);
-                const double scale = (u == 0 ? M_SQRT1_2 : 1) * (v == 0 ? M_SQRT1_2 : 1) / 4;
+                        sum += (sample(x, y) - 2048) *
+                               std::cos((2 * x + 1) * u * std::numbers::pi / 16) *
+                               std::cos((2 * y + 1) * v * std::numbers::pi / 16);
+                const double scale = (u == 0 ? std::numbers::sqrt2 / 2 : 1) *
+                                     (v == 0 ? std::numbers::sqrt2 / 2 : 1) / 4;
                 values[8 * v + u] = static_cast<int32_t>(std::lround(sum * scale / step));
             }
         number(values[0] - last_[i], 0, 5);
