@@ -41,7 +41,8 @@ install(DIRECTORY docs/guide DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/build/docs/html DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs
         OPTIONAL)
 install(DIRECTORY bindings examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
-        PATTERN __pycache__ EXCLUDE)
+        PATTERN __pycache__ EXCLUDE
+        PATTERN javascript/*.js* EXCLUDE) # parts of a package of its own
 
 # Builds what is installed.
 add_custom_target(kirvo_installed DEPENDS kirvo kirvo_files)

@@ -1,10 +1,9 @@
 # Test programs: tests/<room>/*_test.cpp becomes kirvo_<room>_tests, which knows the library as its
 # users do; tests/internal/<room>/*_test.cpp becomes kirvo_internal_<room>_tests, linked with the
-# library's objects. GoogleTest is built from Debian's source package, for every target alike.
+# library's objects.
 
-set(KIRVO_GTEST_SOURCE /usr/src/googletest CACHE PATH "GoogleTest's source")
-if(NOT EXISTS ${KIRVO_GTEST_SOURCE}/CMakeLists.txt)
-    message(WARNING "The tests are not built: they need Debian's googletest package")
+include(${CMAKE_CURRENT_LIST_DIR}/googletest.cmake)
+if(NOT TARGET gtest)
     return()
 endif()
 find_package(Python3 COMPONENTS Interpreter)
@@ -12,13 +11,6 @@ if(NOT Python3_FOUND)
     message(WARNING "The tests are not built: they need Debian's python3 package")
     return()
 endif()
-set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
-set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
-set(gtest_disable_pthreads ${WIN32} CACHE BOOL "" FORCE)
-block() # it is part of each test program, whatever becomes of the library
-    set(BUILD_SHARED_LIBS OFF)
-    add_subdirectory(${KIRVO_GTEST_SOURCE} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
-endblock()
 if(WIN32)
     target_include_directories(gtest SYSTEM BEFORE PUBLIC ${PROJECT_SOURCE_DIR}/tests/support/mingw)
 endif()

@@ -56,6 +56,7 @@ LAYERS = {
     "bindings/csharp/KirvoImage.cs": lambda name: rf"^ +public (?:static )?[\w\[\]]+ {joined(name)}\(",
     "bindings/pascal/KirvoImages.pas":
         lambda name: rf"^    (?:class )?(?:function|procedure) {joined(name)}\b",
+    "bindings/javascript/image.js": lambda name: rf"^    (?:static )?{joined(name, str)}\(",
     "bindings/vb/KirvoImage.cls": lambda name: rf"^Public (?:Function|Sub) {joined(name)}\(",
 }
 

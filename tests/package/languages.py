@@ -8,6 +8,7 @@ import re
 import shutil
 import subprocess
 import sys
+import tarfile
 import zipfile
 
 sys.dont_write_bytecode = True
@@ -57,6 +58,26 @@ def check_wheel():
                 data = archive.read(f"kirvo/{library}")
                 header = int.from_bytes(data[0x3C:0x40], "little")
                 assert int.from_bytes(data[header + 4:header + 6], "little") == dll, library
+
+
+def check_npm():
+    """Unpacked as npm does, the package works by its name, and what it has inside keeps its promises."""
+    package = WORK / "node_modules/kirvo-wasm"
+    with tarfile.open(the(f"kirvo-wasm-{version.TEXT}.tgz")) as archive:
+        archive.extractall(WORK)
+    package.parent.mkdir()
+    (WORK / "package").rename(package)
+    described = json.loads((package / "package.json").read_text())
+    for name in described["files"] + ["README.md", "LICENSE"]:
+        assert (package / name).stat().st_size, name
+    assert (package / "kirvo.wasm").stat().st_size < 400 * 1024
+    (WORK / "use.mjs").write_text("""
+        import { flat, Image } from "kirvo-wasm";
+        import * as embedded from "kirvo-wasm/embedded";
+        console.log(flat.GetVerKirvoDll(), embedded.Image.solid(2, 2, 7).negative().getPixel(1, 1));""")
+    assert run("node", "use.mjs").split() == [str(version.NUMBER), str(0xFFFFFF - 7)]
+    run("node", "--expose-gc", ROOT / "tests/javascript/layer_test.mjs",
+        env={**ENVIRONMENT, "KIRVO_PACKAGE": str(package)})
 
 
 def check_nupkg():

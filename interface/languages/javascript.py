@@ -1,0 +1,201 @@
+"""JavaScript on WebAssembly, and its types for TypeScript."""
+import re
+import textwrap
+
+from languages import capitals, listed, plain, statuses, title
+
+FOLDER = "javascript"
+
+ARRAYS = {"status": "Int32Array", "int": "Int32Array", "bool": "Int32Array", "uint": "Uint32Array",
+          "colour": "Uint32Array", "image": "Uint32Array", "block": "Uint32Array",
+          "int16": "Int16Array", "uint16": "Uint16Array", "byte": "Uint8Array"}
+HANDLES = ("image", "block", "palette", "object", "header")
+ELSEWHERE = ("file", "window", "KirvoWindowHost")  # what there is no such thing of
+
+
+def kind(given):
+    return given.kind if isinstance(given.kind, str) else given.kind.name
+
+
+def functions(group):
+    return [function for function in group.functions
+            if not any(kind(given) in ELSEWHERE for given in function.parameters)]
+
+
+def camel(name):
+    return capitals(name)[0].lower() + capitals(name)[1:]
+
+
+# The flat functions
+
+def line(function):
+    """The function as interface/kirvo.txt has it."""
+    given = []
+    for one in function.parameters:
+        count = "" if one.count is None else f"[{one.count}]"
+        given.append(f"{one.way} {kind(one)} {one.name}{count}".strip())
+    result = f" -> {function.result.name}" if function.result else ""
+    return f"{function.name}({', '.join(given)}){result}"
+
+
+def declaration(function):
+    return [f"export const {function.name} = declare(", f'    "{line(function)}");']
+
+
+def number(name, value):
+    return f"export const {name} = {value:#x};" if value > 32 else f"export const {name} = {value};"
+
+
+def numbers(group):
+    return [(name, value) for names in (group.constants, *group.enums.values())
+            for name, value in names.items()]
+
+
+def flat_sections(description, header):
+    made = {"constants": [], "meanings": [], "functions": []}
+    for group in description.groups:
+        made["constants"] += [number(*one) for one in numbers(group)]
+        if functions(group):
+            made["functions"] += ["", f"// {title(group, header)}"]
+        for function in functions(group):
+            made["functions"] += declaration(function)
+    for name in statuses(description):
+        text = plain(header.comments[name].sentence).rstrip(".")
+        made["meanings"].append(f'    {name}: "{text}",')
+    made["functions"].pop(0)
+    return made
+
+
+def exports(description):
+    names = [function.name for group in description.groups for function in functions(group)]
+    lines = [f'    "_{name}"' for name in [*names, "malloc", "free"]]
+    return "[\n" + ",\n".join(lines) + "\n]\n"
+
+
+# The methods of pictures
+
+def declared(one):
+    value = f" = {one.value}" if one.optional else ""
+    return f"{camel(one.name)}{value}"
+
+
+def value(one, method):
+    match one.role:
+        case "own": return "dib"
+        case "x": return "...inside"
+        case "y" | "width" | "height": return None
+        case "status": return "status"
+        case "other": return "other.#dib"
+        case "fixed": return one.value.replace("own.", "this.")
+    if one.kind == "byte":
+        return f"Uint8Array.from({camel(one.name)})"
+    return f"packed({camel(one.name)})" if method.name == "keep_channels" else camel(one.name)
+
+
+def method_lines(method):
+    name = camel(method.name)
+    given = [declared(one) for one in method.parameters]
+    if method.has_area:
+        given.append("area = null")
+    static = "static " if method.way == "static" else ""
+    yield f"    {static}{name}({', '.join(given)}) {{"
+    values = ", ".join(filter(None, (value(one, method) for one in method.arguments)))
+    call = f"flat.{method.function.name}({values})"
+    depths = f"[{', '.join(map(str, method.depths))}]"
+    if method.way == "static":
+        yield "        const status = new Int32Array(1);"
+        yield f'        return Image.#made("{name}", {call}, status);'
+    else:
+        helper = {("change", False): "this.#apply", ("method", True): "return this.#make",
+                  ("method", False): "return this.#changed"}[method.way, method.makes]
+        area = "area" if method.has_area else "null"
+        indent = " " * 8
+        if method.way == "change":
+            yield f"{indent}this.#ready({depths});"
+        end = ");"
+        if any(one.role == "other" for one in method.arguments):
+            bits = "this.bits" if method.way == "change" else f"{depths}.includes(this.bits) ? this.bits : 24"
+            yield f"{indent}{'return ' if method.makes else ''}other.#with({bits}, (other) =>"
+            helper, indent, end = helper.removeprefix("return "), indent + "    ", "));"
+        inside = ["dib", "inside", "status"][:3 if method.makes else 2 if method.has_area else 1]
+        yield f'{indent}{helper}("{name}", {depths}, {area},'
+        yield f"{indent}    ({', '.join(inside)}) => {call}{end}"
+    yield "    }"
+    yield ""
+
+
+def image_sections(layers):
+    return {"methods": [line for method in layers.methods for line in method_lines(method)]}
+
+
+# Types
+
+def wrapped(text, width):
+    """The lines of a paragraph, or the rows of a table."""
+    if "|---" in text:
+        return ["", *re.split(r"(?<=\|) (?=\|)", text), ""]
+    return textwrap.wrap(text, width, break_on_hyphens=False)
+
+
+def documentation(paragraphs, indent):
+    """A comment of these paragraphs, none of which may end it."""
+    first, *rest = [line.replace("*/", "* /") for text in paragraphs
+                    for line in wrapped(text, 95 - len(indent))]
+    return [f"{indent}/** {first}", *(f"{indent} *  {line}" for line in rest[:-1]),
+            f"{indent} *  {rest[-1]} */"] if rest else [f"{indent}/** {first} */"]
+
+
+def type_of(given):
+    if given.way:
+        return ("Uint8Array" if kind(given) == "PALETTEENTRY" else ARRAYS[kind(given)]) + " | null"
+    if kind(given) == "bool":
+        return "boolean | number"
+    return "number | null" if kind(given) in HANDLES else "number"
+
+
+def function_types(function, header):
+    comment = header.comments[function.name]
+    paragraphs = [*comment.paragraphs,
+                  *(f"@param {name} {text}" for name, text in comment.parameters.items()
+                    if name in [one.name for one in function.parameters])]
+    if comment.result:
+        paragraphs.append(f"@returns {comment.result}")
+    yield from documentation(paragraphs, "    ")
+    yield from listed(f"    function {function.name}(",
+                      [f"{one.name}: {type_of(one)}" for one in function.parameters] or [""],
+                      f"): {'number' if function.result else 'void'};", indent=" " * 8)
+
+
+KINDS = {"int": "number", "uint": "number", "double": "number", "colour": "number",
+         "flag": "boolean", "image": "Image", "byte": "ArrayLike<number>"}
+
+
+def method_types(method):
+    given = []
+    for one in method.parameters:
+        of = "Range" if method.name == "keep_channels" else KINDS[one.kind]
+        given.append(f"{camel(one.name)}{'?' if one.optional else ''}: {of}")
+    texts = [method.comment.sentence,
+             *(f"@param {camel(one.name)} {method.meaning(one.parameter.name)}"
+               + (f"; {one.value} by default" if one.optional else "") for one in method.parameters)]
+    if method.has_area:
+        given.append("area?: Area | null")
+        texts.append("@param area the part that is worked on; all of it by default")
+    yield from documentation(texts, "    ")
+    static = "static " if method.way == "static" else ""
+    yield from listed(f"    {static}{camel(method.name)}(", given or [""],
+                      f"): {'void' if method.way == 'change' else 'Image'};", indent=" " * 8)
+    yield ""
+
+
+def type_sections(description, header, layers):
+    made = {"functions": [], "methods": [line for method in layers.methods for line in method_types(method)]}
+    for group in description.groups:
+        for name, number in numbers(group):
+            if name in header.comments:
+                made["functions"] += documentation([header.comments[name].sentence], "    ")
+            made["functions"].append(f"    const {name}: {number};")
+        for function in functions(group):
+            made["functions"] += function_types(function, header)
+    made["methods"].pop()
+    return made
