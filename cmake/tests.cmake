@@ -71,13 +71,31 @@ if(TARGET kirvo_tool)
 endif()
 if(TARGET kirvo_view)
     add_dependencies(kirvo_viewer_tests kirvo_view)
-    target_sources(kirvo_viewer_tests PRIVATE tests/viewer/driver.cpp)
+    target_sources(kirvo_viewer_tests PRIVATE tests/viewer/driver.cpp viewer/page.cpp viewer/locked.cpp
+                                              tools/pictures/image.cpp tools/system/errors.cpp)
+    target_include_directories(kirvo_viewer_tests PRIVATE viewer tools)
     target_link_libraries(kirvo_viewer_tests PRIVATE kirvo_files)
     target_compile_definitions(kirvo_viewer_tests PRIVATE KIRVO_FUZZ="${PROJECT_SOURCE_DIR}/fuzz")
     set_tests_properties(kirvo_viewer_tests PROPERTIES RUN_SERIAL ON) # one keyboard, one clipboard
     add_test(NAME kirvo_check_viewer
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/viewer/check.py
                      ${CMAKE_OBJDUMP} $<TARGET_FILE:kirvo_view>)
+endif()
+
+# What the viewer shows as code, built and run.
+if(TARGET kirvo_view_catalogue AND NOT WIN32 AND NOT KIRVO_SANITIZE)
+    add_executable(kirvo_view_code tests/viewer/code/steps.cpp ${KIRVO_CALLS} viewer/dib.cpp
+                                   viewer/effect.cpp viewer/second_picture.cpp
+                                   tools/pictures/known.cpp tools/pictures/meaning.cpp)
+    target_compile_options(kirvo_view_code PRIVATE ${KIRVO_TEST_FLAGS})
+    target_include_directories(kirvo_view_code PRIVATE viewer tools)
+    target_link_libraries(kirvo_view_code PRIVATE kirvo_view_catalogue kirvo kirvo_files)
+    foreach(language IN ITEMS c csharp pascal basic python)
+        add_test(NAME kirvo_view_code_${language}
+                 COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/viewer/code.py ${language}
+                         ${PROJECT_BINARY_DIR}/interface.json $<TARGET_FILE:kirvo_view_code>)
+        set_tests_properties(kirvo_view_code_${language} PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 300)
+    endforeach()
 endif()
 
 # Every kernel at every level: tests/kernels.

@@ -1,13 +1,14 @@
 # The viewer KirvoView (viewer), for Windows: on the two libraries' public interfaces and the tool's
-# catalogue of effects.
+# catalogue of effects. What shows the calls as code knows no system, and is tested everywhere.
 
+# The catalogue, whose calls of the library are noted.
+add_library(kirvo_view_catalogue OBJECT EXCLUDE_FROM_ALL ${KIRVO_CATALOGUE})
+target_compile_options(kirvo_view_catalogue PRIVATE ${KIRVO_RECORDED})
+target_include_directories(kirvo_view_catalogue PRIVATE viewer tools)
+target_link_libraries(kirvo_view_catalogue PRIVATE kirvo kirvo_files)
 if(NOT WIN32)
     return()
 endif()
-
-# The catalogue, whose calls of the library are noted.
-add_library(kirvo_view_catalogue OBJECT ${KIRVO_CATALOGUE})
-target_compile_options(kirvo_view_catalogue PRIVATE ${KIRVO_RECORDED})
 
 file(GLOB view_sources CONFIGURE_DEPENDS viewer/*.cpp)
 add_executable(kirvo_view WIN32 ${view_sources} ${KIRVO_CALLS} tools/pictures/meaning.cpp

@@ -152,8 +152,11 @@ void describe(Known& known, const Layout& layout) {
                          : size == 108  ? "V4 header"
                          : size == 124  ? "V5 header"
                                         : "Windows header";
+    Text masks;
+    if (layout.compression == bitfields || layout.compression == alpha_bitfields)
+        masks = Text::format(" %X %X %X", layout.masks[0], layout.masks[1], layout.masks[2]);
     known.text(KIRVO_FILES_TEXT_VARIANT) =
-        Text::format("%s%s%s", header, compression_name(layout.compression),
+        Text::format("%s%s%s%s", header, compression_name(layout.compression), masks.c_str(),
                      layout.top_down ? ", top-down" : "");
     known.numbers.fileBits = layout.bits;
     known.numbers.channels = layout.bits <= 8 ? 1 : layout.masks[3] != 0 ? 4 : 3;
@@ -430,7 +433,7 @@ Status read_dib(Job& job, Layout& layout) {
     describe(job.known, layout);
     if (!known_combination(layout))
         return job.known.fail(KIRVO_FILES_UNSUPPORTED,
-                              Text::format("a BMP of %u bits with compression %u%s is not offered",
+                              Text::format("a BMP of %u bits with compression %u%s is not read",
                                            layout.bits, layout.compression % 100,
                                            compression_name(layout.compression)));
     if (layout.compression == jpeg || layout.compression == png)

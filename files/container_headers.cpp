@@ -8,18 +8,21 @@ namespace kirvo_files {
 namespace {
 
 // The codec's turn, when the headers have been read.
-Status decode_pixels(int32_t format, Job& job) {
+Status decode_pixels(int32_t format, Job& job, const char* name = nullptr) {
     const Status status = decode(format, job);
     if (status == KIRVO_FILES_NO_CODEC)
-        return job.known.fail(
-            status, Text::format("this system has no decoder for %s files", format_name(format)));
+        return job.known.fail(status, Text::format("this system has no decoder for %s files",
+                                                   name != nullptr ? name : format_name(format)));
     if (status == KIRVO_FILES_OK && job.known.text(KIRVO_FILES_TEXT_DECODER).empty())
         job.known.text(KIRVO_FILES_TEXT_DECODER) = Text::format("%s", decoder_name(format));
     return status;
 }
 
 void note_first_frame(Job& job, const char* what) {
-    if (job.known.numbers.frames > 1)
+    // Of an icon the best image is taken: nothing is lost that is to be told.
+    const int32_t format = job.known.numbers.format;
+    const bool is_icon = format == KIRVO_FILES_ICON || format == KIRVO_FILES_CURSOR;
+    if (job.known.numbers.frames > 1 && !is_icon)
         job.known.note(KIRVO_FILES_NOTE_FRAMES,
                        Text::format("%s: number %u of %u", what, job.known.numbers.frame,
                                     job.known.numbers.frames));
@@ -265,15 +268,13 @@ const char* tiff_compression(uint32_t number) {
 Status read_tiff(Job& job) {
     Known& known = job.known;
     const Tiff tiff(job.bytes);
-    if (!tiff.good())
-        return job.unsupported("a BigTIFF file");
     uint64_t directory = tiff.first_directory(), found = 0;
     uint32_t pages = 0;
     const uint32_t wanted = job.options.frame != 0 ? job.options.frame : 1;
     while (tiff.entries(directory) != 0 && pages < 65535) {
         if (++pages == wanted)
             found = directory;
-        directory = tiff.u32(tiff.next_directory_at(directory));
+        directory = tiff.offset(tiff.next_directory_at(directory));
     }
     known.numbers.frames = pages != 0 ? pages : 1;
     known.numbers.frame = wanted;
@@ -300,13 +301,14 @@ Status read_tiff(Job& job) {
     known.set(KIRVO_FILES_TOP_DOWN);
     known.set(KIRVO_FILES_HAS_ALPHA, tiff.find(found, 338).count != 0);
     known.text(KIRVO_FILES_TEXT_VARIANT) =
-        Text::format("%s, %u x %u bits", tiff_compression(compression), samples, bits);
+        Text::format("%s%s, %u x %u bits", tiff.big() ? "BigTIFF, " : "",
+                     tiff_compression(compression), samples, bits);
     note_first_frame(job, "several pages");
     Status status;
     if (!job.claim(tiff.number_of(found, 256), tiff.number_of(found, 257),
                    samples == 1 && bits <= 8 ? 8 : 32, status))
         return status;
-    return decode_pixels(KIRVO_FILES_TIFF, job);
+    return decode_pixels(KIRVO_FILES_TIFF, job, tiff.big() ? "BigTIFF" : "TIFF");
 }
 
 Status read_by_system(Job& job) {

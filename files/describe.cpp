@@ -26,7 +26,7 @@ uint32_t WINAPI KirvoFilesText(KirvoFile file, int32_t kind, uint32_t index, cha
     const Text* found = &nothing;
     if (known != nullptr && kind == KIRVO_FILES_TEXT_NOTE && index < known->numbers.notes)
         found = &known->notes[index].text;
-    else if (known != nullptr && kind >= 0 && kind <= KIRVO_FILES_TEXT_TITLE && index == 0)
+    else if (known != nullptr && kind >= 0 && kind <= KIRVO_FILES_TEXT_COMMENT && index == 0)
         found = &known->texts[kind];
     return found->copy_to(text, capacity);
 }
@@ -82,8 +82,10 @@ int32_t WINAPI KirvoFilesSetData(KirvoFile* file, int32_t kind, const void* byte
         status = KIRVO_FILES_BAD_PARAMETER;
     else if (!kept.append(bytes, count))
         status = KIRVO_FILES_NO_MEMORY;
-    else
+    else {
         data->swap(kept);
+        known->of_caller |= 1u << kind;
+    }
     if (*file == nullptr && status != KIRVO_FILES_OK)
         unmake(known);
     else

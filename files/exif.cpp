@@ -33,25 +33,27 @@ enum Tag : uint32_t {
 } // namespace
 
 uint32_t type_bytes(uint32_t type) {
-    static const uint8_t sizes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8};
+    static const uint8_t sizes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4, 0, 0, 8, 8, 8};
     return type < sizeof sizes ? sizes[type] : 0;
 }
 
 uint32_t Tiff::entries(uint64_t directory) const {
-    if (directory < 8 || !bytes_.has(directory, 2))
+    if (directory < 8 || !bytes_.has(directory, entry_at(0, 0)))
         return 0;
-    const uint64_t there = (bytes_.size() - directory - 2) / 12;
-    const uint32_t count = u16(directory);
-    return count < there ? count : static_cast<uint32_t>(there);
+    const uint64_t there =
+        (bytes_.size() - entry_at(directory, 0)) / (entry_at(0, 1) - entry_at(0, 0));
+    const uint64_t count = big_ ? offset(directory) : u16(directory);
+    return static_cast<uint32_t>(count < there ? count : there);
 }
 
 TiffEntry Tiff::entry(uint64_t directory, uint32_t index) const {
-    const uint64_t at = directory + 2 + uint64_t{12} * index;
-    TiffEntry entry = {u16(at), u16(at + 2), u32(at + 4), {}, at + 8};
-    const uint64_t size = uint64_t{type_bytes(entry.type)} * entry.count;
-    if (size > 4)
-        entry.value_at = u32(at + 8);
-    if (!bytes_.has(entry.value_at, size))
+    const uint64_t at = entry_at(directory, index), word = big_ ? 8 : 4;
+    const uint64_t count = offset(at + 4);
+    TiffEntry entry = {u16(at), u16(at + 2), static_cast<uint32_t>(count), {}, at + 4 + word};
+    const uint64_t size = type_bytes(entry.type) * uint64_t{entry.count};
+    if (size > word)
+        entry.value_at = offset(entry.value_at);
+    if (count > UINT32_MAX || !bytes_.has(entry.value_at, size))
         entry.type = entry.count = 0; // it points out of the block
     else
         entry.value = bytes_.part(entry.value_at, size);
@@ -61,13 +63,9 @@ TiffEntry Tiff::entry(uint64_t directory, uint32_t index) const {
 TiffEntry Tiff::find(uint64_t directory, uint32_t tag) const {
     const uint32_t count = entries(directory);
     for (uint32_t i = 0; i < count; ++i)
-        if (u16(directory + 2 + uint64_t{12} * i) == tag)
+        if (u16(entry_at(directory, i)) == tag)
             return entry(directory, i);
     return {};
-}
-
-uint64_t Tiff::next_directory_at(uint64_t directory) const {
-    return directory + 2 + uint64_t{12} * u16(directory);
 }
 
 uint32_t Tiff::number(const TiffEntry& entry, uint32_t index, uint32_t otherwise) const {
@@ -80,7 +78,13 @@ uint32_t Tiff::number(const TiffEntry& entry, uint32_t index, uint32_t otherwise
     case 3:
         return u16(at);
     case 4:
+    case 13:
         return u32(at);
+    case 16:
+    case 18: {
+        const uint64_t wide = offset(at);
+        return wide <= UINT32_MAX ? static_cast<uint32_t>(wide) : otherwise;
+    }
     default:
         return otherwise;
     }
@@ -253,9 +257,9 @@ void drop_thumbnail(Buffer& block, uint64_t directory) {
 
 void update_exif(Buffer& exif, uint32_t width, uint32_t height, bool upright) {
     const Tiff tiff(exif.bytes());
-    if (!tiff.good())
+    if (!tiff.good() || tiff.big())
         return;
-    const uint32_t first = tiff.first_directory();
+    const uint64_t first = tiff.first_directory();
     if (tiff.entries(first) == 0)
         return;
     if (upright)

@@ -12,25 +12,34 @@ struct TiffEntry {
     uint64_t value_at = 0;
 };
 
-// A TIFF structure: numbers in its byte order, directories, values.
+// A TIFF structure: numbers in its byte order, directories, values. A big one has offsets of 64 bits.
 class Tiff {
   public:
     explicit Tiff(Bytes bytes)
-        : bytes_(bytes), little_(bytes[0] == 'I'),
-          good_((bytes.begins("II") || bytes.begins("MM")) && u16(2) == 42) {}
+        : bytes_(bytes), little_(bytes[0] == 'I'), big_(u16(2) == 43 && u16(4) == 8),
+          good_((bytes.begins("II") || bytes.begins("MM")) && (u16(2) == 42 || big_)) {}
 
     bool good() const { return good_; }
+    bool big() const { return big_; }
     bool little() const { return little_; }
     Bytes bytes() const { return bytes_; }
     uint16_t u16(uint64_t at) const { return little_ ? bytes_.le16(at) : bytes_.be16(at); }
     uint32_t u32(uint64_t at) const { return little_ ? bytes_.le32(at) : bytes_.be32(at); }
-    uint32_t first_directory() const { return u32(4); }
+    // An offset or count of the structure's own size.
+    uint64_t offset(uint64_t at) const {
+        return !big_     ? u32(at)
+               : little_ ? u32(at) | uint64_t{u32(at + 4)} << 32
+                         : uint64_t{u32(at)} << 32 | u32(at + 4);
+    }
+    uint64_t first_directory() const { return offset(big_ ? 8 : 4); }
     // Entries that are there.
     uint32_t entries(uint64_t directory) const;
     TiffEntry entry(uint64_t directory, uint32_t index) const;
     // An entry with this tag; type 0 where there is none.
     TiffEntry find(uint64_t directory, uint32_t tag) const;
-    uint64_t next_directory_at(uint64_t directory) const;
+    uint64_t next_directory_at(uint64_t directory) const {
+        return entry_at(directory, entries(directory));
+    }
     // The n-th whole number of an entry of bytes, shorts or longs; otherwise where there is none.
     uint32_t number(const TiffEntry& entry, uint32_t index = 0, uint32_t otherwise = 0) const;
     // The n-th fraction; 0 where there is none.
@@ -40,8 +49,12 @@ class Tiff {
     }
 
   private:
+    uint64_t entry_at(uint64_t directory, uint32_t index) const {
+        return directory + (big_ ? 8 + uint64_t{20} * index : 2 + uint64_t{12} * index);
+    }
+
     Bytes bytes_;
-    bool little_, good_;
+    bool little_, big_, good_;
 };
 
 uint32_t type_bytes(uint32_t type);

@@ -32,8 +32,8 @@ class Directory {
         const uint32_t count = from.entries(directory);
         for (uint32_t i = 0; i < count; ++i) {
             const TiffEntry entry = from.entry(directory, i);
-            if (entry.count == 0 || type_bytes(entry.type) == 0 || !wanted(entry.tag) ||
-                has(entry.tag))
+            const bool known = entry.type <= 12 && type_bytes(entry.type) != 0;
+            if (entry.count == 0 || !known || !wanted(entry.tag) || has(entry.tag))
                 continue;
             if (!add_value(from, entry))
                 return false;
@@ -177,7 +177,7 @@ bool add_to_tiff(Buffer& file, Bytes exif, Bytes icc, Bytes xmp) {
     }
     const Tiff from(exif);
     if (from.good()) {
-        const uint32_t at = from.first_directory();
+        const uint64_t at = from.first_directory();
         if (!first.add(from, at, is_about_picture) ||
             !add_inner(file, first, from, at, exif_pointer, little) ||
             !add_inner(file, first, from, at, gps_pointer, little))

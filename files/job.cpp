@@ -62,8 +62,13 @@ Status Job::damaged(Text what, uint32_t whole_rows) {
     return KIRVO_FILES_OK;
 }
 
+Status Job::damaged_below(uint32_t whole_rows) {
+    return damaged(Text::format("damaged: whole to row %u of %u", whole_rows, known.numbers.height),
+                   whole_rows);
+}
+
 Status Job::unsupported(const char* what) {
-    return known.fail(KIRVO_FILES_UNSUPPORTED, Text::format("%s is not offered", what));
+    return known.fail(KIRVO_FILES_UNSUPPORTED, Text::format("%s is not read", what));
 }
 
 static bool has_alpha(Pixels pixels) {

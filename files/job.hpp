@@ -24,6 +24,7 @@ struct Job {
     // with a note where the caller keeps going.
     Status ends_early(uint32_t whole_rows, bool bottom_up = false);
     Status damaged(Text what, uint32_t whole_rows);
+    Status damaged_below(uint32_t whole_rows);
     Status unsupported(const char* what);
     Status ends_early_in_headers();
 };

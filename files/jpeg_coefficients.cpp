@@ -1,105 +1,12 @@
 #include "jpeg_coefficients.hpp"
 
 #include "jpeg_huffman.hpp"
+#include "jpeg_planes.hpp"
 
 #include <initializer_list>
 
 namespace kirvo_files {
 namespace {
-
-// The blocks of one component, padded to whole MCUs.
-struct Plane {
-    uint32_t across = 0, down = 0; // blocks
-    uint32_t per_mcu_across = 1, per_mcu_down = 1;
-    Buffer values; // 64 numbers of 16 bits a block, in the order of the rows
-
-    int16_t* block(uint32_t x, uint32_t y) const {
-        return reinterpret_cast<int16_t*>(values.data()) + size_t{64} * (size_t{across} * y + x);
-    }
-};
-
-uint32_t mcus(uint32_t pixels, uint32_t factor) { return (pixels + 8 * factor - 1) / (8 * factor); }
-
-bool make_plane(Plane& plane, uint32_t mcus_across, uint32_t mcus_down, uint32_t across,
-                uint32_t down) {
-    plane.per_mcu_across = across;
-    plane.per_mcu_down = down;
-    plane.across = mcus_across * across;
-    plane.down = mcus_down * down;
-    return plane.values.resize(uint64_t{128} * plane.across * plane.down);
-}
-
-// Reads every block of a scan.
-class Reader {
-  public:
-    Reader(Bytes bytes, const JpegHeaders& headers, Plane (&planes)[3])
-        : headers_(headers), planes_(planes), bits_(bytes, headers.scan_at) {}
-
-    Status read(uint32_t across, uint32_t down) {
-        for (uint32_t i = 0; i < headers_.components; ++i) {
-            const JpegComponent& component = headers_.component[i];
-            if (!dc_[component.dc].make(headers_.huffman[0][component.dc]) ||
-                !ac_[component.ac].make(headers_.huffman[1][component.ac]))
-                return KIRVO_FILES_DAMAGED;
-        }
-        uint32_t to_restart = headers_.restart_interval;
-        for (uint32_t y = 0; y < down; ++y)
-            for (uint32_t x = 0; x < across; ++x) {
-                if (headers_.restart_interval != 0 && to_restart-- == 0) {
-                    if (!bits_.restart())
-                        return KIRVO_FILES_DAMAGED;
-                    std::memset(last_dc_, 0, sizeof last_dc_);
-                    to_restart = headers_.restart_interval - 1;
-                }
-                if (!mcu(x, y))
-                    return KIRVO_FILES_DAMAGED;
-            }
-        return KIRVO_FILES_OK;
-    }
-
-  private:
-    bool mcu(uint32_t x, uint32_t y) {
-        for (uint32_t i = 0; i < headers_.components; ++i) {
-            Plane& plane = planes_[i];
-            for (uint32_t row = 0; row < plane.per_mcu_down; ++row)
-                for (uint32_t column = 0; column < plane.per_mcu_across; ++column)
-                    if (!block(i, plane.block(x * plane.per_mcu_across + column,
-                                              y * plane.per_mcu_down + row)))
-                        return false;
-        }
-        return true;
-    }
-
-    bool block(uint32_t i, int16_t* values) {
-        const int32_t size = bits_.symbol(dc_[headers_.component[i].dc]);
-        if (size < 0 || size > 11)
-            return false;
-        last_dc_[i] = static_cast<int16_t>(last_dc_[i] + bits_.value(static_cast<uint32_t>(size)));
-        values[0] = last_dc_[i];
-        const HuffmanTable& table = ac_[headers_.component[i].ac];
-        for (uint32_t k = 1; k < 64; ++k) {
-            const int32_t symbol = bits_.symbol(table);
-            if (symbol < 0)
-                return false;
-            const uint32_t run = static_cast<uint32_t>(symbol) >> 4, size_of_value = symbol & 15;
-            if (size_of_value == 0 && run != 15)
-                break;
-            k += run;
-            if (k > 63)
-                return false;
-            values[zigzag[k]] = static_cast<int16_t>(bits_.value(size_of_value));
-        }
-        return !bits_.starved();
-    }
-
-    const JpegHeaders& headers_;
-    Plane (&planes_)[3];
-    EntropyBits bits_;
-    HuffmanTable dc_[4], ac_[4];
-    int16_t last_dc_[3] = {};
-};
-
-// ---- turning ----
 
 // Where a block or a place among them comes from when whole MCUs are mirrored and what is left over
 // at the far edge stays.
@@ -119,10 +26,9 @@ void turn_block(const int16_t* in, bool transpose, bool flip_across, bool flip_d
         }
 }
 
-void turn_plane(const Plane& from, const TurnPlan& plan, uint32_t most_across, uint32_t most_down,
-                Plane& to) {
-    const Mirror across = {plan.width / (8 * most_across) * to.per_mcu_across, plan.flip_across};
-    const Mirror down = {plan.height / (8 * most_down) * to.per_mcu_down, plan.flip_down};
+void turn_plane(const Plane& from, const TurnPlan& plan, const JpegHeaders& turned, Plane& to) {
+    const Mirror across = {turned.width / turned.mcu_width() * to.per_mcu_across, plan.flip_across};
+    const Mirror down = {turned.height / turned.mcu_height() * to.per_mcu_down, plan.flip_down};
     for (uint32_t y = 0; y < to.down; ++y)
         for (uint32_t x = 0; x < to.across; ++x) {
             const uint32_t column = across.from(x), row = down.from(y);
@@ -135,16 +41,17 @@ void turn_plane(const Plane& from, const TurnPlan& plan, uint32_t most_across, u
 
 class Writer {
   public:
-    Writer(Bytes in, const JpegHeaders& headers, const TurnPlan& plan, const Plane (&planes)[3],
+    // With the headers of what is to be written.
+    Writer(Bytes in, const JpegHeaders& headers, bool transpose, const Plane (&planes)[3],
            Buffer& out)
-        : in_(in), headers_(headers), plan_(plan), planes_(planes), out_(out) {}
+        : in_(in), headers_(headers), transpose_(transpose), planes_(planes), out_(out) {}
 
-    Status write(uint32_t across, uint32_t down) {
+    Status write() {
         good_ = out_.append(in_.part(0, 2));
         copy_segments();
         tables();
         frame();
-        scan(across, down);
+        scan();
         if (uncoded_) // coefficients larger than any picture has
             return KIRVO_FILES_NO_CODEC;
         return good_ ? KIRVO_FILES_OK : KIRVO_FILES_NO_MEMORY;
@@ -179,7 +86,7 @@ class Writer {
                 rows[zigzag[i]] = segment[at + 1 + i];
             list[0] = segment[at];
             for (uint32_t i = 0; i < 64; ++i)
-                list[1 + i] = rows[plan_.transpose ? zigzag[i] % 8 * 8 + zigzag[i] / 8 : zigzag[i]];
+                list[1 + i] = rows[transpose_ ? zigzag[i] % 8 * 8 + zigzag[i] / 8 : zigzag[i]];
             good_ = good_ && out_.append(list, sizeof list);
         }
     }
@@ -198,7 +105,7 @@ class Writer {
 
     void frame() {
         bytes({0xFF, 0xC0, 0, 8 + 3 * headers_.components, 8});
-        good_ = good_ && out_.append_be16(plan_.height) && out_.append_be16(plan_.width);
+        good_ = good_ && out_.append_be16(headers_.height) && out_.append_be16(headers_.width);
         bytes({headers_.components});
         for (uint32_t i = 0; i < headers_.components; ++i)
             bytes({headers_.component[i].id,
@@ -210,10 +117,10 @@ class Writer {
         bytes({0, 63, 0});
     }
 
-    void scan(uint32_t across, uint32_t down) {
+    void scan() {
         int16_t last_dc[3] = {};
-        for (uint32_t y = 0; y < down; ++y)
-            for (uint32_t x = 0; x < across; ++x)
+        for (uint32_t y = 0; y < headers_.mcus_down(); ++y)
+            for (uint32_t x = 0; x < headers_.mcus_across(); ++x)
                 for (uint32_t i = 0; i < headers_.components; ++i)
                     for (uint32_t row = 0; row < planes_[i].per_mcu_down; ++row)
                         for (uint32_t column = 0; column < planes_[i].per_mcu_across; ++column) {
@@ -279,7 +186,7 @@ class Writer {
 
     Bytes in_;
     const JpegHeaders& headers_;
-    const TurnPlan& plan_;
+    bool transpose_;
     const Plane (&planes_)[3];
     Buffer& out_;
     HuffmanCode code_[2][2];
@@ -295,31 +202,24 @@ Status turn_coefficients(Bytes in, const JpegHeaders& headers, const TurnPlan& p
         headers.components > 3 || headers.odd_segments ||
         headers.scan_components != headers.components)
         return KIRVO_FILES_NO_CODEC;
-    const bool grey = headers.components == 1;
-    const uint32_t most_across = grey ? 1 : headers.most_across;
-    const uint32_t most_down = grey ? 1 : headers.most_down;
-    const uint32_t new_across = plan.transpose ? most_down : most_across;
-    const uint32_t new_down = plan.transpose ? most_across : most_down;
-    const uint32_t across = mcus(headers.width, most_across);
-    const uint32_t down = mcus(headers.height, most_down);
-    Plane from[3], to[3];
-    for (uint32_t i = 0; i < headers.components; ++i) {
-        const uint32_t h = grey ? 1 : headers.component[i].across;
-        const uint32_t v = grey ? 1 : headers.component[i].down;
-        if (!make_plane(from[i], across, down, h, v) ||
-            !make_plane(to[i], mcus(plan.width, new_across), mcus(plan.height, new_down),
-                        plan.transpose ? v : h, plan.transpose ? h : v))
-            return KIRVO_FILES_NO_MEMORY;
+    JpegHeaders turned = headers;
+    turned.width = plan.width;
+    turned.height = plan.height;
+    if (plan.transpose) {
+        std::swap(turned.most_across, turned.most_down);
+        for (JpegComponent& component : turned.component)
+            std::swap(component.across, component.down);
     }
-    const Status status = Reader(in, headers, from).read(across, down);
-    if (status != KIRVO_FILES_OK)
-        return status;
+    Plane from[3], to[3];
+    if (!make_planes(headers, from) || !make_planes(turned, to))
+        return KIRVO_FILES_NO_MEMORY;
+    if (!read_coefficients(in, headers, &from).complete)
+        return KIRVO_FILES_DAMAGED;
     for (uint32_t i = 0; i < headers.components; ++i) {
-        turn_plane(from[i], plan, new_across, new_down, to[i]);
+        turn_plane(from[i], plan, turned, to[i]);
         from[i] = Plane();
     }
-    return Writer(in, headers, plan, to, out)
-        .write(mcus(plan.width, new_across), mcus(plan.height, new_down));
+    return Writer(in, turned, plan.transpose, to, out).write();
 }
 
 } // namespace kirvo_files

@@ -127,8 +127,10 @@ class Parser {
             headers_.restart_interval = body.be16(0);
             return KIRVO_FILES_OK;
         case 0xFE:
-            if (known_.comment.empty())
+            if (known_.comment.empty()) {
                 known_.comment.assign(body);
+                known_.text(KIRVO_FILES_TEXT_COMMENT) = Text::cleaned(body);
+            }
             return KIRVO_FILES_OK;
         default:
             return marker >= 0xC0 && marker <= 0xCF ? frame(marker, body) : KIRVO_FILES_OK;
@@ -212,7 +214,7 @@ class Parser {
             !body.has(6, 3 * headers_.components))
             return known_.fail(
                 KIRVO_FILES_UNSUPPORTED,
-                Text::format("a JPEG of %u components is not offered", headers_.components));
+                Text::format("a JPEG of %u components is not read", headers_.components));
         for (uint32_t i = 0; i < headers_.components; ++i) {
             JpegComponent& component = headers_.component[i];
             component.id = body[6 + 3 * i];
@@ -301,13 +303,9 @@ class Parser {
         const JpegComponent& chroma = headers_.component[1];
         numbers.sampleAcross = sampled ? luma.across / chroma.across : 1;
         numbers.sampleDown = sampled ? luma.down / chroma.down : 1;
-        const bool rgb = headers_.components == 3 &&
-                         ((headers_.has_adobe && headers_.adobe_transform == 0) ||
-                          (!headers_.has_jfif && !headers_.has_adobe &&
-                           headers_.component[0].id == 'R' && headers_.component[1].id == 'G'));
         static const char* const models[] = {"", "grey", "two components", "YCbCr", "CMYK"};
         const char* model =
-            rgb ? "RGB"
+            headers_.is_rgb() ? "RGB"
             : headers_.components == 4 && headers_.has_adobe && headers_.adobe_transform == 2
                 ? "YCCK"
                 : models[headers_.components];
@@ -356,6 +354,12 @@ bool usual_sampling(const JpegHeaders& headers) {
 }
 
 } // namespace
+
+bool JpegHeaders::is_rgb() const {
+    return components == 3 &&
+           ((has_adobe && adobe_transform == 0) ||
+            (!has_jfif && !has_adobe && component[0].id == 'R' && component[1].id == 'G'));
+}
 
 Status read_jpeg_headers(Bytes bytes, Known& known, JpegHeaders& headers) {
     return Parser(bytes, known, headers).parse();

@@ -21,6 +21,16 @@ struct JpegHeaders {
     uint32_t adobe_transform = 0;
     uint32_t scan_components = 0, spectral_start = 0, spectral_end = 0, approximation = 0;
     uint64_t scan_at = 0; // of the entropy-coded data
+
+    // A single component has MCUs of one block, whatever its sampling says.
+    uint32_t blocks_across(uint32_t i) const { return components == 1 ? 1 : component[i].across; }
+    uint32_t blocks_down(uint32_t i) const { return components == 1 ? 1 : component[i].down; }
+    uint32_t mcu_width() const { return 8 * (components == 1 ? 1 : most_across); }
+    uint32_t mcu_height() const { return 8 * (components == 1 ? 1 : most_down); }
+    uint32_t mcus_across() const { return (width + mcu_width() - 1) / mcu_width(); }
+    uint32_t mcus_down() const { return (height + mcu_height() - 1) / mcu_height(); }
+    // Colours as they are, not as brightness and two differences.
+    bool is_rgb() const;
 };
 
 // Reads all segments up to the first scan, metadata into what is known.
@@ -29,7 +39,7 @@ Status read_jpeg_headers(Bytes bytes, Known& known, JpegHeaders& headers);
 // Why Kirvo's decoder is not the one for this file; null when it is.
 const char* beyond_kirvo(const JpegHeaders& headers);
 
-// How far the one scan of a baseline file can be decoded.
+// How far the one scan of a sequential file can be decoded.
 struct Walk {
     uint32_t whole_rows = 0;  // of pixels
     bool complete = false;    // every MCU is there

@@ -79,7 +79,53 @@ void HuffmanCode::make(Bytes table) {
     }
 }
 
+void HuffmanSteps::put(const HuffmanCode& code, uint32_t symbol, uint32_t value_bits,
+                       uint32_t coefficients) {
+    const uint32_t length = code.lengths[symbol];
+    if (length == 0 || length > look)
+        return;
+    const auto step = static_cast<uint16_t>(coefficients << 5 | (length + value_bits));
+    uint16_t* first = steps_ + (size_t{code.bits[symbol]} << (look - length));
+    for (uint32_t i = 0; i < 1u << (look - length); ++i)
+        first[i] = step;
+}
+
+void HuffmanSteps::make_dc(Bytes table, uint32_t largest) {
+    HuffmanCode code;
+    code.make(table);
+    for (uint32_t size = 0; size <= largest; ++size)
+        put(code, size, size, 1);
+}
+
+void HuffmanSteps::make_ac(Bytes table) {
+    HuffmanCode code;
+    code.make(table);
+    for (uint32_t symbol = 0; symbol < 256; ++symbol) {
+        const uint32_t run = symbol >> 4, size = symbol & 15;
+        put(code, symbol, size, size == 0 && run != 15 ? end_of_block : run + 1);
+    }
+}
+
+// Eight bytes, of which none is 0xFF; what does not fit is taken again the next time.
+bool EntropyBits::fill_at_once() {
+    if (marker_ || size_ - at_ < 8 || at_ > size_)
+        return false;
+    uint64_t word = 0;
+    for (uint32_t i = 0; i < 8; ++i)
+        word = word << 8 | data_[at_ + i];
+    constexpr uint64_t ones = 0x0101010101010101, tops = 0x8080808080808080;
+    if (((~word - ones) & word & tops) != 0)
+        return false;
+    bits_ |= word >> count_;
+    const uint32_t taken = (63 - count_) / 8;
+    at_ += taken;
+    count_ += 8 * taken;
+    return true;
+}
+
 void EntropyBits::fill() {
+    if (fill_at_once())
+        return;
     while (count_ <= 56) {
         uint8_t byte = 0;
         if (marker_ || at_ >= size_) {

@@ -24,6 +24,25 @@ struct HuffmanCode {
     void make(Bytes table);
 };
 
+// How far each code leads when its value is passed over: bits of the stream, and coefficients.
+class HuffmanSteps {
+  public:
+    static constexpr uint32_t look = 11;
+    static constexpr uint32_t end_of_block = 100; // more coefficients than any run leads over
+
+    // Of the codes for sizes of DC up to the largest; then of AC.
+    void make_dc(Bytes table, uint32_t largest);
+    void make_ac(Bytes table);
+    uint16_t at(uint64_t bits) const { return steps_[bits >> (64 - look)]; }
+    static uint32_t bits(uint16_t step) { return step & 31u; }
+    static uint32_t coefficients(uint16_t step) { return step >> 5; }
+
+  private:
+    void put(const HuffmanCode& code, uint32_t symbol, uint32_t value_bits, uint32_t coefficients);
+
+    uint16_t steps_[1 << look] = {}; // 0 where the code is longer, or none
+};
+
 // The table of ITU-T T.81 annex K: kind 0 for DC, 1 for AC; number 0 for luma, 1 for chroma.
 Bytes usual_huffman_table(uint32_t kind, uint32_t number);
 
@@ -35,19 +54,30 @@ class EntropyBits {
 
     // The next symbol; -1 where there is no such code.
     int32_t symbol(const HuffmanTable& table);
-    // The number that so many bits stand for, and the same without looking at it.
+    // The number that so many bits stand for.
     int32_t value(uint32_t size);
-    void skip(uint32_t size) { drop(size); }
+    // Passes over a code and its value; false, at the same place, where the table does not have it.
+    bool step(const HuffmanSteps& steps, uint32_t& coefficient) {
+        if (count_ < 32)
+            fill();
+        const uint16_t step = steps.at(bits_);
+        bits_ <<= HuffmanSteps::bits(step);
+        count_ -= HuffmanSteps::bits(step);
+        coefficient += HuffmanSteps::coefficients(step);
+        return step != 0;
+    }
     // Goes on behind the restart marker that is next.
     bool restart();
 
-    bool starved() const { return starved_; }
+    // What is left of the data has become less than nothing, and stays so.
+    bool starved() const { return starved_ || count_ < starved_by_; }
     bool wrong() const { return wrong_; }
-    void found_wrong() { wrong_ = !starved_; }
+    void found_wrong() { wrong_ = !starved(); }
     size_t at() const { return at_; }
 
   private:
     void fill();
+    bool fill_at_once();
     void drop(uint32_t n) {
         bits_ <<= n;
         count_ -= n;

@@ -1,6 +1,7 @@
 // JPEG: Kirvo's decoder where the file is one it is made for, another one elsewhere.
 #include "codec.hpp"
 #include "formats.hpp"
+#include "jpeg_deep.hpp"
 
 namespace kirvo_files {
 namespace {
@@ -8,10 +9,11 @@ namespace {
 Status decode_elsewhere(Job& job, const JpegHeaders& headers, const char* why) {
     const Status status = decode(KIRVO_FILES_JPEG, job, &headers);
     if (status == KIRVO_FILES_NO_CODEC)
-        return job.known.fail(KIRVO_FILES_UNSUPPORTED,
-                              Text::format("Kirvo's decoder does not offer it (%s), and there is no"
-                                           " other",
-                                           why));
+        return job.known.fail(
+            KIRVO_FILES_UNSUPPORTED,
+            Text::format("Kirvo's decoder is not made for it (%s), and there is no"
+                         " other",
+                         why));
     if (status == KIRVO_FILES_OK)
         job.known.note(KIRVO_FILES_NOTE_DECODER,
                        Text::format("decoded by %s: %s", decoder_name(KIRVO_FILES_JPEG), why));
@@ -20,7 +22,7 @@ Status decode_elsewhere(Job& job, const JpegHeaders& headers, const char* why) {
 
 Status by_kirvo_alone(Job& job, const char* why) {
     if (why != nullptr)
-        job.known.note(KIRVO_FILES_NOTE_DECODER,
+        job.known.note(KIRVO_FILES_NOTE_REDUCED,
                        Text::format("decoded by Kirvo alone, which is not made for it: %s", why));
     const Status status = kirvo_decode(job, job.known.numbers.channels == 1);
     return status != KIRVO_FILES_NO_CODEC
@@ -33,11 +35,8 @@ Status by_kirvo_alone(Job& job, const char* why) {
 
 // A baseline file whose data is not all there.
 Status decode_broken(Job& job, const JpegHeaders& headers, const Walk& walk) {
-    const Status status = walk.out_of_data
-                              ? job.ends_early(walk.whole_rows)
-                              : job.damaged(Text::format("damaged: whole to row %u of %u",
-                                                         walk.whole_rows, headers.height),
-                                            walk.whole_rows);
+    const Status status =
+        walk.out_of_data ? job.ends_early(walk.whole_rows) : job.damaged_below(walk.whole_rows);
     if (status != KIRVO_FILES_OK)
         return status; // the caller does not want it
     if (!job.options.has(KIRVO_FILES_KIRVO_ONLY)) {
@@ -69,9 +68,16 @@ Status read_jpeg(Job& job) {
     if (!job.claim(headers.width, headers.height, headers.components == 1 ? 8 : 24, status))
         return status;
     const char* why = beyond_kirvo(headers);
+    if (why != nullptr && job.options.has(KIRVO_FILES_KIRVO_ONLY))
+        return by_kirvo_alone(job, why);
+    if (is_deep(headers))
+        return deep_decode(job, headers);
+    if (headers.precision != 8)
+        return job.known.fail(KIRVO_FILES_UNSUPPORTED,
+                              Text::format("this kind of JPEG is not read: %s",
+                                           job.known.text(KIRVO_FILES_TEXT_VARIANT).c_str()));
     if (why != nullptr)
-        return job.options.has(KIRVO_FILES_KIRVO_ONLY) ? by_kirvo_alone(job, why)
-                                                       : decode_elsewhere(job, headers, why);
+        return decode_elsewhere(job, headers, why);
     const Walk walk = walk_scan(job.bytes, headers);
     if (!walk.complete)
         return decode_broken(job, headers, walk);

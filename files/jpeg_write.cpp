@@ -183,11 +183,16 @@ class JpegWriter {
     bool fits(uint64_t limit) const { return saving_.out.size() + metadata_room() <= limit; }
 
     uint64_t metadata_room() const {
-        if (saving_.source == nullptr || options().has(KIRVO_FILES_STRIP))
+        if (saving_.source == nullptr)
             return 0;
-        const Known& source = *saving_.source;
-        return source.exif.size() + source.icc.size() + source.icc.size() / 65000 * 18 +
-               source.xmp.size() + source.comment.size() + 80;
+        uint64_t room = 80;
+        for (const auto kind : {KIRVO_FILES_DATA_EXIF, KIRVO_FILES_DATA_ICC, KIRVO_FILES_DATA_XMP,
+                                KIRVO_FILES_DATA_COMMENT}) {
+            const uint64_t size =
+                saving_.source->metadata(kind, options().has(KIRVO_FILES_STRIP)).size();
+            room += size + size / 65000 * 18; // in segments
+        }
+        return room;
     }
 
     Saving& saving_;

@@ -26,11 +26,12 @@ struct Known {
 
     uint32_t magic = magic_number;
     KirvoFilesDescription numbers = {};
-    Text texts[KIRVO_FILES_TEXT_TITLE + 1];
+    Text texts[KIRVO_FILES_TEXT_COMMENT + 1];
     Note notes[max_notes];
     Buffer exif, icc, xmp, palette, comment;
     JpegTables jpeg;
-    bool upright = false; // the picture has been turned by its orientation
+    bool upright = false;   // the picture has been turned by its orientation
+    uint32_t of_caller = 0; // which kinds of data the caller has set, as bits
 
     Known() {
         numbers.orientation = 1;
@@ -40,6 +41,14 @@ struct Known {
 
     void note(int32_t kind, Text text);
     Text& text(int32_t kind) { return texts[kind]; }
+    // Metadata to be saved. Stripped, it is what the caller has set.
+    Bytes metadata(KirvoFilesDataKind kind, bool stripped) const {
+        const Buffer& data = kind == KIRVO_FILES_DATA_EXIF  ? exif
+                             : kind == KIRVO_FILES_DATA_ICC ? icc
+                             : kind == KIRVO_FILES_DATA_XMP ? xmp
+                                                            : comment;
+        return stripped && (of_caller >> kind & 1) == 0 ? Bytes() : data.bytes();
+    }
     // Says why a call fails and passes its status on.
     Status fail(Status status, Text reason) {
         if (texts[KIRVO_FILES_TEXT_REASON].empty())

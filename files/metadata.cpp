@@ -113,6 +113,8 @@ Status Writer::jpeg() {
     else if (!metadata_.xmp.empty())
         segment(0xE1, "http://ns.adobe.com/xap/1.0/", 29, metadata_.xmp);
     profile_segments();
+    if (metadata_.comment.size() > segment_bytes)
+        left_out("the end of the comment", "it is too large for a JPEG");
     if (!metadata_.comment.empty())
         segment(0xFE, "", 0, metadata_.comment.part(0, segment_bytes));
     good_ = good_ && made_.append(in_.part(rest));
@@ -239,14 +241,15 @@ Status Writer::none(const char* format) {
 
 Status add_metadata(Saving& saving, int32_t format) {
     Metadata metadata;
-    if (saving.source != nullptr && !saving.options.has(KIRVO_FILES_STRIP)) {
+    if (saving.source != nullptr) {
         const Known& source = *saving.source;
-        if (!metadata.exif.append(source.exif.bytes()))
+        const bool strip = saving.options.has(KIRVO_FILES_STRIP);
+        if (!metadata.exif.append(source.metadata(KIRVO_FILES_DATA_EXIF, strip)))
             return KIRVO_FILES_NO_MEMORY;
         update_exif(metadata.exif, saving.view.width(), saving.view.height(), source.upright);
-        metadata.icc = source.icc.bytes();
-        metadata.xmp = source.xmp.bytes();
-        metadata.comment = source.comment.bytes();
+        metadata.icc = source.metadata(KIRVO_FILES_DATA_ICC, strip);
+        metadata.xmp = source.metadata(KIRVO_FILES_DATA_XMP, strip);
+        metadata.comment = source.metadata(KIRVO_FILES_DATA_COMMENT, strip);
     }
     const bool grey = saving.view.is_grey_ramp() || saving.options.has(KIRVO_FILES_GREY);
     const bool fits = metadata.icc.begins("GRAY", 16) == grey && !metadata.icc.begins("CMYK", 16);
@@ -255,6 +258,9 @@ Status add_metadata(Saving& saving, int32_t format) {
         saving.known.note(KIRVO_FILES_NOTE_METADATA,
                           Text::format("the profile left out: it is one of other colours"));
     }
+    if (!metadata.comment.empty() && format != KIRVO_FILES_JPEG)
+        saving.known.note(KIRVO_FILES_NOTE_METADATA,
+                          Text::format("the comment left out: only JPEG files get one"));
     Writer writer(saving, metadata);
     switch (format) {
     case KIRVO_FILES_JPEG:

@@ -3,6 +3,8 @@
 #include "formats.hpp"
 #include "system.hpp"
 
+#include <cstdlib>
+
 namespace kirvo_files {
 namespace {
 
@@ -23,14 +25,46 @@ bool is_by_name(int32_t format) {
     return format == KIRVO_FILES_Q0 || format == KIRVO_FILES_RAW || format == KIRVO_FILES_PHOTO_CD;
 }
 
-Status inform_by_name(int32_t format, Job& job) {
+// A Q0 file has no header: a text file beside it, of its name and another extension, tells the size.
+Status size_of_q0(const char* name, Job& job) {
+    const char* end = name + std::strlen(name);
+    for (const char* at = end; at != name && at[-1] != '/' && at[-1] != '\\'; --at)
+        if (at[-1] == '.') {
+            end = at - 1;
+            break;
+        }
+    const Text companion = Text::format("%.*s.IPR", static_cast<int>(end - name), name);
+    Known unheard;
+    Buffer words;
+    int64_t width = 0, height = 0;
+    if (read_file(companion.c_str(), words, unheard) == KIRVO_FILES_OK && words.append("", 1)) {
+        char* rest = nullptr;
+        width = std::strtol(reinterpret_cast<const char*>(words.data()), &rest, 10);
+        height = std::strtol(rest, nullptr, 10);
+    }
+    if (width <= 0 || height <= 0 || width > INT32_MAX || height > INT32_MAX ||
+        uint64_t{3} * static_cast<uint32_t>(width) >
+            job.bytes.size() / static_cast<uint32_t>(height))
+        return job.known.fail(KIRVO_FILES_UNSUPPORTED,
+                              Text::format("companion .IPR file missing, or the Q0 file is too"
+                                           " short"));
+    job.known.numbers.width = static_cast<uint32_t>(width);
+    job.known.numbers.height = static_cast<uint32_t>(height);
+    return KIRVO_FILES_OK;
+}
+
+Status inform_by_name(int32_t format, const char* name, Job& job) {
+    Status status = KIRVO_FILES_OK;
     if (format == KIRVO_FILES_RAW) {
         job.known.numbers.width = job.bytes.be16(8);
         job.known.numbers.height = job.bytes.be16(10);
+    } else if (format == KIRVO_FILES_Q0) {
+        status = size_of_q0(name, job);
     }
+    job.known.numbers.wholeRows = job.known.numbers.height;
     job.known.numbers.channels = 3;
     job.known.numbers.fileBits = 24;
-    return KIRVO_FILES_OK;
+    return status;
 }
 
 Status turn_upright(Job& job) {
@@ -65,7 +99,7 @@ Status read_any(const char* name, Job& job) {
         return job.known.fail(KIRVO_FILES_NOT_A_PICTURE,
                               Text::format("not a picture of a known format"));
     Status status = !is_by_name(format) ? read_as(format, job)
-                    : job.headers_only  ? inform_by_name(format, job)
+                    : job.headers_only  ? inform_by_name(format, name, job)
                                         : kirvo_read_named(format, name, job);
     if (status != KIRVO_FILES_OK)
         return status;

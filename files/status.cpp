@@ -35,7 +35,7 @@ static const char* words_of(int32_t status) {
     case KIRVO_FILES_DAMAGED:
         return "the file is damaged";
     case KIRVO_FILES_UNSUPPORTED:
-        return "this variant of the format is not offered";
+        return "this variant of the format is not read";
     case KIRVO_FILES_NO_CODEC:
         return "there is no codec for this format here";
     case KIRVO_FILES_CLAIM_TOO_LARGE:

@@ -15,8 +15,6 @@ namespace kirvo_files {
 namespace {
 
 pthread_mutex_t codec = PTHREAD_MUTEX_INITIALIZER;
-std::atomic<WriteFault> fault{WriteFault::none};
-std::atomic<uint64_t> fault_after{0};
 
 Status refused(Known& known, const char* name, int error, Status otherwise) {
     Status status = otherwise;
@@ -68,27 +66,11 @@ class File {
     int number_;
 };
 
-ssize_t write_some(int file, const uint8_t* from, size_t count, uint64_t done) {
-    const uint64_t limit = fault_after;
-    switch (fault.load()) {
-    case WriteFault::disk_full:
-        if (done + count > limit) {
-            errno = ENOSPC;
-            return -1;
-        }
-        break;
-    case WriteFault::short_write:
-        count = count > 7 ? 7 : count;
-        break;
-    case WriteFault::none:
-        break;
-    }
-    return write(file, from, count);
-}
-
 bool write_all(int file, Bytes content) {
     for (size_t done = 0; done < content.size();) {
-        const ssize_t count = write_some(file, content.data() + done, content.size() - done, done);
+        errno = ENOSPC;
+        const size_t wanted = writable(done, content.size() - done);
+        const ssize_t count = wanted != 0 ? write(file, content.data() + done, wanted) : 0;
         if (count < 0 && errno == EINTR)
             continue;
         if (count <= 0)
@@ -175,11 +157,6 @@ KirvoLock::KirvoLock() { pthread_mutex_lock(&codec); }
 
 KirvoLock::~KirvoLock() { pthread_mutex_unlock(&codec); }
 
-void fail_writing(WriteFault kind, uint64_t after) {
-    fault = kind;
-    fault_after = after;
-}
-
 Status read_file(const char* name, Buffer& content, Known& known) {
     const File file(name, O_RDONLY | O_CLOEXEC);
     struct stat about;
@@ -191,24 +168,15 @@ Status read_file(const char* name, Buffer& content, Known& known) {
         return known.fail(KIRVO_FILES_TOO_LARGE, Text::format("%s: 2 GB or more", name));
     // Pipes do not tell their size: what comes is taken until nothing does.
     const bool sized = S_ISREG(about.st_mode) && about.st_size > 0;
-    uint64_t room = sized ? static_cast<uint64_t>(about.st_size) : 1 << 16, done = 0;
-    for (;;) {
-        if (!content.resize(room))
-            return KIRVO_FILES_NO_MEMORY;
-        const ssize_t count =
-            read(file.number(), content.data() + done, static_cast<size_t>(room - done));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return refused(known, name, errno, KIRVO_FILES_READ_ERROR);
-        done += static_cast<uint64_t>(count);
-        if (count == 0 || (sized && done == room))
-            break;
-        if (done == room)
-            room *= 2;
-    }
-    content.resize(done);
-    return KIRVO_FILES_OK;
+    const Status status = read_all(sized ? static_cast<uint64_t>(about.st_size) : 0, content,
+                                   [&](uint8_t* to, size_t count) -> int64_t {
+                                       for (;;) {
+                                           const ssize_t got = read(file.number(), to, count);
+                                           if (got >= 0 || errno != EINTR)
+                                               return got;
+                                       }
+                                   });
+    return status != KIRVO_FILES_READ_ERROR ? status : refused(known, name, errno, status);
 }
 
 Status write_file(const char* name, Bytes content, bool new_only, Known& known) {

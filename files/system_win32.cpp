@@ -7,8 +7,6 @@ namespace kirvo_files {
 namespace {
 
 SRWLOCK codec = SRWLOCK_INIT;
-std::atomic<WriteFault> fault{WriteFault::none};
-std::atomic<uint64_t> fault_after{0};
 
 Text words_of(DWORD error) {
     wchar_t words[300];
@@ -110,15 +108,10 @@ Status folder(Known& known, const char* name) {
 
 bool write_all(HANDLE file, Bytes content) {
     for (size_t done = 0; done < content.size();) {
-        size_t count = content.size() - done;
-        if (fault == WriteFault::disk_full && done + count > fault_after) {
-            SetLastError(ERROR_DISK_FULL);
-            return false;
-        }
-        if (fault == WriteFault::short_write && count > 7)
-            count = 7;
+        const size_t wanted = writable(done, content.size() - done);
         DWORD written = 0;
-        if (!WriteFile(file, content.data() + done, static_cast<DWORD>(count), &written, nullptr))
+        if (wanted != 0 &&
+            !WriteFile(file, content.data() + done, static_cast<DWORD>(wanted), &written, nullptr))
             return false;
         if (written == 0) {
             SetLastError(ERROR_DISK_FULL);
@@ -179,11 +172,6 @@ KirvoLock::KirvoLock() { AcquireSRWLockExclusive(&codec); }
 
 KirvoLock::~KirvoLock() { ReleaseSRWLockExclusive(&codec); }
 
-void fail_writing(WriteFault kind, uint64_t after) {
-    fault = kind;
-    fault_after = after;
-}
-
 Status read_file(const char* name, Buffer& content, Known& known) {
     Buffer wide;
     if (!system_name(name, wide))
@@ -198,23 +186,16 @@ Status read_file(const char* name, Buffer& content, Known& known) {
     const bool sized = GetFileSizeEx(file.handle(), &size) && size.QuadPart > 0;
     if (size.QuadPart > static_cast<LONGLONG>(max_bytes))
         return known.fail(KIRVO_FILES_TOO_LARGE, Text::format("%s: 2 GB or more", name));
-    uint64_t room = sized ? static_cast<uint64_t>(size.QuadPart) : 1 << 16, done = 0;
-    for (;;) {
-        if (!content.resize(room))
-            return KIRVO_FILES_NO_MEMORY;
-        DWORD count = 0;
-        if (!ReadFile(file.handle(), content.data() + done, static_cast<DWORD>(room - done), &count,
-                      nullptr) &&
-            GetLastError() != ERROR_BROKEN_PIPE)
-            return refused(known, name, GetLastError(), KIRVO_FILES_READ_ERROR);
-        done += count;
-        if (count == 0 || (sized && done == room))
-            break;
-        if (done == room)
-            room *= 2;
-    }
-    content.resize(done);
-    return KIRVO_FILES_OK;
+    const Status status =
+        read_all(sized ? static_cast<uint64_t>(size.QuadPart) : 0, content,
+                 [&](uint8_t* to, size_t count) -> int64_t {
+                     DWORD got = 0;
+                     const bool good =
+                         ReadFile(file.handle(), to, static_cast<DWORD>(count), &got, nullptr) ||
+                         GetLastError() == ERROR_BROKEN_PIPE; // its writer is done
+                     return good ? int64_t{got} : -1;
+                 });
+    return status != KIRVO_FILES_READ_ERROR ? status : refused(known, name, GetLastError(), status);
 }
 
 Status write_file(const char* name, Bytes content, bool new_only, Known& known) {

@@ -293,7 +293,7 @@ Status read_targa(Job& job) {
     const Targa targa(job.bytes);
     if (!offered(targa))
         return job.known.fail(KIRVO_FILES_UNSUPPORTED,
-                              Text::format("a Targa file of type %u with %u bits is not offered",
+                              Text::format("a Targa file of type %u with %u bits is not read",
                                            targa.type, targa.bits));
     return Reader(job, targa).read();
 }

@@ -1,8 +1,9 @@
-// KirvoFiles' reading of a JPEG's segments, its walk along the entropy-coded data, and its turns of
-// the coefficients.
+// KirvoFiles' reading of a JPEG's segments, its walk along the entropy-coded data, its turns of the
+// coefficients, and its decoding of 12 bits a channel.
 #include "files.hpp"
 
 #include "jpeg_coefficients.hpp"
+#include "jpeg_deep.hpp"
 
 using namespace kirvo_fuzz;
 
@@ -15,8 +16,17 @@ static void run(Input& input) {
     const kirvo_files::Bytes bytes(rest.data(), rest.size());
     kirvo_files::Known known;
     kirvo_files::JpegHeaders headers;
-    if (kirvo_files::read_jpeg_headers(bytes, known, headers) != KIRVO_FILES_OK ||
-        kirvo_files::beyond_kirvo(headers) != nullptr)
+    if (kirvo_files::read_jpeg_headers(bytes, known, headers) != KIRVO_FILES_OK)
+        return;
+    if (kirvo_files::is_deep(headers) && headers.width != 0 && headers.height != 0) {
+        const kirvo_files::OpenOptions options{KIRVO_FILES_KEEP_GOING};
+        kirvo_files::Job job{bytes, options, false, known, {}, false};
+        kirvo_files::limit_allocation(1 << 20);
+        if (kirvo_files::deep_decode(job, headers) == KIRVO_FILES_OK)
+            require(job.known.numbers.wholeRows <= headers.height, "no more rows than there are");
+        return;
+    }
+    if (kirvo_files::beyond_kirvo(headers) != nullptr)
         return;
     const kirvo_files::Walk walk = kirvo_files::walk_scan(bytes, headers);
     require(walk.whole_rows <= headers.height, "no more rows than there are");

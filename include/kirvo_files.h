@@ -225,8 +225,8 @@ typedef struct KirvoFilesOpenOptions {
  *  Icons and cursors have 24 bits, or 32 with their alpha or mask under that flag. More than 8 bits
  * of a channel are reduced to 8; CMYK becomes RGB without a profile. A note tells each of these.
  *
- *  A baseline JPEG that Kirvo's decoder is made for is decoded by it, every other by libjpeg-turbo
- *  or the system. A picture that ends early or is damaged is refused with
+ *  A baseline JPEG that Kirvo's decoder is made for is decoded by it, one of 12 bits a channel by
+ *  this library, every other by libjpeg-turbo or the system. A picture that ends early or is damaged is refused with
  *  #KIRVO_FILES_ENDS_EARLY or #KIRVO_FILES_DAMAGED; with #KIRVO_FILES_KEEP_GOING it opens with a
  *  note, and KirvoFilesDescription.wholeRows says how much of it is good.
  *
@@ -350,7 +350,7 @@ typedef enum KirvoFilesNoteKind {
     KIRVO_FILES_NOTE_DAMAGED = 2,    /**< a part is damaged, and what is there was taken */
     KIRVO_FILES_NOTE_REPAIRED = 3,   /**< the headers contradict each other; the pixels are whole */
     KIRVO_FILES_NOTE_ALPHA = 4,      /**< "alpha laid over the background" */
-    KIRVO_FILES_NOTE_FRAMES = 5,     /**< "animation: first of 12 frames" */
+    KIRVO_FILES_NOTE_FRAMES = 5,     /**< "animation: number 1 of 12" */
     KIRVO_FILES_NOTE_REDUCED = 6,    /**< "16 bits a channel reduced to 8", "CMYK converted" */
     KIRVO_FILES_NOTE_TURNED = 7,     /**< "turned upright (orientation 6)" */
     KIRVO_FILES_NOTE_DECODER = 8,    /**< "decoded by libjpeg-turbo: progressive" */
@@ -381,7 +381,8 @@ typedef enum KirvoFilesTextKind {
     KIRVO_FILES_TEXT_SOFTWARE = 10,  /**< what made the file */
     KIRVO_FILES_TEXT_ARTIST = 11,    /**< who made the picture */
     KIRVO_FILES_TEXT_COPYRIGHT = 12, /**< whose it is */
-    KIRVO_FILES_TEXT_TITLE = 13      /**< what it shows */
+    KIRVO_FILES_TEXT_TITLE = 13,     /**< what it shows */
+    KIRVO_FILES_TEXT_COMMENT = 14    /**< JPEG: the first comment, in one line */
 } KirvoFilesTextKind;
 
 /** A text about a file.
@@ -415,8 +416,8 @@ typedef enum KirvoFilesDataKind {
 KIRVO_FILES_API uint32_t WINAPI KirvoFilesData(KirvoFile file, int32_t kind, void* bytes,
                                                uint32_t capacity);
 
-/** Gives a file's metadata other bytes, to be saved with a picture: EXIF, an ICC profile, XMP or a
- *  JPEG comment.
+/** Gives a file's metadata other bytes, to be saved with a picture, also where the rest of its
+ *  metadata is not (#KIRVO_FILES_STRIP): EXIF, an ICC profile, XMP or a JPEG comment.
  *  @param[in,out] file what is known of a file; where it is null, a new one is made, which knows
  *         nothing else
  *  @param kind #KIRVO_FILES_DATA_EXIF, #KIRVO_FILES_DATA_ICC, #KIRVO_FILES_DATA_XMP or
@@ -435,7 +436,7 @@ KIRVO_FILES_API int32_t WINAPI KirvoFilesSetData(KirvoFile* file, int32_t kind, 
  *  A packed DIB as a file of any format that is written here.
  *  @{ */
 
-#define KIRVO_FILES_STRIP 1          /**< saving: without the source's metadata */
+#define KIRVO_FILES_STRIP 1          /**< saving: without the metadata that the source came with */
 #define KIRVO_FILES_NEW_ONLY 2       /**< saving: not where there is a file already */
 #define KIRVO_FILES_GREY 4           /**< saving: without colour */
 #define KIRVO_FILES_WITH_ALPHA 8     /**< saving: the top byte of 32 bits is alpha */

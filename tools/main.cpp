@@ -107,13 +107,13 @@ int run(std::vector<std::string> words) {
     add_effects(program);
     add_gallery(program);
     try {
-        words = usual_words(std::move(words));
+        words = usual_words(program, std::move(words));
         std::reverse(words.begin(), words.end()); // as the parser wants them
         check_environment();
         program.parse(std::move(words));
         print_papers(program, papers);
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() != 0)
+        if (error.get_exit_code() != 0 || !program.remaining(true).empty())
             return wrong_usage(program, explained(program, error));
         program.exit(error);
     } catch (const UsageError& error) {

@@ -34,17 +34,6 @@ void toggle_code(Viewer& viewer) {
         SetFocus(viewer.window);
 }
 
-void choose_theme(Viewer& viewer, Theme theme) {
-    viewer.options.theme = theme;
-    theme::choose(theme);
-    theme::apply(viewer.window);
-    viewer.view.set_dark(theme::is_dark());
-    if (viewer.histogram.is_open()) {
-        viewer.histogram.close();
-        toggle_histogram(viewer);
-    }
-}
-
 void copy_command_line(Viewer& viewer) {
     const std::string name = viewer.path.empty() ? "picture.bmp" : narrow(viewer.path);
     try {
@@ -89,6 +78,19 @@ void act_on_history(Viewer& viewer, WORD command) {
 }
 
 } // namespace
+
+void choose_theme(Viewer& viewer, Theme theme) {
+    const bool was_dark = theme::is_dark();
+    viewer.options.theme = theme;
+    theme::choose(theme);
+    theme::apply(viewer.window);
+    colour_menu_bar(viewer);
+    viewer.view.set_dark(theme::is_dark());
+    if (viewer.histogram.is_open() && was_dark != theme::is_dark()) {
+        viewer.histogram.close();
+        toggle_histogram(viewer);
+    }
+}
 
 void act(Viewer& viewer, WORD command) {
     if (!can_act(viewer, command))

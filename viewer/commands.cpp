@@ -53,6 +53,17 @@ const std::vector<Menu>& menus() {
     return all;
 }
 
+const std::vector<const wchar_t*>& menu_titles() {
+    static const std::vector<const wchar_t*> all = [] {
+        std::vector<const wchar_t*> titles;
+        for (const Menu& menu : menus())
+            titles.push_back(menu.title);
+        titles.insert(titles.end() - 1, effects_title); // before help
+        return titles;
+    }();
+    return all;
+}
+
 namespace {
 
 const std::vector<ACCEL>& further_keys() {

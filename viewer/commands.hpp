@@ -57,8 +57,12 @@ struct Menu {
     std::vector<MenuEntry> entries;
 };
 
+constexpr const wchar_t* effects_title = L"Effe&cts";
+
 // The menus from the left, without effects and recent files.
 const std::vector<Menu>& menus();
+// The titles of the bar, effects among them.
+const std::vector<const wchar_t*>& menu_titles();
 HACCEL make_accelerators();
 // "Ctrl+Shift+S"
 std::wstring key_name(const MenuEntry& entry);

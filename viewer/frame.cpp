@@ -43,6 +43,7 @@ void on_create(Viewer& viewer) {
     viewer.view.set_dark(theme::is_dark());
     make_fonts(viewer);
     theme::apply(viewer.window);
+    colour_menu_bar(viewer);
     DragAcceptFiles(viewer.window, TRUE);
     viewer.history.set_budget(viewer.options.undo_megabytes << 20);
 }
@@ -140,6 +141,9 @@ void on_dpi(Viewer& viewer, const RECT& place) {
 
 LRESULT answer(Viewer& viewer, UINT message, WPARAM wparam, LPARAM lparam) {
     constexpr UINT dpi_changed = 0x02E0; // newer than the oldest system that this runs on
+    LRESULT answered = 0;
+    if (answer_menu_bar(viewer, message, wparam, lparam, answered))
+        return answered;
     switch (message) {
     case WM_CREATE:
         on_create(viewer);
@@ -159,6 +163,9 @@ LRESULT answer(Viewer& viewer, UINT message, WPARAM wparam, LPARAM lparam) {
         if (wparam == 'B')
             show_before(viewer, false);
         return 0;
+    case WM_KILLFOCUS:
+        show_before(viewer, false);
+        break;
     case WM_MOUSEWHEEL:
         return SendMessageW(viewer.view.window(), message, wparam, lparam);
     case WM_SIZE:
@@ -176,8 +183,8 @@ LRESULT answer(Viewer& viewer, UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_GETFONT:
         return reinterpret_cast<LRESULT>(viewer.font);
     case WM_SETTINGCHANGE:
-        if (viewer.options.theme == Theme::system)
-            act(viewer, command_theme_system);
+    case WM_SYSCOLORCHANGE: // of high contrast, to which a chosen theme gives way
+        choose_theme(viewer, viewer.options.theme);
         make_fonts(viewer);
         lay_out(viewer);
         break;
@@ -234,9 +241,10 @@ bool create_window(Viewer& viewer, int show) {
     description.lpszClassName = class_name;
     RegisterClassExW(&description);
     const RECT place = first_place(viewer.options);
+    viewer.menu = make_menu();
     CreateWindowExW(0, class_name, L"KirvoView", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, place.left,
                     place.top, place.right - place.left, place.bottom - place.top, nullptr,
-                    make_menu(), description.hInstance, &viewer);
+                    viewer.menu, description.hInstance, &viewer);
     if (viewer.window == nullptr)
         return false;
     ShowWindow(viewer.window, viewer.options.maximised ? SW_SHOWMAXIMIZED : show);

@@ -21,7 +21,6 @@ void lay_out(Viewer& viewer) {
 
 void toggle_full_screen(Viewer& viewer) {
     static WINDOWPLACEMENT placement;
-    static HMENU menu;
     const auto style = GetWindowLongPtrW(viewer.window, GWL_STYLE);
     viewer.full_screen = !viewer.full_screen;
     ShowWindow(viewer.status, viewer.full_screen ? SW_HIDE : SW_SHOW);
@@ -29,7 +28,6 @@ void toggle_full_screen(Viewer& viewer) {
     if (viewer.full_screen) {
         placement.length = sizeof placement;
         GetWindowPlacement(viewer.window, &placement);
-        menu = GetMenu(viewer.window);
         SetMenu(viewer.window, nullptr);
         MONITORINFO monitor = {};
         monitor.cbSize = sizeof monitor;
@@ -40,7 +38,7 @@ void toggle_full_screen(Viewer& viewer) {
                      screen.bottom - screen.top, SWP_FRAMECHANGED);
     } else {
         SetWindowLongPtrW(viewer.window, GWL_STYLE, style | WS_OVERLAPPEDWINDOW);
-        SetMenu(viewer.window, menu);
+        SetMenu(viewer.window, viewer.menu);
         SetWindowPlacement(viewer.window, &placement);
         SetWindowPos(viewer.window, nullptr, 0, 0, 0, 0,
                      SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_FRAMECHANGED);

@@ -5,6 +5,8 @@
 #include "text.hpp"
 #include "viewer.hpp"
 
+#include <string_view>
+
 namespace {
 
 HMENU make_popup(const Menu& menu) {
@@ -108,11 +110,11 @@ void name_step(HMENU popup, WORD command, const wchar_t* what, bool possible,
 
 HMENU make_menu() {
     HMENU bar = CreateMenu();
-    for (const Menu& menu : menus()) {
-        if (menu.title == std::wstring(L"&Help"))
-            AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(make_effects_menu()),
-                        L"Effe&cts");
-        AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(make_popup(menu)), menu.title);
+    auto menu = menus().begin();
+    for (const wchar_t* title : menu_titles()) {
+        HMENU popup =
+            title == std::wstring_view(effects_title) ? make_effects_menu() : make_popup(*menu++);
+        AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(popup), title);
     }
     return bar;
 }

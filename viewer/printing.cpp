@@ -1,31 +1,18 @@
 // The picture on a page, as large as fits, upright.
+#include "page.hpp"
 #include "text.hpp"
 #include "viewer.hpp"
 
 #include <commdlg.h>
 
-#include <algorithm>
-
 namespace {
 
 bool print_page(HDC printer, const Image& image) {
-    const int room_x = GetDeviceCaps(printer, HORZRES), room_y = GetDeviceCaps(printer, VERTRES);
-    // Dots need not be square.
-    const double dots_x = GetDeviceCaps(printer, LOGPIXELSX);
-    const double dots_y = GetDeviceCaps(printer, LOGPIXELSY);
-    const double scale =
-        std::min(room_x / dots_x / image.width(), room_y / dots_y / image.height());
-    const int width = static_cast<int>(image.width() * scale * dots_x);
-    const int height = static_cast<int>(image.height() * scale * dots_y);
     if (StartPage(printer) <= 0)
         return false;
-    SetStretchBltMode(printer, HALFTONE);
-    SetBrushOrgEx(printer, 0, 0, nullptr);
-    const Locked locked(image);
-    const int lines = StretchDIBits(printer, (room_x - width) / 2, (room_y - height) / 2, width,
-                                    height, 0, 0, image.width(), image.height(), locked.pixels(),
-                                    locked.info(), DIB_RGB_COLORS, SRCCOPY);
-    return EndPage(printer) > 0 && lines > 0;
+    const RECT place = place_on(page_of(printer), image.width(), image.height());
+    const bool drawn = draw_on(printer, place, image);
+    return EndPage(printer) > 0 && drawn;
 }
 
 bool print(HDC printer, const std::wstring& title, const Image& image) {

@@ -76,8 +76,9 @@ Options read_options() {
     options.window.top = number(L"Top", 0);
     options.window.right = options.window.left + number(L"Width", 0);
     options.window.bottom = options.window.top + number(L"Height", 0);
+    constexpr int most = sizeof(void*) == 4 ? 1024 : 1 << 20; // of a program's addresses
     options.undo_megabytes = static_cast<size_t>(
-        std::max(0, number(L"UndoMegabytes", static_cast<int>(options.undo_megabytes))));
+        std::clamp(number(L"UndoMegabytes", static_cast<int>(options.undo_megabytes)), 0, most));
     for (size_t i = 0; i < recent_count; ++i) {
         const std::wstring name = text(recent_key(i));
         if (!name.empty())

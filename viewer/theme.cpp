@@ -23,12 +23,15 @@ Function found(const wchar_t* library, const char* name) {
     return function;
 }
 
-bool system_is_dark() {
+// The person's own colours, which no theme replaces.
+bool is_high_contrast() {
     HIGHCONTRASTW contrast = {};
     contrast.cbSize = sizeof contrast;
     SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof contrast, &contrast, 0);
-    if (contrast.dwFlags & HCF_HIGHCONTRASTON)
-        return false;
+    return (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
+}
+
+bool system_is_dark() {
     DWORD light = 1, size = sizeof light;
     RegGetValueW(HKEY_CURRENT_USER,
                  L"Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize",
@@ -72,8 +75,9 @@ int system_dpi() {
 } // namespace
 
 void choose(Theme theme) {
-    dark = theme == Theme::dark || (theme == Theme::system && system_is_dark());
-    let_menus_follow(theme);
+    const bool own = is_high_contrast();
+    dark = !own && (theme == Theme::dark || (theme == Theme::system && system_is_dark()));
+    let_menus_follow(own ? Theme::system : theme);
 }
 
 bool is_dark() { return dark; }
@@ -117,6 +121,12 @@ int scaled(HWND window, int length) { return MulDiv(length, dpi_of(window), 96);
 
 HFONT message_font(int dpi) {
     LOGFONTW font = metrics().lfMessageFont;
+    font.lfHeight = MulDiv(font.lfHeight, dpi, system_dpi());
+    return CreateFontIndirectW(&font);
+}
+
+HFONT menu_font(int dpi) {
+    LOGFONTW font = metrics().lfMenuFont;
     font.lfHeight = MulDiv(font.lfHeight, dpi, system_dpi());
     return CreateFontIndirectW(&font);
 }

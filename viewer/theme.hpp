@@ -21,6 +21,7 @@ HBRUSH control_colours(HDC dc);
 int dpi_of(HWND window);
 int scaled(HWND window, int length); // from 96 dots an inch
 HFONT message_font(int dpi);         // owned by the caller
+HFONT menu_font(int dpi);            // likewise
 HFONT code_font(int dpi);            // likewise
 
 } // namespace theme

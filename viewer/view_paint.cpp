@@ -1,4 +1,5 @@
 // How the view is painted: into memory, then onto the screen at once, so that nothing flickers.
+#include "locked.hpp"
 #include "view.hpp"
 
 #include <algorithm>

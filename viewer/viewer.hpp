@@ -14,6 +14,7 @@
 
 struct Viewer {
     HWND window = nullptr, status = nullptr;
+    HMENU menu = nullptr; // also while full screen hides it
     View view;
     Worker worker;
     History history;
@@ -50,8 +51,12 @@ void fit_window(Viewer& viewer);
 HMENU make_menu();
 void refresh_menu(Viewer& viewer, HMENU popup);
 bool can_act(const Viewer& viewer, WORD command);
+// menu_bar.cpp: dark or the system's; the messages of a dark one, false for every other
+void colour_menu_bar(Viewer& viewer);
+bool answer_menu_bar(Viewer& viewer, UINT message, WPARAM wparam, LPARAM lparam, LRESULT& answer);
 // actions.cpp
 void act(Viewer& viewer, WORD command);
+void choose_theme(Viewer& viewer, Theme theme);
 // opening.cpp: false where the picture that is there shall be kept
 bool may_leave_picture(Viewer& viewer);
 void ask_and_open(Viewer& viewer);

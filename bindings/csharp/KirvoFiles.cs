@@ -257,7 +257,7 @@ namespace KirvoImaging
         public const int KIRVO_FILES_NOTE_REPAIRED = 3;
         /// <summary>"alpha laid over the background"</summary>
         public const int KIRVO_FILES_NOTE_ALPHA = 4;
-        /// <summary>"animation: first of 12 frames"</summary>
+        /// <summary>"animation: number 1 of 12"</summary>
         public const int KIRVO_FILES_NOTE_FRAMES = 5;
         /// <summary>"16 bits a channel reduced to 8", "CMYK converted"</summary>
         public const int KIRVO_FILES_NOTE_REDUCED = 6;
@@ -300,6 +300,8 @@ namespace KirvoImaging
         public const int KIRVO_FILES_TEXT_COPYRIGHT = 12;
         /// <summary>what it shows</summary>
         public const int KIRVO_FILES_TEXT_TITLE = 13;
+        /// <summary>JPEG: the first comment, in one line</summary>
+        public const int KIRVO_FILES_TEXT_COMMENT = 14;
         /// <summary>EXIF, a TIFF structure that begins with II or MM</summary>
         public const int KIRVO_FILES_DATA_EXIF = 0;
         /// <summary>the ICC profile</summary>
@@ -313,7 +315,7 @@ namespace KirvoImaging
         public const int KIRVO_FILES_DATA_PALETTE = 4;
         /// <summary>JPEG: the first comment</summary>
         public const int KIRVO_FILES_DATA_COMMENT = 5;
-        /// <summary>saving: without the source's metadata</summary>
+        /// <summary>saving: without the metadata that the source came with</summary>
         public const int KIRVO_FILES_STRIP = 1;
         /// <summary>saving: not where there is a file already</summary>
         public const int KIRVO_FILES_NEW_ONLY = 2;
@@ -405,14 +407,14 @@ namespace KirvoImaging
         /// bits; a transparent entry of a palette becomes the mixed colour. Icons and cursors have
         /// 24 bits, or 32 with their alpha or mask under that flag. More than 8 bits of a channel
         /// are reduced to 8; CMYK becomes RGB without a profile. A note tells each of these. A
-        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, every other by
-        /// libjpeg-turbo or the system. A picture that ends early or is damaged is refused with
-        /// KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with KIRVO_FILES_KEEP_GOING it opens with
-        /// a note, and KirvoFilesDescription.wholeRows says how much of it is good. A claim is too
-        /// large when the picture would take more than 64 MB and more than 1500 bytes of it for
-        /// each byte of the file, more than any of the formats packs real pictures into; or more
-        /// than 2^31 - 1 bytes at all, which no flag allows. Files of 2 GB and more are not
-        /// read.</remarks>
+        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, one of 12 bits a
+        /// channel by this library, every other by libjpeg-turbo or the system. A picture that ends
+        /// early or is damaged is refused with KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with
+        /// KIRVO_FILES_KEEP_GOING it opens with a note, and KirvoFilesDescription.wholeRows says
+        /// how much of it is good. A claim is too large when the picture would take more than 64 MB
+        /// and more than 1500 bytes of it for each byte of the file, more than any of the formats
+        /// packs real pictures into; or more than 2^31 - 1 bytes at all, which no flag allows.
+        /// Files of 2 GB and more are not read.</remarks>
         /// <param name="name">the file</param>
         /// <param name="options">how; may be null</param>
         /// <param name="dib">receives the picture, owned by the caller (GlobalFree); null on
@@ -440,14 +442,14 @@ namespace KirvoImaging
         /// bits; a transparent entry of a palette becomes the mixed colour. Icons and cursors have
         /// 24 bits, or 32 with their alpha or mask under that flag. More than 8 bits of a channel
         /// are reduced to 8; CMYK becomes RGB without a profile. A note tells each of these. A
-        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, every other by
-        /// libjpeg-turbo or the system. A picture that ends early or is damaged is refused with
-        /// KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with KIRVO_FILES_KEEP_GOING it opens with
-        /// a note, and KirvoFilesDescription.wholeRows says how much of it is good. A claim is too
-        /// large when the picture would take more than 64 MB and more than 1500 bytes of it for
-        /// each byte of the file, more than any of the formats packs real pictures into; or more
-        /// than 2^31 - 1 bytes at all, which no flag allows. Files of 2 GB and more are not
-        /// read.</remarks>
+        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, one of 12 bits a
+        /// channel by this library, every other by libjpeg-turbo or the system. A picture that ends
+        /// early or is damaged is refused with KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with
+        /// KIRVO_FILES_KEEP_GOING it opens with a note, and KirvoFilesDescription.wholeRows says
+        /// how much of it is good. A claim is too large when the picture would take more than 64 MB
+        /// and more than 1500 bytes of it for each byte of the file, more than any of the formats
+        /// packs real pictures into; or more than 2^31 - 1 bytes at all, which no flag allows.
+        /// Files of 2 GB and more are not read.</remarks>
         /// <param name="name">the file</param>
         /// <param name="options">how; may be null</param>
         /// <param name="dib">receives the picture, owned by the caller (GlobalFree); null on
@@ -475,14 +477,14 @@ namespace KirvoImaging
         /// bits; a transparent entry of a palette becomes the mixed colour. Icons and cursors have
         /// 24 bits, or 32 with their alpha or mask under that flag. More than 8 bits of a channel
         /// are reduced to 8; CMYK becomes RGB without a profile. A note tells each of these. A
-        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, every other by
-        /// libjpeg-turbo or the system. A picture that ends early or is damaged is refused with
-        /// KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with KIRVO_FILES_KEEP_GOING it opens with
-        /// a note, and KirvoFilesDescription.wholeRows says how much of it is good. A claim is too
-        /// large when the picture would take more than 64 MB and more than 1500 bytes of it for
-        /// each byte of the file, more than any of the formats packs real pictures into; or more
-        /// than 2^31 - 1 bytes at all, which no flag allows. Files of 2 GB and more are not
-        /// read.</remarks>
+        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, one of 12 bits a
+        /// channel by this library, every other by libjpeg-turbo or the system. A picture that ends
+        /// early or is damaged is refused with KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with
+        /// KIRVO_FILES_KEEP_GOING it opens with a note, and KirvoFilesDescription.wholeRows says
+        /// how much of it is good. A claim is too large when the picture would take more than 64 MB
+        /// and more than 1500 bytes of it for each byte of the file, more than any of the formats
+        /// packs real pictures into; or more than 2^31 - 1 bytes at all, which no flag allows.
+        /// Files of 2 GB and more are not read.</remarks>
         /// <param name="name">the file</param>
         /// <param name="options">how; may be null</param>
         /// <param name="dib">receives the picture, owned by the caller (GlobalFree); null on
@@ -510,14 +512,14 @@ namespace KirvoImaging
         /// bits; a transparent entry of a palette becomes the mixed colour. Icons and cursors have
         /// 24 bits, or 32 with their alpha or mask under that flag. More than 8 bits of a channel
         /// are reduced to 8; CMYK becomes RGB without a profile. A note tells each of these. A
-        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, every other by
-        /// libjpeg-turbo or the system. A picture that ends early or is damaged is refused with
-        /// KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with KIRVO_FILES_KEEP_GOING it opens with
-        /// a note, and KirvoFilesDescription.wholeRows says how much of it is good. A claim is too
-        /// large when the picture would take more than 64 MB and more than 1500 bytes of it for
-        /// each byte of the file, more than any of the formats packs real pictures into; or more
-        /// than 2^31 - 1 bytes at all, which no flag allows. Files of 2 GB and more are not
-        /// read.</remarks>
+        /// baseline JPEG that Kirvo's decoder is made for is decoded by it, one of 12 bits a
+        /// channel by this library, every other by libjpeg-turbo or the system. A picture that ends
+        /// early or is damaged is refused with KIRVO_FILES_ENDS_EARLY or KIRVO_FILES_DAMAGED; with
+        /// KIRVO_FILES_KEEP_GOING it opens with a note, and KirvoFilesDescription.wholeRows says
+        /// how much of it is good. A claim is too large when the picture would take more than 64 MB
+        /// and more than 1500 bytes of it for each byte of the file, more than any of the formats
+        /// packs real pictures into; or more than 2^31 - 1 bytes at all, which no flag allows.
+        /// Files of 2 GB and more are not read.</remarks>
         /// <param name="name">the file</param>
         /// <param name="options">how; may be null</param>
         /// <param name="dib">receives the picture, owned by the caller (GlobalFree); null on
@@ -738,8 +740,9 @@ namespace KirvoImaging
         public static extern uint KirvoFilesData(IntPtr file, int kind, [Out] byte[] bytes,
             uint capacity);
 
-        /// <summary>Gives a file's metadata other bytes, to be saved with a picture: EXIF, an ICC
-        /// profile, XMP or a JPEG comment.</summary>
+        /// <summary>Gives a file's metadata other bytes, to be saved with a picture, also where the
+        /// rest of its metadata is not (KIRVO_FILES_STRIP): EXIF, an ICC profile, XMP or a JPEG
+        /// comment.</summary>
         /// <param name="file">what is known of a file; where it is null, a new one is made, which
         /// knows nothing else</param>
         /// <param name="kind">KIRVO_FILES_DATA_EXIF, KIRVO_FILES_DATA_ICC, KIRVO_FILES_DATA_XMP or

@@ -150,7 +150,7 @@ const
   KIRVO_FILES_NOTE_REPAIRED = 3;
   // "alpha laid over the background"
   KIRVO_FILES_NOTE_ALPHA = 4;
-  // "animation: first of 12 frames"
+  // "animation: number 1 of 12"
   KIRVO_FILES_NOTE_FRAMES = 5;
   // "16 bits a channel reduced to 8", "CMYK converted"
   KIRVO_FILES_NOTE_REDUCED = 6;
@@ -192,6 +192,8 @@ const
   KIRVO_FILES_TEXT_COPYRIGHT = 12;
   // what it shows
   KIRVO_FILES_TEXT_TITLE = 13;
+  // JPEG: the first comment, in one line
+  KIRVO_FILES_TEXT_COMMENT = 14;
   // EXIF, a TIFF structure that begins with II or MM
   KIRVO_FILES_DATA_EXIF = 0;
   // the ICC profile
@@ -205,7 +207,7 @@ const
   KIRVO_FILES_DATA_PALETTE = 4;
   // JPEG: the first comment
   KIRVO_FILES_DATA_COMMENT = 5;
-  // saving: without the source's metadata
+  // saving: without the metadata that the source came with
   KIRVO_FILES_STRIP = 1;
   // saving: not where there is a file already
   KIRVO_FILES_NEW_ONLY = 2;
@@ -382,7 +384,8 @@ function KirvoFilesData(file_: TKirvoFile; kind: LongInt; bytes: Pointer;
   capacity: LongWord): LongWord;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesData';
 
-{ Gives a file's metadata other bytes, to be saved with a picture. }
+{ Gives a file's metadata other bytes, to be saved with a picture, also where the rest of its
+  metadata is not (KIRVO_FILES_STRIP). }
 function KirvoFilesSetData(var file_: TKirvoFile; kind: LongInt; bytes: Pointer;
   count: LongWord): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoFilesLibrary name 'KirvoFilesSetData';

@@ -141,7 +141,7 @@ Public Const KIRVO_FILES_NOTE_DAMAGED As Long = &H2&
 Public Const KIRVO_FILES_NOTE_REPAIRED As Long = &H3&
 ' "alpha laid over the background"
 Public Const KIRVO_FILES_NOTE_ALPHA As Long = &H4&
-' "animation: first of 12 frames"
+' "animation: number 1 of 12"
 Public Const KIRVO_FILES_NOTE_FRAMES As Long = &H5&
 ' "16 bits a channel reduced to 8", "CMYK converted"
 Public Const KIRVO_FILES_NOTE_REDUCED As Long = &H6&
@@ -183,6 +183,8 @@ Public Const KIRVO_FILES_TEXT_ARTIST As Long = &HB&
 Public Const KIRVO_FILES_TEXT_COPYRIGHT As Long = &HC&
 ' what it shows
 Public Const KIRVO_FILES_TEXT_TITLE As Long = &HD&
+' JPEG: the first comment, in one line
+Public Const KIRVO_FILES_TEXT_COMMENT As Long = &HE&
 ' EXIF, a TIFF structure that begins with II or MM
 Public Const KIRVO_FILES_DATA_EXIF As Long = &H0&
 ' the ICC profile
@@ -195,7 +197,7 @@ Public Const KIRVO_FILES_DATA_QUANTISERS As Long = &H3&
 Public Const KIRVO_FILES_DATA_PALETTE As Long = &H4&
 ' JPEG: the first comment
 Public Const KIRVO_FILES_DATA_COMMENT As Long = &H5&
-' saving: without the source's metadata
+' saving: without the metadata that the source came with
 Public Const KIRVO_FILES_STRIP As Long = &H1&
 ' saving: not where there is a file already
 Public Const KIRVO_FILES_NEW_ONLY As Long = &H2&
@@ -357,7 +359,8 @@ Public Declare PtrSafe Function KirvoFilesText Lib "KirvoFiles.dll" (ByVal file 
 Public Declare PtrSafe Function KirvoFilesData Lib "KirvoFiles.dll" (ByVal file As LongPtr, _
     ByVal kind As Long, ByRef bytes As Any, ByVal capacity As Long) As Long
 
-' Gives a file's metadata other bytes, to be saved with a picture.
+' Gives a file's metadata other bytes, to be saved with a picture, also where the rest of its
+' metadata is not (KIRVO_FILES_STRIP).
 Public Declare PtrSafe Function KirvoFilesSetData Lib "KirvoFiles.dll" (ByRef file As LongPtr, _
     ByVal kind As Long, ByRef bytes As Any, ByVal count As Long) As Long
 
@@ -456,7 +459,8 @@ Public Declare Function KirvoFilesText Lib "KirvoFiles.dll" (ByVal file As Long,
 Public Declare Function KirvoFilesData Lib "KirvoFiles.dll" (ByVal file As Long, _
     ByVal kind As Long, ByRef bytes As Any, ByVal capacity As Long) As Long
 
-' Gives a file's metadata other bytes, to be saved with a picture.
+' Gives a file's metadata other bytes, to be saved with a picture, also where the rest of its
+' metadata is not (KIRVO_FILES_STRIP).
 Public Declare Function KirvoFilesSetData Lib "KirvoFiles.dll" (ByRef file As Long, _
     ByVal kind As Long, ByRef bytes As Any, ByVal count As Long) As Long
 

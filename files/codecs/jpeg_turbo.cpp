@@ -133,8 +133,7 @@ class Decoder {
         if (errors_.lost && errors_.early)
             return job_.ends_early(whole);
         if (errors_.lost)
-            return job_.damaged(
-                Text::format("damaged: whole to row %u of %u", whole, info_.output_height), whole);
+            return job_.damaged_below(whole);
         if (info_.progressive_mode && coefficients_missing())
             return job_.damaged(Text::format("ends early: the last of its passes are missing"), 0);
         return KIRVO_FILES_OK;

@@ -1,5 +1,5 @@
 // BMP files: a 14-byte file header followed by the packed DIB itself.
-#include "image/dib.hpp"
+#include "formats/answer.hpp"
 
 #include <cstring>
 
@@ -105,16 +105,7 @@ bool write_rectangle(OutputFile& file, const LockedDib& dib, const Rect& rect, u
     return true;
 }
 
-Status write_image(const char* name, HGLOBAL handle, Rect rect) {
-    if (handle == nullptr || rect.x < 0 || rect.y < 0)
-        return Status::bad_parameter;
-    const LockedDib dib(handle);
-    if (!dib)
-        return Status::null_handle;
-    if (rect.width == -1 && rect.height == -1) {
-        rect.width = dib.width();
-        rect.height = dib.height();
-    }
+Status write_image(const char* name, const LockedDib& dib, const Rect& rect) {
     if (!is_depth(dib.bits()))
         return Status::not_bmp;
     if (!well_formed(rect) || !inside(rect, dib) ||
@@ -171,7 +162,10 @@ HGLOBAL WINAPI Dib24Read(LPCSTR name, uint32_t* width, uint32_t* height, int32_t
 
 int32_t WINAPI DibWriteEx(LPCSTR name, HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                           int32_t height) {
-    return code(write_image(name, dib, {x, y, width, height}));
+    return code(
+        with_rectangle(dib, {x, y, width, height}, [=](const LockedDib& image, const Rect& rect) {
+            return write_image(name, image, rect);
+        }));
 }
 
 int32_t WINAPI Dib24Write(LPCSTR name, HGLOBAL dib, int32_t x, int32_t y, int32_t width,

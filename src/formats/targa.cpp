@@ -68,16 +68,7 @@ bool write_rectangle(OutputFile& file, const LockedDib& dib, const Rect& rect) {
     return true;
 }
 
-Status write_image(const char* name, HGLOBAL handle, Rect rect) {
-    if (handle == nullptr || rect.x < 0 || rect.y < 0)
-        return Status::bad_parameter;
-    const LockedDib dib(handle);
-    if (!dib)
-        return Status::null_handle;
-    if (rect.width == -1 && rect.height == -1) {
-        rect.width = dib.width();
-        rect.height = dib.height();
-    }
+Status write_image(const char* name, const LockedDib& dib, const Rect& rect) {
     if (!well_formed(rect) || !inside(rect, dib) || !dib.holds_rows_at(info_header_bytes))
         return Status::bad_parameter;
     if (dib.bits() != 24)
@@ -102,5 +93,8 @@ HGLOBAL WINAPI Targa24Read(LPCSTR name, uint32_t* width, uint32_t* height, int32
 
 int32_t WINAPI Targa24Write(LPCSTR name, HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                             int32_t height) {
-    return code(write_image(name, dib, {x, y, width, height}));
+    return code(
+        with_rectangle(dib, {x, y, width, height}, [=](const LockedDib& image, const Rect& rect) {
+            return write_image(name, image, rect);
+        }));
 }

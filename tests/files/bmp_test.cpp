@@ -298,7 +298,7 @@ TEST(Bmp, a_claim_out_of_all_proportion_is_refused_and_informs_at_once) {
     KirvoFilesClose(known);
 }
 
-TEST(Bmp, what_is_not_offered_is_refused_with_a_reason) {
+TEST(Bmp, what_is_not_read_is_refused_with_a_reason) {
     Bmp bmp = of_24(40);
     bmp.compression = 11; // CMYK
     const Opened opened(bmp.file());

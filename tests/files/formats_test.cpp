@@ -46,7 +46,75 @@ void in_threads(Work& work) {
 #endif
 }
 
+// A TIFF file with offsets of 64 bits: 24 bits, uncompressed, one strip.
+class BigTiff {
+  public:
+    explicit BigTiff(bool little) : little_(little) {}
+
+    Bytes write(uint32_t width, uint32_t height) {
+        const uint32_t row = 3 * width, pixels = 16 + 8 + 20 * 11 + 8;
+        out_ = little_ ? Bytes{'I', 'I'} : Bytes{'M', 'M'};
+        put(43, 2), put(8, 2), put(0, 2), put(16, 8), put(11, 8);
+        entry(256, 4, width);
+        entry(257, 16, height); // numbers of 64 bits may be anywhere
+        entry(258, 3, 8, 3);
+        entry(259, 3, 1);
+        entry(262, 3, 2);
+        entry(273, 16, pixels);
+        entry(274, 3, 6); // a quarter clockwise
+        entry(277, 3, 3);
+        entry(278, 3, height);
+        entry(279, 16, row * height);
+        put(305, 2), put(2, 2), put(8, 8); // eight letters have room beside the tag
+        out_.insert(out_.end(), {'a', ' ', 't', 'e', 's', 't', '!', 0});
+        put(0, 8);
+        for (uint32_t y = 0; y < height; ++y)
+            for (uint32_t x = 0; x < width; ++x)
+                for (uint32_t shift : {16, 8, 0})
+                    out_.push_back(static_cast<uint8_t>(Picture::colour(x, y) >> shift));
+        return out_;
+    }
+
+  private:
+    void put(uint64_t value, uint32_t count) {
+        for (uint32_t i = 0; i < count; ++i)
+            out_.push_back(static_cast<uint8_t>(value >> 8 * (little_ ? i : count - 1 - i)));
+    }
+    void entry(uint32_t tag, uint32_t type, uint64_t value, uint32_t count = 1) {
+        const uint32_t size = type == 3 ? 2 : type == 4 ? 4 : 8;
+        put(tag, 2), put(type, 2), put(count, 8);
+        for (uint32_t i = 0; i < count; ++i)
+            put(value, size);
+        put(0, 8 - size * count);
+    }
+
+    bool little_;
+    Bytes out_;
+};
+
 } // namespace
+
+TEST(Formats, a_tiff_of_64_bits_is_read_in_both_byte_orders) {
+    if ((KirvoFilesAbilities(KIRVO_FILES_TIFF) & KIRVO_FILES_READS) == 0)
+        return;
+    for (bool little : {true, false}) {
+        const Opened opened(BigTiff(little).write(19, 7));
+        EXPECT_EQ(opened.text(KIRVO_FILES_TEXT_VARIANT), "BigTIFF, uncompressed, 3 x 8 bits");
+        EXPECT_EQ(opened.text(KIRVO_FILES_TEXT_SOFTWARE), "a test!");
+#ifdef _WIN32
+        if (opened.status != KIRVO_FILES_OK) { // as the system's codec is able to
+            EXPECT_NE(opened.text(KIRVO_FILES_TEXT_REASON), "");
+            continue;
+        }
+#endif
+        ASSERT_EQ(opened.status, KIRVO_FILES_OK) << opened.text(KIRVO_FILES_TEXT_REASON);
+        ASSERT_EQ(opened.about.width, 7u);
+        ASSERT_EQ(opened.about.height, 19u);
+        for (uint32_t y = 0; y < 19; ++y)
+            for (uint32_t x = 0; x < 7; ++x)
+                EXPECT_EQ(opened.pixel(x, y), Picture::colour(y, 6 - x));
+    }
+}
 
 TEST(Formats, what_loses_nothing_comes_back_as_it_was) {
     for (int32_t format : {KIRVO_FILES_PNG, KIRVO_FILES_TIFF, KIRVO_FILES_WEBP}) {

@@ -121,6 +121,21 @@ TEST(Names, raw_and_q0_files_are_read_by_name) {
     const Opened q0(folder.write("b.q0", Bytes{7, 8, 9}));
     ASSERT_EQ(q0.status, KIRVO_FILES_OK) << q0.text(KIRVO_FILES_TEXT_REASON);
     EXPECT_EQ(q0.pixel(0, 0), 0x070809u);
+    KirvoFile file = nullptr;
+    KirvoFilesDescription about = {};
+    about.size = sizeof about;
+    EXPECT_EQ(KirvoFilesInfo(folder.path("b.q0").c_str(), nullptr, &file), KIRVO_FILES_OK);
+    KirvoFilesDescribe(file, &about);
+    EXPECT_EQ(about.width, 1u);
+    EXPECT_EQ(about.height, 1u);
+    KirvoFilesClose(file);
+    for (const char* words : {"", "1", "-1 1", "0 5", "2 1", "a b"}) { // 3 bytes are one pixel
+        folder.write("b.IPR", words);
+        EXPECT_EQ(KirvoFilesInfo(folder.path("b.q0").c_str(), nullptr, &file),
+                  KIRVO_FILES_UNSUPPORTED)
+            << words;
+        KirvoFilesClose(file);
+    }
 }
 
 #ifndef _WIN32

@@ -166,7 +166,7 @@ class Written(Folder):
                 for kind in kinds for packed in ("None", "LZW", "Zip", "RLE") for depth in ("8", "16")]
         jobs += [(f"{packed}.tif", "colour", "-monochrome", "-compress", packed)
                  for packed in ("Group4", "Fax")]
-        jobs += [("msb.tif", "colour", "-endian", "msb"), ("planes.tif", "colour", "-interlace", "plane"),
+        jobs += [("TIFF64:big.tif", "colour"), ("msb.tif", "colour", "-endian", "msb"), ("planes.tif", "colour", "-interlace", "plane"),
                  ("tiles.tif", "colour", "-define", "tiff:tile-geometry=16x16"),
                  ("cmyk.tif", "colour", "-colorspace", "CMYK", "-compress", "LZW")]
         self.assertEqual(self.check(self.write(jobs)), [])

@@ -192,6 +192,16 @@ class Metadata(Pictures):
         self.check("convert", self.photo, out, "--comment", "hello there")
         self.assertEqual(exif_of(out, "Comment")["Comment"], "hello there")
         self.assertEqual(exif_of(out, "Model")["Model"], "Model 7")
+        again = self.path("again.jpg")
+        self.check("convert", out, again, "--comment", "写真 Łódź", "--strip")
+        self.assertEqual(exif_of(again, "Comment")["Comment"], "写真 Łódź")  # and only this one
+        self.assertNotIn("Model", exif_of(again, "Model"))
+        self.assertIn("comment: 写真 Łódź", self.check("info", "--long", again))
+
+    def test_a_comment_without_a_place_is_told(self):
+        out = self.path("out.png")
+        told = self.check("convert", self.photo, out, "--comment", "hello there")
+        self.assertIn("the comment left out: only JPEG files get one", told)
 
 
 class Quality(Pictures):
@@ -321,7 +331,8 @@ class Speaking(Pictures):
         subprocess.run(["jpegtran", "-progressive", "-outfile", self.path("p.jpg"), self.photo],
                        check=True)
         self.check("convert", self.path("p.jpg"), self.path("whole.bmp"))
-        self.check("convert", self.path("p.jpg"), self.path("first.bmp"), "--decoder", "kirvo")
+        told = self.check("convert", self.path("p.jpg"), self.path("first.bmp"), "--decoder", "kirvo")
+        self.assertIn("decoded by Kirvo alone, which is not made for it: progressive", told)
         self.check("convert", self.photo, self.path("base.bmp"))
         whole, first, base = (bmp_pixels(self.path(name))[2]
                               for name in ("whole.bmp", "first.bmp", "base.bmp"))

@@ -164,6 +164,20 @@ TEST(Typing, MistakesAreToldBeforeAFileIsOpened) {
     }
     EXPECT_TRUE(contains(kirvo("convrt a b").text, "did you mean convert?"));
     EXPECT_TRUE(contains(kirvo("effects blurr").text, "did you mean blur?"));
+    const Outcome unknown = kirvo("help convrt");
+    EXPECT_EQ(unknown.code, 2);
+    EXPECT_TRUE(contains(unknown.text, "'convrt' is no command; did you mean convert?"));
+    EXPECT_EQ(kirvo("help convert").code, 0);
+    EXPECT_TRUE(contains(kirvo("convert a b --hue").text, "--hue: MODE,DEGREES is wanted"));
+    EXPECT_TRUE(contains(kirvo("make").text, "kirvo make: solid or gradient is wanted"));
+}
+
+TEST(Typing, OptionsMayStandBeforeTheCommand) {
+    const Pictures p;
+    EXPECT_EQ(kirvo("-j 2 --negative convert " + p.file("a.bmp") + " " + p.file("n.bmp")).code, 0);
+    EXPECT_TRUE(p.has("n.bmp"));
+    EXPECT_TRUE(contains(kirvo("-j 0 convert a b").text, "--jobs: 1 to 1024"));
+    EXPECT_TRUE(contains(kirvo("-j 2").text, "no option -j"));
     EXPECT_FALSE(std::filesystem::exists("out.bmp"));
 }
 

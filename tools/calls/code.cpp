@@ -29,8 +29,8 @@ class Writer {
         const std::string first = std::string(grammar_.comment) + "dib is the picture, a " +
                                   (language_ == Language::cpp ? "kirvo::Image" : "packed DIB") +
                                   "; the result is " + current + "\n";
-        return first + tables_in_front() + grammar_.head(images_) + tables_behind() + body_ +
-               grammar_.tail;
+        return first + tables_in_front() + grammar_.head(images_, opens_) + tables_behind() +
+               body_ + grammar_.tail;
     }
 
   private:
@@ -41,7 +41,8 @@ class Writer {
     void add(const calls::Call& call) {
         if (!call.file.empty()) {
             names_[call.image] = new_image();
-            body_ += opened(names_[call.image], call.file);
+            body_ += grammar_.open(names_[call.image], call.file);
+            opens_ = true;
             return;
         }
         Sentence sentence = {call.name, {}, call.answer, ""};
@@ -55,12 +56,6 @@ class Writer {
         body_ += before_ + grammar_.call(sentence) + behind_;
         before_.clear();
         behind_.clear();
-    }
-
-    std::string opened(const std::string& image, const std::string& file) const {
-        return grammar_.opened != nullptr
-                   ? grammar_.opened(image, file)
-                   : grammar_.comment + image + " is the picture of " + file + "\n";
     }
 
     std::string new_image() {
@@ -115,6 +110,7 @@ class Writer {
     std::string tables_, body_;
     std::string before_, behind_; // the call that is being made
     int table_count_ = 0;
+    bool opens_ = false; // a second picture
 };
 
 std::string quoted(const std::string& text) {

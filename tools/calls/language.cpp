@@ -1,5 +1,7 @@
 #include "calls/language.hpp"
 
+#include <cstring>
+
 namespace {
 
 std::string joined(const std::vector<std::string>& words) {
@@ -15,6 +17,18 @@ std::string plain(const Sentence& s, const std::string& prefix, const char* give
     return s.answer == calls::Answer::image ? s.result + gives + call : call;
 }
 
+// Text between quotes, with a sign before those that are not to be its end.
+std::string quoted(const std::string& text, char quote, const char* special, char sign) {
+    std::string result(1, quote);
+    for (const char character : text) {
+        if (std::strchr(special, character) != nullptr)
+            result += sign;
+        result += character;
+    }
+    return result + quote;
+}
+std::string as_c(const std::string& text) { return quoted(text, '"', "\"\\", '\\'); }
+
 // A call whose status is checked: by a function around it, or behind it.
 std::string checked(const Sentence& s, const std::string& call, const std::string& check,
                     const std::string& end) {
@@ -28,7 +42,7 @@ std::string nothing(const std::string&) { return ""; }
 
 const Grammar c = {
     "// ",
-    [](const std::vector<std::string>& images) {
+    [](const std::vector<std::string>& images, bool) {
         return "int32_t status;\n" + (images.empty() ? "" : "HGLOBAL " + joined(images) + ";\n");
     },
     "",
@@ -40,8 +54,11 @@ const Grammar c = {
                                                 : "";
         return (s.answer == calls::Answer::status ? "status = " : "") + call + ";\n" + check;
     },
+    [](const std::string& image, const std::string& file) {
+        return "status = KirvoFilesOpen(" + as_c(file) + ", NULL, &" + image +
+               ", NULL);\nif (status != KIRVO_FILES_OK)\n    return status;\n";
+    },
     [](const std::string& image) { return "GlobalFree(" + image + ");\n"; },
-    nullptr,
     "",
     nothing,
     [](const std::string& image) { return "&" + image; },
@@ -58,13 +75,18 @@ const Grammar c = {
 
 const Grammar csharp = {
     "// ",
-    [](const std::vector<std::string>& images) {
+    [](const std::vector<std::string>& images, bool) {
         return "KirvoStatus status;\n" + (images.empty() ? "" : "IntPtr " + joined(images) + ";\n");
     },
     "",
     [](const Sentence& s) { return checked(s, plain(s, "Kirvo.", " = "), "Kirvo.Check", ";"); },
+    [](const std::string& image, const std::string& file) {
+        return "if (KirvoFiles.KirvoFilesOpenW(@" + quoted(file, '"', "\"", '"') +
+               ", IntPtr.Zero, out " + image +
+               ", IntPtr.Zero) != KirvoFilesStatus.KIRVO_FILES_OK)\n"
+               "    throw new System.IO.IOException();\n";
+    },
     [](const std::string& image) { return "Kirvo.GlobalFree(" + image + ");\n"; },
-    nullptr,
     "",
     nothing,
     [](const std::string& image) { return "out " + image; },
@@ -81,14 +103,17 @@ const Grammar csharp = {
 
 const Grammar delphi = {
     "// ",
-    [](const std::vector<std::string>& images) {
+    [](const std::vector<std::string>& images, bool) {
         return "var\n  status: LongInt;\n" +
                (images.empty() ? "" : "  " + joined(images) + ": HGLOBAL;\n") + "begin\n";
     },
     "end;\n",
     [](const Sentence& s) { return checked(s, plain(s, "", " := "), "KirvoCheck", ";"); },
+    [](const std::string& image, const std::string& file) {
+        return "KirvoFilesCheck(KirvoFilesOpenW(" + quoted(file, '\'', "'", '\'') + ", nil, " +
+               image + ", nil));\n";
+    },
     [](const std::string& image) { return "GlobalFree(" + image + ");\n"; },
-    nullptr,
     "",
     nothing,
     [](const std::string& image) { return "@" + image; },
@@ -105,7 +130,7 @@ const Grammar delphi = {
 
 const Grammar vb = {
     "' ",
-    [](const std::vector<std::string>& images) {
+    [](const std::vector<std::string>& images, bool) {
         std::string text = "Dim status As Long\n";
         for (const std::string& image : images)
             text += "Dim " + image + " As Long ' LongPtr in 64-bit Office\n";
@@ -120,8 +145,11 @@ const Grammar vb = {
                    ? "KirvoCheck " + s.function + "(" + arguments + ")\n"
                    : s.function + " " + arguments + "\n";
     },
+    [](const std::string& image, const std::string& file) {
+        return "KirvoFilesCheck KirvoFilesOpenW(StrPtr(" + quoted(file, '"', "\"", '"') +
+               "), ByVal 0&, " + image + ", ByVal 0&)\n";
+    },
     [](const std::string& image) { return "GlobalFree " + image + "\n"; },
-    nullptr,
     "",
     nothing,
     [](const std::string& image) { return image; },
@@ -143,15 +171,18 @@ const Grammar vb = {
 
 const Grammar python = {
     "# ",
-    [](const std::vector<std::string>&) {
-        return std::string("from ctypes import byref, c_int32, c_uint8, c_void_p\n"
-                           "from kirvo import flat as kirvo\n\n"
-                           "status = c_int32()\n");
+    [](const std::vector<std::string>&, bool opens) {
+        return "from ctypes import byref, c_int32, c_uint8, c_void_p\n"
+               "from kirvo import flat as kirvo" +
+               std::string(opens ? ", flat_files as kirvo_files" : "") + "\n\nstatus = c_int32()\n";
     },
     "",
     [](const Sentence& s) { return checked(s, plain(s, "kirvo.", " = "), "kirvo.check", ""); },
+    [](const std::string& image, const std::string& file) {
+        return image + " = c_void_p()\nkirvo_files.check(kirvo_files.KirvoFilesOpen(" + as_c(file) +
+               ", None, byref(" + image + "), None))\n";
+    },
     [](const std::string& image) { return "kirvo.GlobalFree(" + image + ")\n"; },
-    nullptr,
     "",
     [](const std::string& image) { return image + " = c_void_p()\n"; },
     [](const std::string& image) { return "byref(" + image + ")"; },
@@ -169,7 +200,9 @@ const Grammar python = {
 // The layer kirvo.hpp frees images and throws what fails.
 const Grammar cpp = {
     "// ",
-    [](const std::vector<std::string>&) { return std::string("int32_t status = KIRVO_OK;\n"); },
+    [](const std::vector<std::string>&, bool) {
+        return std::string("int32_t status = KIRVO_OK;\n");
+    },
     "",
     [](const Sentence& s) {
         const std::string refused = "throw kirvo::Error(status, kirvo_status_text(status));\n";
@@ -181,10 +214,10 @@ const Grammar cpp = {
                    ? "status = " + call + ";\nif (status != KIRVO_OK)\n    " + refused
                    : call + ";\n";
     },
-    nothing,
     [](const std::string& image, const std::string& file) {
-        return "kirvo::Image " + image + " = kirvo::Image::open(\"" + file + "\");\n";
+        return "kirvo::Image " + image + " = kirvo::Image::open(" + as_c(file) + ");\n";
     },
+    nothing,
     ".handle()",
     [](const std::string& image) { return "HGLOBAL " + image + "_made = nullptr;\n"; },
     [](const std::string& image) { return "&" + image + "_made"; },

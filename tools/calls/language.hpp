@@ -16,12 +16,12 @@ struct Sentence {
 
 struct Grammar {
     const char* comment;
-    std::string (*head)(const std::vector<std::string>& images); // variables
+    std::string (*head)(const std::vector<std::string>& images, bool opens); // variables
     const char* tail;
     std::string (*call)(const Sentence& sentence);
+    // A second picture, which comes from a file.
+    std::string (*open)(const std::string& image, const std::string& file);
     std::string (*release)(const std::string& image);
-    // A second picture, which comes from a file; null where a comment tells it.
-    std::string (*opened)(const std::string& image, const std::string& file);
     const char* handle_behind; // ".handle()" of "dib.handle()"
     // An image that a call writes: before the call, as its argument, behind it.
     std::string (*output_before)(const std::string& image);

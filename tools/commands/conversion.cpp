@@ -123,7 +123,7 @@ void make_folder_of(const Job& job, const std::string& output) {
 void tell(Outcome& outcome, const Job& job, const std::vector<std::string>& notes) {
     for (const std::string& note : notes) {
         outcome.notes.push_back(shown(job.input, "standard input") + ": " + note);
-        outcome.record["notes"].push_back(utf8_of(note));
+        outcome.record["notes"].push_back(note);
     }
 }
 
@@ -146,7 +146,7 @@ void convert_picture(const Conversion& conversion, const Job& job, Outcome& outc
     std::error_code error;
     if (is_damaged(picture.known) && output != "-" && fs::exists(path_of(output), error))
         throw Failure(output, "a damaged picture replaces no file");
-    outcome.record["output"] = utf8_of(output);
+    outcome.record["output"] = output;
     outcome.record["width"] = picture.image.width();
     outcome.record["height"] = picture.image.height();
     make_folder_of(job, output);
@@ -171,7 +171,7 @@ void turn(const Conversion& conversion, const Job& job, Outcome& outcome) {
     expect(status, known, job.input);
     output.complete();
     const KirvoFilesDescription turned = known.description();
-    outcome.record["output"] = utf8_of(job.output);
+    outcome.record["output"] = job.output;
     outcome.record["width"] = turned.width;
     outcome.record["height"] = turned.height;
     outcome.record["bytes"] = turned.fileBytes;
@@ -204,7 +204,7 @@ void check_target(const Job& job) {
 
 Outcome convert_one(const Conversion& conversion, const Job& job) {
     Outcome outcome;
-    outcome.record = {{"file", utf8_of(job.input)}};
+    outcome.record = {{"file", job.input}};
     try {
         check_target(job);
         if (conversion.turning)

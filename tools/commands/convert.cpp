@@ -85,7 +85,7 @@ bool rehearse(const std::vector<Job>& jobs) {
                 job.is_pattern ? named_by(job.output, job, 0, 0) : job.output;
             outcome.good = true;
             outcome.text = job.input + " -> " + output + "\n";
-            outcome.record = {{"file", utf8_of(job.input)}, {"output", utf8_of(output)}};
+            outcome.record = {{"file", job.input}, {"output", output}};
         } catch (const Failure& failure) {
             outcome = failed(job, failure);
         }

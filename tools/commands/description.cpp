@@ -13,7 +13,7 @@ constexpr std::pair<const char*, KirvoFilesTextKind> texts[] = {
     {"date", KIRVO_FILES_TEXT_DATE},         {"exposure", KIRVO_FILES_TEXT_EXPOSURE},
     {"profile", KIRVO_FILES_TEXT_PROFILE},   {"title", KIRVO_FILES_TEXT_TITLE},
     {"artist", KIRVO_FILES_TEXT_ARTIST},     {"copyright", KIRVO_FILES_TEXT_COPYRIGHT},
-    {"software", KIRVO_FILES_TEXT_SOFTWARE},
+    {"software", KIRVO_FILES_TEXT_SOFTWARE}, {"comment", KIRVO_FILES_TEXT_COMMENT},
 };
 
 constexpr std::pair<const char*, uint32_t> properties[] = {
@@ -21,14 +21,6 @@ constexpr std::pair<const char*, uint32_t> properties[] = {
     {"lossless", KIRVO_FILES_LOSSLESS}, {"cmyk", KIRVO_FILES_CMYK},
     {"top_down", KIRVO_FILES_TOP_DOWN}, {"arithmetic", KIRVO_FILES_ARITHMETIC},
 };
-
-// Text of an image file is in no known encoding: what is not ASCII becomes '?'.
-std::string printable(const std::vector<uint8_t>& bytes) {
-    std::string result;
-    for (const uint8_t c : bytes)
-        result += (c >= ' ' && c <= '~') || c == '\n' || c == '\t' ? static_cast<char>(c) : '?';
-    return result;
-}
 
 Json palette(const std::vector<uint8_t>& bytes) {
     Json colours = Json::array();
@@ -86,8 +78,6 @@ void add_texts(Json& out, const Known& known) {
 }
 
 void add_data(Json& out, const Known& known) {
-    if (const auto bytes = known.data(KIRVO_FILES_DATA_COMMENT); !bytes.empty())
-        out["comment"] = printable(bytes);
     if (const auto bytes = known.data(KIRVO_FILES_DATA_PALETTE); !bytes.empty())
         out["palette"] = palette(bytes);
     if (const auto bytes = known.data(KIRVO_FILES_DATA_QUANTISERS); !bytes.empty())
@@ -167,7 +157,7 @@ std::string member(const std::string& key, const Json& value, size_t indent) {
 Json describe(const std::string& name) {
     const Known known = read_headers(name);
     const KirvoFilesDescription d = known.description();
-    Json out = {{"file", utf8_of(name)}, {"format", format_name(d.format)}, {"bytes", d.fileBytes}};
+    Json out = {{"file", name}, {"format", format_name(d.format)}, {"bytes", d.fileBytes}};
     if (const std::string variant = known.text(KIRVO_FILES_TEXT_VARIANT); !variant.empty())
         out["variant"] = variant;
     add_numbers(out, d);
@@ -181,7 +171,8 @@ Json describe(const std::string& name) {
 
 std::string in_a_line(const Json& d) {
     std::string line = plain(d["file"]) + ": " + plain(d["format"]) + ", " + plain(d["width"]) +
-                       " x " + plain(d["height"]) + ", " + plain(d["bits"]) + " bits";
+                       " x " + plain(d["height"]) + ", " + plain(d["bits"]) +
+                       (d["bits"] == 1 ? " bit" : " bits");
     if (d.contains("variant"))
         line += ", " + plain(d["variant"]);
     if (d.contains("quality"))

@@ -58,7 +58,7 @@ void prepare(const fs::path& folder) {
 
 void report(const std::string& folder, size_t pictures) {
     if (settings.json)
-        print_json({{"folder", utf8_of(folder)}, {"pictures", pictures}});
+        print_json({{"folder", folder}, {"pictures", pictures}});
     else if (!settings.quiet)
         std::printf("%zu pictures, contact-sheet.jpg and index.html in %s\n", pictures,
                     folder.c_str());

@@ -6,66 +6,77 @@
 
 namespace {
 
-template<typename Value>
-void put(Json& json, const char* name, const std::optional<Value>& value) {
-    if (value)
-        json[name] = *value;
+// One list of fields serves to write a structure and to read it again.
+template<typename Options, typename Field>
+void each_field_of_reading(Options& o, Field field) {
+    field("no_turn", o.no_turn);
+    field("keep_going", o.keep_going);
+    field("no_limits", o.no_limits);
+    field("kirvo_only", o.kirvo_only);
+    field("index", o.index);
+    field("background", o.background);
 }
 
-template<typename Value>
-void get(const Json& json, const char* name, std::optional<Value>& value) {
-    if (json.contains(name))
-        value = json[name].get<Value>();
+template<typename Options, typename Field>
+void each_field_of_writing(Options& o, Field field) {
+    field("to", o.to);
+    field("comment", o.comment);
+    field("compression", o.compression);
+    field("grey", o.grey);
+    field("strip", o.strip);
+    field("quality", o.quality);
+    field("level", o.level);
+    field("subsample", o.subsample);
+    field("largest", o.largest);
+    field("dpi", o.dpi);
 }
+
+// Into a message; of what may be missing, what is there.
+class Put {
+  public:
+    explicit Put(Json& json) : json_(json) {}
+    template<typename Value>
+    void operator()(const char* name, const Value& value) const {
+        json_[name] = value;
+    }
+    template<typename Value>
+    void operator()(const char* name, const std::optional<Value>& value) const {
+        if (value)
+            json_[name] = *value;
+    }
+
+  private:
+    Json& json_;
+};
+
+// Out of a message.
+class Get {
+  public:
+    explicit Get(const Json& json) : json_(json) {}
+    template<typename Value>
+    void operator()(const char* name, Value& value) const {
+        value = json_[name].get<Value>();
+    }
+    template<typename Value>
+    void operator()(const char* name, std::optional<Value>& value) const {
+        if (json_.contains(name))
+            value = json_[name].get<Value>();
+    }
+
+  private:
+    const Json& json_;
+};
 
 Json as_json(const ReadOptions& o) {
-    Json json = {{"no_turn", o.no_turn},
-                 {"keep_going", o.keep_going},
-                 {"no_limits", o.no_limits},
-                 {"kirvo_only", o.kirvo_only}};
-    put(json, "index", o.index);
-    put(json, "background", o.background);
+    Json json;
+    each_field_of_reading(o, Put(json));
     return json;
-}
-
-ReadOptions read_options_of(const Json& json) {
-    ReadOptions o;
-    o.no_turn = json["no_turn"];
-    o.keep_going = json["keep_going"];
-    o.no_limits = json["no_limits"];
-    o.kirvo_only = json["kirvo_only"];
-    get(json, "index", o.index);
-    get(json, "background", o.background);
-    return o;
 }
 
 Json as_json(const WriteOptions& o) {
-    Json json = {{"to", o.to},
-                 {"comment", o.comment},
-                 {"compression", o.compression},
-                 {"grey", o.grey},
-                 {"strip", o.strip}};
-    put(json, "quality", o.quality);
-    put(json, "level", o.level);
-    put(json, "subsample", o.subsample);
-    put(json, "largest", o.largest);
-    put(json, "dpi", o.dpi);
+    Json json;
+    each_field_of_writing(o, Put(json));
     return json;
-}
-
-WriteOptions write_options_of(const Json& json) {
-    WriteOptions o;
-    o.to = json["to"];
-    o.comment = json["comment"];
-    o.compression = json["compression"];
-    o.grey = json["grey"];
-    o.strip = json["strip"];
-    get(json, "quality", o.quality);
-    get(json, "level", o.level);
-    get(json, "subsample", o.subsample);
-    get(json, "largest", o.largest);
-    get(json, "dpi", o.dpi);
-    return o;
 }
 
 } // namespace
@@ -109,8 +120,8 @@ Conversion conversion_of(const Json& json) {
     for (const Json& step : json["steps"])
         c.steps.emplace_back(*effect_called(step[0].get<std::string>()),
                              step[1].get<std::string>());
-    c.reading = read_options_of(json["reading"]);
-    c.writing = write_options_of(json["writing"]);
+    each_field_of_reading(c.reading, Get(json["reading"]));
+    each_field_of_writing(c.writing, Get(json["writing"]));
     c.mask = json["mask"];
     c.nearest = json["nearest"];
     c.show_time = json["show_time"];

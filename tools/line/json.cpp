@@ -11,7 +11,7 @@ void print_json(const Json& value) {
 }
 
 Json error_record(const std::string& input, const std::exception& error) {
-    Json record = {{"file", utf8_of(input)}, {"error", error.what()}};
+    Json record = {{"file", input}, {"error", error.what()}};
     if (const auto* failure = dynamic_cast<const Failure*>(&error)) {
         record["error"] = failure->reason();
         if (failure->status() != 0)

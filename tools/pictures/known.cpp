@@ -37,6 +37,12 @@ std::vector<uint8_t> Known::data(KirvoFilesDataKind kind) const {
     return bytes;
 }
 
+void Known::set_comment(const std::string& text) {
+    expect(KirvoFilesSetData(&file_, KIRVO_FILES_DATA_COMMENT, text.data(),
+                             static_cast<uint32_t>(text.size())),
+           *this, "--comment");
+}
+
 std::vector<std::string> Known::notes() const {
     std::vector<std::string> all;
     for (uint32_t i = 0; i < description().notes; ++i) {

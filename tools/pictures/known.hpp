@@ -23,6 +23,7 @@ class Known {
     // Empty where there is nothing to say.
     std::string text(KirvoFilesTextKind kind, uint32_t index = 0) const;
     std::vector<uint8_t> data(KirvoFilesDataKind kind) const;
+    void set_comment(const std::string& text);
     // What is worth knowing: of losses, with --verbose of everything.
     std::vector<std::string> notes() const;
 

@@ -1,5 +1,4 @@
 #include "pictures/alpha.hpp"
-#include "pictures/comment.hpp"
 #include "pictures/picture.hpp"
 #include "system/settings.hpp"
 #include "system/streams.hpp"
@@ -76,16 +75,6 @@ class Encoded {
     Known known_;
 };
 
-size_t put(Output& output, const Encoded& encoded, const std::string& comment) {
-    if (comment.empty()) {
-        output.write(encoded.bytes(), encoded.count());
-        return encoded.count();
-    }
-    const std::string file = with_comment(std::string(encoded.bytes(), encoded.count()), comment);
-    output.write(file.data(), file.size());
-    return file.size();
-}
-
 } // namespace
 
 Format format_for(const std::string& name, const std::string& to) {
@@ -104,23 +93,18 @@ Written write_picture(const std::string& name, Picture picture, const WriteOptio
     check_writable(name, options.to);
     const Watch watch("writing");
     const Format format = format_for(name, options.to);
-    const std::string comment = format == KIRVO_FILES_JPEG ? options.comment : "";
     KirvoFilesSaveOptions how = as_structure(options, format);
     if (picture.alpha) {
         picture.image = with_alpha(std::move(picture.image), picture.alpha);
         how.flags |= KIRVO_FILES_WITH_ALPHA;
     }
-    if (how.sizeLimit > size_of_comment(comment))
-        how.sizeLimit -= static_cast<uint32_t>(size_of_comment(comment));
+    if (!options.comment.empty())
+        picture.known.set_comment(options.comment);
     const Encoded encoded(picture, how, shown(name, "standard output"));
     Output output(name, options.replace || settings.force);
-    Written written;
-    written.bytes = put(output, encoded, comment);
+    output.write(encoded.bytes(), encoded.count());
     output.complete();
-    written.notes = encoded.notes();
-    if (format != KIRVO_FILES_JPEG && !options.comment.empty())
-        written.notes.push_back("comment left out: only JPEG files get one");
-    return written;
+    return {encoded.count(), encoded.notes()};
 }
 
 Written write_image(const std::string& name, Image image, const WriteOptions& options) {

@@ -183,12 +183,4 @@ Colour Lettering::at(float u, float v) const {
     return mix(scale(sign(u, v), 0.6f), wall, smooth(-0.0006f, 0.0006f, edge));
 }
 
-void Lettering::render_row(int y, uint8_t* bgr) const {
-    const float v = (static_cast<float>(y) + 0.5f) / static_cast<float>(height_) - 0.5f;
-    for (int x = 0; x < width_; ++x, bgr += 3) {
-        const float u = (static_cast<float>(x) + 0.5f) / static_cast<float>(height_) - middle_;
-        put_pixel(bgr, at(u, v), 0.012f, x, y, noise_.seed());
-    }
-}
-
 } // namespace kirvo_sample

@@ -204,12 +204,4 @@ Colour Portrait::at(float u, float v) const {
     return colour;
 }
 
-void Portrait::render_row(int y, uint8_t* bgr) const {
-    const float v = (static_cast<float>(y) + 0.5f) / static_cast<float>(height_) - 0.47f;
-    for (int x = 0; x < width_; ++x, bgr += 3) {
-        const float u = (static_cast<float>(x) + 0.5f) / static_cast<float>(height_) - middle_;
-        put_pixel(bgr, at(u, v), 0.025f, x, y, noise_.seed());
-    }
-}
-
 } // namespace kirvo_sample

@@ -11,8 +11,6 @@ std::vector<std::string> words_of_the_command_line(int argc, char** argv);
 // A name as a path, of any length, and back.
 std::filesystem::path path_of(const std::string& name);
 std::string text_of(const std::filesystem::path& path);
-// A name as UTF-8, whatever its bytes are.
-std::string utf8_of(const std::string& name);
 
 // The files that a pattern with * and ? names, where the shell leaves that to the program; else the
 // pattern itself.

@@ -8,6 +8,4 @@ std::filesystem::path path_of(const std::string& name) { return name; }
 
 std::string text_of(const std::filesystem::path& path) { return path.native(); }
 
-std::string utf8_of(const std::string& name) { return name; }
-
 std::vector<std::string> expanded(const std::string& pattern) { return {pattern}; }

@@ -65,8 +65,6 @@ std::string text_of(const fs::path& path) {
     return narrow(text.starts_with(any_length) ? text.substr(4) : text);
 }
 
-std::string utf8_of(const std::string& name) { return name; }
-
 std::vector<std::string> expanded(const std::string& pattern) {
     if (pattern.find_first_of("*?") == std::string::npos)
         return {pattern};

@@ -1,5 +1,6 @@
 // What fails inside: every allocation in turn, writing, every byte that may be cut off or lie.
 #include "files/bmp_builder.hpp"
+#include "files/deep_jpeg.hpp"
 
 #include "memory.hpp"
 #include "system.hpp"
@@ -57,6 +58,9 @@ std::vector<Bytes> samples() {
     packed.palette = {0, 0xFFFFFF};
     packed.pixels = {5, 1, 0, 0, 0, 5, 1, 0, 1, 0, 1, 0, 0, 0, 5, 0, 0, 1};
     all.push_back(packed.file());
+    all.push_back(DeepJpeg(20, 12, 3, 2, 2).write([](uint32_t i, uint32_t x, uint32_t y) {
+        return i == 0 ? 100.0 * x + 50 * y : 2048.0;
+    }));
     return all;
 }
 

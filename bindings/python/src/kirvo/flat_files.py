@@ -163,7 +163,7 @@ KIRVO_FILES_NOTE_DAMAGED = 2
 KIRVO_FILES_NOTE_REPAIRED = 3
 # "alpha laid over the background"
 KIRVO_FILES_NOTE_ALPHA = 4
-# "animation: first of 12 frames"
+# "animation: number 1 of 12"
 KIRVO_FILES_NOTE_FRAMES = 5
 # "16 bits a channel reduced to 8", "CMYK converted"
 KIRVO_FILES_NOTE_REDUCED = 6
@@ -205,6 +205,8 @@ KIRVO_FILES_TEXT_ARTIST = 11
 KIRVO_FILES_TEXT_COPYRIGHT = 12
 # what it shows
 KIRVO_FILES_TEXT_TITLE = 13
+# JPEG: the first comment, in one line
+KIRVO_FILES_TEXT_COMMENT = 14
 # EXIF, a TIFF structure that begins with II or MM
 KIRVO_FILES_DATA_EXIF = 0
 # the ICC profile
@@ -217,7 +219,7 @@ KIRVO_FILES_DATA_QUANTISERS = 3
 KIRVO_FILES_DATA_PALETTE = 4
 # JPEG: the first comment
 KIRVO_FILES_DATA_COMMENT = 5
-# saving: without the source's metadata
+# saving: without the metadata that the source came with
 KIRVO_FILES_STRIP = 1
 # saving: not where there is a file already
 KIRVO_FILES_NEW_ONLY = 2
@@ -407,7 +409,7 @@ KirvoFilesData = _declare(
 KirvoFilesSetData = _declare(
     _files, c_int32, POINTER(HANDLE), c_int32, c_void_p, c_uint32,
     usage="KirvoFilesSetData(inout file, kind, in bytes[count], count)",
-    summary="Gives a file's metadata other bytes, to be saved with a picture.")
+    summary="Gives a file's metadata other bytes, to be saved with a picture, also where the rest of its metadata is not (KIRVO_FILES_STRIP).")
 
 
 # Save
