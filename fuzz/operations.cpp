@@ -1,5 +1,5 @@
 // Any exports in any order, with hostile images and arguments (support/calls.hpp). What they answer
-// is documented, and the same at every level of the processor.
+// is documented, and the same at a level of the processor as without.
 #include "jpeg.hpp"
 #include "simd/cpu.hpp"
 
@@ -48,7 +48,7 @@ void check(const Call& call) {
 }
 
 // May an allocation fail, the answers are none.
-Answers make_calls(Input input, kirvo::CpuLevel level) {
+Answers make_calls(Input input, bool scalar) {
     static const File in("in.jpg"), out("out");
     stand_as_at_first();
     reset_decoder();
@@ -64,7 +64,8 @@ Answers make_calls(Input input, kirvo::CpuLevel level) {
 
     const bool may_fail = draw_surroundings(input);
     kirvo::fail_allocation(0);
-    kirvo::lower_cpu_level(level);
+    if (scalar)
+        kirvo::lower_cpu_level(kirvo::CpuLevel::scalar);
     Answers answers;
     for (uint32_t left = input.below(6) + 1; left != 0; --left) {
         const auto all = kirvo_test::exports();
@@ -86,10 +87,8 @@ Answers make_calls(Input input, kirvo::CpuLevel level) {
 } // namespace
 
 static void run(Input& input) {
-    using enum kirvo::CpuLevel;
-    const Answers answers = make_calls(input, scalar);
-    for (const kirvo::CpuLevel level : {sse2, avx2, avx512})
-        require(answers == make_calls(input, level), "every level gives what scalar code gives");
+    require(make_calls(input, true) == make_calls(input, false),
+            "a level gives what scalar code gives");
 }
 
 static const Target target("operations", run);

@@ -62,7 +62,10 @@ void look_at(HGLOBAL image);
 // What a reader answers: an image with success, or a code without one. Frees the image.
 void check_answer(HGLOBAL image, const int32_t& status);
 
-// A file in memory whose content is replaced at will.
+// The world around the library: the system's (world.cpp), or one that is part of the program, for
+// many executions (world_wide.cpp).
+
+// A file whose content is replaced at will.
 class File {
   public:
     // A title in a folder of the process's own.
@@ -73,5 +76,8 @@ class File {
   private:
     std::string name_;
 };
+
+// Differs when a file has been opened and not closed.
+int open_descriptors();
 
 } // namespace kirvo_fuzz
