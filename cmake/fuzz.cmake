@@ -2,7 +2,7 @@
 # kirvo_fuzz_<name>; otherwise all are one program that replays the corpora and the regressions.
 
 include(${CMAKE_CURRENT_LIST_DIR}/export_list.cmake)
-set(fuzz_shared fuzz/support.cpp fuzz/jpeg.cpp fuzz/files.cpp)
+set(fuzz_shared fuzz/support.cpp fuzz/jpeg.cpp fuzz/files.cpp fuzz/structure.cpp)
 set(fuzz_worlds fuzz/world.cpp fuzz/world_wide.cpp)
 foreach(name IN ITEMS calls exports jpeg_reference temp_file temp_folder)
     list(APPEND fuzz_shared tests/support/${name}.cpp)

@@ -1,6 +1,7 @@
 // KirvoFiles' reading of a JPEG's segments, its walk along the entropy-coded data, and its turns of
 // the coefficients.
 #include "files.hpp"
+#include "structure.hpp"
 
 #include "jpeg_coefficients.hpp"
 
@@ -38,4 +39,4 @@ static void run(Input& input) {
     require(!walk.complete || walk.whole_rows == headers.height, "all rows are whole");
 }
 
-static const Target target("files_jpeg", run);
+static const Target target("files_jpeg", run, mutate_jpeg);

@@ -1,6 +1,7 @@
 // A JPEG stream gives the same at a level of the processor, which its length chooses, as without.
 #include "jpeg.hpp"
 #include "simd/cpu.hpp"
+#include "structure.hpp"
 
 using namespace kirvo_fuzz;
 
@@ -14,4 +15,4 @@ static void run(Input& input) {
     require(decode_whole(stream) == expected, "a level gives what scalar code gives");
 }
 
-static const Target target("jpeg_levels", run);
+static const Target target("jpeg_levels", run, mutate_jpeg);

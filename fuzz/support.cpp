@@ -53,7 +53,9 @@ void stand_as_at_first() {
     JpgDecCommentFree();
 }
 
-Target::Target(const char* name, Run run) : name_(name), run_(run) { all().push_back(this); }
+Target::Target(const char* name, Run run, Mutate mutate) : name_(name), run_(run), mutate_(mutate) {
+    all().push_back(this);
+}
 
 std::vector<const Target*>& Target::all() {
     static std::vector<const Target*> targets;

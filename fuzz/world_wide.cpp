@@ -95,8 +95,8 @@ class Arena {
 
     bool add_run(size_t pages) {
         if (start_ == nullptr) {
-            void* all = mmap(nullptr, room, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE,
-                             -1, 0);
+            void* all =
+                mmap(nullptr, room, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
             if (all == MAP_FAILED)
                 return false;
             start_ = static_cast<uint8_t*>(all);
