@@ -112,6 +112,18 @@ add_test(NAME kirvo_soak COMMAND kirvo_soak ${soak_count} WORKING_DIRECTORY ${PR
 set_tests_properties(kirvo_soak PROPERTIES
     TIMEOUT 900 ENVIRONMENT "ASAN_OPTIONS=allocator_may_return_null=1")
 
+# The same calls at every level of the processor, and on Windows as away from it.
+if(NOT KIRVO_SANITIZE)
+    add_executable(kirvo_agreement tests/agreement/agreement.cpp)
+    target_compile_options(kirvo_agreement PRIVATE ${KIRVO_TEST_FLAGS})
+    target_precompile_headers(kirvo_agreement REUSE_FROM kirvo_public_test_support)
+    target_link_libraries(kirvo_agreement PRIVATE kirvo_public_test_support)
+    add_test(NAME kirvo_agreement
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/agreement/compare.py 3000
+                     ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:kirvo_agreement>)
+    set_tests_properties(kirvo_agreement PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 900)
+endif()
+
 # Stand-ins for the external Photo CD library, one with a single function. Each lies in a folder of
 # its own, away from the programs, so that a test decides which one is there, if any.
 foreach(standin IN ITEMS photo_cd photo_cd_incomplete)
