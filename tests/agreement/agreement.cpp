@@ -153,7 +153,9 @@ class Sequences {
     }
 
     static bool takes_much_memory(const Call& call, const Pool& pool) {
-        return call.status() == KIRVO_NO_MEMORY ||
+        const bool says_nothing = call.what().result == Result::handle && !call.succeeded() &&
+                                  call.what().status_parameter() == Export::none;
+        return says_nothing || call.status() == KIRVO_NO_MEMORY ||
                std::any_of(pool.owned().begin(), pool.owned().end(),
                            [](HGLOBAL block) { return GlobalSize(block) > much_memory; });
     }
