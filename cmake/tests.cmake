@@ -40,6 +40,12 @@ endforeach()
 target_link_libraries(kirvo_public_test_support PUBLIC kirvo)
 target_link_libraries(kirvo_internal_test_support PUBLIC kirvo_objects)
 
+# Hostile and odd files.
+set(world ${PROJECT_BINARY_DIR}/world)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS tests/world/recipes.py)
+execute_process(COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/world/recipes.py ${world}
+                COMMAND_ERROR_IS_FATAL ANY)
+
 # Each folder with a *_test.cpp in it is one program and one CTest test.
 file(GLOB_RECURSE test_sources CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} tests/*_test.cpp)
 if(NOT TARGET kirvo_tool)
@@ -74,6 +80,8 @@ foreach(source IN LISTS test_sources)
     endif()
     target_sources(${program} PRIVATE ${source})
 endforeach()
+target_compile_definitions(kirvo_safety_tests PRIVATE KIRVO_WORLD="${world}")
+target_compile_definitions(kirvo_files_tests PRIVATE KIRVO_WORLD="${world}")
 if(TARGET kirvo_tool)
     add_dependencies(kirvo_tool_tests kirvo_tool) # which they run
 endif()
