@@ -9,7 +9,7 @@ foreach(name IN ITEMS calls exports jpeg_reference temp_file temp_folder)
 endforeach()
 file(GLOB fuzz_targets CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} fuzz/*.cpp)
 list(REMOVE_ITEM fuzz_targets ${fuzz_shared} ${fuzz_worlds} fuzz/libfuzzer.cpp
-     fuzz/replay_test.cpp)
+     fuzz/replay_test.cpp fuzz/worst_time.cpp)
 if(KIRVO_FUZZ_WIDE)
     list(APPEND fuzz_shared fuzz/world_wide.cpp)
 else()
@@ -53,6 +53,14 @@ if(NOT KIRVO_FUZZ)
              COMMAND kirvo_fuzz_replay --gtest_brief=1
                      --gtest_output=xml:reports/kirvo_fuzz_replay.xml
              WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
+    if(NOT KIRVO_SANITIZE AND NOT KIRVO_COVERAGE)
+        add_executable(kirvo_worst_time fuzz/worst_time.cpp)
+        target_compile_definitions(kirvo_worst_time PRIVATE
+            "KIRVO_FUZZ_FOLDER=\"${PROJECT_SOURCE_DIR}/fuzz\"")
+        target_link_libraries(kirvo_worst_time PRIVATE kirvo_fuzz_support)
+        add_test(NAME kirvo_worst_time COMMAND kirvo_worst_time)
+        set_tests_properties(kirvo_worst_time PROPERTIES RUN_SERIAL TRUE) # it measures
+    endif()
     return()
 endif()
 

@@ -259,6 +259,13 @@ elseif(TARGET kirvo_tool AND NOT KIRVO_SANITIZE)
                      $<TARGET_FILE:kirvo_tool> $<TARGET_FILE:kirvo_sample>)
 endif()
 
+# Hostile and odd files by the command line and in Python.
+if(TARGET kirvo_tool AND NOT WIN32 AND NOT KIRVO_SANITIZE AND NOT KIRVO_COVERAGE)
+    add_test(NAME kirvo_world
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/world/check.py
+                     $<TARGET_FILE:kirvo_tool> $<TARGET_FILE:kirvo> ${world})
+endif()
+
 # Thumbnails on a cluster of this machine.
 if(TARGET kirvo_tool AND NOT WIN32 AND NOT KIRVO_SANITIZE)
     add_test(NAME kirvo_many_machines

@@ -198,7 +198,7 @@ def scan(components=((1, 0),), start=0, end=63, approximation=0, count=None):
                    b"".join(bytes(one) for one in components) + bytes((start, end, approximation)))
 
 
-def codes(table=0, counts=(2,), symbols=(0, 1)):
+def codes(table=0, counts=(1, 1), symbols=(0, 1)):
     return segment(0xC4, bytes([table]) + bytes((*counts, *[0] * (16 - len(counts)))) + bytes(symbols))
 
 
