@@ -89,7 +89,8 @@ if(TARGET kirvo_view)
     add_dependencies(kirvo_viewer_tests kirvo_view)
     target_sources(kirvo_viewer_tests PRIVATE tests/viewer/driver.cpp)
     target_link_libraries(kirvo_viewer_tests PRIVATE kirvo_files)
-    target_compile_definitions(kirvo_viewer_tests PRIVATE KIRVO_FUZZ="${PROJECT_SOURCE_DIR}/fuzz")
+    target_compile_definitions(kirvo_viewer_tests PRIVATE KIRVO_FUZZ="${PROJECT_SOURCE_DIR}/fuzz"
+                               KIRVO_WORLD="${world}")
     set_tests_properties(kirvo_viewer_tests PROPERTIES RUN_SERIAL ON) # one keyboard, one clipboard
     add_test(NAME kirvo_check_viewer
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/viewer/check.py

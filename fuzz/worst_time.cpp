@@ -29,7 +29,7 @@ namespace {
 constexpr double every_call = 3e-3; // milliseconds
 constexpr double spare = 3;
 constexpr size_t longest_input = 16384, shortest_input = 256;
-constexpr uint64_t largest_picture = 4 << 20; // bytes
+constexpr uint64_t largest_picture = 1 << 20; // bytes: less than a huge page
 constexpr size_t kept = 16;
 const files::path slowest = files::path(KIRVO_FUZZ_FOLDER) / "slowest";
 
