@@ -398,7 +398,9 @@ TEST(Viewer, AnswersEveryHostileFile) {
     int count = 0;
     for (const char* room : {KIRVO_FUZZ "/corpus", KIRVO_FUZZ "/regressions"}) {
         for (const auto& entry : std::filesystem::recursive_directory_iterator(room)) {
-            if (entry.is_regular_file())
+            const std::string target = entry.path().parent_path().filename().string();
+            if (entry.is_regular_file() && target != "operations" &&
+                target != "encoder") // no files
                 std::filesystem::copy_file(entry.path(),
                                            folder.path(std::to_string(++count) + ".bmp"));
         }
