@@ -47,6 +47,7 @@ SUITES = (
     Suite("src/reduce", "native", "kirvo_internal_reduce_tests kirvo_reduce_tests", LIBRARY),
     Suite("src/image", "native", "kirvo_internal_image_tests kirvo_image_tests", LIBRARY),
     Suite("src", "native", LIBRARY),
+    Suite("files/windows", "win32", "kirvo_files_tests"),
     Suite("files", "native", "kirvo_internal_pictures_tests kirvo_files_tests",
           "ctest: kirvo_files_real|kirvo_world: kirvo_files kirvo_tool kirvo_sample"),
     Suite("tools", "native", "kirvo_tool_tests",
@@ -187,8 +188,10 @@ def main():
     if suite is None or not path.exists():
         sys.exit(f"no tests are known for {name}; there are {' '.join(s.folder for s in SUITES)}")
     files = sorted(path.rglob("*")) if path.is_dir() else [path]
+    elsewhere = re.compile("_win32$|/windows/" if suite.preset == "native" else "_posix$|/codecs/")
     candidates = [(file.relative_to(SOURCE), *change) for file in files
-                  if file.suffix in ENDINGS for change in changes_of(file)]
+                  if file.suffix in ENDINGS and not elsewhere.search(str(file.with_suffix("")))
+                  for change in changes_of(file)]
     random.Random(f"{name} {seed}").shuffle(candidates)
 
     copy_tree()
