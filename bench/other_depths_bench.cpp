@@ -137,6 +137,7 @@ const Operation operations[] = {
     {"filter/edges", {24}, make<Dib24Sharpen, 1>},
     {"filter/coloured edges", {24}, make<Dib24ColorEdge, 30, 0>},
     {"filter/darkest-2", {16, 24, 32}, darkest<0>},
+    {"filter/darkest-3", {32}, make<DibBlockMxM, 3, 0, 0>},
     {"filter/darkest-2 by luminance", {16, 24, 32}, darkest<1>},
     {"filter/mosaic", {8, 16, 32}, make<DibMosaicEx, 8>},
     {"filter/mosaic-average", {8, 16, 32}, make<DibMosaicEx2, 8>},

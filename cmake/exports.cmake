@@ -16,12 +16,14 @@ function(kirvo_exports target objects def)
             DEPENDS ${def} cmake/decorate_exports.cmake $<TARGET_OBJECTS:${objects}>
             VERBATIM)
         target_sources(${target} PRIVATE ${exports})
-        target_link_options(${target} PRIVATE -Wl,--kill-at -Wl,--no-insert-timestamp)
+        target_link_options(${target} PRIVATE -Wl,--kill-at)
         add_custom_command(
             TARGET ${target} POST_BUILD
             COMMAND ${CMAKE_DLLTOOL} --kill-at --input-def ${exports}
-                    --dllname $<TARGET_FILE_NAME:${target}>
-                    --output-lib $<TARGET_LINKER_FILE:${target}>
+                    # Names alone: the library remembers what it is told here.
+                    --temp-prefix ${target} --dllname $<TARGET_FILE_NAME:${target}>
+                    --output-lib $<TARGET_LINKER_FILE_NAME:${target}>
+            WORKING_DIRECTORY ${PROJECT_BINARY_DIR}
             VERBATIM)
 
         # The same in the form of Microsoft's linker.

@@ -89,5 +89,6 @@ elseif(KIRVO_LIBRARY_TYPE STREQUAL SHARED)
         target_link_options(kirvo_files PRIVATE -Wl,--no-undefined)
     endif()
     # It finds the first library beside it, wherever that is.
-    set_target_properties(kirvo_files PROPERTIES INSTALL_RPATH $ORIGIN BUILD_WITH_INSTALL_RPATH ON)
+    set_target_properties(kirvo_files PROPERTIES INSTALL_RPATH $ORIGIN BUILD_WITH_INSTALL_RPATH ON
+                          ${kirvo_numbers})
 endif()

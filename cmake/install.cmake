@@ -1,5 +1,5 @@
-# What `cmake --install` puts where, and the packages that CPack makes of it: a zip for Windows, a
-# Debian package elsewhere. Nothing installed knows the folder that it lies in.
+# What `cmake --install` puts where, and the zip for Windows that CPack makes of it. Nothing installed
+# knows the folder that it lies in.
 
 include(CMakePackageConfigHelpers)
 
@@ -34,14 +34,20 @@ configure_file(packaging/kirvo.pc.in kirvo.pc @ONLY)
 configure_file(packaging/kirvofiles.pc.in kirvofiles.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kirvo.pc ${PROJECT_BINARY_DIR}/kirvofiles.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-# Documents, in the places where README.md links to them; the reference when it has been built.
-install(FILES README.md CHANGELOG.md SECURITY.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(FILES docs/contact-sheet.jpg DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
-install(DIRECTORY docs/guide DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
+# Documents: a README of what is in the package, and what that links to; the reference and guide as
+# pages when they have been built.
+set(readme packaging/README.debian.md)
+if(WIN32)
+    set(readme packaging/README.windows.md)
+endif()
+install(FILES ${readme} DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME README.md)
+install(FILES CHANGELOG.md SECURITY.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES docs/contact-sheet.jpg docs/SAFETY.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/build/docs/html DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs
         OPTIONAL)
 install(DIRECTORY bindings examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
-        PATTERN __pycache__ EXCLUDE)
+        PATTERN __pycache__ EXCLUDE
+        PATTERN javascript/*.js* EXCLUDE) # parts of a package of its own
 
 # Builds what is installed.
 add_custom_target(kirvo_installed DEPENDS kirvo kirvo_files)
@@ -51,34 +57,14 @@ foreach(target IN ITEMS kirvo_tool kirvo_papers kirvo_view)
     endif()
 endforeach()
 
+if(NOT WIN32)
+    return() # debian/ makes packages of what is installed
+endif()
+math(EXPR bits "8 * ${CMAKE_SIZEOF_VOID_P}")
+set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_NAME kirvo)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_VENDOR "the Kirvo authors")
-set(CPACK_PACKAGE_CONTACT "the Kirvo authors <kirvo@packages.invalid>")
-set(CPACK_STRIP_FILES ON)
+set(CPACK_PACKAGE_FILE_NAME kirvo-${PROJECT_VERSION}-win${bits})
 set(CPACK_VERBATIM_VARIABLES ON)
-set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
-    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-if(WIN32)
-    math(EXPR bits "8 * ${CMAKE_SIZEOF_VOID_P}")
-    set(CPACK_GENERATOR ZIP)
-    set(CPACK_PACKAGE_FILE_NAME kirvo-${PROJECT_VERSION}-win${bits})
-else()
-    set(CPACK_GENERATOR DEB)
-    set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-    set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/debian.cmake)
-    set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-    set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
-    set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "image processing on packed DIBs")
-    set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"Libraries, headers, CMake and pkg-config files, command line and documents of
-Kirvo: BMP, Targa, icon and other files, a JPEG encoder and decoder, colour
-reduction and some sixty image operations over one image model, the packed
-DIB; and KirvoFiles, which opens and saves BMP, JPEG, PNG, TIFF, WebP, GIF,
-Targa and icon files with their metadata. Every result is settled to the bit and the same as that of the library
-for Windows.")
-    set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/triggers)
-    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
-endif()
 include(CPack)

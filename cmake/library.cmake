@@ -8,6 +8,11 @@ if(WIN32)
 else()
     list(FILTER kirvo_sources EXCLUDE REGEX "_win32\\.cpp$")
 endif()
+if(EMSCRIPTEN)
+    list(FILTER kirvo_sources EXCLUDE REGEX "/cpu_x86\\.cpp$|/level_(sse|avx)")
+else()
+    list(FILTER kirvo_sources EXCLUDE REGEX "_wasm\\.cpp$")
+endif()
 
 # The names of the levels' files decide which instructions they may use.
 foreach(source IN LISTS kirvo_sources)
@@ -27,6 +32,10 @@ foreach(source IN LISTS kirvo_sources)
     if(source MATCHES "/level_[a-z0-9]+\\.cpp$")
         # What is worth vectors has them; the rest of a row is short.
         list(APPEND isa_flags -fno-tree-vectorize)
+        if(NOT WIN32)
+            # A loop across lines of the cache may take a quarter more. The DLL is kept small instead.
+            list(APPEND isa_flags -falign-loops=64)
+        endif()
     endif()
     set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${isa_flags}")
 endforeach()
@@ -51,11 +60,11 @@ if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
     # Nothing is thrown through the library, and 32-bit Windows does not unwind by tables.
     target_compile_options(kirvo_objects PRIVATE -fno-asynchronous-unwind-tables)
 endif()
+set(kirvo_system_libraries ${CMAKE_DL_LIBS})
 if(WIN32)
-    target_link_libraries(kirvo_objects PUBLIC gdi32 comdlg32)
-else()
-    target_link_libraries(kirvo_objects PUBLIC ${CMAKE_DL_LIBS})
+    set(kirvo_system_libraries gdi32 comdlg32)
 endif()
+target_link_libraries(kirvo_objects PUBLIC ${kirvo_system_libraries})
 
 set(KIRVO_LIBRARY_TYPE SHARED)
 if(NOT BUILD_SHARED_LIBS AND NOT WIN32)
@@ -65,7 +74,7 @@ add_library(kirvo ${KIRVO_LIBRARY_TYPE} $<TARGET_OBJECTS:kirvo_objects>)
 add_library(Kirvo::kirvo ALIAS kirvo) # the name that find_package(Kirvo) gives
 target_include_directories(kirvo INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
-target_link_libraries(kirvo PRIVATE $<TARGET_PROPERTY:kirvo_objects,INTERFACE_LINK_LIBRARIES>)
+target_link_libraries(kirvo PRIVATE ${kirvo_system_libraries})
 include(${CMAKE_CURRENT_LIST_DIR}/exports.cmake)
 if(KIRVO_LIBRARY_TYPE STREQUAL SHARED)
     kirvo_exports(kirvo kirvo_objects kirvo.def cmake/standins.def)
@@ -86,7 +95,12 @@ if(WIN32)
     set_target_properties(kirvo PROPERTIES OUTPUT_NAME Kirvo PREFIX "" IMPORT_PREFIX lib
                           ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
 elseif(KIRVO_LIBRARY_TYPE STREQUAL SHARED)
-    # One file under one name, as on Windows: a copy of it serves wherever it lies.
+    # One file under one name, as on Windows: a copy of it serves wherever it lies. A distribution's
+    # are numbered.
+    if(KIRVO_SONAMES)
+        set(kirvo_numbers VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+        set_target_properties(kirvo PROPERTIES ${kirvo_numbers})
+    endif()
     target_link_options(kirvo PRIVATE -Wl,--gc-sections -Wl,--as-needed -Wl,-Bsymbolic)
     if(NOT KIRVO_SANITIZE)
         target_link_options(kirvo PRIVATE -Wl,--no-undefined)

@@ -1,10 +1,9 @@
 # Test programs: tests/<room>/*_test.cpp becomes kirvo_<room>_tests, which knows the library as its
 # users do; tests/internal/<room>/*_test.cpp becomes kirvo_internal_<room>_tests, linked with the
-# library's objects. GoogleTest is built from Debian's source package, for every target alike.
+# library's objects.
 
-set(KIRVO_GTEST_SOURCE /usr/src/googletest CACHE PATH "GoogleTest's source")
-if(NOT EXISTS ${KIRVO_GTEST_SOURCE}/CMakeLists.txt)
-    message(WARNING "The tests are not built: they need Debian's googletest package")
+include(${CMAKE_CURRENT_LIST_DIR}/googletest.cmake)
+if(NOT TARGET gtest)
     return()
 endif()
 find_package(Python3 COMPONENTS Interpreter)
@@ -12,13 +11,6 @@ if(NOT Python3_FOUND)
     message(WARNING "The tests are not built: they need Debian's python3 package")
     return()
 endif()
-set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
-set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
-set(gtest_disable_pthreads ${WIN32} CACHE BOOL "" FORCE)
-block() # it is part of each test program, whatever becomes of the library
-    set(BUILD_SHARED_LIBS OFF)
-    add_subdirectory(${KIRVO_GTEST_SOURCE} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
-endblock()
 if(WIN32)
     target_include_directories(gtest SYSTEM BEFORE PUBLIC ${PROJECT_SOURCE_DIR}/tests/support/mingw)
 endif()
@@ -207,10 +199,16 @@ foreach(check IN LISTS checks)
     endif()
 endforeach()
 
+# What the scripts say to people who are not root.
+if(NOT CMAKE_CROSSCOMPILING AND NOT KIRVO_SANITIZE)
+    add_test(NAME kirvo_scripts_no_install
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/scripts/no_install.py)
+endif()
+
 # The object layers: their own promises, and every effect in each of them.
 set(checks cpp)
 if(NOT WIN32 AND NOT KIRVO_SANITIZE)
-    list(APPEND checks effects python csharp pascal)
+    list(APPEND checks effects lines python csharp pascal)
 endif()
 foreach(check IN LISTS checks)
     add_test(NAME kirvo_layer_${check}
@@ -288,6 +286,9 @@ foreach(example IN LISTS guide_examples)
     add_executable(kirvo_guide_${name} ${example})
     target_compile_options(kirvo_guide_${name} PRIVATE ${KIRVO_TEST_FLAGS})
     target_link_libraries(kirvo_guide_${name} PRIVATE kirvo kirvo_files)
+    if(WIN32) # for sockets and the system's codecs
+        target_link_libraries(kirvo_guide_${name} PRIVATE ws2_32 ole32 windowscodecs)
+    endif()
     add_test(NAME kirvo_guide_${name} COMMAND kirvo_guide_${name}
              WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
 endforeach()

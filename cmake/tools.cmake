@@ -36,7 +36,7 @@ if(NOT KIRVO_CLI_INCLUDE OR NOT KIRVO_nlohmann_INCLUDE)
 endif()
 
 file(GLOB_RECURSE tool_sources CONFIGURE_DEPENDS tools/*.cpp)
-list(FILTER tool_sources EXCLUDE REGEX "/tools/sample/")
+list(FILTER tool_sources EXCLUDE REGEX "/tools/(calls|sample)/")
 set(other_system win32)
 if(WIN32)
     set(other_system posix)

@@ -6,16 +6,12 @@ if(NOT WIN32)
 endif()
 
 # The catalogue, whose calls of the library are noted.
-file(GLOB catalogue_sources CONFIGURE_DEPENDS tools/effects/*.cpp)
-list(APPEND catalogue_sources tools/line/colours.cpp tools/line/numbers.cpp
-     tools/line/suggestions.cpp tools/pictures/image.cpp tools/pictures/known.cpp
-     tools/system/errors.cpp)
-add_library(kirvo_view_catalogue OBJECT ${catalogue_sources})
-target_compile_options(kirvo_view_catalogue PRIVATE
-    -include ${PROJECT_SOURCE_DIR}/viewer/calls/recorded.hpp)
+add_library(kirvo_view_catalogue OBJECT ${KIRVO_CATALOGUE})
+target_compile_options(kirvo_view_catalogue PRIVATE ${KIRVO_RECORDED})
 
-file(GLOB view_sources CONFIGURE_DEPENDS viewer/*.cpp viewer/calls/*.cpp)
-add_executable(kirvo_view WIN32 ${view_sources})
+file(GLOB view_sources CONFIGURE_DEPENDS viewer/*.cpp)
+add_executable(kirvo_view WIN32 ${view_sources} ${KIRVO_CALLS} tools/pictures/meaning.cpp
+                                tools/pictures/known.cpp)
 set_target_properties(kirvo_view PROPERTIES OUTPUT_NAME KirvoView)
 target_compile_definitions(kirvo_view PRIVATE UNICODE _UNICODE)
 target_link_options(kirvo_view PRIVATE -municode)

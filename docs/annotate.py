@@ -1,39 +1,49 @@
 #!/usr/bin/env python3
 """Doxygen's input filter: annotate.py FILE
 
-Makes names of functions links, shows the pictures of effects before their parameters, gives each
-status code its number and the functions that answer it, and lists all effects where a page says
-@effects. Line numbers of warnings stay true: every block of comment keeps its number of lines.
+Makes names of functions links, shows the pictures of effects before their parameters, and gives each
+status code its number and the functions that answer it. Line numbers of warnings stay true: every
+block of comment keeps its number of lines.
 """
 import html
+import json
 import pathlib
 import re
 import sys
 
 import pictures
 
-INCLUDE = pathlib.Path(__file__).parent.parent / "include"
-HEADERS = [INCLUDE / "kirvo.h", INCLUDE / "kirvo_files.h"]
-DOCUMENTED = re.compile(r"/\*\*((?:(?!\*/).)*)\*/\s*KIRVO_(?:FILES_)?API\s[^;(]*?\bWINAPI\s+(\w+)\s*\(",
-                        re.DOTALL)
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "interface"))
+from header import CODE, DECLARATION, Header
 
-CODE = re.compile(r"/\*\*(?!<)((?:(?!\*/).)*)\*/\s*(KIRVO_\w+) = (-?\d+)", re.DOTALL)
+PAGES = pathlib.Path(__file__).parents[1] / "build/docs/html"
+HEADERS = [Header("kirvo.h"), Header("kirvo_files.h")]
 
 
 def functions():
     """Every function of the headers with its comment."""
-    return {name: comment for header in HEADERS
-            for comment, name in DOCUMENTED.findall(header.read_text())}
+    return {name: header.comments[name].raw for header in HEADERS for name in header.parameters}
 
 
 def codes():
     """Comment, name and number of every status code."""
-    return [code for header in HEADERS for code in CODE.findall(header.read_text())]
+    return [code for header in HEADERS for code in CODE.findall(header.text)]
+
+
+def plain(comment):
+    """The words of a comment without its marks."""
+    comment = re.sub(r"@code.*?@endcode|@ingroup \w+|@param\[out\]|@\w+", " ", comment,
+                     flags=re.DOTALL)
+    return " ".join(re.sub(r"^\s*\*+|[#|*`]", " ", comment, flags=re.MULTILINE).split())
+
+
+def first_sentence(text):
+    return re.split(r"(?<=[.])\s", text, maxsplit=1)[0]
 
 
 def linked(text, names):
     """Functions become links, apart from code and what is a link already."""
-    keep = r"@code.*?@endcode|@f\$.*?@f\$|^```.*?^```|`[^`\n]*`|\[[^]\n]*\]\([^)\n]*\)|^#+ .*?$|^@?\\?snippet .*?$|\S*[\\@/#]\w+"
+    keep = r"@htmlonly.*?@endhtmlonly|@code.*?@endcode|@f\$.*?@f\$|^```.*?^```|`[^`\n]*`|\[[^]\n]*\]\([^)\n]*\)|^#+ .*?$|^@?\\?snippet .*?$|\S*[\\@/#]\w+"
     word = rf"({keep})|(?<![\w.])({'|'.join(names)})\b(?!\()"
     return re.sub(word, lambda m: m[1] or "#" + m[2], text, flags=re.DOTALL | re.MULTILINE)
 
@@ -43,28 +53,40 @@ def figure(file, caption):
             f"<figcaption>{html.escape(caption)}</figcaption></figure>")
 
 
-def shown(effect):
+def effect_page(name):
+    return "effect_" + name.replace("-", "_")
+
+
+def effect_names():
+    """The effects that pages.py has written pages of."""
+    text = (PAGES / "catalogue.js").read_text()
+    return [effect["option"][2:] for effect in json.loads(text[text.index("["):text.rindex(";")])]
+
+
+def shown(function):
     """One line that shows what a function does; empty for one without pictures."""
-    own = [picture for picture in pictures.pictures() if picture.function == effect]
+    own = [picture for picture in pictures.pictures() if picture.function == function]
     if not own:
         return ""
+    effect = pictures.shown_effect(own[0], effect_names())
+    live = f'<p class="try"><a href="{effect_page(effect)}.html">Try it live</a></p>' if effect else ""
     before = [] if pictures.made(own[0]) else [figure(f"{own[0].before}.jpg", "before")]
     figures = before + [figure(picture.file, f"{picture.options}") for picture in own]
-    return f'@htmlonly[block] <div class="shown">{"".join(figures)}</div> @endhtmlonly'
+    return f'@htmlonly[block] <div class="shown">{"".join(figures)}</div>{live} @endhtmlonly'
 
 
 def with_pictures(text):
     def add(match):
-        block = shown(match[2])
+        block = shown(match[3])
         if not block:
             return match[0]
         # where the description ends
         comment, count = re.subn(r"\n \*  @(param|ingroup|return)",
                                  lambda m: f" <br class=\"end\"/>{block}{m[0]}", match[1], count=1)
-        assert count, match[2]
+        assert count, match[3]
         return f"/**{comment}*/{match[0].split('*/', 1)[1]}"
 
-    return DOCUMENTED.sub(add, text)
+    return DECLARATION.sub(add, text)
 
 
 def with_numbers(text, comments):
@@ -84,28 +106,20 @@ def with_numbers(text, comments):
     return CODE.sub(add, text)
 
 
-def gallery():
-    cells = []
-    for picture in pictures.pictures():
-        cells.append(f'<div class="effect"><img src="{picture.file}" '
-                     f'alt="{html.escape(picture.options)}"/> #{picture.function} '
-                     '@htmlonly <span class="options">'
-                     f"{html.escape(picture.options)}</span>@endhtmlonly</div>")
-    return f'<div class="effects">{"".join(cells)}</div>'
-
-
 def main():
     path = pathlib.Path(sys.argv[1])
     text = path.read_text()
     comments = functions()
     names = sorted(comments, key=len, reverse=True)
-    if path.suffix == ".h":
+    in_comments = lambda text: re.sub(r"/\*\*.*?\*/", lambda m: linked(m[0], names), text, flags=re.DOTALL)
+    if path.suffix == ".hpp":
+        text = in_comments(text)
+    elif path.suffix == ".h":
         unknown = {picture.function for picture in pictures.pictures()} - comments.keys()
         assert not unknown, f"pictures of functions that do not exist: {unknown}"
-        text = re.sub(r"/\*\*.*?\*/", lambda m: linked(m[0], names), text, flags=re.DOTALL)
-        text = with_numbers(with_pictures(text), comments)
+        text = with_numbers(with_pictures(in_comments(text)), comments)
     else:
-        text = linked(text, names).replace("@effects", gallery())
+        text = linked(text, names)
     sys.stdout.write(text)
 
 

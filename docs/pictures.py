@@ -23,7 +23,7 @@ def pictures():
                 options = rest
             count[function] += 1
             # dithered pictures are larger as JPEG files, and no longer what they were
-            kind = "bmp" if options.startswith("--palette") else "jpg"
+            kind = "png" if options.startswith("--palette") else "jpg"
             yield Picture(function, f"{function}-{count[function]}.{kind}", options,
                           first if first in KINDS else "before")
 
@@ -31,6 +31,13 @@ def pictures():
 def made(picture):
     """Pictures that have no picture before them."""
     return picture.options.startswith("make ")
+
+
+def shown_effect(picture, names):
+    """The effect that a picture of the reference shows: others on its line prepare for it."""
+    options = [word[2:] for word in picture.options.split() if word[2:] in names]
+    telling = [name for name in options if name not in ("crop", "resize")]
+    return (telling or options[-1:] or [None])[0]
 
 
 def make_all(programs, folder):
@@ -49,12 +56,16 @@ def make_all(programs, folder):
     for kind in KINDS:
         run("kirvo_sample", "large.bmp", "1200", "800", "1", kind)
         convert("large.bmp", f"{kind}.bmp", "--resize", "240x160")
+        convert("large.bmp", f"sample-{kind}.jpg", "--resize", "600x400", "--level", "3")
         convert(f"{kind}.bmp", f"{kind}.jpg", *fine)
     (folder / "large.bmp").unlink()
     convert("scene2.bmp", "other.bmp", "--resize", "240x160")
     convert("scene2.bmp", "small.bmp", "--resize", "120x80")
     convert("other.bmp", "parts.bmp", "--keep", "rgball,128,255,1,0,255,0,0,255,0")
-    convert("scene.bmp", "scene.jpg", "--crop", "0,160,1200,480", "--level", "3")
+    for name, source in (("landscape", "scene"), ("other", "scene2")):
+        convert(f"{source}.bmp", f"sample-{name}.jpg", "--resize", "600x400", "--level", "3")
+    convert("scene2.bmp", "sample-small.jpg", "--resize", "240x160", "--level", "3")
+    convert("scene.bmp", "scene.jpg", "--crop", "0,160,1200,480", "--level", "4")
     for picture in pictures():
         words = picture.options.split()
         if made(picture):

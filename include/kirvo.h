@@ -436,46 +436,6 @@ KIRVO_API HGLOBAL WINAPI DibMemAllocEx(uint32_t width, int32_t height, uint32_t 
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
-/** @defgroup pixel Single pixels and lines
- *  @ingroup memory
- *  One pixel or one line of an image with a 40-byte header. No progress is reported.
- *  @{ */
-
-/** Reads one pixel of an image of any depth.
- *
- *  Channels of 16-bit images are scaled to 8 bits with zero low bits (5-bit 31 reads as 248).
- *  @param dib packed DIB of 1, 4, 8, 16, 24 or 32 bits
- *  @param x column from the left
- *  @param y row from the top
- *  @param[out] colour 0x00BBGGRR; left alone on failure
- *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image, another
- *          depth or a block too small */
-KIRVO_API int32_t WINAPI DibGetPixelColor(HGLOBAL dib, int32_t x, int32_t y, uint32_t* colour);
-
-/** Writes one pixel of a direct-colour image. Channels are narrowed by truncation.
- *  @param dib packed DIB of 16, 24 or 32 bits
- *  @param x column from the left
- *  @param y row from the top
- *  @param colour 0x00BBGGRR
- *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image or a block
- *          too small; #KIRVO_NEEDS_16_24_32 for another depth */
-KIRVO_API int32_t WINAPI DibSetPixelColor(HGLOBAL dib, int32_t x, int32_t y, uint32_t colour);
-
-/** Fills the pixels x0 to x1 (inclusive) of one row with a colour. Nothing is written, and the
- *  result is still #KIRVO_OK, when x0 > x1.
- *  @param dib packed DIB of 16, 24 or 32 bits
- *  @param x0 first column
- *  @param x1 last column
- *  @param y row from the top
- *  @param colour 0x00BBGGRR
- *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image or a block
- *          too small; #KIRVO_NEEDS_16_24_32 for another depth */
-KIRVO_API int32_t WINAPI DibSetLineColor(HGLOBAL dib, int32_t x0, int32_t x1, int32_t y,
-                                         uint32_t colour);
-
-/** @} */
-
-/* ------------------------------------------------------------------------------------------- */
 /** @defgroup bmp BMP files
  *  @ingroup files
  *  Pictures of every depth, whole or a rectangle. No progress is reported.
@@ -527,278 +487,6 @@ KIRVO_API int32_t WINAPI DibWriteEx(LPCSTR name, HGLOBAL dib, int32_t x, int32_t
  *          #KIRVO_CANNOT_OPEN; #KIRVO_WRITE_ERROR */
 KIRVO_API int32_t WINAPI Dib24Write(LPCSTR name, HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                     int32_t height);
-
-/** @} */
-
-/* ------------------------------------------------------------------------------------------- */
-/** @defgroup depth Depth conversion
- *  @ingroup colours
- *  Between 16, 24 and 32 bits, into a new image of the same size. Channels are narrowed by
- *  truncation and widened with zero low bits. The conversions report progress over the rows;
- *  DibCutDepth reports none.
- *
- *  The pixels of a 24-bit source follow 40 header bytes and the colour part; those of a 16-bit
- *  source follow biSize bytes, and 12 bytes of masks with BI_BITFIELDS. A 32-bit source is always
- *  taken to have 12 bytes of masks before its pixels, even with BI_RGB, whose masks are
- *  0x00FF0000, 0x0000FF00, 0x000000FF; pixels that are then missing at the end read as 0.
- *  @{ */
-
-/** Makes a 24-bit image of a 16- or 32-bit one. 5-bit 31 gives 248.
- *  @param dib packed DIB of 16 or 32 bits; a 16-bit one without masks is read as 5-5-5
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_16_32 for another depth;
- *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
- *              also for an image without width or height
- *  @return the new image, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI DibConvert24bit(HGLOBAL dib, int32_t* status);
-
-/** Makes a 16-bit image of a 24- or 32-bit one. It is always 5-6-5 with the masks 0xF800, 0x07E0
- *  and 0x001F: (red & 0xF8) << 8 | (green & 0xFC) << 3 | blue >> 3.
- *  @param dib packed DIB of 24 or 32 bits
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
- *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
- *              also for an image without width or height
- *  @return the new image, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI DibConvert16bit(HGLOBAL dib, int32_t* status);
-
-/** Makes a 32-bit image of a 16- or 24-bit one, with the masks 0x00FF0000, 0x0000FF00 and
- *  0x000000FF: red << 16 | green << 8 | blue.
- *  @param dib packed DIB of 16 or 24 bits; a 16-bit one without masks is read as 5-5-5
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_16_24 for another depth;
- *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
- *              also for an image without width or height
- *  @return the new image, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI DibConvert32bit(HGLOBAL dib, int32_t* status);
-
-/** Makes a copy of a 24-bit image that keeps only the top bits of each channel.
- *  @param dib packed DIB of 24 bits with a 40-byte header
- *  @param red_bits bits of red kept, 0 to 8
- *  @param green_bits bits of green kept, 0 to 8
- *  @param blue_bits bits of blue kept, 0 to 8
- *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for a count outside 0 to 8 (before the handle
- *              is looked at), an image without width or height or a block smaller than its header
- *              says; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24; #KIRVO_NO_MEMORY
- *  @return the new image, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI DibCutDepth(HGLOBAL dib, int32_t red_bits, int32_t green_bits,
-                                     int32_t blue_bits, int32_t* status);
-
-/** @} */
-
-/* ------------------------------------------------------------------------------------------- */
-/** @defgroup window Window fitting
- *  @ingroup memory
- *  A window as large as its picture.
- *  @{ */
-
-/** Resizes a window so that its client area shows an image at a whole scale; FitWindowToImage is
- *  the same at scale 1.
- *
- *  Makes two calls of SetWindowPos with the frame width of the system's metrics (the first allows
- *  for a menu bar as well), and a third, by the measured size of everything around the client
- *  area, when that does not have the wanted size yet. The window keeps its place and its z-order.
- *  No error is reported: a window that cannot become so large stays as large as the system lets it.
- *  @param window the window
- *  @param dib packed DIB of any depth; null changes nothing
- *  @param scale the client area becomes biWidth × scale by biHeight × scale pixels (32 bits each) */
-KIRVO_API void WINAPI FitWindowToImageEx(HWND window, HGLOBAL dib, uint32_t scale);
-/** FitWindowToImageEx at scale 1. @param window the window @param dib packed DIB */
-KIRVO_API void WINAPI FitWindowToImage(HWND window, HGLOBAL dib);
-
-/** @} */
-
-/* ------------------------------------------------------------------------------------------- */
-/** @defgroup jpegset JPEG encoder settings
- *  @ingroup jpeg
- *  They belong to the process and hold for all encodes that start later, until they are changed.
- *  @{ */
-
-/** Sets how colour streams sample chroma. The default is 4.
- *  @param mode 1: a sample per pixel; 2: halved across; 4: halved both ways
- *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for another mode (the setting stays) */
-KIRVO_API int32_t WINAPI JpgCodSetSubsample(int32_t mode);
-
-/** Selects one of the quality levels 2 to 5.
- *  @param q 0 to 3 for level 2 (finest) to 5 (coarsest)
- *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for another value (the setting stays) */
-KIRVO_API int32_t WINAPI JpgCodSetQ(int32_t q);
-
-/** Selects a quality level. The default is 4.
- *  @param level 1 (finest) to 5 (coarsest): a pair of fixed quantisation tables; level 5 also keeps
- *         only the first 21 coefficients of each block. 0: the tables of JpgCodSetQtable
- *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for another level (the setting stays) */
-KIRVO_API int32_t WINAPI JpgCodSetQEx(int32_t level);
-
-/** Loads quantisation tables of the caller's, which are used at level 0 only (JpgCodSetQEx). Until
- *  then they are all ones.
- *  @param luminance 64 quantisers of 1 to 255 in row-major order: entry row * 8 + column is for the
- *         vertical frequency row and the horizontal frequency column
- *  @param chrominance likewise
- *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for a quantiser out of range or a null pointer (both
- *          tables stay) */
-KIRVO_API int32_t WINAPI JpgCodSetQtable(const int16_t* luminance, const int16_t* chrominance);
-
-/** As JpgCodSetQtable, and sets how many coefficients of each block are coded at level 0.
- *  @param luminance as JpgCodSetQtable
- *  @param chrominance as JpgCodSetQtable
- *  @param count 1 to 64 coefficients in zigzag order, the others become 0; any other value means 64
- *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for a quantiser out of range or a null pointer (both
- *          tables stay, and the number of coefficients) */
-KIRVO_API int32_t WINAPI JpgCodSetQtableEx(const int16_t* luminance, const int16_t* chrominance,
-                                           int32_t count);
-
-/** Sets a comment for the next stream only; one that is still pending is discarded.
- *  @param text the bytes of the comment; null: none
- *  @param length their number; 0: none. Above 65533 the length field of the segment wraps, so that
- *         decoders take the rest of the comment for other segments */
-KIRVO_API void WINAPI JpgCodSetComment(const uint8_t* text, uint32_t length);
-
-/** @} */
-
-/* ------------------------------------------------------------------------------------------- */
-/** @defgroup jpegenc JPEG encoder
- *  @ingroup jpeg
- *  Baseline JPEG streams (ITU-T T.81) with a JFIF 1.00 header and Huffman coding in one scan, from
- *  a rectangle of an image.
- *
- *  The colour family (JpgCodFirst, JpgCodNext, JpgCodMainEx, JpgCodMainHGLOBAL) takes 24-bit and
- *  8-bit images and writes Y, Cb and Cr; the grey family (the same names with _M) takes 8-bit images
- *  and writes one component. One call encodes into a file or a memory block; First and Next encode
- *  in slices:
- *  @code
- *     int32_t status;
- *     uint32_t length;
- *     HGLOBAL block = JpgCodFirst(dib, 0, 0, width, height, 100, &status);
- *     if (block) {
- *         int32_t result;
- *         do result = JpgCodNext(0, &length); while (result == 0);
- *         // result 1: the stream is the first length bytes of block, which is the caller's now;
- *         // below 0: the encode has ended and block is freed
- *     }
- *  @endcode
- *  Only one encode or decode can be in progress; others are refused with #KIRVO_BUSY. Progress
- *  counts MCUs.
- *
- *  Between First and the last Next the image and the output block stay locked: neither may be freed
- *  or resized.
- *
- *  The output block has a fixed size: width × height × 3 bytes at levels 0 and 1, of that 4/7 at
- *  level 2, 4/15 at 3, 4/25 at 4 and 4/40 at 5, a third of it in the grey family, at least 32768;
- *  and 1024 bytes and the comment more. A noisy picture can outgrow it at a fine level; the encode
- *  then ends with #KIRVO_NO_MEMORY, and a coarser level helps.
- *  @{ */
-
-/** Sizes of the most recent encode. Either pointer may be null.
- *  @param[out] source_bytes size of the pixels encoded, without padding
- *  @param[out] output_bytes length of the stream made by the last JpgCodMain... call
- *  @return output_bytes */
-KIRVO_API uint32_t WINAPI JpgCodGetStatus(uint32_t* source_bytes, uint32_t* output_bytes);
-
-/** Starts to encode a rectangle in colour and writes the headers. A pending comment is taken up.
- *  @param dib packed DIB of 24 or 8 bits
- *  @param left,top,width,height rectangle in the picture
- *  @param mcus_per_call number of MCUs (blocks of 8 x 8, 16 x 8 or 16 x 16 pixels by sampling mode)
- *         that each JpgCodNext encodes; -1: all. With 0 or less than -1 no call gets on
- *  @param[out] status #KIRVO_OK; #KIRVO_BUSY while an encode or decode is in progress;
- *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for an empty or negative rectangle;
- *              #KIRVO_NEEDS_8_24 for another depth; #KIRVO_BAD_PARAMETER for a rectangle outside
- *              the image, or a block smaller than its header says; #KIRVO_NO_MEMORY;
- *              #KIRVO_ABANDONED when a progress handler has ended the encode
- *  @return the block that receives the stream; it is the encoder's until JpgCodNext returns 1. Null
- *          on failure */
-KIRVO_API HGLOBAL WINAPI JpgCodFirst(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
-                                     int32_t height, int32_t mcus_per_call, int32_t* status);
-
-/** Goes on with the encode that JpgCodFirst has started.
- *  @param control -1 ends the encode and frees its block; any other value goes on
- *  @param[out] stream_bytes length of the stream, written when the encode is done
- *  @return 1: done, the block of JpgCodFirst is the caller's; 0: call again (a call that has
- *          encoded its number of MCUs answers 0 even if none is left); #KIRVO_ABANDONED after
- *          control -1; #KIRVO_JPEG_CATEGORY for a coefficient that has no code; #KIRVO_NO_MEMORY
- *          when the stream would outgrow its block; #KIRVO_BAD_PARAMETER without an encode of this
- *          family. After an error the block has been freed */
-KIRVO_API int32_t WINAPI JpgCodNext(int32_t control, uint32_t* stream_bytes);
-
-/** Encodes a rectangle in colour into a file.
- *  @param path file name; an existing file is replaced once the stream is complete in memory
- *  @param dib packed DIB of 24 or 8 bits
- *  @param left,top,width,height rectangle in the picture
- *  @param unused1,unused2 ignored
- *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for an empty path; #KIRVO_BUSY while an encode or decode
- *          is in progress; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle that is empty
- *          or outside the image, or a block smaller than its header says; #KIRVO_NEEDS_8_24 for
- *          another depth; #KIRVO_NO_MEMORY, also for a stream that outgrows its block;
- *          #KIRVO_JPEG_CATEGORY; #KIRVO_ABANDONED when a progress handler has ended the encode;
- *          #KIRVO_CANNOT_OPEN; #KIRVO_WRITE_ERROR */
-KIRVO_API int32_t WINAPI JpgCodMainEx(LPCSTR path, HGLOBAL dib, int32_t left, int32_t top,
-                                      int32_t width, int32_t height, int32_t unused1,
-                                      int32_t unused2);
-
-/** Encodes a rectangle in colour into a memory block.
- *  @param dib packed DIB of 24 or 8 bits
- *  @param left,top,width,height rectangle in the picture
- *  @param[out] stream_bytes length of the stream; the block is larger, and zero after it
- *  @param[out] status #KIRVO_OK; #KIRVO_BUSY while an encode or decode is in progress;
- *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle that is empty or outside
- *              the image, or a block smaller than its header says; #KIRVO_NEEDS_8_24 for another
- *              depth; #KIRVO_NO_MEMORY, also for a stream that outgrows its block;
- *              #KIRVO_JPEG_CATEGORY; #KIRVO_ABANDONED when a progress handler has ended the encode
- *  @return the block, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI JpgCodMainHGLOBAL(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
-                                           int32_t height, uint32_t* stream_bytes, int32_t* status);
-
-/** Starts to encode a rectangle as a grey stream.
- *  @param dib packed DIB of 8 bits
- *  @param left,top,width,height rectangle in the picture
- *  @param grey_mode 1: a pixel's grey level is the blue byte of its colour-table entry; any other
- *         value: the pixel itself
- *  @param mcus_per_call as JpgCodFirst, of 8 x 8 pixels
- *  @param[out] status #KIRVO_OK; #KIRVO_BUSY while an encode or decode is in progress;
- *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for an empty or negative rectangle;
- *              #KIRVO_NEEDS_8 for another depth; #KIRVO_BAD_PARAMETER for a rectangle outside the
- *              image, or a block smaller than its header says; #KIRVO_NO_MEMORY; #KIRVO_ABANDONED
- *              when a progress handler has ended the encode
- *  @return as JpgCodFirst */
-KIRVO_API HGLOBAL WINAPI JpgCodFirst_M(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
-                                       int32_t height, int32_t grey_mode, int32_t mcus_per_call,
-                                       int32_t* status);
-
-/** Goes on with the encode that JpgCodFirst_M has started.
- *  @param control as JpgCodNext
- *  @param[out] stream_bytes as JpgCodNext
- *  @return 1: done, the block of JpgCodFirst_M is the caller's; 0: call again (a call that has
- *          encoded its number of MCUs answers 0 even if none is left); #KIRVO_ABANDONED after
- *          control -1; #KIRVO_JPEG_CATEGORY for a coefficient that has no code; #KIRVO_NO_MEMORY
- *          when the stream would outgrow its block; #KIRVO_BAD_PARAMETER without an encode of this
- *          family. After an error the block has been freed */
-KIRVO_API int32_t WINAPI JpgCodNext_M(int32_t control, uint32_t* stream_bytes);
-
-/** Encodes a rectangle as a grey stream into a file.
- *  @param path as JpgCodMainEx
- *  @param dib packed DIB of 8 bits
- *  @param left,top,width,height rectangle in the picture
- *  @param grey_mode as JpgCodFirst_M
- *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for an empty path; #KIRVO_BUSY while an encode or decode
- *          is in progress; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle that is empty
- *          or outside the image, or a block smaller than its header says; #KIRVO_NEEDS_8 for
- *          another depth; #KIRVO_NO_MEMORY, also for a stream that outgrows its block;
- *          #KIRVO_JPEG_CATEGORY; #KIRVO_ABANDONED when a progress handler has ended the encode;
- *          #KIRVO_CANNOT_OPEN; #KIRVO_WRITE_ERROR */
-KIRVO_API int32_t WINAPI JpgCodMainEx_M(LPCSTR path, HGLOBAL dib, int32_t left, int32_t top,
-                                        int32_t width, int32_t height, int32_t grey_mode);
-
-/** Encodes a rectangle as a grey stream into a memory block.
- *  @param dib packed DIB of 8 bits
- *  @param left,top,width,height rectangle in the picture
- *  @param grey_mode as JpgCodFirst_M
- *  @param[out] stream_bytes as JpgCodMainHGLOBAL
- *  @param[out] status #KIRVO_OK; #KIRVO_BUSY while an encode or decode is in progress;
- *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle that is empty or outside
- *              the image, or a block smaller than its header says; #KIRVO_NEEDS_8 for another
- *              depth; #KIRVO_NO_MEMORY, also for a stream that outgrows its block;
- *              #KIRVO_JPEG_CATEGORY; #KIRVO_ABANDONED when a progress handler has ended the encode
- *  @return the block, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI JpgCodMainHGLOBAL_M(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
-                                             int32_t height, int32_t grey_mode,
-                                             uint32_t* stream_bytes, int32_t* status);
 
 /** @} */
 
@@ -975,128 +663,331 @@ KIRVO_API uint16_t WINAPI JpgDecGetLastUexMarker(uint32_t* position);
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
-/** @defgroup reduce Colour reduction
- *  @ingroup colours
- *  True colour to a colour table and back, always into a new image that the caller owns. The three
- *  DecreaseColor functions bring fixed palettes of their own; Decrease256Fast dithers to the
- *  library's palette; the exact conversions collect the colours of the image. All report progress
- *  over the stored rows, and start at the bottom row.
+/** @defgroup jpegenc JPEG encoder
+ *  @ingroup jpeg
+ *  Baseline JPEG streams (ITU-T T.81) with a JFIF 1.00 header and Huffman coding in one scan, from
+ *  a rectangle of an image.
  *
- *  Sources have 24 bits, or 32 bits with any masks. Decrease256Fast and the exact conversions find
- *  their rows at biSize + 4 * biClrUsed bytes, at 32 bits another 12 bytes further on whether or
- *  not there are masks (missing pixels at the end read as 0). They keep 16 bits of the number of
- *  bits in a row, in the source and in the result: rows of more than 65504 bits (2729 pixels of 24
- *  bits, 2047 of 32 bits, 8188 of the 8-bit result, 16376 of the 4-bit one) overlap.
+ *  The colour family (JpgCodFirst, JpgCodNext, JpgCodMainEx, JpgCodMainHGLOBAL) takes 24-bit and
+ *  8-bit images and writes Y, Cb and Cr; the grey family (the same names with _M) takes 8-bit images
+ *  and writes one component. One call encodes into a file or a memory block; First and Next encode
+ *  in slices:
+ *  @code
+ *     int32_t status;
+ *     uint32_t length;
+ *     HGLOBAL block = JpgCodFirst(dib, 0, 0, width, height, 100, &status);
+ *     if (block) {
+ *         int32_t result;
+ *         do result = JpgCodNext(0, &length); while (result == 0);
+ *         // result 1: the stream is the first length bytes of block, which is the caller's now;
+ *         // below 0: the encode has ended and block is freed
+ *     }
+ *  @endcode
+ *  Only one encode or decode can be in progress; others are refused with #KIRVO_BUSY. Progress
+ *  counts MCUs.
  *
- *  On failure the result is null. The status may be null.
+ *  Between First and the last Next the image and the output block stay locked: neither may be freed
+ *  or resized.
+ *
+ *  The output block has a fixed size: width × height × 3 bytes at levels 0 and 1, of that 4/7 at
+ *  level 2, 4/15 at 3, 4/25 at 4 and 4/40 at 5, a third of it in the grey family, at least 32768;
+ *  and 1024 bytes and the comment more. A noisy picture can outgrow it at a fine level; the encode
+ *  then ends with #KIRVO_NO_MEMORY, and a coarser level helps.
  *  @{ */
 
-/** Makes an 8-bit image with error diffusion to 256 fixed colours.
+/** Sizes of the most recent encode. Either pointer may be null.
+ *  @param[out] source_bytes size of the pixels encoded, without padding
+ *  @param[out] output_bytes length of the stream made by the last JpgCodMain... call
+ *  @return output_bytes */
+KIRVO_API uint32_t WINAPI JpgCodGetStatus(uint32_t* source_bytes, uint32_t* output_bytes);
+
+/** Starts to encode a rectangle in colour and writes the headers. A pending comment is taken up.
+ *  @param dib packed DIB of 24 or 8 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @param mcus_per_call number of MCUs (blocks of 8 x 8, 16 x 8 or 16 x 16 pixels by sampling mode)
+ *         that each JpgCodNext encodes; -1: all. With 0 or less than -1 no call gets on
+ *  @param[out] status #KIRVO_OK; #KIRVO_BUSY while an encode or decode is in progress;
+ *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for an empty or negative rectangle;
+ *              #KIRVO_NEEDS_8_24 for another depth; #KIRVO_BAD_PARAMETER for a rectangle outside
+ *              the image, or a block smaller than its header says; #KIRVO_NO_MEMORY;
+ *              #KIRVO_ABANDONED when a progress handler has ended the encode
+ *  @return the block that receives the stream; it is the encoder's until JpgCodNext returns 1. Null
+ *          on failure */
+KIRVO_API HGLOBAL WINAPI JpgCodFirst(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
+                                     int32_t height, int32_t mcus_per_call, int32_t* status);
+
+/** Goes on with the encode that JpgCodFirst has started.
+ *  @param control -1 ends the encode and frees its block; any other value goes on
+ *  @param[out] stream_bytes length of the stream, written when the encode is done
+ *  @return 1: done, the block of JpgCodFirst is the caller's; 0: call again (a call that has
+ *          encoded its number of MCUs answers 0 even if none is left); #KIRVO_ABANDONED after
+ *          control -1; #KIRVO_JPEG_CATEGORY for a coefficient that has no code; #KIRVO_NO_MEMORY
+ *          when the stream would outgrow its block; #KIRVO_BAD_PARAMETER without an encode of this
+ *          family. After an error the block has been freed */
+KIRVO_API int32_t WINAPI JpgCodNext(int32_t control, uint32_t* stream_bytes);
+
+/** Encodes a rectangle in colour into a file.
+ *  @param path file name; an existing file is replaced once the stream is complete in memory
+ *  @param dib packed DIB of 24 or 8 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @param unused1,unused2 ignored
+ *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for an empty path; #KIRVO_BUSY while an encode or decode
+ *          is in progress; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle that is empty
+ *          or outside the image, or a block smaller than its header says; #KIRVO_NEEDS_8_24 for
+ *          another depth; #KIRVO_NO_MEMORY, also for a stream that outgrows its block;
+ *          #KIRVO_JPEG_CATEGORY; #KIRVO_ABANDONED when a progress handler has ended the encode;
+ *          #KIRVO_CANNOT_OPEN; #KIRVO_WRITE_ERROR */
+KIRVO_API int32_t WINAPI JpgCodMainEx(LPCSTR path, HGLOBAL dib, int32_t left, int32_t top,
+                                      int32_t width, int32_t height, int32_t unused1,
+                                      int32_t unused2);
+
+/** Encodes a rectangle in colour into a memory block.
+ *  @param dib packed DIB of 24 or 8 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @param[out] stream_bytes length of the stream; the block is larger, and zero after it
+ *  @param[out] status #KIRVO_OK; #KIRVO_BUSY while an encode or decode is in progress;
+ *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle that is empty or outside
+ *              the image, or a block smaller than its header says; #KIRVO_NEEDS_8_24 for another
+ *              depth; #KIRVO_NO_MEMORY, also for a stream that outgrows its block;
+ *              #KIRVO_JPEG_CATEGORY; #KIRVO_ABANDONED when a progress handler has ended the encode
+ *  @return the block, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI JpgCodMainHGLOBAL(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
+                                           int32_t height, uint32_t* stream_bytes, int32_t* status);
+
+/** Starts to encode a rectangle as a grey stream.
+ *  @param dib packed DIB of 8 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @param grey_mode 1: a pixel's grey level is the blue byte of its colour-table entry; any other
+ *         value: the pixel itself
+ *  @param mcus_per_call as JpgCodFirst, of 8 x 8 pixels
+ *  @param[out] status #KIRVO_OK; #KIRVO_BUSY while an encode or decode is in progress;
+ *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for an empty or negative rectangle;
+ *              #KIRVO_NEEDS_8 for another depth; #KIRVO_BAD_PARAMETER for a rectangle outside the
+ *              image, or a block smaller than its header says; #KIRVO_NO_MEMORY; #KIRVO_ABANDONED
+ *              when a progress handler has ended the encode
+ *  @return as JpgCodFirst */
+KIRVO_API HGLOBAL WINAPI JpgCodFirst_M(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
+                                       int32_t height, int32_t grey_mode, int32_t mcus_per_call,
+                                       int32_t* status);
+
+/** Goes on with the encode that JpgCodFirst_M has started.
+ *  @param control as JpgCodNext
+ *  @param[out] stream_bytes as JpgCodNext
+ *  @return 1: done, the block of JpgCodFirst_M is the caller's; 0: call again (a call that has
+ *          encoded its number of MCUs answers 0 even if none is left); #KIRVO_ABANDONED after
+ *          control -1; #KIRVO_JPEG_CATEGORY for a coefficient that has no code; #KIRVO_NO_MEMORY
+ *          when the stream would outgrow its block; #KIRVO_BAD_PARAMETER without an encode of this
+ *          family. After an error the block has been freed */
+KIRVO_API int32_t WINAPI JpgCodNext_M(int32_t control, uint32_t* stream_bytes);
+
+/** Encodes a rectangle as a grey stream into a file.
+ *  @param path as JpgCodMainEx
+ *  @param dib packed DIB of 8 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @param grey_mode as JpgCodFirst_M
+ *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for an empty path; #KIRVO_BUSY while an encode or decode
+ *          is in progress; #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle that is empty
+ *          or outside the image, or a block smaller than its header says; #KIRVO_NEEDS_8 for
+ *          another depth; #KIRVO_NO_MEMORY, also for a stream that outgrows its block;
+ *          #KIRVO_JPEG_CATEGORY; #KIRVO_ABANDONED when a progress handler has ended the encode;
+ *          #KIRVO_CANNOT_OPEN; #KIRVO_WRITE_ERROR */
+KIRVO_API int32_t WINAPI JpgCodMainEx_M(LPCSTR path, HGLOBAL dib, int32_t left, int32_t top,
+                                        int32_t width, int32_t height, int32_t grey_mode);
+
+/** Encodes a rectangle as a grey stream into a memory block.
+ *  @param dib packed DIB of 8 bits
+ *  @param left,top,width,height rectangle in the picture
+ *  @param grey_mode as JpgCodFirst_M
+ *  @param[out] stream_bytes as JpgCodMainHGLOBAL
+ *  @param[out] status #KIRVO_OK; #KIRVO_BUSY while an encode or decode is in progress;
+ *              #KIRVO_NULL_HANDLE; #KIRVO_BAD_PARAMETER for a rectangle that is empty or outside
+ *              the image, or a block smaller than its header says; #KIRVO_NEEDS_8 for another
+ *              depth; #KIRVO_NO_MEMORY, also for a stream that outgrows its block;
+ *              #KIRVO_JPEG_CATEGORY; #KIRVO_ABANDONED when a progress handler has ended the encode
+ *  @return the block, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI JpgCodMainHGLOBAL_M(HGLOBAL dib, int32_t left, int32_t top, int32_t width,
+                                             int32_t height, int32_t grey_mode,
+                                             uint32_t* stream_bytes, int32_t* status);
+
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup jpegset JPEG encoder settings
+ *  @ingroup jpeg
+ *  They belong to the process and hold for all encodes that start later, until they are changed.
+ *  @{ */
+
+/** Sets how colour streams sample chroma. The default is 4.
+ *  @param mode 1: a sample per pixel; 2: halved across; 4: halved both ways
+ *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for another mode (the setting stays) */
+KIRVO_API int32_t WINAPI JpgCodSetSubsample(int32_t mode);
+
+/** Selects one of the quality levels 2 to 5.
+ *  @param q 0 to 3 for level 2 (finest) to 5 (coarsest)
+ *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for another value (the setting stays) */
+KIRVO_API int32_t WINAPI JpgCodSetQ(int32_t q);
+
+/** Selects a quality level. The default is 4.
+ *  @param level 1 (finest) to 5 (coarsest): a pair of fixed quantisation tables; level 5 also keeps
+ *         only the first 21 coefficients of each block. 0: the tables of JpgCodSetQtable
+ *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for another level (the setting stays) */
+KIRVO_API int32_t WINAPI JpgCodSetQEx(int32_t level);
+
+/** Loads quantisation tables of the caller's, which are used at level 0 only (JpgCodSetQEx). Until
+ *  then they are all ones.
+ *  @param luminance 64 quantisers of 1 to 255 in row-major order: entry row * 8 + column is for the
+ *         vertical frequency row and the horizontal frequency column
+ *  @param chrominance likewise
+ *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for a quantiser out of range or a null pointer (both
+ *          tables stay) */
+KIRVO_API int32_t WINAPI JpgCodSetQtable(const int16_t* luminance, const int16_t* chrominance);
+
+/** As JpgCodSetQtable, and sets how many coefficients of each block are coded at level 0.
+ *  @param luminance as JpgCodSetQtable
+ *  @param chrominance as JpgCodSetQtable
+ *  @param count 1 to 64 coefficients in zigzag order, the others become 0; any other value means 64
+ *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for a quantiser out of range or a null pointer (both
+ *          tables stay, and the number of coefficients) */
+KIRVO_API int32_t WINAPI JpgCodSetQtableEx(const int16_t* luminance, const int16_t* chrominance,
+                                           int32_t count);
+
+/** Sets a comment for the next stream only; one that is still pending is discarded.
+ *  @param text the bytes of the comment; null: none
+ *  @param length their number; 0: none. Above 65533 the length field of the segment wraps, so that
+ *         decoders take the rest of the comment for other segments */
+KIRVO_API void WINAPI JpgCodSetComment(const uint8_t* text, uint32_t length);
+
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup formats Targa, Q0, RAW, Photo CD and icon files
+ *  @ingroup files
+ *  All but icons become 24-bit images.
+ *  @{ */
+
+/** Reads an uncompressed 24-bit Targa file (image type 2), with either origin. The pixels are taken
+ *  to start at byte 18: an image ID or a colour map is not skipped. No progress is reported.
+ *  @param name file name
+ *  @param[out] width width in pixels, written on success
+ *  @param[out] height height in pixels, written on success
+ *  @param[out] status #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_READ_ERROR for a file shorter than its
+ *              header or its pixels; #KIRVO_NOT_TARGA for another image type or depth;
+ *              #KIRVO_NO_MEMORY, also for a width or height of 0
+ *  @return a new 24-bit image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Targa24Read(LPCSTR name, uint32_t* width, uint32_t* height,
+                                     int32_t* status);
+
+/** Writes a 24-bit image, or a rectangle of it, as an uncompressed Targa file with its origin at the
+ *  bottom left. Of sizes above 65535 the file's header keeps the low 16 bits. A partly written file
+ *  stays on disk.
+ *  @param name file name; an existing file is replaced
+ *  @param dib packed DIB of 24 bits with its rows at byte 40
+ *  @param x,y,width,height rectangle in the picture; width and height both -1 mean the whole image
+ *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for a null handle, a negative x or y, a rectangle that is
+ *          empty or outside the image, or a block smaller than its header says; #KIRVO_NULL_HANDLE
+ *          for a handle that cannot be locked; #KIRVO_NEEDS_24 for another depth (tested after the
+ *          rectangle); #KIRVO_CANNOT_OPEN; #KIRVO_WRITE_ERROR */
+KIRVO_API int32_t WINAPI Targa24Write(LPCSTR name, HGLOBAL dib, int32_t x, int32_t y, int32_t width,
+                                      int32_t height);
+
+/** Reads a Q0 file: rows of red, green and blue bytes from the top of the picture down, without a
+ *  header. Width and height stand, as two decimal integers, at the start of a text file of the same
+ *  name with the extension ".IPR" (appended to a name without an extension). Surplus bytes are
+ *  ignored. Progress counts rows.
+ *  @param name file name. On Windows it follows the rules of OpenFile (at most 127 characters), and
+ *         its title those of GetFileTitle.
+ *  @param[out] width width in pixels, written on success
+ *  @param[out] height height in pixels, written on success
+ *  @param[out] bits 24, written on success
+ *  @param[out] status #KIRVO_OK; #KIRVO_Q0_SIZE when the companion file cannot be opened (tested
+ *              first) or does not hold two numbers, or when the Q0 file is too short for them;
+ *              #KIRVO_CANNOT_OPEN; #KIRVO_NO_MEMORY, also for a size below 1; #KIRVO_READ_ERROR
+ *  @return a new 24-bit image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Q0Read(LPCSTR name, uint32_t* width, uint32_t* height, uint32_t* bits,
+                                int32_t* status);
+
+/** Reads a RAW file: a 32-byte header (the magic "mhwanh"; big-endian 16-bit width at byte 8, height
+ *  at byte 10, palette size at byte 12), then rows as in a Q0 file. Progress counts rows.
+ *  @param name file name; on Windows by the rules of OpenFile (at most 127 characters)
+ *  @param[out] width width in pixels, written on success
+ *  @param[out] height height in pixels, written on success
+ *  @param[out] bits 24, written on success
+ *  @param[out] status #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_READ_ERROR for a file below 32 bytes or
+ *              a short read; #KIRVO_NOT_RAW for another magic, or (tested last) a file too short for
+ *              its size; #KIRVO_RAW_PALETTE for a palette size other than 0; #KIRVO_NO_MEMORY, also
+ *              for a width or height of 0
+ *  @return a new 24-bit image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI RawRead(LPCSTR name, uint32_t* width, uint32_t* height, uint32_t* bits,
+                                 int32_t* status);
+
+/** Reads a Photo CD image with the Photo CD access library, which is loaded for the length of the
+ *  call by the name PCDLIB32.DLL and the system's search rules (away from Windows: those of dlopen,
+ *  so LD_LIBRARY_PATH and the system's library folders). The library makes the image and reports
+ *  progress, if any, by means of its own.
  *
- *  The palette is a cube of 7 levels of green (0, 64, 96, 128, 160, 192, 255) and 6 of blue and red
- *  (0, 64, 96, 128, 192, 255), with the 20 system colours in slots 0-9 and 246-255. A channel goes
- *  up to the level above it: to 64 from 32 on, to each further level from the one below it on. Rows
- *  are scanned right to left and left to right in turn, the bottom row right to left. What is left
- *  over of each channel goes on, in halves rounded down: 1/2 to the next pixel in scan direction,
- *  1/4 below it, 1/8 below and ahead, 1/16 below and behind.
- *  @param dib packed DIB of 24 or 32 bits
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
- *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
- *              also for an image without width or height
- *  @return the new image, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI DecreaseColor256(HGLOBAL dib, int32_t* status);
+ *  The status codes have meanings of their own here.
+ *  @param name file name, passed on to the library
+ *  @param resolution the library's resolution index, 0 to 5; any other value means 3
+ *  @param progress passed on as the library's progress value; 0 for none
+ *  @param[out] width biWidth, written on success
+ *  @param[out] height biHeight, written on success
+ *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER when the library is missing, or its progress,
+ *              transform, resolution or close call failed; #KIRVO_NO_MEMORY when the file could not
+ *              be opened; #KIRVO_CANNOT_OPEN when its image information could not be read;
+ *              #KIRVO_NULL_HANDLE when the image could not be loaded
+ *  @return the library's image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI PcdRead(LPCSTR name, int32_t resolution, uintptr_t progress,
+                                 uint32_t* width, uint32_t* height, int32_t* status);
 
-/** Makes a 4-bit image with error diffusion, as DecreaseColor256 spreads it, to 16 fixed colours.
+/** Lists the images of an icon or cursor file by its directory.
  *
- *  Where any channel is above 128, each channel above 128 becomes 255 and the others 0 (colours 8
- *  to 15, counting red 1, green 2, blue 4); elsewhere each channel above 64 becomes 128 and the
- *  others 0 (colours 0 to 6, and 8 for all three). Colour 7 (192, 192, 192) is in the palette but
- *  not used.
- *  @param dib packed DIB of 24 or 32 bits
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
- *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
- *              also for an image without width or height
- *  @return the new image, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI DecreaseColor16(HGLOBAL dib, int32_t* status);
+ *  Each 6-byte record holds three 16-bit numbers: colours (the colour count of the entry with the
+ *  byte behind it as its high byte; 0 is listed as 256), width and height.
+ *  @param name file name
+ *  @param[out] records set to 0 and filled with as many records as fit; null asks for the count
+ *  @param size bytes of records; 0 asks for the count
+ *  @return the number of images that the file declares, whether or not they fitted;
+ *          #KIRVO_CANNOT_OPEN; #KIRVO_READ_ERROR for a file shorter than its header or the entries
+ *          listed; #KIRVO_NOT_ICON */
+KIRVO_API int32_t WINAPI IcoGetInfo(LPCSTR name, void* records, uint32_t size);
 
-/** Makes an 8-bit grey image, without diffusion.
+/** Lists the images of an icon or cursor file by their own headers.
  *
- *  The palette has the 20 system colours in slots 0-9 and 246-255 and greys 20 to 255 in slots 10
- *  to 245. A pixel of luminance Y = (77 red + 150 green + 29 blue + 128) / 256 gets slot Y - 10,
- *  and no slot below 10.
- *  @param dib packed DIB of 24 or 32 bits
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
- *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
- *              also for an image without width or height
- *  @return the new image, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI DecreaseColorMono256(HGLOBAL dib, int32_t* status);
-
-/** Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered dither of 8 x 8
- *  pixels over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255: a channel value v becomes
- *  level v / 51, one more where v mod 51 is above the dither's threshold. The four cube colours
- *  that the palette lacks become pure green or pure blue.
- *  @param dib packed DIB of 24 or 32 bits
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
- *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
- *              also for an image without width or height
- *  @return the new image (biClrUsed 256), owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI Decrease256Fast(HGLOBAL dib, int32_t* status);
-
-/** Makes an 8-bit image with exactly the colours of the source.
+ *  Each 12-byte record holds the 32-bit offset of the image in the file, then 16-bit colours (2, 16
+ *  or 256 for 1, 4 or 8 bits; 0 for any other depth and for an image outside the file), width and
+ *  height; its last 2 bytes are not written.
  *
- *  New colours receive slots in the order of their appearance, row by row from the bottom left. In
- *  mode 0 slots 0-7 and 247-255 are given to system colours beforehand and 239 slots are free, in
- *  mode 1 all 256 are. Slots not used are black.
- *  @param dib packed DIB of 24 or 32 bits
- *  @param mode 0 or 1
- *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for another mode, before the handle is looked
- *              at; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth; #KIRVO_BAD_PARAMETER
- *              for a block smaller than its header says; #KIRVO_NO_MEMORY, also for an image
- *              without width or height; #KIRVO_MORE_THAN_256 when the free slots do not suffice
- *  @return the new image (biClrUsed 256), owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI Decrease256PaletteEx(HGLOBAL dib, int32_t mode, int32_t* status);
+ *  @warning The number of records is reckoned with 6 bytes each: records must have room for
+ *           12 × min(count, size / 6) bytes, of which the first size bytes are set to 0.
+ *  @param name file name
+ *  @param[out] records filled as above; null asks for the count
+ *  @param size number of records wanted × 6; 0 asks for the count
+ *  @return the number of images that the file declares, whether or not they fitted;
+ *          #KIRVO_CANNOT_OPEN; #KIRVO_READ_ERROR for a file shorter than its header or the entries
+ *          listed; #KIRVO_NOT_ICON */
+KIRVO_API int32_t WINAPI IcoGetInfoEx(LPCSTR name, void* records, uint32_t size);
 
-/** Decrease256PaletteEx with mode 0.
- *  @param dib packed DIB of 24 or 32 bits
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
- *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
- *              also for an image without width or height; #KIRVO_MORE_THAN_256 when the free slots
- *              do not suffice
- *  @return the new image, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI Decrease256Palette(HGLOBAL dib, int32_t* status);
-
-/** Makes a 4-bit image with exactly the colours of the source. In mode 0 only the 16 system colours
- *  are accepted: black, the six dark primaries, (128, 128, 128) in slot 7, (192, 192, 192) in slot
- *  8, the six bright ones and white. In mode 1 any 16 colours receive slots in the order of their
- *  appearance, row by row from the bottom left.
- *  @param dib packed DIB of 24 or 32 bits
- *  @param mode 0 or 1
- *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for another mode, before the handle is looked
- *              at; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth; #KIRVO_BAD_PARAMETER
- *              for a block smaller than its header says; #KIRVO_NO_MEMORY, also for an image
- *              without width or height; #KIRVO_MORE_THAN_16 when the slots do not suffice
- *  @return the new image (biClrUsed 16), owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI Decrease16PaletteEx(HGLOBAL dib, int32_t mode, int32_t* status);
-
-/** Decrease16PaletteEx with mode 0.
- *  @param dib packed DIB of 24 or 32 bits
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
- *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
- *              also for an image without width or height; #KIRVO_MORE_THAN_16 for a colour that is
- *              not of the 16
- *  @return the new image, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI Decrease16Palette(HGLOBAL dib, int32_t* status);
-
-/** Makes a 24-bit image of an indexed one.
+/** Reads one image of an icon or cursor file, and its transparency mask.
  *
- *  The colour table is looked for after 40 bytes of header, the rows after biSize + PaletteSize. An
- *  index is not compared with the number of colours.
- *  @param dib packed DIB of 1, 4 or 8 bits
- *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_1_4_8 for another depth;
- *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
- *              also for an image without width or height
- *  @return the new image, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI IncreaseColor16M(HGLOBAL dib, int32_t* status);
+ *  The image keeps the header, colour table and rows that it has in the file, with its height
+ *  halved to the entry's. At most 65535 bytes are read, and nothing beyond the size that the entry
+ *  gives the image; what is missing is 0. An entry of 256 pixels width or height (stored as 0)
+ *  cannot be read.
+ *  @param name file name
+ *  @param index from 0
+ *  @param[out] width the entry's width, written on success
+ *  @param[out] height the entry's height, written on success
+ *  @param[out] bits the image's depth, written on success
+ *  @param[out] status #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_NOT_ICON; #KIRVO_BAD_PARAMETER for an
+ *              index below 0 or not below the number of entries; #KIRVO_READ_ERROR for a file
+ *              shorter than its header or directory, or an image said to be smaller than its mask;
+ *              #KIRVO_NO_MEMORY, also for a size of 0 and for a depth that no image has, such as
+ *              that of an image outside the file
+ *  @param[out] mask receives the mask, owned by the caller, on success: a 1-bit image with colour 0
+ *              black and 1 white; null when it is not wanted
+ *  @return a new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI IcoGetData(LPCSTR name, int32_t index, uint32_t* width, uint32_t* height,
+                                    uint32_t* bits, int32_t* status, HGLOBAL* mask);
 
 /** @} */
 
@@ -1516,7 +1407,10 @@ KIRVO_API HGLOBAL WINAPI DibModifyHueEx(HGLOBAL dib, int32_t x, int32_t y, int32
 /** Blurs a rectangle with a fixed 3 × 3 kernel. Each channel becomes
  *  (11 × (sum of the four corners) + 30 × (sum of the four edge neighbours) + 81 × centre) >> 8.
  *
- *  The weights add up to 245, not 256: the blur darkens by about 4 % (a flat 255 becomes 244).
+ *  White darkens by 4 % a pass (255 becomes 244, then 233): the weights, four times 11, four times
+ *  30 and 81, add up to 245, and the sum is divided by 256. DibFilter3x3 keeps white white when its
+ *  divisor is the sum of its weights.
+ *
  *  Neighbours outside the rectangle are not read: the pixel's own row or column takes their place.
  *  The exception is a rectangle one row high, whose row above is read from the image (as black
  *  beyond its top). Reports progress per row.
@@ -1884,134 +1778,243 @@ KIRVO_API HGLOBAL WINAPI DibBlockMxM(HGLOBAL dib, int32_t x, int32_t y, int32_t 
 /** @} */
 
 /* ------------------------------------------------------------------------------------------- */
-/** @defgroup formats Targa, Q0, RAW, Photo CD and icon files
- *  @ingroup files
- *  All but icons become 24-bit images.
+/** @defgroup depth Depth conversion
+ *  @ingroup colours
+ *  Between 16, 24 and 32 bits, into a new image of the same size. Channels are narrowed by
+ *  truncation and widened with zero low bits. The conversions report progress over the rows;
+ *  DibCutDepth reports none.
+ *
+ *  The pixels of a 24-bit source follow 40 header bytes and the colour part; those of a 16-bit
+ *  source follow biSize bytes, and 12 bytes of masks with BI_BITFIELDS. A 32-bit source is always
+ *  taken to have 12 bytes of masks before its pixels, even with BI_RGB, whose masks are
+ *  0x00FF0000, 0x0000FF00, 0x000000FF; pixels that are then missing at the end read as 0.
  *  @{ */
 
-/** Reads an uncompressed 24-bit Targa file (image type 2), with either origin. The pixels are taken
- *  to start at byte 18: an image ID or a colour map is not skipped. No progress is reported.
- *  @param name file name
- *  @param[out] width width in pixels, written on success
- *  @param[out] height height in pixels, written on success
- *  @param[out] status #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_READ_ERROR for a file shorter than its
- *              header or its pixels; #KIRVO_NOT_TARGA for another image type or depth;
- *              #KIRVO_NO_MEMORY, also for a width or height of 0
- *  @return a new 24-bit image, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI Targa24Read(LPCSTR name, uint32_t* width, uint32_t* height,
-                                     int32_t* status);
+/** Makes a 24-bit image of a 16- or 32-bit one. 5-bit 31 gives 248.
+ *  @param dib packed DIB of 16 or 32 bits; a 16-bit one without masks is read as 5-5-5
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_16_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height
+ *  @return the new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI DibConvert24bit(HGLOBAL dib, int32_t* status);
 
-/** Writes a 24-bit image, or a rectangle of it, as an uncompressed Targa file with its origin at the
- *  bottom left. Of sizes above 65535 the file's header keeps the low 16 bits. A partly written file
- *  stays on disk.
- *  @param name file name; an existing file is replaced
- *  @param dib packed DIB of 24 bits with its rows at byte 40
- *  @param x,y,width,height rectangle in the picture; width and height both -1 mean the whole image
- *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for a null handle, a negative x or y, a rectangle that is
- *          empty or outside the image, or a block smaller than its header says; #KIRVO_NULL_HANDLE
- *          for a handle that cannot be locked; #KIRVO_NEEDS_24 for another depth (tested after the
- *          rectangle); #KIRVO_CANNOT_OPEN; #KIRVO_WRITE_ERROR */
-KIRVO_API int32_t WINAPI Targa24Write(LPCSTR name, HGLOBAL dib, int32_t x, int32_t y, int32_t width,
-                                      int32_t height);
+/** Makes a 16-bit image of a 24- or 32-bit one. It is always 5-6-5 with the masks 0xF800, 0x07E0
+ *  and 0x001F: (red & 0xF8) << 8 | (green & 0xFC) << 3 | blue >> 3.
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height
+ *  @return the new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI DibConvert16bit(HGLOBAL dib, int32_t* status);
 
-/** Reads a Q0 file: rows of red, green and blue bytes from the top of the picture down, without a
- *  header. Width and height stand, as two decimal integers, at the start of a text file of the same
- *  name with the extension ".IPR" (appended to a name without an extension). Surplus bytes are
- *  ignored. Progress counts rows.
- *  @param name file name. On Windows it follows the rules of OpenFile (at most 127 characters), and
- *         its title those of GetFileTitle.
- *  @param[out] width width in pixels, written on success
- *  @param[out] height height in pixels, written on success
- *  @param[out] bits 24, written on success
- *  @param[out] status #KIRVO_OK; #KIRVO_Q0_SIZE when the companion file cannot be opened (tested
- *              first) or does not hold two numbers, or when the Q0 file is too short for them;
- *              #KIRVO_CANNOT_OPEN; #KIRVO_NO_MEMORY, also for a size below 1; #KIRVO_READ_ERROR
- *  @return a new 24-bit image, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI Q0Read(LPCSTR name, uint32_t* width, uint32_t* height, uint32_t* bits,
-                                int32_t* status);
+/** Makes a 32-bit image of a 16- or 24-bit one, with the masks 0x00FF0000, 0x0000FF00 and
+ *  0x000000FF: red << 16 | green << 8 | blue.
+ *  @param dib packed DIB of 16 or 24 bits; a 16-bit one without masks is read as 5-5-5
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_16_24 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height
+ *  @return the new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI DibConvert32bit(HGLOBAL dib, int32_t* status);
 
-/** Reads a RAW file: a 32-byte header (the magic "mhwanh"; big-endian 16-bit width at byte 8, height
- *  at byte 10, palette size at byte 12), then rows as in a Q0 file. Progress counts rows.
- *  @param name file name; on Windows by the rules of OpenFile (at most 127 characters)
- *  @param[out] width width in pixels, written on success
- *  @param[out] height height in pixels, written on success
- *  @param[out] bits 24, written on success
- *  @param[out] status #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_READ_ERROR for a file below 32 bytes or
- *              a short read; #KIRVO_NOT_RAW for another magic, or (tested last) a file too short for
- *              its size; #KIRVO_RAW_PALETTE for a palette size other than 0; #KIRVO_NO_MEMORY, also
- *              for a width or height of 0
- *  @return a new 24-bit image, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI RawRead(LPCSTR name, uint32_t* width, uint32_t* height, uint32_t* bits,
-                                 int32_t* status);
+/** Makes a copy of a 24-bit image that keeps only the top bits of each channel.
+ *  @param dib packed DIB of 24 bits with a 40-byte header
+ *  @param red_bits bits of red kept, 0 to 8
+ *  @param green_bits bits of green kept, 0 to 8
+ *  @param blue_bits bits of blue kept, 0 to 8
+ *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for a count outside 0 to 8 (before the handle
+ *              is looked at), an image without width or height or a block smaller than its header
+ *              says; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24; #KIRVO_NO_MEMORY
+ *  @return the new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI DibCutDepth(HGLOBAL dib, int32_t red_bits, int32_t green_bits,
+                                     int32_t blue_bits, int32_t* status);
 
-/** Reads a Photo CD image with the Photo CD access library, which is loaded for the length of the
- *  call by the name PCDLIB32.DLL and the system's search rules (away from Windows: those of dlopen,
- *  so LD_LIBRARY_PATH and the system's library folders). The library makes the image and reports
- *  progress, if any, by means of its own.
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup reduce Colour reduction
+ *  @ingroup colours
+ *  True colour to a colour table and back, always into a new image that the caller owns. The three
+ *  DecreaseColor functions bring fixed palettes of their own; Decrease256Fast dithers to the
+ *  library's palette; the exact conversions collect the colours of the image. All report progress
+ *  over the stored rows, and start at the bottom row.
  *
- *  The status codes have meanings of their own here.
- *  @param name file name, passed on to the library
- *  @param resolution the library's resolution index, 0 to 5; any other value means 3
- *  @param progress passed on as the library's progress value; 0 for none
- *  @param[out] width biWidth, written on success
- *  @param[out] height biHeight, written on success
- *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER when the library is missing, or its progress,
- *              transform, resolution or close call failed; #KIRVO_NO_MEMORY when the file could not
- *              be opened; #KIRVO_CANNOT_OPEN when its image information could not be read;
- *              #KIRVO_NULL_HANDLE when the image could not be loaded
- *  @return the library's image, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI PcdRead(LPCSTR name, int32_t resolution, uintptr_t progress,
-                                 uint32_t* width, uint32_t* height, int32_t* status);
+ *  Sources have 24 bits, or 32 bits with any masks. Decrease256Fast and the exact conversions find
+ *  their rows at biSize + 4 * biClrUsed bytes, at 32 bits another 12 bytes further on whether or
+ *  not there are masks (missing pixels at the end read as 0). They keep 16 bits of the number of
+ *  bits in a row, in the source and in the result: rows of more than 65504 bits (2729 pixels of 24
+ *  bits, 2047 of 32 bits, 8188 of the 8-bit result, 16376 of the 4-bit one) overlap.
+ *
+ *  On failure the result is null. The status may be null.
+ *  @{ */
 
-/** Lists the images of an icon or cursor file by its directory.
+/** Makes an 8-bit image with error diffusion to 256 fixed colours.
  *
- *  Each 6-byte record holds three 16-bit numbers: colours (the colour count of the entry with the
- *  byte behind it as its high byte; 0 is listed as 256), width and height.
- *  @param name file name
- *  @param[out] records set to 0 and filled with as many records as fit; null asks for the count
- *  @param size bytes of records; 0 asks for the count
- *  @return the number of images that the file declares, whether or not they fitted;
- *          #KIRVO_CANNOT_OPEN; #KIRVO_READ_ERROR for a file shorter than its header or the entries
- *          listed; #KIRVO_NOT_ICON */
-KIRVO_API int32_t WINAPI IcoGetInfo(LPCSTR name, void* records, uint32_t size);
+ *  The palette is a cube of 7 levels of green (0, 64, 96, 128, 160, 192, 255) and 6 of blue and red
+ *  (0, 64, 96, 128, 192, 255), with the 20 system colours in slots 0-9 and 246-255. A channel goes
+ *  up to the level above it: to 64 from 32 on, to each further level from the one below it on. Rows
+ *  are scanned right to left and left to right in turn, the bottom row right to left. What is left
+ *  over of each channel goes on, in halves rounded down: 1/2 to the next pixel in scan direction,
+ *  1/4 below it, 1/8 below and ahead, 1/16 below and behind.
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height
+ *  @return the new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI DecreaseColor256(HGLOBAL dib, int32_t* status);
 
-/** Lists the images of an icon or cursor file by their own headers.
+/** Makes a 4-bit image with error diffusion, as DecreaseColor256 spreads it, to 16 fixed colours.
  *
- *  Each 12-byte record holds the 32-bit offset of the image in the file, then 16-bit colours (2, 16
- *  or 256 for 1, 4 or 8 bits; 0 for any other depth and for an image outside the file), width and
- *  height; its last 2 bytes are not written.
- *
- *  @warning The number of records is reckoned with 6 bytes each: records must have room for
- *           12 × min(count, size / 6) bytes, of which the first size bytes are set to 0.
- *  @param name file name
- *  @param[out] records filled as above; null asks for the count
- *  @param size number of records wanted × 6; 0 asks for the count
- *  @return the number of images that the file declares, whether or not they fitted;
- *          #KIRVO_CANNOT_OPEN; #KIRVO_READ_ERROR for a file shorter than its header or the entries
- *          listed; #KIRVO_NOT_ICON */
-KIRVO_API int32_t WINAPI IcoGetInfoEx(LPCSTR name, void* records, uint32_t size);
+ *  Where any channel is above 128, each channel above 128 becomes 255 and the others 0 (colours 8
+ *  to 15, counting red 1, green 2, blue 4); elsewhere each channel above 64 becomes 128 and the
+ *  others 0 (colours 0 to 6, and 8 for all three). Colour 7 (192, 192, 192) is in the palette but
+ *  not used.
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height
+ *  @return the new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI DecreaseColor16(HGLOBAL dib, int32_t* status);
 
-/** Reads one image of an icon or cursor file, and its transparency mask.
+/** Makes an 8-bit grey image, without diffusion.
  *
- *  The image keeps the header, colour table and rows that it has in the file, with its height
- *  halved to the entry's. At most 65535 bytes are read, and nothing beyond the size that the entry
- *  gives the image; what is missing is 0. An entry of 256 pixels width or height (stored as 0)
- *  cannot be read.
- *  @param name file name
- *  @param index from 0
- *  @param[out] width the entry's width, written on success
- *  @param[out] height the entry's height, written on success
- *  @param[out] bits the image's depth, written on success
- *  @param[out] status #KIRVO_OK; #KIRVO_CANNOT_OPEN; #KIRVO_NOT_ICON; #KIRVO_BAD_PARAMETER for an
- *              index below 0 or not below the number of entries; #KIRVO_READ_ERROR for a file
- *              shorter than its header or directory, or an image said to be smaller than its mask;
- *              #KIRVO_NO_MEMORY, also for a size of 0 and for a depth that no image has, such as
- *              that of an image outside the file
- *  @param[out] mask receives the mask, owned by the caller, on success: a 1-bit image with colour 0
- *              black and 1 white; null when it is not wanted
- *  @return a new image, owned by the caller, or null */
-KIRVO_API HGLOBAL WINAPI IcoGetData(LPCSTR name, int32_t index, uint32_t* width, uint32_t* height,
-                                    uint32_t* bits, int32_t* status, HGLOBAL* mask);
+ *  The palette has the 20 system colours in slots 0-9 and 246-255 and greys 20 to 255 in slots 10
+ *  to 245. A pixel of luminance Y = (77 red + 150 green + 29 blue + 128) / 256 gets slot Y - 10,
+ *  and no slot below 10.
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height
+ *  @return the new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI DecreaseColorMono256(HGLOBAL dib, int32_t* status);
+
+/** Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered dither of 8 x 8
+ *  pixels over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255: a channel value v becomes
+ *  level v / 51, one more where v mod 51 is above the dither's threshold. The four cube colours
+ *  that the palette lacks become pure green or pure blue.
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height
+ *  @return the new image (biClrUsed 256), owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Decrease256Fast(HGLOBAL dib, int32_t* status);
+
+/** Makes an 8-bit image with exactly the colours of the source.
+ *
+ *  New colours receive slots in the order of their appearance, row by row from the bottom left. In
+ *  mode 0 slots 0-7 and 247-255 are given to system colours beforehand and 239 slots are free, in
+ *  mode 1 all 256 are. Slots not used are black.
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param mode 0 or 1
+ *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for another mode, before the handle is looked
+ *              at; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth; #KIRVO_BAD_PARAMETER
+ *              for a block smaller than its header says; #KIRVO_NO_MEMORY, also for an image
+ *              without width or height; #KIRVO_MORE_THAN_256 when the free slots do not suffice
+ *  @return the new image (biClrUsed 256), owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Decrease256PaletteEx(HGLOBAL dib, int32_t mode, int32_t* status);
+
+/** Decrease256PaletteEx with mode 0.
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height; #KIRVO_MORE_THAN_256 when the free slots
+ *              do not suffice
+ *  @return the new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Decrease256Palette(HGLOBAL dib, int32_t* status);
+
+/** Makes a 4-bit image with exactly the colours of the source. In mode 0 only the 16 system colours
+ *  are accepted: black, the six dark primaries, (128, 128, 128) in slot 7, (192, 192, 192) in slot
+ *  8, the six bright ones and white. In mode 1 any 16 colours receive slots in the order of their
+ *  appearance, row by row from the bottom left.
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param mode 0 or 1
+ *  @param[out] status #KIRVO_OK; #KIRVO_BAD_PARAMETER for another mode, before the handle is looked
+ *              at; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth; #KIRVO_BAD_PARAMETER
+ *              for a block smaller than its header says; #KIRVO_NO_MEMORY, also for an image
+ *              without width or height; #KIRVO_MORE_THAN_16 when the slots do not suffice
+ *  @return the new image (biClrUsed 16), owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Decrease16PaletteEx(HGLOBAL dib, int32_t mode, int32_t* status);
+
+/** Decrease16PaletteEx with mode 0.
+ *  @param dib packed DIB of 24 or 32 bits
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_24_32 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height; #KIRVO_MORE_THAN_16 for a colour that is
+ *              not of the 16
+ *  @return the new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI Decrease16Palette(HGLOBAL dib, int32_t* status);
+
+/** Makes a 24-bit image of an indexed one.
+ *
+ *  The colour table is looked for after 40 bytes of header, the rows after biSize + PaletteSize. An
+ *  index is not compared with the number of colours.
+ *  @param dib packed DIB of 1, 4 or 8 bits
+ *  @param[out] status #KIRVO_OK; #KIRVO_NULL_HANDLE; #KIRVO_NEEDS_1_4_8 for another depth;
+ *              #KIRVO_BAD_PARAMETER for a block smaller than its header says; #KIRVO_NO_MEMORY,
+ *              also for an image without width or height
+ *  @return the new image, owned by the caller, or null */
+KIRVO_API HGLOBAL WINAPI IncreaseColor16M(HGLOBAL dib, int32_t* status);
+
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup pixel Single pixels and lines
+ *  @ingroup memory
+ *  One pixel or one line of an image with a 40-byte header. No progress is reported.
+ *  @{ */
+
+/** Reads one pixel of an image of any depth.
+ *
+ *  Channels of 16-bit images are scaled to 8 bits with zero low bits (5-bit 31 reads as 248).
+ *  @param dib packed DIB of 1, 4, 8, 16, 24 or 32 bits
+ *  @param x column from the left
+ *  @param y row from the top
+ *  @param[out] colour 0x00BBGGRR; left alone on failure
+ *  @return #KIRVO_OK, or #KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image, another
+ *          depth or a block too small */
+KIRVO_API int32_t WINAPI DibGetPixelColor(HGLOBAL dib, int32_t x, int32_t y, uint32_t* colour);
+
+/** Writes one pixel of a direct-colour image. Channels are narrowed by truncation.
+ *  @param dib packed DIB of 16, 24 or 32 bits
+ *  @param x column from the left
+ *  @param y row from the top
+ *  @param colour 0x00BBGGRR
+ *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image or a block
+ *          too small; #KIRVO_NEEDS_16_24_32 for another depth */
+KIRVO_API int32_t WINAPI DibSetPixelColor(HGLOBAL dib, int32_t x, int32_t y, uint32_t colour);
+
+/** Fills the pixels x0 to x1 (inclusive) of one row with a colour. Nothing is written, and the
+ *  result is still #KIRVO_OK, when x0 > x1.
+ *  @param dib packed DIB of 16, 24 or 32 bits
+ *  @param x0 first column
+ *  @param x1 last column
+ *  @param y row from the top
+ *  @param colour 0x00BBGGRR
+ *  @return #KIRVO_OK; #KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image or a block
+ *          too small; #KIRVO_NEEDS_16_24_32 for another depth */
+KIRVO_API int32_t WINAPI DibSetLineColor(HGLOBAL dib, int32_t x0, int32_t x1, int32_t y,
+                                         uint32_t colour);
+
+/** @} */
+
+/* ------------------------------------------------------------------------------------------- */
+/** @defgroup window Window fitting
+ *  @ingroup memory
+ *  A window as large as its picture.
+ *  @{ */
+
+/** Resizes a window so that its client area shows an image at a whole scale; FitWindowToImage is
+ *  the same at scale 1.
+ *
+ *  Makes two calls of SetWindowPos with the frame width of the system's metrics (the first allows
+ *  for a menu bar as well), and a third, by the measured size of everything around the client
+ *  area, when that does not have the wanted size yet. The window keeps its place and its z-order.
+ *  No error is reported: a window that cannot become so large stays as large as the system lets it.
+ *  @param window the window
+ *  @param dib packed DIB of any depth; null changes nothing
+ *  @param scale the client area becomes biWidth × scale by biHeight × scale pixels (32 bits each) */
+KIRVO_API void WINAPI FitWindowToImageEx(HWND window, HGLOBAL dib, uint32_t scale);
+/** FitWindowToImageEx at scale 1. @param window the window @param dib packed DIB */
+KIRVO_API void WINAPI FitWindowToImage(HWND window, HGLOBAL dib);
 
 /** @} */
 
@@ -2028,25 +2031,24 @@ typedef int32_t(WINAPI* PFN_DibQueryBitCount)(HGLOBAL);
 typedef int32_t(WINAPI* PFN_XPaletteQuad)(HGLOBAL, int32_t, uint32_t);
 typedef HPALETTE(WINAPI* PFN_KirvoCreatePalette)(void);
 typedef HGLOBAL(WINAPI* PFN_DibMemAllocEx)(uint32_t, int32_t, uint32_t);
-typedef int32_t(WINAPI* PFN_DibGetPixelColor)(HGLOBAL, int32_t, int32_t, uint32_t*);
-typedef int32_t(WINAPI* PFN_DibSetPixelColor)(HGLOBAL, int32_t, int32_t, uint32_t);
-typedef int32_t(WINAPI* PFN_DibSetLineColor)(HGLOBAL, int32_t, int32_t, int32_t, uint32_t);
 typedef HGLOBAL(WINAPI* PFN_DibReadEx)(LPCSTR, uint32_t*, uint32_t*, uint32_t*, int32_t*);
 typedef HGLOBAL(WINAPI* PFN_Dib24Read)(LPCSTR, uint32_t*, uint32_t*, int32_t*);
 typedef int32_t(WINAPI* PFN_DibWriteEx)(LPCSTR, HGLOBAL, int32_t, int32_t, int32_t, int32_t);
 typedef int32_t(WINAPI* PFN_Dib24Write)(LPCSTR, HGLOBAL, int32_t, int32_t, int32_t, int32_t);
-typedef HGLOBAL(WINAPI* PFN_DibConvert24bit)(HGLOBAL, int32_t*);
-typedef HGLOBAL(WINAPI* PFN_DibConvert16bit)(HGLOBAL, int32_t*);
-typedef HGLOBAL(WINAPI* PFN_DibConvert32bit)(HGLOBAL, int32_t*);
-typedef HGLOBAL(WINAPI* PFN_DibCutDepth)(HGLOBAL, int32_t, int32_t, int32_t, int32_t*);
-typedef void(WINAPI* PFN_FitWindowToImageEx)(HWND, HGLOBAL, uint32_t);
-typedef void(WINAPI* PFN_FitWindowToImage)(HWND, HGLOBAL);
-typedef int32_t(WINAPI* PFN_JpgCodSetSubsample)(int32_t);
-typedef int32_t(WINAPI* PFN_JpgCodSetQ)(int32_t);
-typedef int32_t(WINAPI* PFN_JpgCodSetQEx)(int32_t);
-typedef int32_t(WINAPI* PFN_JpgCodSetQtable)(const int16_t*, const int16_t*);
-typedef int32_t(WINAPI* PFN_JpgCodSetQtableEx)(const int16_t*, const int16_t*, int32_t);
-typedef void(WINAPI* PFN_JpgCodSetComment)(const uint8_t*, uint32_t);
+typedef int32_t(WINAPI* PFN_JpgDecFirst)(HGLOBAL, int32_t, HGLOBAL*);
+typedef int32_t(WINAPI* PFN_JpgDecNext)(HGLOBAL, int32_t, int32_t, HGLOBAL*);
+typedef HGLOBAL(WINAPI* PFN_JpgDecMainEx)(LPCSTR, uint32_t*, uint32_t*, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_JpgDecMainHGLOBAL)(HGLOBAL, int32_t, uint32_t*, uint32_t*, int32_t*);
+typedef void(WINAPI* PFN_JpgDecSetNoblock)(int32_t, int32_t, int32_t);
+typedef int32_t(WINAPI* PFN_JpgDecGetSpecEx)(LPCSTR, JpgDecSpec*);
+typedef int32_t(WINAPI* PFN_JpgDecGetSpec)(LPCSTR, uint32_t*, uint32_t*, uint32_t*, uint32_t*);
+typedef void(WINAPI* PFN_JpgDecGetCommentEnable)(int32_t);
+typedef int32_t(WINAPI* PFN_JpgDecCommentCounts)(void);
+typedef HGLOBAL(WINAPI* PFN_JpgDecGetComment)(int32_t);
+typedef void(WINAPI* PFN_JpgDecCommentFree)(void);
+typedef int32_t(WINAPI* PFN_JpgDecGetQtable)(uint16_t*, uint16_t*);
+typedef int32_t(WINAPI* PFN_JpgDecGetQtableEx)(int32_t, uint16_t*);
+typedef uint16_t(WINAPI* PFN_JpgDecGetLastUexMarker)(uint32_t*);
 typedef uint32_t(WINAPI* PFN_JpgCodGetStatus)(uint32_t*, uint32_t*);
 typedef HGLOBAL(WINAPI* PFN_JpgCodFirst)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
         int32_t*);
@@ -2062,29 +2064,21 @@ typedef int32_t(WINAPI* PFN_JpgCodMainEx_M)(LPCSTR, HGLOBAL, int32_t, int32_t, i
         int32_t);
 typedef HGLOBAL(WINAPI* PFN_JpgCodMainHGLOBAL_M)(HGLOBAL, int32_t, int32_t, int32_t, int32_t,
         int32_t, uint32_t*, int32_t*);
-typedef int32_t(WINAPI* PFN_JpgDecFirst)(HGLOBAL, int32_t, HGLOBAL*);
-typedef int32_t(WINAPI* PFN_JpgDecNext)(HGLOBAL, int32_t, int32_t, HGLOBAL*);
-typedef HGLOBAL(WINAPI* PFN_JpgDecMainEx)(LPCSTR, uint32_t*, uint32_t*, int32_t*);
-typedef HGLOBAL(WINAPI* PFN_JpgDecMainHGLOBAL)(HGLOBAL, int32_t, uint32_t*, uint32_t*, int32_t*);
-typedef void(WINAPI* PFN_JpgDecSetNoblock)(int32_t, int32_t, int32_t);
-typedef int32_t(WINAPI* PFN_JpgDecGetSpecEx)(LPCSTR, JpgDecSpec*);
-typedef int32_t(WINAPI* PFN_JpgDecGetSpec)(LPCSTR, uint32_t*, uint32_t*, uint32_t*, uint32_t*);
-typedef void(WINAPI* PFN_JpgDecGetCommentEnable)(int32_t);
-typedef int32_t(WINAPI* PFN_JpgDecCommentCounts)(void);
-typedef HGLOBAL(WINAPI* PFN_JpgDecGetComment)(int32_t);
-typedef void(WINAPI* PFN_JpgDecCommentFree)(void);
-typedef int32_t(WINAPI* PFN_JpgDecGetQtable)(uint16_t*, uint16_t*);
-typedef int32_t(WINAPI* PFN_JpgDecGetQtableEx)(int32_t, uint16_t*);
-typedef uint16_t(WINAPI* PFN_JpgDecGetLastUexMarker)(uint32_t*);
-typedef HGLOBAL(WINAPI* PFN_DecreaseColor256)(HGLOBAL, int32_t*);
-typedef HGLOBAL(WINAPI* PFN_DecreaseColor16)(HGLOBAL, int32_t*);
-typedef HGLOBAL(WINAPI* PFN_DecreaseColorMono256)(HGLOBAL, int32_t*);
-typedef HGLOBAL(WINAPI* PFN_Decrease256Fast)(HGLOBAL, int32_t*);
-typedef HGLOBAL(WINAPI* PFN_Decrease256PaletteEx)(HGLOBAL, int32_t, int32_t*);
-typedef HGLOBAL(WINAPI* PFN_Decrease256Palette)(HGLOBAL, int32_t*);
-typedef HGLOBAL(WINAPI* PFN_Decrease16PaletteEx)(HGLOBAL, int32_t, int32_t*);
-typedef HGLOBAL(WINAPI* PFN_Decrease16Palette)(HGLOBAL, int32_t*);
-typedef HGLOBAL(WINAPI* PFN_IncreaseColor16M)(HGLOBAL, int32_t*);
+typedef int32_t(WINAPI* PFN_JpgCodSetSubsample)(int32_t);
+typedef int32_t(WINAPI* PFN_JpgCodSetQ)(int32_t);
+typedef int32_t(WINAPI* PFN_JpgCodSetQEx)(int32_t);
+typedef int32_t(WINAPI* PFN_JpgCodSetQtable)(const int16_t*, const int16_t*);
+typedef int32_t(WINAPI* PFN_JpgCodSetQtableEx)(const int16_t*, const int16_t*, int32_t);
+typedef void(WINAPI* PFN_JpgCodSetComment)(const uint8_t*, uint32_t);
+typedef HGLOBAL(WINAPI* PFN_Targa24Read)(LPCSTR, uint32_t*, uint32_t*, int32_t*);
+typedef int32_t(WINAPI* PFN_Targa24Write)(LPCSTR, HGLOBAL, int32_t, int32_t, int32_t, int32_t);
+typedef HGLOBAL(WINAPI* PFN_Q0Read)(LPCSTR, uint32_t*, uint32_t*, uint32_t*, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_RawRead)(LPCSTR, uint32_t*, uint32_t*, uint32_t*, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_PcdRead)(LPCSTR, int32_t, uintptr_t, uint32_t*, uint32_t*, int32_t*);
+typedef int32_t(WINAPI* PFN_IcoGetInfo)(LPCSTR, void*, uint32_t);
+typedef int32_t(WINAPI* PFN_IcoGetInfoEx)(LPCSTR, void*, uint32_t);
+typedef HGLOBAL(WINAPI* PFN_IcoGetData)(LPCSTR, int32_t, uint32_t*, uint32_t*, uint32_t*, int32_t*,
+        HGLOBAL*);
 typedef int32_t(WINAPI* PFN_Dib24Copy)(HGLOBAL, HGLOBAL, int32_t, int32_t, int32_t, int32_t);
 typedef int32_t(WINAPI* PFN_Dib24CopyEx)(HGLOBAL, int32_t, int32_t, HGLOBAL, int32_t, int32_t,
         int32_t, int32_t);
@@ -2167,15 +2161,24 @@ typedef HGLOBAL(WINAPI* PFN_Dib24InterLeave)(HGLOBAL, int32_t, int32_t, HGLOBAL,
         int32_t, int32_t, int32_t*);
 typedef HGLOBAL(WINAPI* PFN_DibBlockMxM)(HGLOBAL, int32_t, int32_t, int32_t, int32_t, int32_t,
         int32_t, int32_t, int32_t*);
-typedef HGLOBAL(WINAPI* PFN_Targa24Read)(LPCSTR, uint32_t*, uint32_t*, int32_t*);
-typedef int32_t(WINAPI* PFN_Targa24Write)(LPCSTR, HGLOBAL, int32_t, int32_t, int32_t, int32_t);
-typedef HGLOBAL(WINAPI* PFN_Q0Read)(LPCSTR, uint32_t*, uint32_t*, uint32_t*, int32_t*);
-typedef HGLOBAL(WINAPI* PFN_RawRead)(LPCSTR, uint32_t*, uint32_t*, uint32_t*, int32_t*);
-typedef HGLOBAL(WINAPI* PFN_PcdRead)(LPCSTR, int32_t, uintptr_t, uint32_t*, uint32_t*, int32_t*);
-typedef int32_t(WINAPI* PFN_IcoGetInfo)(LPCSTR, void*, uint32_t);
-typedef int32_t(WINAPI* PFN_IcoGetInfoEx)(LPCSTR, void*, uint32_t);
-typedef HGLOBAL(WINAPI* PFN_IcoGetData)(LPCSTR, int32_t, uint32_t*, uint32_t*, uint32_t*, int32_t*,
-        HGLOBAL*);
+typedef HGLOBAL(WINAPI* PFN_DibConvert24bit)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_DibConvert16bit)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_DibConvert32bit)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_DibCutDepth)(HGLOBAL, int32_t, int32_t, int32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_DecreaseColor256)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_DecreaseColor16)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_DecreaseColorMono256)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Decrease256Fast)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Decrease256PaletteEx)(HGLOBAL, int32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Decrease256Palette)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Decrease16PaletteEx)(HGLOBAL, int32_t, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_Decrease16Palette)(HGLOBAL, int32_t*);
+typedef HGLOBAL(WINAPI* PFN_IncreaseColor16M)(HGLOBAL, int32_t*);
+typedef int32_t(WINAPI* PFN_DibGetPixelColor)(HGLOBAL, int32_t, int32_t, uint32_t*);
+typedef int32_t(WINAPI* PFN_DibSetPixelColor)(HGLOBAL, int32_t, int32_t, uint32_t);
+typedef int32_t(WINAPI* PFN_DibSetLineColor)(HGLOBAL, int32_t, int32_t, int32_t, uint32_t);
+typedef void(WINAPI* PFN_FitWindowToImageEx)(HWND, HGLOBAL, uint32_t);
+typedef void(WINAPI* PFN_FitWindowToImage)(HWND, HGLOBAL);
 /* clang-format on */
 /* What precedes is written by script/bindings. */
 /** @endcond */

@@ -38,13 +38,15 @@
 #include <mutex>
 #endif
 
+/** The class for pictures, and what goes with it. */
 namespace kirvo {
 
 /** What went wrong, in words, and the status code behind it. */
 class Error : public std::runtime_error {
   public:
+    /** @param status the code @param text what what() gives */
     Error(int32_t status, const std::string& text) : std::runtime_error(text), status_(status) {}
-    /** A KirvoStatus or a KirvoFilesStatus. */
+    /** The code behind the words. @return a KirvoStatus or a KirvoFilesStatus */
     int32_t status() const noexcept { return status_; }
 
   private:
@@ -58,10 +60,13 @@ using Progress = std::function<void(int)>;
 /** The part of a picture that an effect works on; by default all of it. A width or height below 0
  *  goes as far as the picture. */
 struct Area {
-    int32_t x = 0, y = 0, width = -1, height = -1;
+    int32_t x = 0;       /**< pixels from the left */
+    int32_t y = 0;       /**< pixels from the top */
+    int32_t width = -1;  /**< pixels, or all that follow */
+    int32_t height = -1; /**< pixels, or all that follow */
 };
 
-/** A colour as the library writes it: 0x00BBGGRR. */
+/** A colour as the library writes it. @param red,green,blue 0 to 255 @return 0x00BBGGRR */
 constexpr uint32_t rgb(uint8_t red, uint8_t green, uint8_t blue) {
     return red | uint32_t{green} << 8 | uint32_t{blue} << 16;
 }
@@ -71,8 +76,9 @@ enum class Test { anything = 0, inside = 1, outside = 2 };
 
 /** A range of values, for keep_channels and keep_colours. */
 struct Range {
-    int16_t lower = 0, upper = 0;
-    Test test = Test::anything;
+    int16_t lower = 0;          /**< the first value inside */
+    int16_t upper = 0;          /**< the last value inside */
+    Test test = Test::anything; /**< which values are kept */
     /** As keep_channels takes it. */
     operator uint32_t() const {
         return static_cast<uint8_t>(lower) | uint32_t{static_cast<uint8_t>(upper)} << 8 |
@@ -82,22 +88,23 @@ struct Range {
 
 /** How opening is done: the flags of kirvo_files.h, added. */
 struct OpenOptions {
-    uint32_t flags = 0;
-    uint32_t background = 0;
-    uint32_t frame = 0;
+    uint32_t flags = 0;      /**< KIRVO_FILES_NO_TURN to KIRVO_FILES_BACKGROUND, added */
+    uint32_t background = 0; /**< 0x00BBGGRR, with KIRVO_FILES_BACKGROUND; otherwise white */
+    uint32_t frame = 0;      /**< which picture, from 1; 0: an icon's best, else the first */
 };
 
 /** How saving is done: the fields of KirvoFilesSaveOptions. */
 struct SaveOptions {
-    uint32_t quality = 0;
-    int32_t format = KIRVO_FILES_UNKNOWN;
-    uint32_t flags = 0;
-    uint32_t level = 0;
-    uint32_t subsample = 0;
-    uint32_t size_limit = 0;
-    uint32_t bits = 0;
-    int32_t compression = KIRVO_FILES_COMPRESSION_USUAL;
-    double dpi_across = 0, dpi_down = 0;
+    uint32_t quality = 0;                 /**< JPEG and WebP: 1 to 100; 0: the source's, or 90 */
+    int32_t format = KIRVO_FILES_UNKNOWN; /**< a KirvoFilesFormat, by default the name's */
+    uint32_t flags = 0;                   /**< KIRVO_FILES_STRIP to KIRVO_FILES_FRESH, added */
+    uint32_t level = 0;                   /**< JPEG: quality level 1 to 5 in place of quality */
+    uint32_t subsample = 0;               /**< JPEG: 1, 2 or 4; 0: the source's, or by quality */
+    uint32_t size_limit = 0;              /**< JPEG and WebP: bytes at most; 0: any */
+    uint32_t bits = 0;                    /**< of a pixel, 8, 16, 24 or 32; 0: the picture's */
+    int32_t compression = KIRVO_FILES_COMPRESSION_USUAL; /**< TIFF: a KirvoFilesCompression */
+    double dpi_across = 0;                               /**< dots an inch; 0: the source's */
+    double dpi_down = 0;                                 /**< dots an inch; 0: the source's */
 };
 
 // clang-format off
@@ -204,13 +211,15 @@ struct ComposeOptions {
 
 /** How often each value of each channel occurs. */
 struct Histogram {
-    uint32_t red[256], green[256], blue[256];
+    uint32_t red[256];   /**< counts of red */
+    uint32_t green[256]; /**< counts of green */
+    uint32_t blue[256];  /**< counts of blue */
 };
 
 #if __cplusplus >= 202002L
 using Row = std::span<uint8_t>; /**< the bytes of a row, without padding */
 #else
-/** The bytes of a row, without padding. */
+/** @cond The same before there are spans. */
 class Row {
   public:
     Row(uint8_t* data, size_t size) : data_(data), size_(size) {}
@@ -224,6 +233,7 @@ class Row {
     uint8_t* data_;
     size_t size_;
 };
+/** @endcond */
 #endif
 
 /** What holds inside this header. */
@@ -433,6 +443,7 @@ inline Block block_of(const void* bytes, size_t count) {
  *  sets the window host of kirvo.h. */
 class Watch {
   public:
+    /** @param progress receives percentages */
     explicit Watch(Progress progress)
         : progress_(std::move(progress)), outer_(std::exchange(detail::listener(), &progress_)) {}
     ~Watch() { detail::listener() = outer_; }
@@ -448,15 +459,18 @@ class Watch {
  *  24 bits is three bytes: blue, green, red. */
 class Rows {
   public:
-    int32_t width() const { return width_; }
-    int32_t height() const { return height_; }
-    int32_t bits() const { return bits_; }
-    /** The bytes of row y from the top. */
+    int32_t width() const { return width_; }   /**< @return pixels across */
+    int32_t height() const { return height_; } /**< @return how many rows there are */
+    int32_t bits() const { return bits_; }     /**< @return bits of a pixel */
+    /** A row. @param y how many lie above it @return its bytes */
     Row operator[](int32_t y) const {
         const size_t bytes = (static_cast<size_t>(width_) * static_cast<size_t>(bits_) + 7) / 8;
         return Row(bottom_ + stride_ * static_cast<size_t>(height_ - 1 - y), bytes);
     }
-    /** Goes down row by row. */
+    /** All pixels in one piece. @return the bytes of the rows, the bottom one first, each padded to a
+     *  multiple of four */
+    Row pixels() const { return Row(bottom_, stride_ * static_cast<size_t>(height_)); }
+    /** @cond */
     class Iterator {
       public:
         Iterator(const Rows* rows, int32_t y) : rows_(rows), y_(y) {}
@@ -473,6 +487,7 @@ class Rows {
     };
     Iterator begin() const { return Iterator(this, 0); }
     Iterator end() const { return Iterator(this, height_); }
+    /** @endcond */
 
   private:
     friend class Image;
@@ -515,7 +530,7 @@ class Image {
                         masks[bits == 32], sizeof masks[0]);
     }
 
-    /** Takes a packed DIB over. */
+    /** Takes a packed DIB over. @param dib which is freed with the image @return its image */
     static Image adopt(HGLOBAL dib) {
         Image image;
         image.dib_.reset(dib);
@@ -523,7 +538,8 @@ class Image {
     }
 
     /** Opens a picture of any format, turned upright.
-     *  @param name the file @param progress receives percentages @param options how */
+     *  @param name the file @param progress receives percentages @param options how
+     *  @return the picture */
     static Image open(const std::filesystem::path& name, Progress progress = nullptr,
                       const OpenOptions& options = {}) {
         return opened(std::move(progress), options, [&](const auto& how, auto* dib, auto* file) {
@@ -535,7 +551,8 @@ class Image {
         });
     }
 
-    /** Opens a picture that is in memory. @param bytes,count the file's content @param options how */
+    /** Opens a picture that is in memory. @param bytes,count the file's content
+     *  @param options how @return the picture */
     static Image open(const void* bytes, size_t count, const OpenOptions& options = {}) {
         if (count > UINT32_MAX)
             throw Error(KIRVO_FILES_TOO_LARGE, "open: 4 GB or more");
@@ -545,7 +562,7 @@ class Image {
     }
 
     /** Saves the picture in the format that the name tells, complete or not at all. What the file
-     *  that it came from knew besides its pixels goes along. */
+     *  that it came from knew besides its pixels goes along. @param name the file @param options how */
     void save(const std::filesystem::path& name, const SaveOptions& options = {}) const {
         detail::Operation operation;
         operation.begin();
@@ -562,7 +579,7 @@ class Image {
         operation.finish();
     }
 
-    /** The bytes of a file. @param options how; the format is needed */
+    /** Saves into memory. @param options how; the format is needed @return the bytes of a file */
     std::vector<uint8_t> encode(const SaveOptions& options) const {
         detail::Operation operation;
         operation.begin();
@@ -581,7 +598,8 @@ class Image {
         return std::vector<uint8_t>(bytes.address(), bytes.address() + count);
     }
 
-    /** What the file that the picture came from says; all zero for other pictures. */
+    /** What is known besides the pixels.
+     *  @return what the file that the picture came from says; all zero for other pictures */
     KirvoFilesDescription description() const {
         KirvoFilesDescription said{};
         said.size = sizeof said;
@@ -590,7 +608,7 @@ class Image {
         return said;
     }
 
-    /** What had to be left out or repaired when the picture was opened. */
+    /** How opening went. @return what had to be left out or repaired */
     std::vector<std::string> notes() const {
         std::vector<std::string> notes;
         for (uint32_t index = 0; index < description().notes; ++index)
@@ -598,31 +616,33 @@ class Image {
         return notes;
     }
 
-    /** Whether there is a picture. */
+    /** @return whether there is a picture */
     explicit operator bool() const { return dib_ != nullptr; }
-    /** The packed DIB, for the functions of kirvo.h; it stays owned. */
+    /** For the functions of kirvo.h. @return the packed DIB, which stays owned */
     HGLOBAL handle() const {
         if (!dib_)
             throw Error(KIRVO_NULL_HANDLE, "there is no picture");
         return dib_.get();
     }
-    /** The packed DIB, which is the caller's to free from now on. */
+    /** Gives the picture away. @return the packed DIB, which is the caller's to free from now on */
     HGLOBAL release() { return dib_.release(); }
 
+    /** @return pixels across */
     int32_t width() const { return detail::Locked(handle()).header().biWidth; }
+    /** @return pixels from top to bottom */
     int32_t height() const { return detail::Locked(handle()).header().biHeight; }
-    /** Bits of a pixel: 1, 4, 8, 16, 24 or 32. */
+    /** @return bits of a pixel: 1, 4, 8, 16, 24 or 32 */
     int32_t bits() const { return detail::Locked(handle()).header().biBitCount; }
-    /** The pixels, row by row from the top. */
+    /** The pixels in memory. @return their rows from the top */
     Rows rows() const { return Rows(handle()); }
 
-    /** Another image of the same pixels. */
+    /** @return another image of the same pixels */
     Image copy() const {
         const detail::Locked from(handle());
         return made(detail::block_of(from.address(), GlobalSize(dib_.get())).release());
     }
 
-    /** The picture at another depth. @param bits 16, 24 or 32 */
+    /** The picture at another depth. @param bits 16, 24 or 32 @return the new image */
     Image convert(int32_t bits) const {
         const int32_t now = this->bits();
         if (bits != 16 && bits != 24 && bits != 32)
@@ -645,7 +665,8 @@ class Image {
      *  @param left rectangle in the source
      *  @param top rectangle in the source
      *  @param width rectangle in the source
-     *  @param height rectangle in the source */
+     *  @param height rectangle in the source
+     *  @return the new image */
     Image crop(int32_t left, int32_t top, int32_t width, int32_t height) const {
         return make("crop", {8, 16, 24, 32}, {}, [&](HGLOBAL dib, const Area&, int32_t* status) {
             return Dib24DupEx(dib, left, top, width, height, status);
@@ -657,7 +678,8 @@ class Image {
      *  @param new_width size of the result, at least 1
      *  @param new_height size of the result, at least 1
      *  @param options what else it may be told
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image resize(int32_t new_width, int32_t new_height, const ResizeOptions& options = {},
         const Area& area = {}) const {
         return make("resize", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
@@ -665,24 +687,27 @@ class Image {
         });
     }
 
-    /** Turns a rectangle upside down, in place.
-     *  @param area the part that is worked on */
+    /** Turns a rectangle upside down.
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image flip(const Area& area = {}) const {
         return changed("flip", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& area) {
             return Dib24Flip(dib, area.x, area.y, area.width, area.height);
         });
     }
 
-    /** Exchanges left and right in a rectangle, in place.
-     *  @param area the part that is worked on */
+    /** Exchanges left and right in a rectangle.
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image mirror(const Area& area = {}) const {
         return changed("mirror", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& area) {
             return Dib24Mirror(dib, area.x, area.y, area.width, area.height);
         });
     }
 
-    /** Turns a rectangle by 180 degrees, in place.
-     *  @param area the part that is worked on */
+    /** Turns a rectangle by 180 degrees.
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image rotate_180(const Area& area = {}) const {
         return changed("rotate_180", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& area) {
             return Dib24FlipMirror(dib, area.x, area.y, area.width, area.height);
@@ -692,7 +717,8 @@ class Image {
     /** Turns a rectangle by 90 degrees into a new image of height x width pixels, with the source's
      * colour table or masks.
      *  @param options what else it may be told
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image rotate_90(const Rotate90Options& options = {}, const Area& area = {}) const {
         return make("rotate_90", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return Dib24Rotate(dib, area.x, area.y, area.width, area.height, options.direction, status);
@@ -701,7 +727,8 @@ class Image {
 
     /** Brightens or darkens: channel + level * 255 / 100 (truncated), clamped to 0..255.
      *  @param level -100 to 100
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image brightness(int32_t level, const Area& area = {}) const {
         return make("brightness", {24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return Dib24Brightness(dib, area.x, area.y, area.width, area.height, level, status);
@@ -711,7 +738,8 @@ class Image {
     /** Raises or lowers the contrast around mid-grey: channel * (level + 100) / 100 + -128 * level
      * / 100 (both truncated), clamped to 0..255.
      *  @param level -100 (all grey) to 100 (2 * channel - 128)
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image contrast(int32_t level, const Area& area = {}) const {
         return make("contrast", {24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return Dib24Contrast(dib, area.x, area.y, area.width, area.height, level, status);
@@ -720,7 +748,8 @@ class Image {
 
     /** Corrects the gamma: 255 * (channel / 255)^gamma in double precision, truncated.
      *  @param gamma 0 or more
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image gamma(double gamma, const Area& area = {}) const {
         return make("gamma", {24}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return Dib24Gamma(dib, area.x, area.y, area.width, area.height, gamma, status);
@@ -729,7 +758,8 @@ class Image {
 
     /** Corrects the gamma of each channel, as Dib24Gamma does.
      *  @param options what else it may be told
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image gamma_channels(const GammaChannelsOptions& options = {}, const Area& area = {}) const {
         return make("gamma_channels", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return DibGammaEx(dib, area.x, area.y, area.width, area.height, options.red, options.green, options.blue, status);
@@ -740,7 +770,8 @@ class Image {
      * most.
      *  @param numerator 1 to 255
      *  @param denominator 0 or more
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image tone(int32_t numerator, int32_t denominator, const Area& area = {}) const {
         return make("tone", {24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return Dib24ToneCtrl(dib, area.x, area.y, area.width, area.height, numerator, denominator, status);
@@ -750,15 +781,17 @@ class Image {
     /** Multiplies each channel by its factor: channel * factor, truncated, at most 255 (0 stays 0
      * with an infinite factor).
      *  @param options what else it may be told
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image tone_channels(const ToneChannelsOptions& options = {}, const Area& area = {}) const {
         return make("tone_channels", {24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return Dib24ToneCtrlEx(dib, area.x, area.y, area.width, area.height, options.red, options.green, options.blue, status);
         });
     }
 
-    /** Inverts a rectangle in place: 255 - channel.
-     *  @param area the part that is worked on */
+    /** Inverts a rectangle: 255 - channel.
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image negative(const Area& area = {}) const {
         return changed("negative", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& area) {
             return Dib24Negative(dib, area.x, area.y, area.width, area.height);
@@ -766,7 +799,8 @@ class Image {
     }
 
     /** Turns a rectangle to grey: (77 red + 150 green + 29 blue + 128) / 256 in all three channels.
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image monochrome(const Area& area = {}) const {
         return make("monochrome", {24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return Dib24Monochrome(dib, area.x, area.y, area.width, area.height, status);
@@ -774,18 +808,20 @@ class Image {
     }
 
     /** Halves the intensity: channel / 2.
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image half_tone(const Area& area = {}) const {
         return make("half_tone", {24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return Dib24HalfTone(dib, area.x, area.y, area.width, area.height, status);
         });
     }
 
-    /** Exchanges the channels of a rectangle in place.
+    /** Exchanges the channels of a rectangle.
      *  @param mode what red, green and blue are taken from: 0 nothing changes (KIRVO_OK even for a
      *   null handle), 1 red, blue, green; 2 green, blue, red; 3 green, red, blue; 4 blue, red,
      *   green; 5 blue, green, red
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image swap_channels(int32_t mode, const Area& area = {}) const {
         return changed("swap_channels", {24, 32}, area, [&](HGLOBAL dib, const Area& area) {
             return Dib24RGBChange(dib, mode, area.x, area.y, area.width, area.height);
@@ -794,7 +830,8 @@ class Image {
 
     /** Maps every channel through a table: table[channel].
      *  @param table 256 bytes
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image map_channels(const uint8_t (&table)[256], const Area& area = {}) const {
         return make("map_channels", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return DibColorMapEx(dib, area.x, area.y, area.width, area.height, table, status);
@@ -804,16 +841,18 @@ class Image {
     /** Makes a copy of a rectangle with its hue changed.
      *  @param mode as for DibModifyHue
      *  @param value degrees, 0 to 359 for every mode
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image change_hue(int32_t mode, int32_t value, const Area& area = {}) const {
         return make("change_hue", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return DibModifyHueEx(dib, area.x, area.y, area.width, area.height, mode, value, status);
         });
     }
 
-    /** XORs a colour over a rectangle, in place.
+    /** XORs a colour over a rectangle.
      *  @param colour 0x00BBGGRR
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image exclusive_or(uint32_t colour, const Area& area = {}) const {
         return changed("exclusive_or", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& area) {
             return Dib24XOR(dib, area.x, area.y, area.width, area.height, colour);
@@ -821,7 +860,8 @@ class Image {
     }
 
     /** Blurs a rectangle with a fixed 3 x 3 kernel.
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image blur(const Area& area = {}) const {
         return make("blur", {24}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return Dib24Gausian(dib, area.x, area.y, area.width, area.height, status);
@@ -831,7 +871,8 @@ class Image {
     /** Sharpens a rectangle as mode 0 of Dib24Sharpen does, with a choice of strength: the
      * Laplacian is divided by 8, 6, 4 or 2.
      *  @param options what else it may be told
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image sharpen(const SharpenOptions& options = {}, const Area& area = {}) const {
         return make("sharpen", {24}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return Dib24SharpenEx(dib, area.x, area.y, area.width, area.height, options.strength, status);
@@ -840,7 +881,8 @@ class Image {
 
     /** Sharpens a rectangle, or shows its edges in grey.
      *  @param options what else it may be told
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image relief(const ReliefOptions& options = {}, const Area& area = {}) const {
         return make("relief", {24}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return Dib24Sharpen(dib, area.x, area.y, area.width, area.height, options.mode, status);
@@ -850,7 +892,8 @@ class Image {
     /** Keeps the colours of a rectangle at its edges and paints the rest white, the padding of the
      * rows included.
      *  @param options what else it may be told
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image colour_edges(const ColourEdgesOptions& options = {}, const Area& area = {}) const {
         return make("colour_edges", {24}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return Dib24ColorEdge(dib, area.x, area.y, area.width, area.height, options.threshold, options.mode, status);
@@ -860,7 +903,8 @@ class Image {
     /** Maximum or minimum filter over squares of (2 radius + 1) x (2 radius + 1) pixels: dilation
      * or erosion of bright areas.
      *  @param options what else it may be told
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image dilate(const DilateOptions& options = {}, const Area& area = {}) const {
         return make("dilate", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return DibBlockMxM(dib, area.x, area.y, area.width, area.height, options.radius, 1, options.luminance ? 1 : 0, status);
@@ -870,7 +914,8 @@ class Image {
     /** Maximum or minimum filter over squares of (2 radius + 1) x (2 radius + 1) pixels: dilation
      * or erosion of bright areas.
      *  @param options what else it may be told
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image erode(const ErodeOptions& options = {}, const Area& area = {}) const {
         return make("erode", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return DibBlockMxM(dib, area.x, area.y, area.width, area.height, options.radius, 0, options.luminance ? 1 : 0, status);
@@ -881,7 +926,8 @@ class Image {
      *  @param red ranges
      *  @param green ranges
      *  @param blue ranges
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image keep_channels(uint32_t red, uint32_t green, uint32_t blue, const Area& area = {}) const {
         return make("keep_channels", {24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return Dib24Filter(dib, area.x, area.y, area.width, area.height, red, green, blue, status);
@@ -891,7 +937,8 @@ class Image {
     /** Mosaic by samples: every block of block x block pixels, counted from the rectangle's top
      * left, takes the pixel at its own top left.
      *  @param block size of the blocks in pixels, at least 1; may exceed the rectangle
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image mosaic(int32_t block, const Area& area = {}) const {
         return make("mosaic", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return DibMosaicEx(dib, area.x, area.y, area.width, area.height, block, status);
@@ -901,7 +948,8 @@ class Image {
     /** Mosaic by averages: every block of block x block pixels, counted from the rectangle's top
      * left, takes the average of its channels (of its indexes at 8 bits), truncated.
      *  @param block size of the blocks in pixels, 1 to 1024
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on
+     *  @return the new image */
     Image mosaic_average(int32_t block, const Area& area = {}) const {
         return make("mosaic_average", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
             return DibMosaicEx2(dib, area.x, area.y, area.width, area.height, block, status);
@@ -911,14 +959,16 @@ class Image {
     /** Makes a copy of a 24-bit image that keeps only the top bits of each channel.
      *  @param red_bits bits of red kept, 0 to 8
      *  @param green_bits bits of green kept, 0 to 8
-     *  @param blue_bits bits of blue kept, 0 to 8 */
+     *  @param blue_bits bits of blue kept, 0 to 8
+     *  @return the new image */
     Image keep_bits(int32_t red_bits, int32_t green_bits, int32_t blue_bits) const {
         return make("keep_bits", {24}, {}, [&](HGLOBAL dib, const Area&, int32_t* status) {
             return DibCutDepth(dib, red_bits, green_bits, blue_bits, status);
         });
     }
 
-    /** Makes an 8-bit image with error diffusion to 256 fixed colours. */
+    /** Makes an 8-bit image with error diffusion to 256 fixed colours.
+     *  @return the new image */
     Image reduce_256() const {
         return make("reduce_256", {24, 32}, {}, [&](HGLOBAL dib, const Area&, int32_t* status) {
             return DecreaseColor256(dib, status);
@@ -926,14 +976,16 @@ class Image {
     }
 
     /** Makes a 4-bit image with error diffusion, as DecreaseColor256 spreads it, to 16 fixed
-     * colours. */
+     * colours.
+     *  @return the new image */
     Image reduce_16() const {
         return make("reduce_16", {24, 32}, {}, [&](HGLOBAL dib, const Area&, int32_t* status) {
             return DecreaseColor16(dib, status);
         });
     }
 
-    /** Makes an 8-bit grey image, without diffusion. */
+    /** Makes an 8-bit grey image, without diffusion.
+     *  @return the new image */
     Image reduce_grey() const {
         return make("reduce_grey", {24, 32}, {}, [&](HGLOBAL dib, const Area&, int32_t* status) {
             return DecreaseColorMono256(dib, status);
@@ -942,7 +994,8 @@ class Image {
 
     /** Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered dither of 8 x 8
      * pixels over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255: a channel value v
-     * becomes level v / 51, one more where v mod 51 is above the dither's threshold. */
+     * becomes level v / 51, one more where v mod 51 is above the dither's threshold.
+     *  @return the new image */
     Image dither_256() const {
         return make("dither_256", {24, 32}, {}, [&](HGLOBAL dib, const Area&, int32_t* status) {
             return Decrease256Fast(dib, status);
@@ -950,7 +1003,8 @@ class Image {
     }
 
     /** Makes an 8-bit image with exactly the colours of the source.
-     *  @param options what else it may be told */
+     *  @param options what else it may be told
+     *  @return the new image */
     Image exact_256(const Exact256Options& options = {}) const {
         return make("exact_256", {24, 32}, {}, [&](HGLOBAL dib, const Area&, int32_t* status) {
             return Decrease256PaletteEx(dib, options.mode, status);
@@ -958,7 +1012,8 @@ class Image {
     }
 
     /** Makes a 4-bit image with exactly the colours of the source.
-     *  @param options what else it may be told */
+     *  @param options what else it may be told
+     *  @return the new image */
     Image exact_16(const Exact16Options& options = {}) const {
         return make("exact_16", {24, 32}, {}, [&](HGLOBAL dib, const Area&, int32_t* status) {
             return Decrease16PaletteEx(dib, options.mode, status);
@@ -967,7 +1022,8 @@ class Image {
 
     /** Interleaves the rows of two images: stored row 2i of the result is row y1 + i of the first,
      * stored row 2i + 1 row y2 + i of the second.
-     *  @param other packed DIB of the same depth */
+     *  @param other packed DIB of the same depth
+     *  @return the new image */
     Image interleave(const Image& other) const {
         if (!has_depth({24, 32}))
             return convert(24).interleave(other);
@@ -979,7 +1035,8 @@ class Image {
 
     /** Copies a rectangle between two images of any sizes and one depth.
      *  @param other packed DIB of 8, 16, 24 or 32 bits
-     *  @param options what else it may be told */
+     *  @param options what else it may be told
+     *  @return this image */
     Image& paste(const Image& other, const PasteOptions& options = {}) {
         ready({16, 24, 32});
         const Image depth = other.as_deep_as(*this);
@@ -991,7 +1048,8 @@ class Image {
 
     /** Composes a rectangle of one image onto one of the same size of another.
      *  @param other packed DIB of 24 or 32 bits
-     *  @param options what else it may be told */
+     *  @param options what else it may be told
+     *  @return this image */
     Image& compose(const Image& other, const ComposeOptions& options = {}) {
         ready({24, 32});
         const Image depth = other.as_deep_as(*this);
@@ -1004,7 +1062,8 @@ class Image {
     /** Writes one pixel of a direct-colour image.
      *  @param x column from the left
      *  @param y row from the top
-     *  @param colour 0x00BBGGRR */
+     *  @param colour 0x00BBGGRR
+     *  @return this image */
     Image& set_pixel(int32_t x, int32_t y, uint32_t colour) {
         ready({16, 24, 32});
         apply("set_pixel", {16, 24, 32}, {}, [&](HGLOBAL dib, const Area&) {
@@ -1017,7 +1076,8 @@ class Image {
      *  @param x0 first column
      *  @param x1 last column
      *  @param y row from the top
-     *  @param colour 0x00BBGGRR */
+     *  @param colour 0x00BBGGRR
+     *  @return this image */
     Image& set_line(int32_t x0, int32_t x1, int32_t y, uint32_t colour) {
         ready({16, 24, 32});
         apply("set_line", {16, 24, 32}, {}, [&](HGLOBAL dib, const Area&) {
@@ -1028,7 +1088,8 @@ class Image {
 
     /** Draws the 3 x 3 neighbours of one pixel towards its colour, in place.
      *  @param x the centre
-     *  @param y the centre */
+     *  @param y the centre
+     *  @return this image */
     Image& mix_3x3(int32_t x, int32_t y) {
         ready({16, 24, 32});
         apply("mix_3x3", {16, 24, 32}, {}, [&](HGLOBAL dib, const Area&) {
@@ -1039,7 +1100,8 @@ class Image {
 
     /** Draws the 5 x 5 neighbours of one pixel towards its colour, in place: as Dib24Mix3X3.
      *  @param x the centre
-     *  @param y the centre */
+     *  @param y the centre
+     *  @return this image */
     Image& mix_5x5(int32_t x, int32_t y) {
         ready({16, 24, 32});
         apply("mix_5x5", {16, 24, 32}, {}, [&](HGLOBAL dib, const Area&) {
@@ -1051,7 +1113,8 @@ class Image {
     /** Makes an image of one colour.
      *  @param width size in pixels, at least 1
      *  @param height size in pixels, at least 1
-     *  @param colour 0x00BBGGRR */
+     *  @param colour 0x00BBGGRR
+     *  @return the new image */
     static Image solid(int32_t width, int32_t height, uint32_t colour) {
         const detail::Operation operation;
         int32_t status = KIRVO_OK;
@@ -1066,7 +1129,8 @@ class Image {
      *  @param width size in pixels, at least 1
      *  @param height size in pixels, at least 1
      *  @param start colour of the left column, 0x00BBGGRR
-     *  @param end colour of the right column */
+     *  @param end colour of the right column
+     *  @return the new image */
     static Image gradient_across(int32_t width, int32_t height, uint32_t start, uint32_t end) {
         const detail::Operation operation;
         int32_t status = KIRVO_OK;
@@ -1081,7 +1145,8 @@ class Image {
      *  @param width size in pixels, at least 1
      *  @param height size in pixels, at least 1
      *  @param start colour of the top row, 0x00BBGGRR
-     *  @param end colour of the bottom row */
+     *  @param end colour of the bottom row
+     *  @return the new image */
     static Image gradient_down(int32_t width, int32_t height, uint32_t start, uint32_t end) {
         const detail::Operation operation;
         int32_t status = KIRVO_OK;
@@ -1096,7 +1161,8 @@ class Image {
      *  @param top_left colours 0x00BBGGRR
      *  @param top_right colours 0x00BBGGRR
      *  @param bottom_left colours 0x00BBGGRR
-     *  @param bottom_right colours 0x00BBGGRR */
+     *  @param bottom_right colours 0x00BBGGRR
+     *  @return the new image */
     static Image gradient_corners(int32_t width, int32_t height, uint32_t top_left,
         uint32_t top_right, uint32_t bottom_left, uint32_t bottom_right) {
         const detail::Operation operation;
@@ -1110,7 +1176,7 @@ class Image {
 
     /** Filters with a kernel of 3 x 3 weights, row by row from the top left neighbour.
      *  @param weights nine of them @param divisor divides the sums; 0: the sum of the weights, or 1
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on @return the new image */
     Image filter_3x3(const int32_t (&weights)[9], int32_t divisor = 0,
                      const Area& area = {}) const {
         int32_t sum = 0;
@@ -1127,7 +1193,7 @@ class Image {
 
     /** Keeps colours by ranges. @param flags 0x101: channels of RGB, 0x102: pixels of RGB, 0x202:
      *  pixels by hue, saturation and value @param first,second,third ranges
-     *  @param area the part that is worked on */
+     *  @param area the part that is worked on @return the new image */
     Image keep_colours(uint32_t flags, const Range& first, const Range& second, const Range& third,
                        const Area& area = {}) const {
         const auto pair = [](int low, int high) {
@@ -1143,7 +1209,8 @@ class Image {
             });
     }
 
-    /** Three images with one channel each: red, green, blue. */
+    /** Takes the channels apart. @param area the part that is worked on
+     *  @return three images with one channel each: red, green, blue */
     std::vector<Image> separate(const Area& area = {}) const {
         HGLOBAL made[3] = {};
         apply("separate", {24, 32}, area, [&](HGLOBAL dib, const Area& a) {
@@ -1155,7 +1222,7 @@ class Image {
         return images;
     }
 
-    /** How often each value of each channel occurs. */
+    /** Counts the values of each channel. @param area the part that is counted @return the counts */
     Histogram histogram(const Area& area = {}) const {
         Histogram counted;
         apply("histogram", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& a) {
@@ -1165,7 +1232,7 @@ class Image {
         return counted;
     }
 
-    /** The number of different colours. */
+    /** @return the number of different colours */
     uint32_t count_colours() const {
         uint32_t count = 0;
         apply("count_colours", {1, 4, 8, 16, 24, 32}, {},
@@ -1173,21 +1240,21 @@ class Image {
         return count;
     }
 
-    /** A pixel's colour, 0x00BBGGRR. */
+    /** A pixel. @param x from the left @param y from the top @return its colour, 0x00BBGGRR */
     uint32_t get_pixel(int32_t x, int32_t y) const {
         uint32_t colour = 0;
         detail::check(DibGetPixelColor(handle(), x, y, &colour), "get_pixel");
         return colour;
     }
 
-    /** The colour that compose leaves out in mode 4, for the whole process. */
+    /** The colour that compose leaves out in mode 4, for the whole process. @param colour 0x00BBGGRR */
     static void key_colour(uint32_t colour) {
         const detail::Operation operation;
         SetKeyColorDib24Add(colour);
     }
 
     /** The weights of mix_3x3 and mix_5x5 in tenths, row by row from the top left neighbour, for the
-     *  whole process. */
+     *  whole process. @param three nine weights @param five twenty-five weights */
     static void mix_masks(const int32_t (&three)[9], const int32_t (&five)[25]) {
         const detail::Operation operation;
         Dib24Mix3X3SetMask(three);
@@ -1322,7 +1389,7 @@ class JpegDecoder {
     JpegDecoder(const JpegDecoder&) = delete;
     JpegDecoder& operator=(const JpegDecoder&) = delete;
 
-    /** Takes the next bytes. @return whether the picture is complete */
+    /** Takes the next bytes. @param bytes,count they @return whether the picture is complete */
     bool write(const void* bytes, size_t count) {
         if (state_ == State::done)
             return true;
@@ -1336,7 +1403,7 @@ class JpegDecoder {
                     image);
     }
 
-    /** The picture, once all bytes are there. */
+    /** Ends. @return the picture, once all bytes are there */
     Image finish() {
         if (state_ == State::fresh)
             detail::check(KIRVO_JPEG_NO_SOI, "JpegDecoder");
@@ -1399,7 +1466,7 @@ class JpegEncoder {
         return done_;
     }
 
-    /** The stream, after as many steps as are left. */
+    /** Ends, after as many steps as are left. @return the stream */
     std::vector<uint8_t> finish() {
         while (!step()) {
         }

@@ -4,6 +4,7 @@ import re
 
 COMMENT = r"/\*\*((?:(?!\*/).)*)\*/"
 DECLARATION = re.compile(rf"{COMMENT}\s*KIRVO_(?:FILES_)?API ([^;(]*?)\bWINAPI\s+(\w+)\s*\(([^;]*)\);", re.DOTALL)
+CODE = re.compile(r"/\*\*(?!<)((?:(?!\*/).)*)\*/\s*(KIRVO_\w+) = (-?\d+)", re.DOTALL)
 GROUP = re.compile(r"/\*\*((?:(?!\*/).)*?@defgroup (\w+) ([^\n]*)(?:(?!\*/).)*)\*/", re.DOTALL)
 
 

@@ -16,6 +16,7 @@ class Argument:
     parameter: Parameter
     role: str  # own, other, x, y, width, height of the area; status; given; fixed
     value: str | None = None  # a default, or what is fixed
+    meaning: str = ""  # as kirvo.h tells it
 
     @property
     def name(self):
@@ -49,16 +50,24 @@ class Method:
         return [given[name] for name in self.order]
 
     @property
+    def sentence(self):
+        """What it does; a function that works in place gives a new image here."""
+        text = self.comment.sentence
+        return re.sub(",? in place", "", text) if self.way == "method" else text
+
+    @property
     def has_area(self):
         return any(argument.role == "x" for argument in self.arguments)
+
+    @property
+    def other(self):
+        """Whether a second picture is given."""
+        return any(argument.role == "other" for argument in self.arguments)
 
     @property
     def makes(self):
         """Whether the function gives a new image, rather than working in place."""
         return self.function.result.name == "image"
-
-    def meaning(self, name):
-        return self.comment.parameters[name]
 
 
 class Layers:
@@ -104,6 +113,8 @@ class Layers:
         arguments = list(self._arguments(function, word, defaults, fixed))
         assert {one.parameter.name for one in arguments if one.role in ("given", "other")} == set(defaults)
         comment = self.header.comments[function.name]
+        for one in arguments:
+            one.meaning = comment.parameters[one.parameter.name]
         depths = self._depths(function, comment, word) if depths is None else \
             [int(number) for number in depths.split(", ")]
         self.methods.append(Method(word, name, function, arguments, list(defaults), comment, depths))

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Makes the NuGet package of KirvoImage, with the built libraries of all targets: nupkg.py FOLDER
 
-Programs for .NET Framework get the assembly KirvoImaging.dll; later .NET compiles the sources, which
-then give spans.
+Programs for .NET Framework get the assembly KirvoImaging.dll, which knows System.Drawing; later .NET
+compiles the sources, which then give spans, and knows bitmaps where KIRVO_DRAWING is defined.
 """
 import pathlib
 import subprocess
@@ -17,7 +17,7 @@ from archive import write_zip
 from libraries import ROOT, Libraries
 
 SOURCE = ROOT / "bindings/csharp"
-SOURCES = ("Kirvo.cs", "KirvoImage.cs")
+SOURCES = ("Kirvo.cs", "KirvoImage.cs", "KirvoBitmap.cs")
 NAME = f"Kirvo.{version.TEXT}"
 NUSPEC = f"""<?xml version="1.0" encoding="utf-8"?>
 <package xmlns="http://schemas.microsoft.com/packaging/2013/05/nuspec.xsd">
@@ -31,6 +31,9 @@ NUSPEC = f"""<?xml version="1.0" encoding="utf-8"?>
     <contentFiles>
       <files include="cs/net5.0/**/*.cs" buildAction="Compile" />
     </contentFiles>
+    <frameworkAssemblies>
+      <frameworkAssembly assemblyName="System.Drawing" targetFramework=".NETFramework4.5" />
+    </frameworkAssemblies>
     <dependencies>
       <group targetFramework=".NETFramework4.5" />
       <group targetFramework="net5.0" />
@@ -73,7 +76,7 @@ def assembly():
         library, documents = folder / "KirvoImaging.dll", folder / "KirvoImaging.xml"
         numbered = folder / "Version.cs"
         numbered.write_text(f'[assembly: System.Reflection.AssemblyVersion("{version.TEXT}")]\n')
-        subprocess.run(["mcs", "-target:library", "-optimize+", "-warnaserror", f"-out:{library}",
+        subprocess.run(["mcs", "-target:library", "-optimize+", "-warnaserror", "-r:System.Drawing", f"-out:{library}",
                         f"-doc:{documents}", numbered, *(SOURCE / name for name in SOURCES)], check=True)
         return library.read_bytes(), documents.read_bytes()
 
@@ -105,7 +108,7 @@ def main(folder):
     for preset, runtime in (("win32", "win-x86"), ("win64", "win-x64"), ("native", "linux-x64")):
         libraries = Libraries(preset)
         members |= {f"runtimes/{runtime}/native/{name}": data for name, data in libraries.files.items()}
-        members |= {f"licenses/{name}.txt": data for name, data in libraries.licences.items()}
+        members |= {f"licenses/{name}": data for name, data in libraries.licences.items()}
     endings = sorted({pathlib.PurePath(name).suffix.lstrip(".") for name in members} - {""})
     kinds = "\n".join(f'  <Default Extension="{ending}" ContentType="application/octet" />'
                       for ending in endings)

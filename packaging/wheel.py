@@ -25,13 +25,12 @@ def main(preset, folder):
     members |= {f"kirvo/{name}": data for name, data in libraries.files.items()}
     information = f"{NAME}.dist-info"
     members[f"{information}/licenses/LICENSE"] = (ROOT / "LICENSE").read_bytes()
-    members |= {f"{information}/licenses/{name}.txt": data for name, data in libraries.licences.items()}
+    members |= {f"{information}/licenses/{name}": data for name, data in libraries.licences.items()}
     members[f"{information}/METADATA"] = "\n".join([
         "Metadata-Version: 2.1", "Name: kirvo", f"Version: {version.TEXT}",
         "Summary: Pictures opened, changed and saved: image processing on packed DIBs",
-        "License: MIT" + (
-            "; the other libraries inside have licences of their own, jbigkit the GPL"
-            if libraries.licences else ""), "Requires-Python: >=3.9", "Classifier: Typing :: Typed",
+        "License: MIT; what is inside of others is named in licenses/, none of it under the GPL alone",
+        "Requires-Python: >=3.9", "Classifier: Typing :: Typed",
         "Description-Content-Type: text/markdown", "", (SOURCE / "README.md").read_text()]).encode()
     members[f"{information}/WHEEL"] = "\n".join([
         "Wheel-Version: 1.0", "Generator: kirvo", "Root-Is-Purelib: false",

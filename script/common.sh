@@ -2,7 +2,10 @@
 
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-cache=${KIRVO_CACHE:-/var/cache/kirvo}
+# What is made once and kept; of who may not write there, in a folder of their own.
+cache=/var/cache/kirvo
+[ "$(id -u)" = 0 ] || [ -d "$cache" ] || cache=${XDG_CACHE_HOME:-$HOME/.cache}/kirvo
+cache=${KIRVO_CACHE:-$cache}
 jobs=$(nproc)
 
 say() { printf '== %s\n' "$*" >&2; }
@@ -71,6 +74,21 @@ build() {
     done
     cmake --preset "$preset" "${arguments[@]}" &&
         cmake --build --preset "$preset" --parallel "$jobs" ${2:+--target "${@:2}"}
+}
+
+# The source package of Debian that is installed here, whatever sources apt is set up with, into the
+# folder where it is called.
+fetch_source() {
+    local package=$1 mirror release
+    release=$(. /etc/os-release && echo "$VERSION_CODENAME")
+    mirror=$(apt-get indextargets --format '$(REPO_URI)' "Codename: $release" \
+        'Created-By: Packages' | sort -u | head -n 1)
+    mkdir -p lists/partial
+    echo "deb-src ${mirror:-http://deb.debian.org/debian} $release main" >sources.list
+    local options=(-o "Dir::Etc::sourcelist=$PWD/sources.list" -o Dir::Etc::sourceparts=-
+        -o "Dir::State::Lists=$PWD/lists" -o Dir::Cache::srcpkgcache= -o Dir::Cache::pkgcache=)
+    retry apt-get "${options[@]}" update &&
+        retry apt-get "${options[@]}" source "$package"
 }
 
 # What every build takes, the libraries of picture formats for KirvoFiles among it.

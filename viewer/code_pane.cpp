@@ -27,8 +27,9 @@ void CodePane::create(HWND parent, int language, HFONT font) {
                             0, 0, 10, 10, parent, nullptr, instance, nullptr);
     SendMessageW(edit_, EM_SETLIMITTEXT, 0, 0); // as much as there is
     for (int i = 0; i < language_count; ++i)
-        SendMessageW(list_, CB_ADDSTRING, 0,
-                     reinterpret_cast<LPARAM>(language_name(static_cast<Language>(i))));
+        SendMessageW(
+            list_, CB_ADDSTRING, 0,
+            reinterpret_cast<LPARAM>(wide(language_name(static_cast<Language>(i))).c_str()));
     set_fonts(font, theme::dpi_of(parent));
     choose(language);
 }

@@ -1,25 +1,11 @@
 #include "dib.hpp"
 
-#include <cstring>
-#include <new>
-
 const void* Locked::pixels() const {
     const BITMAPINFOHEADER& header = info_->bmiHeader;
     const size_t masks = header.biCompression == BI_BITFIELDS ? 12 : 0;
     const size_t all = header.biBitCount <= 8 ? size_t{1} << header.biBitCount : 0;
     const size_t colours = header.biClrUsed != 0 ? header.biClrUsed : all;
     return reinterpret_cast<const char*>(info_) + header.biSize + masks + colours * 4;
-}
-
-Image duplicate(const Image& image) {
-    const SIZE_T size = GlobalSize(image.handle());
-    Image copy(GlobalAlloc(GMEM_MOVEABLE, size));
-    if (!copy)
-        throw std::bad_alloc();
-    std::memcpy(GlobalLock(copy.handle()), GlobalLock(image.handle()), size);
-    GlobalUnlock(copy.handle());
-    GlobalUnlock(image.handle());
-    return copy;
 }
 
 Image reduced(const Image& image, int32_t width, int32_t height) {

@@ -1,4 +1,4 @@
-// The packed DIB as GDI sees it, and two copies of it.
+// The packed DIB as GDI sees it, and a smaller copy of it.
 #pragma once
 
 #include "pictures/image.hpp"
@@ -27,6 +27,5 @@ class Locked {
     const BITMAPINFO* info_;
 };
 
-Image duplicate(const Image& image);
 // At most so many pixels, in proportion, for a look; and to a size.
 Image reduced(const Image& image, int32_t width, int32_t height);

@@ -2,9 +2,9 @@
 #include "commands.hpp"
 #include "dialog.hpp"
 #include "effect.hpp"
+#include "effects/presentation.hpp"
 #include "effects_menu.hpp"
 #include "look.hpp"
-#include "parameter_rows.hpp"
 #include "system/errors.hpp"
 #include "text.hpp"
 #include "viewer.hpp"
@@ -50,8 +50,7 @@ class EffectDialog : public Dialog {
     }
 
     void add_row(int i, const Parameter& parameter, const std::wstring& value, int top) {
-        add(L"STATIC", L"&" + label_of(effect_, static_cast<size_t>(i)), 0, -1, 12, top + 4, 90,
-            18);
+        add(L"STATIC", L"&" + label(i), 0, -1, 12, top + 4, 90, 18);
         if (has_words(parameter)) {
             HWND list = add(L"COMBOBOX", L"", WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST,
                             value_id + i, 106, top, width - 118, 240);
@@ -64,15 +63,14 @@ class EffectDialog : public Dialog {
             SendMessageW(list, CB_SETCURSEL, static_cast<WPARAM>(std::max<LRESULT>(found, 0)), 0);
             return;
         }
-        const SharedImage image = viewer_.history.now();
-        const auto range = slider_range(parameter, image->width(), image->height());
+        const auto range = slider(i);
         const bool chooser = parameter.kind == Kind::file || parameter.kind == Kind::colour;
         const int room = width - 118 - (chooser ? 36 : 0);
         add(L"EDIT", value, WS_TABSTOP | ES_AUTOHSCROLL, value_id + i, 106, top, range ? 70 : room,
             24);
         if (range) {
-            HWND bar = add(TRACKBAR_CLASSW, label_of(effect_, static_cast<size_t>(i)),
-                           WS_TABSTOP | TBS_NOTICKS, slider_id + i, 184, top, width - 196, 26);
+            HWND bar = add(TRACKBAR_CLASSW, label(i), WS_TABSTOP | TBS_NOTICKS, slider_id + i, 184,
+                           top, width - 196, 26);
             SendMessageW(bar, TBM_SETRANGEMIN, FALSE, range->least);
             SendMessageW(bar, TBM_SETRANGEMAX, FALSE, range->most);
             follow(i);
@@ -81,11 +79,17 @@ class EffectDialog : public Dialog {
             add(L"BUTTON", L"\u2026", WS_TABSTOP, button_id + i, width - 44, top, 32, 24);
     }
 
+    std::wstring label(int i) const { return wide(label_of(effect_, static_cast<size_t>(i))); }
+
+    std::optional<SliderRange> slider(int i) const {
+        const SharedImage image = viewer_.history.now();
+        const auto range = slider_range(effect_.parameters[static_cast<size_t>(i)]);
+        return range ? std::optional(range->within(image->width(), image->height())) : range;
+    }
+
     // The slider stands where its number says.
     void follow(int i) {
-        const SharedImage image = viewer_.history.now();
-        const auto range = slider_range(effect_.parameters[static_cast<size_t>(i)], image->width(),
-                                        image->height());
+        const auto range = slider(i);
         if (range)
             SendMessageW(
                 control(slider_id + i), TBM_SETPOS, TRUE,
@@ -106,12 +110,10 @@ class EffectDialog : public Dialog {
 
     void on_scroll(HWND bar) override {
         const int i = GetDlgCtrlID(bar) - slider_id;
-        const SharedImage image = viewer_.history.now();
-        const auto range = slider_range(effect_.parameters[static_cast<size_t>(i)], image->width(),
-                                        image->height());
+        const auto range = slider(i);
         sliding_ = true; // the number follows the slider, not the other way round
         set_text(value_id + i,
-                 slider_text(static_cast<int>(SendMessageW(bar, TBM_GETPOS, 0, 0)), *range));
+                 wide(slider_text(static_cast<int>(SendMessageW(bar, TBM_GETPOS, 0, 0)), *range)));
         sliding_ = false;
     }
 
@@ -208,7 +210,7 @@ void ask_and_apply(Viewer& viewer, const Effect& effect) {
     std::optional<Step> step;
     {
         EffectDialog dialog(viewer, effect, place);
-        if (dialog.run(viewer.window, title_of(effect.option), width, dialog.height()))
+        if (dialog.run(viewer.window, wide(title_of(effect.option)), width, dialog.height()))
             step = dialog.step();
     }
     if (step)
@@ -221,7 +223,7 @@ void apply_step(Viewer& viewer, Step step) {
     const auto result = std::make_shared<SharedImage>();
     HWND window = viewer.window;
     viewer.work(
-        narrow(title_of(done->option)),
+        title_of(done->option),
         [=] {
             KirvoSetProcess(window, command_progress, 1);
             *result = shared(applied(*image, *done));

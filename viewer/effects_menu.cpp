@@ -1,41 +1,11 @@
 #include "effects_menu.hpp"
 
 #include "commands.hpp"
+#include "effects/presentation.hpp"
 #include "text.hpp"
 #include "trace.hpp"
 
-#include <map>
-
 namespace {
-
-// Grouped as in the reference. An effect that is not named here gets into the last group.
-const std::vector<std::pair<const wchar_t*, std::vector<std::string>>>& groups() {
-    static const std::vector<std::pair<const wchar_t*, std::vector<std::string>>> all = {
-        {L"&Copy and compose", {"--crop", "--compose", "--key", "--paste", "--interleave"}},
-        {L"&Turn and zoom", {"--resize", "--fit", "--rotate", "--flip", "--mirror"}},
-        {L"T&one",
-         {"--brightness", "--contrast", "--gamma", "--tone", "--posterise", "--negative", "--mono",
-          "--halftone", "--swap-channels", "--channel"}},
-        {L"&Hue", {"--hue"}},
-        {L"&Filters",
-         {"--blur", "--sharpen", "--sharpen-more", "--edges", "--kernel", "--brush", "--keep"}},
-        {L"&Patterns, mosaics and histograms",
-         {"--mosaic", "--mosaic-average", "--dilate", "--erode", "--xor", "--histogram"}},
-        {L"Co&lours", {"--palette", "--depth", "--bits"}},
-        {L"&Further", {}},
-    };
-    return all;
-}
-
-size_t group_of(const std::string& option) {
-    for (size_t i = 0; i < groups().size(); ++i) {
-        for (const std::string& name : groups()[i].second) {
-            if (name == option)
-                return i;
-        }
-    }
-    return groups().size() - 1;
-}
 
 // Marks the first letter that no other title of the menu has for its key.
 std::wstring with_key(const std::wstring& title, std::wstring& taken) {
@@ -51,31 +21,27 @@ std::wstring with_key(const std::wstring& title, std::wstring& taken) {
 
 } // namespace
 
-std::wstring title_of(const std::string& option) {
-    std::wstring title = wide(option.substr(2));
-    title[0] = static_cast<wchar_t>(title[0] - L'a' + L'A');
-    for (wchar_t& character : title)
-        character = character == L'-' ? L' ' : character;
-    return title;
-}
-
+// A menu a group.
 HMENU make_effects_menu() {
+    const size_t count = effect_groups().size();
     std::vector<HMENU> popups;
-    std::vector<std::wstring> taken(groups().size());
-    for (size_t i = 0; i < groups().size(); ++i)
+    std::vector<std::wstring> taken(count);
+    for (size_t i = 0; i < count; ++i)
         popups.push_back(CreatePopupMenu());
     for (size_t i = 0; i < effects().size(); ++i) {
         const Effect& effect = effects()[i];
         trace("command " + std::to_string(command_effect + i) + " is " + effect.option);
-        const std::wstring text =
-            with_key(title_of(effect.option), taken[group_of(effect.option)]) +
-            (effect.parameters.empty() ? L"" : L"\u2026");
-        AppendMenuW(popups[group_of(effect.option)], MF_STRING, command_effect + i, text.c_str());
+        const size_t group = group_of(effect);
+        const std::wstring text = with_key(wide(title_of(effect.option)), taken[group]) +
+                                  (effect.parameters.empty() ? L"" : L"\u2026");
+        AppendMenuW(popups[group], MF_STRING, command_effect + i, text.c_str());
     }
     HMENU menu = CreatePopupMenu();
-    for (size_t i = 0; i < popups.size(); ++i) {
+    std::wstring taken_by_groups;
+    for (size_t i = 0; i < count; ++i) {
         if (GetMenuItemCount(popups[i]) > 0)
-            AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(popups[i]), groups()[i].first);
+            AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(popups[i]),
+                        with_key(wide(effect_groups()[i]), taken_by_groups).c_str());
         else
             DestroyMenu(popups[i]);
     }

@@ -8,5 +8,3 @@
 HMENU make_effects_menu();
 // Null where the command is no effect's.
 const Effect* effect_of(WORD command);
-// "Sharpen more" of "--sharpen-more"
-std::wstring title_of(const std::string& option);

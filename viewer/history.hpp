@@ -1,21 +1,11 @@
 // What has been done to the picture, and what it was before.
 #pragma once
 
-#include "calls/recorder.hpp"
+#include "calls/step.hpp"
 #include "dib.hpp"
-#include "pictures/known.hpp"
 
-#include <optional>
 #include <string>
 #include <vector>
-
-// An effect that has been applied.
-struct Step {
-    std::string option; // of the catalogue; empty for the beginning
-    std::string values;
-    std::optional<RECT> place; // a part of the picture only
-    calls::List calls;
-};
 
 struct State {
     SharedImage image;

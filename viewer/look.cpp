@@ -1,6 +1,7 @@
 #include "look.hpp"
 
 #include "effect.hpp"
+#include "effects/presentation.hpp"
 #include "trace.hpp"
 #include "viewer.hpp"
 

@@ -1,5 +1,6 @@
 // The menu bar, and which of its commands can be given now.
 #include "commands.hpp"
+#include "effects/presentation.hpp"
 #include "effects_menu.hpp"
 #include "text.hpp"
 #include "viewer.hpp"
@@ -99,7 +100,7 @@ void list_recent(const Viewer& viewer, HMENU popup) {
 void name_step(HMENU popup, WORD command, const wchar_t* what, bool possible,
                const std::string& option, const wchar_t* key) {
     const std::wstring text =
-        what + (possible ? L" " + title_of(option) : std::wstring()) + L"\t" + key;
+        what + (possible ? L" " + wide(title_of(option)) : std::wstring()) + L"\t" + key;
     ModifyMenuW(popup, command, MF_BYCOMMAND | MF_STRING, command, text.c_str());
 }
 

@@ -1,5 +1,6 @@
 #include "settings.hpp"
 
+#include "calls/code.hpp"
 #include "commands.hpp"
 #include "text.hpp"
 
@@ -67,7 +68,7 @@ std::wstring recent_key(size_t i) { return L"Recent" + digits(i + 1); }
 Options read_options() {
     Options options;
     options.theme = static_cast<Theme>(std::clamp(number(L"Theme", 0), 0, 2));
-    options.language = std::clamp(number(L"Language", 0), 0, 4);
+    options.language = std::clamp(number(L"Language", 0), 0, language_count - 1);
     options.code = number(L"Code", 0) != 0;
     options.histogram = number(L"Histogram", 0) != 0;
     options.maximised = number(L"Maximised", 0) != 0;

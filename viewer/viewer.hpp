@@ -5,6 +5,7 @@
 #include "code_pane.hpp"
 #include "histogram.hpp"
 #include "history.hpp"
+#include "pictures/known.hpp"
 #include "settings.hpp"
 #include "view.hpp"
 #include "worker.hpp"

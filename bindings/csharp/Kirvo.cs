@@ -383,46 +383,6 @@ namespace KirvoImaging
         [DllImport(Library, ExactSpelling = true)]
         public static extern IntPtr DibMemAllocEx(uint width, int height, uint bits);
 
-        // Single pixels and lines
-
-        /// <summary>Reads one pixel of an image of any depth.</summary>
-        /// <remarks>Channels of 16-bit images are scaled to 8 bits with zero low bits (5-bit 31
-        /// reads as 248).</remarks>
-        /// <param name="dib">packed DIB of 1, 4, 8, 16, 24 or 32 bits</param>
-        /// <param name="x">column from the left</param>
-        /// <param name="y">row from the top</param>
-        /// <param name="colour">0x00BBGGRR; left alone on failure</param>
-        /// <returns>KIRVO_OK, or KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image,
-        /// another depth or a block too small</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern KirvoStatus DibGetPixelColor(IntPtr dib, int x, int y,
-            out uint colour);
-
-        /// <summary>Writes one pixel of a direct-colour image.</summary>
-        /// <remarks>Channels are narrowed by truncation.</remarks>
-        /// <param name="dib">packed DIB of 16, 24 or 32 bits</param>
-        /// <param name="x">column from the left</param>
-        /// <param name="y">row from the top</param>
-        /// <param name="colour">0x00BBGGRR</param>
-        /// <returns>KIRVO_OK; KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image or a
-        /// block too small; KIRVO_NEEDS_16_24_32 for another depth</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern KirvoStatus DibSetPixelColor(IntPtr dib, int x, int y, uint colour);
-
-        /// <summary>Fills the pixels x0 to x1 (inclusive) of one row with a colour.</summary>
-        /// <remarks>Nothing is written, and the result is still KIRVO_OK, when x0 &gt;
-        /// x1.</remarks>
-        /// <param name="dib">packed DIB of 16, 24 or 32 bits</param>
-        /// <param name="x0">first column</param>
-        /// <param name="x1">last column</param>
-        /// <param name="y">row from the top</param>
-        /// <param name="colour">0x00BBGGRR</param>
-        /// <returns>KIRVO_OK; KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image or a
-        /// block too small; KIRVO_NEEDS_16_24_32 for another depth</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern KirvoStatus DibSetLineColor(IntPtr dib, int x0, int x1, int y,
-            uint colour);
-
         // BMP files
 
         /// <summary>Reads a BMP file of any depth.</summary>
@@ -484,283 +444,6 @@ namespace KirvoImaging
         [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
         public static extern KirvoStatus Dib24Write([MarshalAs(UnmanagedType.LPStr)] string name,
             IntPtr dib, int x, int y, int width, int height);
-
-        // Depth conversion
-
-        /// <summary>Makes a 24-bit image of a 16- or 32-bit one. 5-bit 31 gives 248.</summary>
-        /// <param name="dib">packed DIB of 16 or 32 bits; a 16-bit one without masks is read as
-        /// 5-5-5</param>
-        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_16_32 for another depth;
-        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
-        /// an image without width or height</param>
-        /// <returns>the new image, owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr DibConvert24bit(IntPtr dib, out KirvoStatus status);
-
-        /// <summary>Makes a 16-bit image of a 24- or 32-bit one.</summary>
-        /// <remarks>It is always 5-6-5 with the masks 0xF800, 0x07E0 and 0x001F: (red &amp; 0xF8)
-        /// &lt;&lt; 8 | (green &amp; 0xFC) &lt;&lt; 3 | blue &gt;&gt; 3.</remarks>
-        /// <param name="dib">packed DIB of 24 or 32 bits</param>
-        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
-        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
-        /// an image without width or height</param>
-        /// <returns>the new image, owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr DibConvert16bit(IntPtr dib, out KirvoStatus status);
-
-        /// <summary>Makes a 32-bit image of a 16- or 24-bit one, with the masks 0x00FF0000,
-        /// 0x0000FF00 and 0x000000FF: red &lt;&lt; 16 | green &lt;&lt; 8 | blue.</summary>
-        /// <param name="dib">packed DIB of 16 or 24 bits; a 16-bit one without masks is read as
-        /// 5-5-5</param>
-        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_16_24 for another depth;
-        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
-        /// an image without width or height</param>
-        /// <returns>the new image, owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr DibConvert32bit(IntPtr dib, out KirvoStatus status);
-
-        /// <summary>Makes a copy of a 24-bit image that keeps only the top bits of each
-        /// channel.</summary>
-        /// <param name="dib">packed DIB of 24 bits with a 40-byte header</param>
-        /// <param name="red_bits">bits of red kept, 0 to 8</param>
-        /// <param name="green_bits">bits of green kept, 0 to 8</param>
-        /// <param name="blue_bits">bits of blue kept, 0 to 8</param>
-        /// <param name="status">KIRVO_OK; KIRVO_BAD_PARAMETER for a count outside 0 to 8 (before
-        /// the handle is looked at), an image without width or height or a block smaller than its
-        /// header says; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24; KIRVO_NO_MEMORY</param>
-        /// <returns>the new image, owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr DibCutDepth(IntPtr dib, int red_bits, int green_bits,
-            int blue_bits, out KirvoStatus status);
-
-        // Window fitting
-
-        /// <summary>Resizes a window so that its client area shows an image at a whole scale;
-        /// FitWindowToImage is the same at scale 1.</summary>
-        /// <remarks>Makes two calls of SetWindowPos with the frame width of the system's metrics
-        /// (the first allows for a menu bar as well), and a third, by the measured size of
-        /// everything around the client area, when that does not have the wanted size yet. The
-        /// window keeps its place and its z-order. No error is reported: a window that cannot
-        /// become so large stays as large as the system lets it.</remarks>
-        /// <param name="window">the window</param>
-        /// <param name="dib">packed DIB of any depth; null changes nothing</param>
-        /// <param name="scale">the client area becomes biWidth x scale by biHeight x scale pixels
-        /// (32 bits each)</param>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern void FitWindowToImageEx(IntPtr window, IntPtr dib, uint scale);
-
-        /// <summary>FitWindowToImageEx at scale 1.</summary>
-        /// <param name="window">the window</param>
-        /// <param name="dib">packed DIB</param>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern void FitWindowToImage(IntPtr window, IntPtr dib);
-
-        // JPEG encoder settings
-
-        /// <summary>Sets how colour streams sample chroma.</summary>
-        /// <remarks>The default is 4.</remarks>
-        /// <param name="mode">1: a sample per pixel; 2: halved across; 4: halved both ways</param>
-        /// <returns>KIRVO_OK, or KIRVO_BAD_PARAMETER for another mode (the setting stays)</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern KirvoStatus JpgCodSetSubsample(int mode);
-
-        /// <summary>Selects one of the quality levels 2 to 5.</summary>
-        /// <param name="q">0 to 3 for level 2 (finest) to 5 (coarsest)</param>
-        /// <returns>KIRVO_OK, or KIRVO_BAD_PARAMETER for another value (the setting
-        /// stays)</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern KirvoStatus JpgCodSetQ(int q);
-
-        /// <summary>Selects a quality level.</summary>
-        /// <remarks>The default is 4.</remarks>
-        /// <param name="level">1 (finest) to 5 (coarsest): a pair of fixed quantisation tables;
-        /// level 5 also keeps only the first 21 coefficients of each block. 0: the tables of
-        /// JpgCodSetQtable</param>
-        /// <returns>KIRVO_OK, or KIRVO_BAD_PARAMETER for another level (the setting
-        /// stays)</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern KirvoStatus JpgCodSetQEx(int level);
-
-        /// <summary>Loads quantisation tables of the caller's, which are used at level 0 only
-        /// (JpgCodSetQEx).</summary>
-        /// <remarks>Until then they are all ones.</remarks>
-        /// <param name="luminance">64 quantisers of 1 to 255 in row-major order: entry row * 8 +
-        /// column is for the vertical frequency row and the horizontal frequency column</param>
-        /// <param name="chrominance">likewise</param>
-        /// <returns>KIRVO_OK, or KIRVO_BAD_PARAMETER for a quantiser out of range or a null pointer
-        /// (both tables stay)</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern KirvoStatus JpgCodSetQtable([In] short[] luminance,
-            [In] short[] chrominance);
-
-        /// <summary>As JpgCodSetQtable, and sets how many coefficients of each block are coded at
-        /// level 0.</summary>
-        /// <param name="luminance">as JpgCodSetQtable</param>
-        /// <param name="chrominance">as JpgCodSetQtable</param>
-        /// <param name="count">1 to 64 coefficients in zigzag order, the others become 0; any other
-        /// value means 64</param>
-        /// <returns>KIRVO_OK, or KIRVO_BAD_PARAMETER for a quantiser out of range or a null pointer
-        /// (both tables stay, and the number of coefficients)</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern KirvoStatus JpgCodSetQtableEx([In] short[] luminance,
-            [In] short[] chrominance, int count);
-
-        /// <summary>Sets a comment for the next stream only; one that is still pending is
-        /// discarded.</summary>
-        /// <param name="text">the bytes of the comment; null: none</param>
-        /// <param name="length">their number; 0: none. Above 65533 the length field of the segment
-        /// wraps, so that decoders take the rest of the comment for other segments</param>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern void JpgCodSetComment([In] byte[] text, uint length);
-
-        // JPEG encoder
-
-        /// <summary>Sizes of the most recent encode.</summary>
-        /// <remarks>Either pointer may be null.</remarks>
-        /// <param name="source_bytes">size of the pixels encoded, without padding</param>
-        /// <param name="output_bytes">length of the stream made by the last JpgCodMain...
-        /// call</param>
-        /// <returns>output_bytes</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern uint JpgCodGetStatus(out uint source_bytes, out uint output_bytes);
-
-        /// <summary>Starts to encode a rectangle in colour and writes the headers.</summary>
-        /// <remarks>A pending comment is taken up.</remarks>
-        /// <param name="dib">packed DIB of 24 or 8 bits</param>
-        /// <param name="left">rectangle in the picture</param>
-        /// <param name="top">rectangle in the picture</param>
-        /// <param name="width">rectangle in the picture</param>
-        /// <param name="height">rectangle in the picture</param>
-        /// <param name="mcus_per_call">number of MCUs (blocks of 8 x 8, 16 x 8 or 16 x 16 pixels by
-        /// sampling mode) that each JpgCodNext encodes; -1: all. With 0 or less than -1 no call
-        /// gets on</param>
-        /// <param name="status">KIRVO_OK; KIRVO_BUSY while an encode or decode is in progress;
-        /// KIRVO_NULL_HANDLE; KIRVO_BAD_PARAMETER for an empty or negative rectangle;
-        /// KIRVO_NEEDS_8_24 for another depth; KIRVO_BAD_PARAMETER for a rectangle outside the
-        /// image, or a block smaller than its header says; KIRVO_NO_MEMORY; KIRVO_ABANDONED when a
-        /// progress handler has ended the encode</param>
-        /// <returns>the block that receives the stream; it is the encoder's until JpgCodNext
-        /// returns 1. Null on failure</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr JpgCodFirst(IntPtr dib, int left, int top, int width,
-            int height, int mcus_per_call, out KirvoStatus status);
-
-        /// <summary>Goes on with the encode that JpgCodFirst has started.</summary>
-        /// <param name="control">-1 ends the encode and frees its block; any other value goes
-        /// on</param>
-        /// <param name="stream_bytes">length of the stream, written when the encode is done</param>
-        /// <returns>1: done, the block of JpgCodFirst is the caller's; 0: call again (a call that
-        /// has encoded its number of MCUs answers 0 even if none is left); KIRVO_ABANDONED after
-        /// control -1; KIRVO_JPEG_CATEGORY for a coefficient that has no code; KIRVO_NO_MEMORY when
-        /// the stream would outgrow its block; KIRVO_BAD_PARAMETER without an encode of this
-        /// family. After an error the block has been freed</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern int JpgCodNext(int control, out uint stream_bytes);
-
-        /// <summary>Encodes a rectangle in colour into a file.</summary>
-        /// <param name="path">file name; an existing file is replaced once the stream is complete
-        /// in memory</param>
-        /// <param name="dib">packed DIB of 24 or 8 bits</param>
-        /// <param name="left">rectangle in the picture</param>
-        /// <param name="top">rectangle in the picture</param>
-        /// <param name="width">rectangle in the picture</param>
-        /// <param name="height">rectangle in the picture</param>
-        /// <param name="unused1">ignored</param>
-        /// <param name="unused2">ignored</param>
-        /// <returns>KIRVO_OK; KIRVO_BAD_PARAMETER for an empty path; KIRVO_BUSY while an encode or
-        /// decode is in progress; KIRVO_NULL_HANDLE; KIRVO_BAD_PARAMETER for a rectangle that is
-        /// empty or outside the image, or a block smaller than its header says; KIRVO_NEEDS_8_24
-        /// for another depth; KIRVO_NO_MEMORY, also for a stream that outgrows its block;
-        /// KIRVO_JPEG_CATEGORY; KIRVO_ABANDONED when a progress handler has ended the encode;
-        /// KIRVO_CANNOT_OPEN; KIRVO_WRITE_ERROR</returns>
-        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
-        public static extern KirvoStatus JpgCodMainEx([MarshalAs(UnmanagedType.LPStr)] string path,
-            IntPtr dib, int left, int top, int width, int height, int unused1, int unused2);
-
-        /// <summary>Encodes a rectangle in colour into a memory block.</summary>
-        /// <param name="dib">packed DIB of 24 or 8 bits</param>
-        /// <param name="left">rectangle in the picture</param>
-        /// <param name="top">rectangle in the picture</param>
-        /// <param name="width">rectangle in the picture</param>
-        /// <param name="height">rectangle in the picture</param>
-        /// <param name="stream_bytes">length of the stream; the block is larger, and zero after
-        /// it</param>
-        /// <param name="status">KIRVO_OK; KIRVO_BUSY while an encode or decode is in progress;
-        /// KIRVO_NULL_HANDLE; KIRVO_BAD_PARAMETER for a rectangle that is empty or outside the
-        /// image, or a block smaller than its header says; KIRVO_NEEDS_8_24 for another depth;
-        /// KIRVO_NO_MEMORY, also for a stream that outgrows its block; KIRVO_JPEG_CATEGORY;
-        /// KIRVO_ABANDONED when a progress handler has ended the encode</param>
-        /// <returns>the block, owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr JpgCodMainHGLOBAL(IntPtr dib, int left, int top, int width,
-            int height, out uint stream_bytes, out KirvoStatus status);
-
-        /// <summary>Starts to encode a rectangle as a grey stream.</summary>
-        /// <param name="dib">packed DIB of 8 bits</param>
-        /// <param name="left">rectangle in the picture</param>
-        /// <param name="top">rectangle in the picture</param>
-        /// <param name="width">rectangle in the picture</param>
-        /// <param name="height">rectangle in the picture</param>
-        /// <param name="grey_mode">1: a pixel's grey level is the blue byte of its colour-table
-        /// entry; any other value: the pixel itself</param>
-        /// <param name="mcus_per_call">as JpgCodFirst, of 8 x 8 pixels</param>
-        /// <param name="status">KIRVO_OK; KIRVO_BUSY while an encode or decode is in progress;
-        /// KIRVO_NULL_HANDLE; KIRVO_BAD_PARAMETER for an empty or negative rectangle; KIRVO_NEEDS_8
-        /// for another depth; KIRVO_BAD_PARAMETER for a rectangle outside the image, or a block
-        /// smaller than its header says; KIRVO_NO_MEMORY; KIRVO_ABANDONED when a progress handler
-        /// has ended the encode</param>
-        /// <returns>as JpgCodFirst</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr JpgCodFirst_M(IntPtr dib, int left, int top, int width,
-            int height, int grey_mode, int mcus_per_call, out KirvoStatus status);
-
-        /// <summary>Goes on with the encode that JpgCodFirst_M has started.</summary>
-        /// <param name="control">as JpgCodNext</param>
-        /// <param name="stream_bytes">as JpgCodNext</param>
-        /// <returns>1: done, the block of JpgCodFirst_M is the caller's; 0: call again (a call that
-        /// has encoded its number of MCUs answers 0 even if none is left); KIRVO_ABANDONED after
-        /// control -1; KIRVO_JPEG_CATEGORY for a coefficient that has no code; KIRVO_NO_MEMORY when
-        /// the stream would outgrow its block; KIRVO_BAD_PARAMETER without an encode of this
-        /// family. After an error the block has been freed</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern int JpgCodNext_M(int control, out uint stream_bytes);
-
-        /// <summary>Encodes a rectangle as a grey stream into a file.</summary>
-        /// <param name="path">as JpgCodMainEx</param>
-        /// <param name="dib">packed DIB of 8 bits</param>
-        /// <param name="left">rectangle in the picture</param>
-        /// <param name="top">rectangle in the picture</param>
-        /// <param name="width">rectangle in the picture</param>
-        /// <param name="height">rectangle in the picture</param>
-        /// <param name="grey_mode">as JpgCodFirst_M</param>
-        /// <returns>KIRVO_OK; KIRVO_BAD_PARAMETER for an empty path; KIRVO_BUSY while an encode or
-        /// decode is in progress; KIRVO_NULL_HANDLE; KIRVO_BAD_PARAMETER for a rectangle that is
-        /// empty or outside the image, or a block smaller than its header says; KIRVO_NEEDS_8 for
-        /// another depth; KIRVO_NO_MEMORY, also for a stream that outgrows its block;
-        /// KIRVO_JPEG_CATEGORY; KIRVO_ABANDONED when a progress handler has ended the encode;
-        /// KIRVO_CANNOT_OPEN; KIRVO_WRITE_ERROR</returns>
-        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
-        public static extern KirvoStatus JpgCodMainEx_M(
-            [MarshalAs(UnmanagedType.LPStr)] string path, IntPtr dib, int left, int top, int width,
-            int height, int grey_mode);
-
-        /// <summary>Encodes a rectangle as a grey stream into a memory block.</summary>
-        /// <param name="dib">packed DIB of 8 bits</param>
-        /// <param name="left">rectangle in the picture</param>
-        /// <param name="top">rectangle in the picture</param>
-        /// <param name="width">rectangle in the picture</param>
-        /// <param name="height">rectangle in the picture</param>
-        /// <param name="grey_mode">as JpgCodFirst_M</param>
-        /// <param name="stream_bytes">as JpgCodMainHGLOBAL</param>
-        /// <param name="status">KIRVO_OK; KIRVO_BUSY while an encode or decode is in progress;
-        /// KIRVO_NULL_HANDLE; KIRVO_BAD_PARAMETER for a rectangle that is empty or outside the
-        /// image, or a block smaller than its header says; KIRVO_NEEDS_8 for another depth;
-        /// KIRVO_NO_MEMORY, also for a stream that outgrows its block; KIRVO_JPEG_CATEGORY;
-        /// KIRVO_ABANDONED when a progress handler has ended the encode</param>
-        /// <returns>the block, owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr JpgCodMainHGLOBAL_M(IntPtr dib, int left, int top, int width,
-            int height, int grey_mode, out uint stream_bytes, out KirvoStatus status);
 
         // JPEG decoder
 
@@ -917,127 +600,384 @@ namespace KirvoImaging
         [DllImport(Library, ExactSpelling = true)]
         public static extern ushort JpgDecGetLastUexMarker(out uint position);
 
-        // Colour reduction
+        // JPEG encoder
 
-        /// <summary>Makes an 8-bit image with error diffusion to 256 fixed colours.</summary>
-        /// <remarks>The palette is a cube of 7 levels of green (0, 64, 96, 128, 160, 192, 255) and
-        /// 6 of blue and red (0, 64, 96, 128, 192, 255), with the 20 system colours in slots 0-9
-        /// and 246-255. A channel goes up to the level above it: to 64 from 32 on, to each further
-        /// level from the one below it on. Rows are scanned right to left and left to right in
-        /// turn, the bottom row right to left. What is left over of each channel goes on, in halves
-        /// rounded down: 1/2 to the next pixel in scan direction, 1/4 below it, 1/8 below and
-        /// ahead, 1/16 below and behind.</remarks>
-        /// <param name="dib">packed DIB of 24 or 32 bits</param>
-        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
-        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
-        /// an image without width or height</param>
-        /// <returns>the new image, owned by the caller, or null</returns>
+        /// <summary>Sizes of the most recent encode.</summary>
+        /// <remarks>Either pointer may be null.</remarks>
+        /// <param name="source_bytes">size of the pixels encoded, without padding</param>
+        /// <param name="output_bytes">length of the stream made by the last JpgCodMain...
+        /// call</param>
+        /// <returns>output_bytes</returns>
         [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr DecreaseColor256(IntPtr dib, out KirvoStatus status);
+        public static extern uint JpgCodGetStatus(out uint source_bytes, out uint output_bytes);
 
-        /// <summary>Makes a 4-bit image with error diffusion, as DecreaseColor256 spreads it, to 16
-        /// fixed colours.</summary>
-        /// <remarks>Where any channel is above 128, each channel above 128 becomes 255 and the
-        /// others 0 (colours 8 to 15, counting red 1, green 2, blue 4); elsewhere each channel
-        /// above 64 becomes 128 and the others 0 (colours 0 to 6, and 8 for all three). Colour 7
-        /// (192, 192, 192) is in the palette but not used.</remarks>
-        /// <param name="dib">packed DIB of 24 or 32 bits</param>
-        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
-        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
-        /// an image without width or height</param>
-        /// <returns>the new image, owned by the caller, or null</returns>
+        /// <summary>Starts to encode a rectangle in colour and writes the headers.</summary>
+        /// <remarks>A pending comment is taken up.</remarks>
+        /// <param name="dib">packed DIB of 24 or 8 bits</param>
+        /// <param name="left">rectangle in the picture</param>
+        /// <param name="top">rectangle in the picture</param>
+        /// <param name="width">rectangle in the picture</param>
+        /// <param name="height">rectangle in the picture</param>
+        /// <param name="mcus_per_call">number of MCUs (blocks of 8 x 8, 16 x 8 or 16 x 16 pixels by
+        /// sampling mode) that each JpgCodNext encodes; -1: all. With 0 or less than -1 no call
+        /// gets on</param>
+        /// <param name="status">KIRVO_OK; KIRVO_BUSY while an encode or decode is in progress;
+        /// KIRVO_NULL_HANDLE; KIRVO_BAD_PARAMETER for an empty or negative rectangle;
+        /// KIRVO_NEEDS_8_24 for another depth; KIRVO_BAD_PARAMETER for a rectangle outside the
+        /// image, or a block smaller than its header says; KIRVO_NO_MEMORY; KIRVO_ABANDONED when a
+        /// progress handler has ended the encode</param>
+        /// <returns>the block that receives the stream; it is the encoder's until JpgCodNext
+        /// returns 1. Null on failure</returns>
         [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr DecreaseColor16(IntPtr dib, out KirvoStatus status);
+        public static extern IntPtr JpgCodFirst(IntPtr dib, int left, int top, int width,
+            int height, int mcus_per_call, out KirvoStatus status);
 
-        /// <summary>Makes an 8-bit grey image, without diffusion.</summary>
-        /// <remarks>The palette has the 20 system colours in slots 0-9 and 246-255 and greys 20 to
-        /// 255 in slots 10 to 245. A pixel of luminance Y = (77 red + 150 green + 29 blue + 128) /
-        /// 256 gets slot Y - 10, and no slot below 10.</remarks>
-        /// <param name="dib">packed DIB of 24 or 32 bits</param>
-        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
-        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
-        /// an image without width or height</param>
-        /// <returns>the new image, owned by the caller, or null</returns>
+        /// <summary>Goes on with the encode that JpgCodFirst has started.</summary>
+        /// <param name="control">-1 ends the encode and frees its block; any other value goes
+        /// on</param>
+        /// <param name="stream_bytes">length of the stream, written when the encode is done</param>
+        /// <returns>1: done, the block of JpgCodFirst is the caller's; 0: call again (a call that
+        /// has encoded its number of MCUs answers 0 even if none is left); KIRVO_ABANDONED after
+        /// control -1; KIRVO_JPEG_CATEGORY for a coefficient that has no code; KIRVO_NO_MEMORY when
+        /// the stream would outgrow its block; KIRVO_BAD_PARAMETER without an encode of this
+        /// family. After an error the block has been freed</returns>
         [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr DecreaseColorMono256(IntPtr dib, out KirvoStatus status);
+        public static extern int JpgCodNext(int control, out uint stream_bytes);
 
-        /// <summary>Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered
-        /// dither of 8 x 8 pixels over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255: a
-        /// channel value v becomes level v / 51, one more where v mod 51 is above the dither's
-        /// threshold.</summary>
-        /// <remarks>The four cube colours that the palette lacks become pure green or pure
-        /// blue.</remarks>
-        /// <param name="dib">packed DIB of 24 or 32 bits</param>
-        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
-        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
-        /// an image without width or height</param>
-        /// <returns>the new image (biClrUsed 256), owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr Decrease256Fast(IntPtr dib, out KirvoStatus status);
+        /// <summary>Encodes a rectangle in colour into a file.</summary>
+        /// <param name="path">file name; an existing file is replaced once the stream is complete
+        /// in memory</param>
+        /// <param name="dib">packed DIB of 24 or 8 bits</param>
+        /// <param name="left">rectangle in the picture</param>
+        /// <param name="top">rectangle in the picture</param>
+        /// <param name="width">rectangle in the picture</param>
+        /// <param name="height">rectangle in the picture</param>
+        /// <param name="unused1">ignored</param>
+        /// <param name="unused2">ignored</param>
+        /// <returns>KIRVO_OK; KIRVO_BAD_PARAMETER for an empty path; KIRVO_BUSY while an encode or
+        /// decode is in progress; KIRVO_NULL_HANDLE; KIRVO_BAD_PARAMETER for a rectangle that is
+        /// empty or outside the image, or a block smaller than its header says; KIRVO_NEEDS_8_24
+        /// for another depth; KIRVO_NO_MEMORY, also for a stream that outgrows its block;
+        /// KIRVO_JPEG_CATEGORY; KIRVO_ABANDONED when a progress handler has ended the encode;
+        /// KIRVO_CANNOT_OPEN; KIRVO_WRITE_ERROR</returns>
+        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
+        public static extern KirvoStatus JpgCodMainEx([MarshalAs(UnmanagedType.LPStr)] string path,
+            IntPtr dib, int left, int top, int width, int height, int unused1, int unused2);
 
-        /// <summary>Makes an 8-bit image with exactly the colours of the source.</summary>
-        /// <remarks>New colours receive slots in the order of their appearance, row by row from the
-        /// bottom left. In mode 0 slots 0-7 and 247-255 are given to system colours beforehand and
-        /// 239 slots are free, in mode 1 all 256 are. Slots not used are black.</remarks>
-        /// <param name="dib">packed DIB of 24 or 32 bits</param>
-        /// <param name="mode">0 or 1</param>
-        /// <param name="status">KIRVO_OK; KIRVO_BAD_PARAMETER for another mode, before the handle
-        /// is looked at; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
-        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
-        /// an image without width or height; KIRVO_MORE_THAN_256 when the free slots do not
-        /// suffice</param>
-        /// <returns>the new image (biClrUsed 256), owned by the caller, or null</returns>
+        /// <summary>Encodes a rectangle in colour into a memory block.</summary>
+        /// <param name="dib">packed DIB of 24 or 8 bits</param>
+        /// <param name="left">rectangle in the picture</param>
+        /// <param name="top">rectangle in the picture</param>
+        /// <param name="width">rectangle in the picture</param>
+        /// <param name="height">rectangle in the picture</param>
+        /// <param name="stream_bytes">length of the stream; the block is larger, and zero after
+        /// it</param>
+        /// <param name="status">KIRVO_OK; KIRVO_BUSY while an encode or decode is in progress;
+        /// KIRVO_NULL_HANDLE; KIRVO_BAD_PARAMETER for a rectangle that is empty or outside the
+        /// image, or a block smaller than its header says; KIRVO_NEEDS_8_24 for another depth;
+        /// KIRVO_NO_MEMORY, also for a stream that outgrows its block; KIRVO_JPEG_CATEGORY;
+        /// KIRVO_ABANDONED when a progress handler has ended the encode</param>
+        /// <returns>the block, owned by the caller, or null</returns>
         [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr Decrease256PaletteEx(IntPtr dib, int mode,
+        public static extern IntPtr JpgCodMainHGLOBAL(IntPtr dib, int left, int top, int width,
+            int height, out uint stream_bytes, out KirvoStatus status);
+
+        /// <summary>Starts to encode a rectangle as a grey stream.</summary>
+        /// <param name="dib">packed DIB of 8 bits</param>
+        /// <param name="left">rectangle in the picture</param>
+        /// <param name="top">rectangle in the picture</param>
+        /// <param name="width">rectangle in the picture</param>
+        /// <param name="height">rectangle in the picture</param>
+        /// <param name="grey_mode">1: a pixel's grey level is the blue byte of its colour-table
+        /// entry; any other value: the pixel itself</param>
+        /// <param name="mcus_per_call">as JpgCodFirst, of 8 x 8 pixels</param>
+        /// <param name="status">KIRVO_OK; KIRVO_BUSY while an encode or decode is in progress;
+        /// KIRVO_NULL_HANDLE; KIRVO_BAD_PARAMETER for an empty or negative rectangle; KIRVO_NEEDS_8
+        /// for another depth; KIRVO_BAD_PARAMETER for a rectangle outside the image, or a block
+        /// smaller than its header says; KIRVO_NO_MEMORY; KIRVO_ABANDONED when a progress handler
+        /// has ended the encode</param>
+        /// <returns>as JpgCodFirst</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern IntPtr JpgCodFirst_M(IntPtr dib, int left, int top, int width,
+            int height, int grey_mode, int mcus_per_call, out KirvoStatus status);
+
+        /// <summary>Goes on with the encode that JpgCodFirst_M has started.</summary>
+        /// <param name="control">as JpgCodNext</param>
+        /// <param name="stream_bytes">as JpgCodNext</param>
+        /// <returns>1: done, the block of JpgCodFirst_M is the caller's; 0: call again (a call that
+        /// has encoded its number of MCUs answers 0 even if none is left); KIRVO_ABANDONED after
+        /// control -1; KIRVO_JPEG_CATEGORY for a coefficient that has no code; KIRVO_NO_MEMORY when
+        /// the stream would outgrow its block; KIRVO_BAD_PARAMETER without an encode of this
+        /// family. After an error the block has been freed</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern int JpgCodNext_M(int control, out uint stream_bytes);
+
+        /// <summary>Encodes a rectangle as a grey stream into a file.</summary>
+        /// <param name="path">as JpgCodMainEx</param>
+        /// <param name="dib">packed DIB of 8 bits</param>
+        /// <param name="left">rectangle in the picture</param>
+        /// <param name="top">rectangle in the picture</param>
+        /// <param name="width">rectangle in the picture</param>
+        /// <param name="height">rectangle in the picture</param>
+        /// <param name="grey_mode">as JpgCodFirst_M</param>
+        /// <returns>KIRVO_OK; KIRVO_BAD_PARAMETER for an empty path; KIRVO_BUSY while an encode or
+        /// decode is in progress; KIRVO_NULL_HANDLE; KIRVO_BAD_PARAMETER for a rectangle that is
+        /// empty or outside the image, or a block smaller than its header says; KIRVO_NEEDS_8 for
+        /// another depth; KIRVO_NO_MEMORY, also for a stream that outgrows its block;
+        /// KIRVO_JPEG_CATEGORY; KIRVO_ABANDONED when a progress handler has ended the encode;
+        /// KIRVO_CANNOT_OPEN; KIRVO_WRITE_ERROR</returns>
+        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
+        public static extern KirvoStatus JpgCodMainEx_M(
+            [MarshalAs(UnmanagedType.LPStr)] string path, IntPtr dib, int left, int top, int width,
+            int height, int grey_mode);
+
+        /// <summary>Encodes a rectangle as a grey stream into a memory block.</summary>
+        /// <param name="dib">packed DIB of 8 bits</param>
+        /// <param name="left">rectangle in the picture</param>
+        /// <param name="top">rectangle in the picture</param>
+        /// <param name="width">rectangle in the picture</param>
+        /// <param name="height">rectangle in the picture</param>
+        /// <param name="grey_mode">as JpgCodFirst_M</param>
+        /// <param name="stream_bytes">as JpgCodMainHGLOBAL</param>
+        /// <param name="status">KIRVO_OK; KIRVO_BUSY while an encode or decode is in progress;
+        /// KIRVO_NULL_HANDLE; KIRVO_BAD_PARAMETER for a rectangle that is empty or outside the
+        /// image, or a block smaller than its header says; KIRVO_NEEDS_8 for another depth;
+        /// KIRVO_NO_MEMORY, also for a stream that outgrows its block; KIRVO_JPEG_CATEGORY;
+        /// KIRVO_ABANDONED when a progress handler has ended the encode</param>
+        /// <returns>the block, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern IntPtr JpgCodMainHGLOBAL_M(IntPtr dib, int left, int top, int width,
+            int height, int grey_mode, out uint stream_bytes, out KirvoStatus status);
+
+        // JPEG encoder settings
+
+        /// <summary>Sets how colour streams sample chroma.</summary>
+        /// <remarks>The default is 4.</remarks>
+        /// <param name="mode">1: a sample per pixel; 2: halved across; 4: halved both ways</param>
+        /// <returns>KIRVO_OK, or KIRVO_BAD_PARAMETER for another mode (the setting stays)</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus JpgCodSetSubsample(int mode);
+
+        /// <summary>Selects one of the quality levels 2 to 5.</summary>
+        /// <param name="q">0 to 3 for level 2 (finest) to 5 (coarsest)</param>
+        /// <returns>KIRVO_OK, or KIRVO_BAD_PARAMETER for another value (the setting
+        /// stays)</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus JpgCodSetQ(int q);
+
+        /// <summary>Selects a quality level.</summary>
+        /// <remarks>The default is 4.</remarks>
+        /// <param name="level">1 (finest) to 5 (coarsest): a pair of fixed quantisation tables;
+        /// level 5 also keeps only the first 21 coefficients of each block. 0: the tables of
+        /// JpgCodSetQtable</param>
+        /// <returns>KIRVO_OK, or KIRVO_BAD_PARAMETER for another level (the setting
+        /// stays)</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus JpgCodSetQEx(int level);
+
+        /// <summary>Loads quantisation tables of the caller's, which are used at level 0 only
+        /// (JpgCodSetQEx).</summary>
+        /// <remarks>Until then they are all ones.</remarks>
+        /// <param name="luminance">64 quantisers of 1 to 255 in row-major order: entry row * 8 +
+        /// column is for the vertical frequency row and the horizontal frequency column</param>
+        /// <param name="chrominance">likewise</param>
+        /// <returns>KIRVO_OK, or KIRVO_BAD_PARAMETER for a quantiser out of range or a null pointer
+        /// (both tables stay)</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus JpgCodSetQtable([In] short[] luminance,
+            [In] short[] chrominance);
+
+        /// <summary>As JpgCodSetQtable, and sets how many coefficients of each block are coded at
+        /// level 0.</summary>
+        /// <param name="luminance">as JpgCodSetQtable</param>
+        /// <param name="chrominance">as JpgCodSetQtable</param>
+        /// <param name="count">1 to 64 coefficients in zigzag order, the others become 0; any other
+        /// value means 64</param>
+        /// <returns>KIRVO_OK, or KIRVO_BAD_PARAMETER for a quantiser out of range or a null pointer
+        /// (both tables stay, and the number of coefficients)</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus JpgCodSetQtableEx([In] short[] luminance,
+            [In] short[] chrominance, int count);
+
+        /// <summary>Sets a comment for the next stream only; one that is still pending is
+        /// discarded.</summary>
+        /// <param name="text">the bytes of the comment; null: none</param>
+        /// <param name="length">their number; 0: none. Above 65533 the length field of the segment
+        /// wraps, so that decoders take the rest of the comment for other segments</param>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern void JpgCodSetComment([In] byte[] text, uint length);
+
+        // Targa, Q0, RAW, Photo CD and icon files
+
+        /// <summary>Reads an uncompressed 24-bit Targa file (image type 2), with either
+        /// origin.</summary>
+        /// <remarks>The pixels are taken to start at byte 18: an image ID or a colour map is not
+        /// skipped. No progress is reported.</remarks>
+        /// <param name="name">file name</param>
+        /// <param name="width">width in pixels, written on success</param>
+        /// <param name="height">height in pixels, written on success</param>
+        /// <param name="status">KIRVO_OK; KIRVO_CANNOT_OPEN; KIRVO_READ_ERROR for a file shorter
+        /// than its header or its pixels; KIRVO_NOT_TARGA for another image type or depth;
+        /// KIRVO_NO_MEMORY, also for a width or height of 0</param>
+        /// <returns>a new 24-bit image, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
+        public static extern IntPtr Targa24Read([MarshalAs(UnmanagedType.LPStr)] string name,
+            out uint width, out uint height, out KirvoStatus status);
+
+        /// <summary>Writes a 24-bit image, or a rectangle of it, as an uncompressed Targa file with
+        /// its origin at the bottom left.</summary>
+        /// <remarks>Of sizes above 65535 the file's header keeps the low 16 bits. A partly written
+        /// file stays on disk.</remarks>
+        /// <param name="name">file name; an existing file is replaced</param>
+        /// <param name="dib">packed DIB of 24 bits with its rows at byte 40</param>
+        /// <param name="x">rectangle in the picture; width and height both -1 mean the whole
+        /// image</param>
+        /// <param name="y">rectangle in the picture; width and height both -1 mean the whole
+        /// image</param>
+        /// <param name="width">rectangle in the picture; width and height both -1 mean the whole
+        /// image</param>
+        /// <param name="height">rectangle in the picture; width and height both -1 mean the whole
+        /// image</param>
+        /// <returns>KIRVO_OK; KIRVO_BAD_PARAMETER for a null handle, a negative x or y, a rectangle
+        /// that is empty or outside the image, or a block smaller than its header says;
+        /// KIRVO_NULL_HANDLE for a handle that cannot be locked; KIRVO_NEEDS_24 for another depth
+        /// (tested after the rectangle); KIRVO_CANNOT_OPEN; KIRVO_WRITE_ERROR</returns>
+        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
+        public static extern KirvoStatus Targa24Write([MarshalAs(UnmanagedType.LPStr)] string name,
+            IntPtr dib, int x, int y, int width, int height);
+
+        /// <summary>Reads a Q0 file: rows of red, green and blue bytes from the top of the picture
+        /// down, without a header.</summary>
+        /// <remarks>Width and height stand, as two decimal integers, at the start of a text file of
+        /// the same name with the extension ".IPR" (appended to a name without an extension).
+        /// Surplus bytes are ignored. Progress counts rows.</remarks>
+        /// <param name="name">file name. On Windows it follows the rules of OpenFile (at most 127
+        /// characters), and its title those of GetFileTitle.</param>
+        /// <param name="width">width in pixels, written on success</param>
+        /// <param name="height">height in pixels, written on success</param>
+        /// <param name="bits">24, written on success</param>
+        /// <param name="status">KIRVO_OK; KIRVO_Q0_SIZE when the companion file cannot be opened
+        /// (tested first) or does not hold two numbers, or when the Q0 file is too short for them;
+        /// KIRVO_CANNOT_OPEN; KIRVO_NO_MEMORY, also for a size below 1; KIRVO_READ_ERROR</param>
+        /// <returns>a new 24-bit image, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
+        public static extern IntPtr Q0Read([MarshalAs(UnmanagedType.LPStr)] string name,
+            out uint width, out uint height, out uint bits, out KirvoStatus status);
+
+        /// <summary>Reads a RAW file: a 32-byte header (the magic "mhwanh"; big-endian 16-bit width
+        /// at byte 8, height at byte 10, palette size at byte 12), then rows as in a Q0
+        /// file.</summary>
+        /// <remarks>Progress counts rows.</remarks>
+        /// <param name="name">file name; on Windows by the rules of OpenFile (at most 127
+        /// characters)</param>
+        /// <param name="width">width in pixels, written on success</param>
+        /// <param name="height">height in pixels, written on success</param>
+        /// <param name="bits">24, written on success</param>
+        /// <param name="status">KIRVO_OK; KIRVO_CANNOT_OPEN; KIRVO_READ_ERROR for a file below 32
+        /// bytes or a short read; KIRVO_NOT_RAW for another magic, or (tested last) a file too
+        /// short for its size; KIRVO_RAW_PALETTE for a palette size other than 0; KIRVO_NO_MEMORY,
+        /// also for a width or height of 0</param>
+        /// <returns>a new 24-bit image, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
+        public static extern IntPtr RawRead([MarshalAs(UnmanagedType.LPStr)] string name,
+            out uint width, out uint height, out uint bits, out KirvoStatus status);
+
+        /// <summary>Reads a Photo CD image with the Photo CD access library, which is loaded for
+        /// the length of the call by the name PCDLIB32.DLL and the system's search rules (away from
+        /// Windows: those of dlopen, so LD_LIBRARY_PATH and the system's library
+        /// folders).</summary>
+        /// <remarks>The library makes the image and reports progress, if any, by means of its own.
+        /// The status codes have meanings of their own here.</remarks>
+        /// <param name="name">file name, passed on to the library</param>
+        /// <param name="resolution">the library's resolution index, 0 to 5; any other value means
+        /// 3</param>
+        /// <param name="progress">passed on as the library's progress value; 0 for none</param>
+        /// <param name="width">biWidth, written on success</param>
+        /// <param name="height">biHeight, written on success</param>
+        /// <param name="status">KIRVO_OK; KIRVO_BAD_PARAMETER when the library is missing, or its
+        /// progress, transform, resolution or close call failed; KIRVO_NO_MEMORY when the file
+        /// could not be opened; KIRVO_CANNOT_OPEN when its image information could not be read;
+        /// KIRVO_NULL_HANDLE when the image could not be loaded</param>
+        /// <returns>the library's image, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
+        public static extern IntPtr PcdRead([MarshalAs(UnmanagedType.LPStr)] string name,
+            int resolution, UIntPtr progress, out uint width, out uint height,
             out KirvoStatus status);
 
-        /// <summary>Decrease256PaletteEx with mode 0.</summary>
-        /// <param name="dib">packed DIB of 24 or 32 bits</param>
-        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
-        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
-        /// an image without width or height; KIRVO_MORE_THAN_256 when the free slots do not
-        /// suffice</param>
-        /// <returns>the new image, owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr Decrease256Palette(IntPtr dib, out KirvoStatus status);
+        /// <summary>Lists the images of an icon or cursor file by its directory.</summary>
+        /// <remarks>Each 6-byte record holds three 16-bit numbers: colours (the colour count of the
+        /// entry with the byte behind it as its high byte; 0 is listed as 256), width and
+        /// height.</remarks>
+        /// <param name="name">file name</param>
+        /// <param name="records">set to 0 and filled with as many records as fit; null asks for the
+        /// count</param>
+        /// <param name="size">bytes of records; 0 asks for the count</param>
+        /// <returns>the number of images that the file declares, whether or not they fitted;
+        /// KIRVO_CANNOT_OPEN; KIRVO_READ_ERROR for a file shorter than its header or the entries
+        /// listed; KIRVO_NOT_ICON</returns>
+        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
+        public static extern int IcoGetInfo([MarshalAs(UnmanagedType.LPStr)] string name,
+            [Out] byte[] records, uint size);
 
-        /// <summary>Makes a 4-bit image with exactly the colours of the source.</summary>
-        /// <remarks>In mode 0 only the 16 system colours are accepted: black, the six dark
-        /// primaries, (128, 128, 128) in slot 7, (192, 192, 192) in slot 8, the six bright ones and
-        /// white. In mode 1 any 16 colours receive slots in the order of their appearance, row by
-        /// row from the bottom left.</remarks>
-        /// <param name="dib">packed DIB of 24 or 32 bits</param>
-        /// <param name="mode">0 or 1</param>
-        /// <param name="status">KIRVO_OK; KIRVO_BAD_PARAMETER for another mode, before the handle
-        /// is looked at; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
-        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
-        /// an image without width or height; KIRVO_MORE_THAN_16 when the slots do not
-        /// suffice</param>
-        /// <returns>the new image (biClrUsed 16), owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr Decrease16PaletteEx(IntPtr dib, int mode,
-            out KirvoStatus status);
+        /// <summary>Lists the images of an icon or cursor file by their own headers.</summary>
+        /// <remarks>Each 12-byte record holds the 32-bit offset of the image in the file, then
+        /// 16-bit colours (2, 16 or 256 for 1, 4 or 8 bits; 0 for any other depth and for an image
+        /// outside the file), width and height; its last 2 bytes are not written.</remarks>
+        /// <param name="name">file name</param>
+        /// <param name="records">filled as above; null asks for the count</param>
+        /// <param name="size">number of records wanted x 6; 0 asks for the count</param>
+        /// <returns>the number of images that the file declares, whether or not they fitted;
+        /// KIRVO_CANNOT_OPEN; KIRVO_READ_ERROR for a file shorter than its header or the entries
+        /// listed; KIRVO_NOT_ICON</returns>
+        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
+        public static extern int IcoGetInfoEx([MarshalAs(UnmanagedType.LPStr)] string name,
+            [Out] byte[] records, uint size);
 
-        /// <summary>Decrease16PaletteEx with mode 0.</summary>
-        /// <param name="dib">packed DIB of 24 or 32 bits</param>
-        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
-        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
-        /// an image without width or height; KIRVO_MORE_THAN_16 for a colour that is not of the
-        /// 16</param>
-        /// <returns>the new image, owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr Decrease16Palette(IntPtr dib, out KirvoStatus status);
+        /// <summary>Reads one image of an icon or cursor file, and its transparency mask.</summary>
+        /// <remarks>The image keeps the header, colour table and rows that it has in the file, with
+        /// its height halved to the entry's. At most 65535 bytes are read, and nothing beyond the
+        /// size that the entry gives the image; what is missing is 0. An entry of 256 pixels width
+        /// or height (stored as 0) cannot be read.</remarks>
+        /// <param name="name">file name</param>
+        /// <param name="index">from 0</param>
+        /// <param name="width">the entry's width, written on success</param>
+        /// <param name="height">the entry's height, written on success</param>
+        /// <param name="bits">the image's depth, written on success</param>
+        /// <param name="status">KIRVO_OK; KIRVO_CANNOT_OPEN; KIRVO_NOT_ICON; KIRVO_BAD_PARAMETER
+        /// for an index below 0 or not below the number of entries; KIRVO_READ_ERROR for a file
+        /// shorter than its header or directory, or an image said to be smaller than its mask;
+        /// KIRVO_NO_MEMORY, also for a size of 0 and for a depth that no image has, such as that of
+        /// an image outside the file</param>
+        /// <param name="mask">receives the mask, owned by the caller, on success: a 1-bit image
+        /// with colour 0 black and 1 white; null when it is not wanted</param>
+        /// <returns>a new image, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
+        public static extern IntPtr IcoGetData([MarshalAs(UnmanagedType.LPStr)] string name,
+            int index, out uint width, out uint height, out uint bits, out KirvoStatus status,
+            out IntPtr mask);
 
-        /// <summary>Makes a 24-bit image of an indexed one.</summary>
-        /// <remarks>The colour table is looked for after 40 bytes of header, the rows after biSize
-        /// + PaletteSize. An index is not compared with the number of colours.</remarks>
-        /// <param name="dib">packed DIB of 1, 4 or 8 bits</param>
-        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_1_4_8 for another depth;
-        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
-        /// an image without width or height</param>
-        /// <returns>the new image, owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true)]
-        public static extern IntPtr IncreaseColor16M(IntPtr dib, out KirvoStatus status);
+        /// <summary>Reads one image of an icon or cursor file, and its transparency mask.</summary>
+        /// <remarks>The image keeps the header, colour table and rows that it has in the file, with
+        /// its height halved to the entry's. At most 65535 bytes are read, and nothing beyond the
+        /// size that the entry gives the image; what is missing is 0. An entry of 256 pixels width
+        /// or height (stored as 0) cannot be read.</remarks>
+        /// <param name="name">file name</param>
+        /// <param name="index">from 0</param>
+        /// <param name="width">the entry's width, written on success</param>
+        /// <param name="height">the entry's height, written on success</param>
+        /// <param name="bits">the image's depth, written on success</param>
+        /// <param name="status">KIRVO_OK; KIRVO_CANNOT_OPEN; KIRVO_NOT_ICON; KIRVO_BAD_PARAMETER
+        /// for an index below 0 or not below the number of entries; KIRVO_READ_ERROR for a file
+        /// shorter than its header or directory, or an image said to be smaller than its mask;
+        /// KIRVO_NO_MEMORY, also for a size of 0 and for a depth that no image has, such as that of
+        /// an image outside the file</param>
+        /// <param name="mask">receives the mask, owned by the caller, on success: a 1-bit image
+        /// with colour 0 black and 1 white; null when it is not wanted</param>
+        /// <returns>a new image, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
+        public static extern IntPtr IcoGetData([MarshalAs(UnmanagedType.LPStr)] string name,
+            int index, out uint width, out uint height, out uint bits, out KirvoStatus status,
+            IntPtr mask);
 
         // Copy and compose
 
@@ -1676,11 +1616,12 @@ namespace KirvoImaging
 
         /// <summary>Blurs a rectangle with a fixed 3 x 3 kernel.</summary>
         /// <remarks>Each channel becomes (11 x (sum of the four corners) + 30 x (sum of the four
-        /// edge neighbours) + 81 x centre) &gt;&gt; 8. The weights add up to 245, not 256: the blur
-        /// darkens by about 4 % (a flat 255 becomes 244). Neighbours outside the rectangle are not
-        /// read: the pixel's own row or column takes their place. The exception is a rectangle one
-        /// row high, whose row above is read from the image (as black beyond its top). Reports
-        /// progress per row.</remarks>
+        /// edge neighbours) + 81 x centre) &gt;&gt; 8. White darkens by 4 % a pass (255 becomes
+        /// 244, then 233): the weights, four times 11, four times 30 and 81, add up to 245, and the
+        /// sum is divided by 256. DibFilter3x3 keeps white white when its divisor is the sum of its
+        /// weights. Neighbours outside the rectangle are not read: the pixel's own row or column
+        /// takes their place. The exception is a rectangle one row high, whose row above is read
+        /// from the image (as black beyond its top). Reports progress per row.</remarks>
         /// <param name="dib">packed DIB of 24 bits</param>
         /// <param name="x">rectangle in the picture</param>
         /// <param name="y">rectangle in the picture</param>
@@ -2100,177 +2041,237 @@ namespace KirvoImaging
         public static extern IntPtr DibBlockMxM(IntPtr dib, int x, int y, int width, int height,
             int radius, int maximum, int luminance, out KirvoStatus status);
 
-        // Targa, Q0, RAW, Photo CD and icon files
+        // Depth conversion
 
-        /// <summary>Reads an uncompressed 24-bit Targa file (image type 2), with either
-        /// origin.</summary>
-        /// <remarks>The pixels are taken to start at byte 18: an image ID or a colour map is not
-        /// skipped. No progress is reported.</remarks>
-        /// <param name="name">file name</param>
-        /// <param name="width">width in pixels, written on success</param>
-        /// <param name="height">height in pixels, written on success</param>
-        /// <param name="status">KIRVO_OK; KIRVO_CANNOT_OPEN; KIRVO_READ_ERROR for a file shorter
-        /// than its header or its pixels; KIRVO_NOT_TARGA for another image type or depth;
-        /// KIRVO_NO_MEMORY, also for a width or height of 0</param>
-        /// <returns>a new 24-bit image, owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
-        public static extern IntPtr Targa24Read([MarshalAs(UnmanagedType.LPStr)] string name,
-            out uint width, out uint height, out KirvoStatus status);
+        /// <summary>Makes a 24-bit image of a 16- or 32-bit one. 5-bit 31 gives 248.</summary>
+        /// <param name="dib">packed DIB of 16 or 32 bits; a 16-bit one without masks is read as
+        /// 5-5-5</param>
+        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_16_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
+        /// an image without width or height</param>
+        /// <returns>the new image, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern IntPtr DibConvert24bit(IntPtr dib, out KirvoStatus status);
 
-        /// <summary>Writes a 24-bit image, or a rectangle of it, as an uncompressed Targa file with
-        /// its origin at the bottom left.</summary>
-        /// <remarks>Of sizes above 65535 the file's header keeps the low 16 bits. A partly written
-        /// file stays on disk.</remarks>
-        /// <param name="name">file name; an existing file is replaced</param>
-        /// <param name="dib">packed DIB of 24 bits with its rows at byte 40</param>
-        /// <param name="x">rectangle in the picture; width and height both -1 mean the whole
-        /// image</param>
-        /// <param name="y">rectangle in the picture; width and height both -1 mean the whole
-        /// image</param>
-        /// <param name="width">rectangle in the picture; width and height both -1 mean the whole
-        /// image</param>
-        /// <param name="height">rectangle in the picture; width and height both -1 mean the whole
-        /// image</param>
-        /// <returns>KIRVO_OK; KIRVO_BAD_PARAMETER for a null handle, a negative x or y, a rectangle
-        /// that is empty or outside the image, or a block smaller than its header says;
-        /// KIRVO_NULL_HANDLE for a handle that cannot be locked; KIRVO_NEEDS_24 for another depth
-        /// (tested after the rectangle); KIRVO_CANNOT_OPEN; KIRVO_WRITE_ERROR</returns>
-        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
-        public static extern KirvoStatus Targa24Write([MarshalAs(UnmanagedType.LPStr)] string name,
-            IntPtr dib, int x, int y, int width, int height);
+        /// <summary>Makes a 16-bit image of a 24- or 32-bit one.</summary>
+        /// <remarks>It is always 5-6-5 with the masks 0xF800, 0x07E0 and 0x001F: (red &amp; 0xF8)
+        /// &lt;&lt; 8 | (green &amp; 0xFC) &lt;&lt; 3 | blue &gt;&gt; 3.</remarks>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
+        /// an image without width or height</param>
+        /// <returns>the new image, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern IntPtr DibConvert16bit(IntPtr dib, out KirvoStatus status);
 
-        /// <summary>Reads a Q0 file: rows of red, green and blue bytes from the top of the picture
-        /// down, without a header.</summary>
-        /// <remarks>Width and height stand, as two decimal integers, at the start of a text file of
-        /// the same name with the extension ".IPR" (appended to a name without an extension).
-        /// Surplus bytes are ignored. Progress counts rows.</remarks>
-        /// <param name="name">file name. On Windows it follows the rules of OpenFile (at most 127
-        /// characters), and its title those of GetFileTitle.</param>
-        /// <param name="width">width in pixels, written on success</param>
-        /// <param name="height">height in pixels, written on success</param>
-        /// <param name="bits">24, written on success</param>
-        /// <param name="status">KIRVO_OK; KIRVO_Q0_SIZE when the companion file cannot be opened
-        /// (tested first) or does not hold two numbers, or when the Q0 file is too short for them;
-        /// KIRVO_CANNOT_OPEN; KIRVO_NO_MEMORY, also for a size below 1; KIRVO_READ_ERROR</param>
-        /// <returns>a new 24-bit image, owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
-        public static extern IntPtr Q0Read([MarshalAs(UnmanagedType.LPStr)] string name,
-            out uint width, out uint height, out uint bits, out KirvoStatus status);
+        /// <summary>Makes a 32-bit image of a 16- or 24-bit one, with the masks 0x00FF0000,
+        /// 0x0000FF00 and 0x000000FF: red &lt;&lt; 16 | green &lt;&lt; 8 | blue.</summary>
+        /// <param name="dib">packed DIB of 16 or 24 bits; a 16-bit one without masks is read as
+        /// 5-5-5</param>
+        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_16_24 for another depth;
+        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
+        /// an image without width or height</param>
+        /// <returns>the new image, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern IntPtr DibConvert32bit(IntPtr dib, out KirvoStatus status);
 
-        /// <summary>Reads a RAW file: a 32-byte header (the magic "mhwanh"; big-endian 16-bit width
-        /// at byte 8, height at byte 10, palette size at byte 12), then rows as in a Q0
-        /// file.</summary>
-        /// <remarks>Progress counts rows.</remarks>
-        /// <param name="name">file name; on Windows by the rules of OpenFile (at most 127
-        /// characters)</param>
-        /// <param name="width">width in pixels, written on success</param>
-        /// <param name="height">height in pixels, written on success</param>
-        /// <param name="bits">24, written on success</param>
-        /// <param name="status">KIRVO_OK; KIRVO_CANNOT_OPEN; KIRVO_READ_ERROR for a file below 32
-        /// bytes or a short read; KIRVO_NOT_RAW for another magic, or (tested last) a file too
-        /// short for its size; KIRVO_RAW_PALETTE for a palette size other than 0; KIRVO_NO_MEMORY,
-        /// also for a width or height of 0</param>
-        /// <returns>a new 24-bit image, owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
-        public static extern IntPtr RawRead([MarshalAs(UnmanagedType.LPStr)] string name,
-            out uint width, out uint height, out uint bits, out KirvoStatus status);
+        /// <summary>Makes a copy of a 24-bit image that keeps only the top bits of each
+        /// channel.</summary>
+        /// <param name="dib">packed DIB of 24 bits with a 40-byte header</param>
+        /// <param name="red_bits">bits of red kept, 0 to 8</param>
+        /// <param name="green_bits">bits of green kept, 0 to 8</param>
+        /// <param name="blue_bits">bits of blue kept, 0 to 8</param>
+        /// <param name="status">KIRVO_OK; KIRVO_BAD_PARAMETER for a count outside 0 to 8 (before
+        /// the handle is looked at), an image without width or height or a block smaller than its
+        /// header says; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24; KIRVO_NO_MEMORY</param>
+        /// <returns>the new image, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern IntPtr DibCutDepth(IntPtr dib, int red_bits, int green_bits,
+            int blue_bits, out KirvoStatus status);
 
-        /// <summary>Reads a Photo CD image with the Photo CD access library, which is loaded for
-        /// the length of the call by the name PCDLIB32.DLL and the system's search rules (away from
-        /// Windows: those of dlopen, so LD_LIBRARY_PATH and the system's library
-        /// folders).</summary>
-        /// <remarks>The library makes the image and reports progress, if any, by means of its own.
-        /// The status codes have meanings of their own here.</remarks>
-        /// <param name="name">file name, passed on to the library</param>
-        /// <param name="resolution">the library's resolution index, 0 to 5; any other value means
-        /// 3</param>
-        /// <param name="progress">passed on as the library's progress value; 0 for none</param>
-        /// <param name="width">biWidth, written on success</param>
-        /// <param name="height">biHeight, written on success</param>
-        /// <param name="status">KIRVO_OK; KIRVO_BAD_PARAMETER when the library is missing, or its
-        /// progress, transform, resolution or close call failed; KIRVO_NO_MEMORY when the file
-        /// could not be opened; KIRVO_CANNOT_OPEN when its image information could not be read;
-        /// KIRVO_NULL_HANDLE when the image could not be loaded</param>
-        /// <returns>the library's image, owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
-        public static extern IntPtr PcdRead([MarshalAs(UnmanagedType.LPStr)] string name,
-            int resolution, UIntPtr progress, out uint width, out uint height,
+        // Colour reduction
+
+        /// <summary>Makes an 8-bit image with error diffusion to 256 fixed colours.</summary>
+        /// <remarks>The palette is a cube of 7 levels of green (0, 64, 96, 128, 160, 192, 255) and
+        /// 6 of blue and red (0, 64, 96, 128, 192, 255), with the 20 system colours in slots 0-9
+        /// and 246-255. A channel goes up to the level above it: to 64 from 32 on, to each further
+        /// level from the one below it on. Rows are scanned right to left and left to right in
+        /// turn, the bottom row right to left. What is left over of each channel goes on, in halves
+        /// rounded down: 1/2 to the next pixel in scan direction, 1/4 below it, 1/8 below and
+        /// ahead, 1/16 below and behind.</remarks>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
+        /// an image without width or height</param>
+        /// <returns>the new image, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern IntPtr DecreaseColor256(IntPtr dib, out KirvoStatus status);
+
+        /// <summary>Makes a 4-bit image with error diffusion, as DecreaseColor256 spreads it, to 16
+        /// fixed colours.</summary>
+        /// <remarks>Where any channel is above 128, each channel above 128 becomes 255 and the
+        /// others 0 (colours 8 to 15, counting red 1, green 2, blue 4); elsewhere each channel
+        /// above 64 becomes 128 and the others 0 (colours 0 to 6, and 8 for all three). Colour 7
+        /// (192, 192, 192) is in the palette but not used.</remarks>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
+        /// an image without width or height</param>
+        /// <returns>the new image, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern IntPtr DecreaseColor16(IntPtr dib, out KirvoStatus status);
+
+        /// <summary>Makes an 8-bit grey image, without diffusion.</summary>
+        /// <remarks>The palette has the 20 system colours in slots 0-9 and 246-255 and greys 20 to
+        /// 255 in slots 10 to 245. A pixel of luminance Y = (77 red + 150 green + 29 blue + 128) /
+        /// 256 gets slot Y - 10, and no slot below 10.</remarks>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
+        /// an image without width or height</param>
+        /// <returns>the new image, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern IntPtr DecreaseColorMono256(IntPtr dib, out KirvoStatus status);
+
+        /// <summary>Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered
+        /// dither of 8 x 8 pixels over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255: a
+        /// channel value v becomes level v / 51, one more where v mod 51 is above the dither's
+        /// threshold.</summary>
+        /// <remarks>The four cube colours that the palette lacks become pure green or pure
+        /// blue.</remarks>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
+        /// an image without width or height</param>
+        /// <returns>the new image (biClrUsed 256), owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern IntPtr Decrease256Fast(IntPtr dib, out KirvoStatus status);
+
+        /// <summary>Makes an 8-bit image with exactly the colours of the source.</summary>
+        /// <remarks>New colours receive slots in the order of their appearance, row by row from the
+        /// bottom left. In mode 0 slots 0-7 and 247-255 are given to system colours beforehand and
+        /// 239 slots are free, in mode 1 all 256 are. Slots not used are black.</remarks>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="mode">0 or 1</param>
+        /// <param name="status">KIRVO_OK; KIRVO_BAD_PARAMETER for another mode, before the handle
+        /// is looked at; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
+        /// an image without width or height; KIRVO_MORE_THAN_256 when the free slots do not
+        /// suffice</param>
+        /// <returns>the new image (biClrUsed 256), owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern IntPtr Decrease256PaletteEx(IntPtr dib, int mode,
             out KirvoStatus status);
 
-        /// <summary>Lists the images of an icon or cursor file by its directory.</summary>
-        /// <remarks>Each 6-byte record holds three 16-bit numbers: colours (the colour count of the
-        /// entry with the byte behind it as its high byte; 0 is listed as 256), width and
-        /// height.</remarks>
-        /// <param name="name">file name</param>
-        /// <param name="records">set to 0 and filled with as many records as fit; null asks for the
-        /// count</param>
-        /// <param name="size">bytes of records; 0 asks for the count</param>
-        /// <returns>the number of images that the file declares, whether or not they fitted;
-        /// KIRVO_CANNOT_OPEN; KIRVO_READ_ERROR for a file shorter than its header or the entries
-        /// listed; KIRVO_NOT_ICON</returns>
-        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
-        public static extern int IcoGetInfo([MarshalAs(UnmanagedType.LPStr)] string name,
-            [Out] byte[] records, uint size);
+        /// <summary>Decrease256PaletteEx with mode 0.</summary>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
+        /// an image without width or height; KIRVO_MORE_THAN_256 when the free slots do not
+        /// suffice</param>
+        /// <returns>the new image, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern IntPtr Decrease256Palette(IntPtr dib, out KirvoStatus status);
 
-        /// <summary>Lists the images of an icon or cursor file by their own headers.</summary>
-        /// <remarks>Each 12-byte record holds the 32-bit offset of the image in the file, then
-        /// 16-bit colours (2, 16 or 256 for 1, 4 or 8 bits; 0 for any other depth and for an image
-        /// outside the file), width and height; its last 2 bytes are not written.</remarks>
-        /// <param name="name">file name</param>
-        /// <param name="records">filled as above; null asks for the count</param>
-        /// <param name="size">number of records wanted x 6; 0 asks for the count</param>
-        /// <returns>the number of images that the file declares, whether or not they fitted;
-        /// KIRVO_CANNOT_OPEN; KIRVO_READ_ERROR for a file shorter than its header or the entries
-        /// listed; KIRVO_NOT_ICON</returns>
-        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
-        public static extern int IcoGetInfoEx([MarshalAs(UnmanagedType.LPStr)] string name,
-            [Out] byte[] records, uint size);
+        /// <summary>Makes a 4-bit image with exactly the colours of the source.</summary>
+        /// <remarks>In mode 0 only the 16 system colours are accepted: black, the six dark
+        /// primaries, (128, 128, 128) in slot 7, (192, 192, 192) in slot 8, the six bright ones and
+        /// white. In mode 1 any 16 colours receive slots in the order of their appearance, row by
+        /// row from the bottom left.</remarks>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="mode">0 or 1</param>
+        /// <param name="status">KIRVO_OK; KIRVO_BAD_PARAMETER for another mode, before the handle
+        /// is looked at; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
+        /// an image without width or height; KIRVO_MORE_THAN_16 when the slots do not
+        /// suffice</param>
+        /// <returns>the new image (biClrUsed 16), owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern IntPtr Decrease16PaletteEx(IntPtr dib, int mode,
+            out KirvoStatus status);
 
-        /// <summary>Reads one image of an icon or cursor file, and its transparency mask.</summary>
-        /// <remarks>The image keeps the header, colour table and rows that it has in the file, with
-        /// its height halved to the entry's. At most 65535 bytes are read, and nothing beyond the
-        /// size that the entry gives the image; what is missing is 0. An entry of 256 pixels width
-        /// or height (stored as 0) cannot be read.</remarks>
-        /// <param name="name">file name</param>
-        /// <param name="index">from 0</param>
-        /// <param name="width">the entry's width, written on success</param>
-        /// <param name="height">the entry's height, written on success</param>
-        /// <param name="bits">the image's depth, written on success</param>
-        /// <param name="status">KIRVO_OK; KIRVO_CANNOT_OPEN; KIRVO_NOT_ICON; KIRVO_BAD_PARAMETER
-        /// for an index below 0 or not below the number of entries; KIRVO_READ_ERROR for a file
-        /// shorter than its header or directory, or an image said to be smaller than its mask;
-        /// KIRVO_NO_MEMORY, also for a size of 0 and for a depth that no image has, such as that of
-        /// an image outside the file</param>
-        /// <param name="mask">receives the mask, owned by the caller, on success: a 1-bit image
-        /// with colour 0 black and 1 white; null when it is not wanted</param>
-        /// <returns>a new image, owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
-        public static extern IntPtr IcoGetData([MarshalAs(UnmanagedType.LPStr)] string name,
-            int index, out uint width, out uint height, out uint bits, out KirvoStatus status,
-            out IntPtr mask);
+        /// <summary>Decrease16PaletteEx with mode 0.</summary>
+        /// <param name="dib">packed DIB of 24 or 32 bits</param>
+        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_24_32 for another depth;
+        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
+        /// an image without width or height; KIRVO_MORE_THAN_16 for a colour that is not of the
+        /// 16</param>
+        /// <returns>the new image, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern IntPtr Decrease16Palette(IntPtr dib, out KirvoStatus status);
 
-        /// <summary>Reads one image of an icon or cursor file, and its transparency mask.</summary>
-        /// <remarks>The image keeps the header, colour table and rows that it has in the file, with
-        /// its height halved to the entry's. At most 65535 bytes are read, and nothing beyond the
-        /// size that the entry gives the image; what is missing is 0. An entry of 256 pixels width
-        /// or height (stored as 0) cannot be read.</remarks>
-        /// <param name="name">file name</param>
-        /// <param name="index">from 0</param>
-        /// <param name="width">the entry's width, written on success</param>
-        /// <param name="height">the entry's height, written on success</param>
-        /// <param name="bits">the image's depth, written on success</param>
-        /// <param name="status">KIRVO_OK; KIRVO_CANNOT_OPEN; KIRVO_NOT_ICON; KIRVO_BAD_PARAMETER
-        /// for an index below 0 or not below the number of entries; KIRVO_READ_ERROR for a file
-        /// shorter than its header or directory, or an image said to be smaller than its mask;
-        /// KIRVO_NO_MEMORY, also for a size of 0 and for a depth that no image has, such as that of
-        /// an image outside the file</param>
-        /// <param name="mask">receives the mask, owned by the caller, on success: a 1-bit image
-        /// with colour 0 black and 1 white; null when it is not wanted</param>
-        /// <returns>a new image, owned by the caller, or null</returns>
-        [DllImport(Library, ExactSpelling = true, BestFitMapping = false, ThrowOnUnmappableChar = true)]
-        public static extern IntPtr IcoGetData([MarshalAs(UnmanagedType.LPStr)] string name,
-            int index, out uint width, out uint height, out uint bits, out KirvoStatus status,
-            IntPtr mask);
+        /// <summary>Makes a 24-bit image of an indexed one.</summary>
+        /// <remarks>The colour table is looked for after 40 bytes of header, the rows after biSize
+        /// + PaletteSize. An index is not compared with the number of colours.</remarks>
+        /// <param name="dib">packed DIB of 1, 4 or 8 bits</param>
+        /// <param name="status">KIRVO_OK; KIRVO_NULL_HANDLE; KIRVO_NEEDS_1_4_8 for another depth;
+        /// KIRVO_BAD_PARAMETER for a block smaller than its header says; KIRVO_NO_MEMORY, also for
+        /// an image without width or height</param>
+        /// <returns>the new image, owned by the caller, or null</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern IntPtr IncreaseColor16M(IntPtr dib, out KirvoStatus status);
+
+        // Single pixels and lines
+
+        /// <summary>Reads one pixel of an image of any depth.</summary>
+        /// <remarks>Channels of 16-bit images are scaled to 8 bits with zero low bits (5-bit 31
+        /// reads as 248).</remarks>
+        /// <param name="dib">packed DIB of 1, 4, 8, 16, 24 or 32 bits</param>
+        /// <param name="x">column from the left</param>
+        /// <param name="y">row from the top</param>
+        /// <param name="colour">0x00BBGGRR; left alone on failure</param>
+        /// <returns>KIRVO_OK, or KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image,
+        /// another depth or a block too small</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus DibGetPixelColor(IntPtr dib, int x, int y,
+            out uint colour);
+
+        /// <summary>Writes one pixel of a direct-colour image.</summary>
+        /// <remarks>Channels are narrowed by truncation.</remarks>
+        /// <param name="dib">packed DIB of 16, 24 or 32 bits</param>
+        /// <param name="x">column from the left</param>
+        /// <param name="y">row from the top</param>
+        /// <param name="colour">0x00BBGGRR</param>
+        /// <returns>KIRVO_OK; KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image or a
+        /// block too small; KIRVO_NEEDS_16_24_32 for another depth</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus DibSetPixelColor(IntPtr dib, int x, int y, uint colour);
+
+        /// <summary>Fills the pixels x0 to x1 (inclusive) of one row with a colour.</summary>
+        /// <remarks>Nothing is written, and the result is still KIRVO_OK, when x0 &gt;
+        /// x1.</remarks>
+        /// <param name="dib">packed DIB of 16, 24 or 32 bits</param>
+        /// <param name="x0">first column</param>
+        /// <param name="x1">last column</param>
+        /// <param name="y">row from the top</param>
+        /// <param name="colour">0x00BBGGRR</param>
+        /// <returns>KIRVO_OK; KIRVO_BAD_PARAMETER for a null handle, a pixel outside the image or a
+        /// block too small; KIRVO_NEEDS_16_24_32 for another depth</returns>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern KirvoStatus DibSetLineColor(IntPtr dib, int x0, int x1, int y,
+            uint colour);
+
+        // Window fitting
+
+        /// <summary>Resizes a window so that its client area shows an image at a whole scale;
+        /// FitWindowToImage is the same at scale 1.</summary>
+        /// <remarks>Makes two calls of SetWindowPos with the frame width of the system's metrics
+        /// (the first allows for a menu bar as well), and a third, by the measured size of
+        /// everything around the client area, when that does not have the wanted size yet. The
+        /// window keeps its place and its z-order. No error is reported: a window that cannot
+        /// become so large stays as large as the system lets it.</remarks>
+        /// <param name="window">the window</param>
+        /// <param name="dib">packed DIB of any depth; null changes nothing</param>
+        /// <param name="scale">the client area becomes biWidth x scale by biHeight x scale pixels
+        /// (32 bits each)</param>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern void FitWindowToImageEx(IntPtr window, IntPtr dib, uint scale);
+
+        /// <summary>FitWindowToImageEx at scale 1.</summary>
+        /// <param name="window">the window</param>
+        /// <param name="dib">packed DIB</param>
+        [DllImport(Library, ExactSpelling = true)]
+        public static extern void FitWindowToImage(IntPtr window, IntPtr dib);
 
         // Conveniences of this file
 

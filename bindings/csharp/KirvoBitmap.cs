@@ -1,5 +1,7 @@
 // Pictures of Kirvo from and to System.Drawing.Bitmap. Compiled together with KirvoImage.cs by programs
-// that use System.Drawing.
+// that use System.Drawing; .NET 5 and later has it as a package, System.Drawing.Common: programs that take
+// it define KIRVO_DRAWING.
+#if KIRVO_DRAWING || !NET5_0_OR_GREATER
 
 using System.Drawing;
 using System.Drawing.Imaging;
@@ -54,3 +56,5 @@ namespace KirvoImaging
         }
     }
 }
+
+#endif

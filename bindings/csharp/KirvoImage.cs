@@ -672,7 +672,7 @@ namespace KirvoImaging
                         smooth ? 1 : 0));
         }
 
-        /// <summary>Turns a rectangle upside down, in place.</summary>
+        /// <summary>Turns a rectangle upside down.</summary>
         /// <param name="area">the part that is worked on; null: all of it</param>
         /// <returns>the new picture</returns>
         public KirvoImage Flip(KirvoArea? area = null)
@@ -682,7 +682,7 @@ namespace KirvoImaging
                     Kirvo.Dib24Flip(dib, a.X, a.Y, a.Width, a.Height));
         }
 
-        /// <summary>Exchanges left and right in a rectangle, in place.</summary>
+        /// <summary>Exchanges left and right in a rectangle.</summary>
         /// <param name="area">the part that is worked on; null: all of it</param>
         /// <returns>the new picture</returns>
         public KirvoImage Mirror(KirvoArea? area = null)
@@ -692,7 +692,7 @@ namespace KirvoImaging
                     Kirvo.Dib24Mirror(dib, a.X, a.Y, a.Width, a.Height));
         }
 
-        /// <summary>Turns a rectangle by 180 degrees, in place.</summary>
+        /// <summary>Turns a rectangle by 180 degrees.</summary>
         /// <param name="area">the part that is worked on; null: all of it</param>
         /// <returns>the new picture</returns>
         public KirvoImage Rotate180(KirvoArea? area = null)
@@ -793,7 +793,7 @@ namespace KirvoImaging
                     Kirvo.Dib24ToneCtrlEx(dib, a.X, a.Y, a.Width, a.Height, red, green, blue, out status));
         }
 
-        /// <summary>Inverts a rectangle in place: 255 - channel.</summary>
+        /// <summary>Inverts a rectangle: 255 - channel.</summary>
         /// <param name="area">the part that is worked on; null: all of it</param>
         /// <returns>the new picture</returns>
         public KirvoImage Negative(KirvoArea? area = null)
@@ -824,7 +824,7 @@ namespace KirvoImaging
                     Kirvo.Dib24HalfTone(dib, a.X, a.Y, a.Width, a.Height, out status));
         }
 
-        /// <summary>Exchanges the channels of a rectangle in place.</summary>
+        /// <summary>Exchanges the channels of a rectangle.</summary>
         /// <param name="mode">what red, green and blue are taken from: 0 nothing changes (KIRVO_OK
         /// even for a null handle), 1 red, blue, green; 2 green, blue, red; 3 green, red, blue; 4
         /// blue, red, green; 5 blue, green, red</param>
@@ -862,7 +862,7 @@ namespace KirvoImaging
                     Kirvo.DibModifyHueEx(dib, a.X, a.Y, a.Width, a.Height, mode, value, out status));
         }
 
-        /// <summary>XORs a colour over a rectangle, in place.</summary>
+        /// <summary>XORs a colour over a rectangle.</summary>
         /// <param name="colour">0x00BBGGRR</param>
         /// <param name="area">the part that is worked on; null: all of it</param>
         /// <returns>the new picture</returns>

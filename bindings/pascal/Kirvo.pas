@@ -290,20 +290,6 @@ function KirvoCreatePalette: HPALETTE;
 function DibMemAllocEx(width: LongWord; height: LongInt; bits: LongWord): HGLOBAL;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DibMemAllocEx';
 
-// Single pixels and lines
-
-{ Reads one pixel of an image of any depth. }
-function DibGetPixelColor(dib: HGLOBAL; x, y: LongInt; out colour: LongWord): LongInt;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DibGetPixelColor';
-
-{ Writes one pixel of a direct-colour image. }
-function DibSetPixelColor(dib: HGLOBAL; x, y: LongInt; colour: LongWord): LongInt;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DibSetPixelColor';
-
-{ Fills the pixels x0 to x1 (inclusive) of one row with a colour. }
-function DibSetLineColor(dib: HGLOBAL; x0, x1, y: LongInt; colour: LongWord): LongInt;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DibSetLineColor';
-
 // BMP files
 
 { Reads a BMP file of any depth. }
@@ -322,106 +308,6 @@ function DibWriteEx(name: PAnsiChar; dib: HGLOBAL; x, y, width, height: LongInt)
 { Writes a 24-bit image, or a rectangle of it, as a BMP file. }
 function Dib24Write(name: PAnsiChar; dib: HGLOBAL; x, y, width, height: LongInt): LongInt;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Dib24Write';
-
-// Depth conversion
-
-{ Makes a 24-bit image of a 16- or 32-bit one. 5-bit 31 gives 248. }
-function DibConvert24bit(dib: HGLOBAL; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DibConvert24bit';
-
-{ Makes a 16-bit image of a 24- or 32-bit one. }
-function DibConvert16bit(dib: HGLOBAL; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DibConvert16bit';
-
-{ Makes a 32-bit image of a 16- or 24-bit one, with the masks 0x00FF0000, 0x0000FF00 and
-  0x000000FF. }
-function DibConvert32bit(dib: HGLOBAL; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DibConvert32bit';
-
-{ Makes a copy of a 24-bit image that keeps only the top bits of each channel. }
-function DibCutDepth(dib: HGLOBAL; red_bits, green_bits, blue_bits: LongInt;
-  out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DibCutDepth';
-
-// Window fitting
-
-{ Resizes a window so that its client area shows an image at a whole scale. }
-procedure FitWindowToImageEx(window: HWND; dib: HGLOBAL; scale: LongWord);
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'FitWindowToImageEx';
-
-{ FitWindowToImageEx at scale 1. }
-procedure FitWindowToImage(window: HWND; dib: HGLOBAL);
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'FitWindowToImage';
-
-// JPEG encoder settings
-
-{ Sets how colour streams sample chroma. }
-function JpgCodSetSubsample(mode: LongInt): LongInt;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodSetSubsample';
-
-{ Selects one of the quality levels 2 to 5. }
-function JpgCodSetQ(q: LongInt): LongInt;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodSetQ';
-
-{ Selects a quality level. }
-function JpgCodSetQEx(level: LongInt): LongInt;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodSetQEx';
-
-{ Loads quantisation tables of the caller's, which are used at level 0 only (JpgCodSetQEx). }
-function JpgCodSetQtable(luminance, chrominance: PSmallInt): LongInt;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodSetQtable';
-
-{ As JpgCodSetQtable, and sets how many coefficients of each block are coded at level 0. }
-function JpgCodSetQtableEx(luminance, chrominance: PSmallInt; count: LongInt): LongInt;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodSetQtableEx';
-
-{ Sets a comment for the next stream only. }
-procedure JpgCodSetComment(text: PByte; length: LongWord);
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodSetComment';
-
-// JPEG encoder
-
-{ Sizes of the most recent encode. }
-function JpgCodGetStatus(out source_bytes, output_bytes: LongWord): LongWord;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodGetStatus';
-
-{ Starts to encode a rectangle in colour and writes the headers. }
-function JpgCodFirst(dib: HGLOBAL; left, top, width, height, mcus_per_call: LongInt;
-  out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodFirst';
-
-{ Goes on with the encode that JpgCodFirst has started. }
-function JpgCodNext(control: LongInt; out stream_bytes: LongWord): LongInt;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodNext';
-
-{ Encodes a rectangle in colour into a file. }
-function JpgCodMainEx(path: PAnsiChar; dib: HGLOBAL;
-  left, top, width, height, unused1, unused2: LongInt): LongInt;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodMainEx';
-
-{ Encodes a rectangle in colour into a memory block. }
-function JpgCodMainHGLOBAL(dib: HGLOBAL; left, top, width, height: LongInt;
-  out stream_bytes: LongWord; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodMainHGLOBAL';
-
-{ Starts to encode a rectangle as a grey stream. }
-function JpgCodFirst_M(dib: HGLOBAL; left, top, width, height, grey_mode, mcus_per_call: LongInt;
-  out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodFirst_M';
-
-{ Goes on with the encode that JpgCodFirst_M has started. }
-function JpgCodNext_M(control: LongInt; out stream_bytes: LongWord): LongInt;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodNext_M';
-
-{ Encodes a rectangle as a grey stream into a file. }
-function JpgCodMainEx_M(path: PAnsiChar; dib: HGLOBAL;
-  left, top, width, height, grey_mode: LongInt): LongInt;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodMainEx_M';
-
-{ Encodes a rectangle as a grey stream into a memory block. }
-function JpgCodMainHGLOBAL_M(dib: HGLOBAL; left, top, width, height, grey_mode: LongInt;
-  out stream_bytes: LongWord; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodMainHGLOBAL_M';
 
 // JPEG decoder
 
@@ -484,44 +370,113 @@ function JpgDecGetQtableEx(number: LongInt; table: PWord): LongInt;
 function JpgDecGetLastUexMarker(out position: LongWord): Word;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgDecGetLastUexMarker';
 
-// Colour reduction
+// JPEG encoder
 
-{ Makes an 8-bit image with error diffusion to 256 fixed colours. }
-function DecreaseColor256(dib: HGLOBAL; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DecreaseColor256';
+{ Sizes of the most recent encode. }
+function JpgCodGetStatus(out source_bytes, output_bytes: LongWord): LongWord;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodGetStatus';
 
-{ Makes a 4-bit image with error diffusion, as DecreaseColor256 spreads it, to 16 fixed colours. }
-function DecreaseColor16(dib: HGLOBAL; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DecreaseColor16';
+{ Starts to encode a rectangle in colour and writes the headers. }
+function JpgCodFirst(dib: HGLOBAL; left, top, width, height, mcus_per_call: LongInt;
+  out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodFirst';
 
-{ Makes an 8-bit grey image, without diffusion. }
-function DecreaseColorMono256(dib: HGLOBAL; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DecreaseColorMono256';
+{ Goes on with the encode that JpgCodFirst has started. }
+function JpgCodNext(control: LongInt; out stream_bytes: LongWord): LongInt;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodNext';
 
-{ Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered dither of 8 x 8
-  pixels over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255. }
-function Decrease256Fast(dib: HGLOBAL; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Decrease256Fast';
+{ Encodes a rectangle in colour into a file. }
+function JpgCodMainEx(path: PAnsiChar; dib: HGLOBAL;
+  left, top, width, height, unused1, unused2: LongInt): LongInt;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodMainEx';
 
-{ Makes an 8-bit image with exactly the colours of the source. }
-function Decrease256PaletteEx(dib: HGLOBAL; mode: LongInt; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Decrease256PaletteEx';
+{ Encodes a rectangle in colour into a memory block. }
+function JpgCodMainHGLOBAL(dib: HGLOBAL; left, top, width, height: LongInt;
+  out stream_bytes: LongWord; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodMainHGLOBAL';
 
-{ Decrease256PaletteEx with mode 0. }
-function Decrease256Palette(dib: HGLOBAL; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Decrease256Palette';
+{ Starts to encode a rectangle as a grey stream. }
+function JpgCodFirst_M(dib: HGLOBAL; left, top, width, height, grey_mode, mcus_per_call: LongInt;
+  out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodFirst_M';
 
-{ Makes a 4-bit image with exactly the colours of the source. }
-function Decrease16PaletteEx(dib: HGLOBAL; mode: LongInt; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Decrease16PaletteEx';
+{ Goes on with the encode that JpgCodFirst_M has started. }
+function JpgCodNext_M(control: LongInt; out stream_bytes: LongWord): LongInt;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodNext_M';
 
-{ Decrease16PaletteEx with mode 0. }
-function Decrease16Palette(dib: HGLOBAL; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Decrease16Palette';
+{ Encodes a rectangle as a grey stream into a file. }
+function JpgCodMainEx_M(path: PAnsiChar; dib: HGLOBAL;
+  left, top, width, height, grey_mode: LongInt): LongInt;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodMainEx_M';
 
-{ Makes a 24-bit image of an indexed one. }
-function IncreaseColor16M(dib: HGLOBAL; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'IncreaseColor16M';
+{ Encodes a rectangle as a grey stream into a memory block. }
+function JpgCodMainHGLOBAL_M(dib: HGLOBAL; left, top, width, height, grey_mode: LongInt;
+  out stream_bytes: LongWord; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodMainHGLOBAL_M';
+
+// JPEG encoder settings
+
+{ Sets how colour streams sample chroma. }
+function JpgCodSetSubsample(mode: LongInt): LongInt;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodSetSubsample';
+
+{ Selects one of the quality levels 2 to 5. }
+function JpgCodSetQ(q: LongInt): LongInt;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodSetQ';
+
+{ Selects a quality level. }
+function JpgCodSetQEx(level: LongInt): LongInt;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodSetQEx';
+
+{ Loads quantisation tables of the caller's, which are used at level 0 only (JpgCodSetQEx). }
+function JpgCodSetQtable(luminance, chrominance: PSmallInt): LongInt;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodSetQtable';
+
+{ As JpgCodSetQtable, and sets how many coefficients of each block are coded at level 0. }
+function JpgCodSetQtableEx(luminance, chrominance: PSmallInt; count: LongInt): LongInt;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodSetQtableEx';
+
+{ Sets a comment for the next stream only. }
+procedure JpgCodSetComment(text: PByte; length: LongWord);
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'JpgCodSetComment';
+
+// Targa, Q0, RAW, Photo CD and icon files
+
+{ Reads an uncompressed 24-bit Targa file (image type 2), with either origin. }
+function Targa24Read(name: PAnsiChar; out width, height: LongWord; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Targa24Read';
+
+{ Writes a 24-bit image, or a rectangle of it, as an uncompressed Targa file with its origin at
+  the bottom left. }
+function Targa24Write(name: PAnsiChar; dib: HGLOBAL; x, y, width, height: LongInt): LongInt;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Targa24Write';
+
+{ Reads a Q0 file. }
+function Q0Read(name: PAnsiChar; out width, height, bits: LongWord; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Q0Read';
+
+{ Reads a RAW file. }
+function RawRead(name: PAnsiChar; out width, height, bits: LongWord; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'RawRead';
+
+{ Reads a Photo CD image with the Photo CD access library, which is loaded for the length of the
+  call by the name PCDLIB32.DLL and the system's search rules. }
+function PcdRead(name: PAnsiChar; resolution: LongInt; progress: KirvoUIntPtr;
+  out width, height: LongWord; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'PcdRead';
+
+{ Lists the images of an icon or cursor file by its directory. }
+function IcoGetInfo(name: PAnsiChar; records: Pointer; size: LongWord): LongInt;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'IcoGetInfo';
+
+{ Lists the images of an icon or cursor file by their own headers. }
+function IcoGetInfoEx(name: PAnsiChar; records: Pointer; size: LongWord): LongInt;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'IcoGetInfoEx';
+
+{ Reads one image of an icon or cursor file, and its transparency mask. }
+function IcoGetData(name: PAnsiChar; index: LongInt; out width, height, bits: LongWord;
+  out status: LongInt; mask: PKirvoHandle): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'IcoGetData';
 
 // Copy and compose
 
@@ -780,43 +735,88 @@ function DibBlockMxM(dib: HGLOBAL; x, y, width, height, radius, maximum, luminan
   out status: LongInt): HGLOBAL;
   {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DibBlockMxM';
 
-// Targa, Q0, RAW, Photo CD and icon files
+// Depth conversion
 
-{ Reads an uncompressed 24-bit Targa file (image type 2), with either origin. }
-function Targa24Read(name: PAnsiChar; out width, height: LongWord; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Targa24Read';
+{ Makes a 24-bit image of a 16- or 32-bit one. 5-bit 31 gives 248. }
+function DibConvert24bit(dib: HGLOBAL; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DibConvert24bit';
 
-{ Writes a 24-bit image, or a rectangle of it, as an uncompressed Targa file with its origin at
-  the bottom left. }
-function Targa24Write(name: PAnsiChar; dib: HGLOBAL; x, y, width, height: LongInt): LongInt;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Targa24Write';
+{ Makes a 16-bit image of a 24- or 32-bit one. }
+function DibConvert16bit(dib: HGLOBAL; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DibConvert16bit';
 
-{ Reads a Q0 file. }
-function Q0Read(name: PAnsiChar; out width, height, bits: LongWord; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Q0Read';
+{ Makes a 32-bit image of a 16- or 24-bit one, with the masks 0x00FF0000, 0x0000FF00 and
+  0x000000FF. }
+function DibConvert32bit(dib: HGLOBAL; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DibConvert32bit';
 
-{ Reads a RAW file. }
-function RawRead(name: PAnsiChar; out width, height, bits: LongWord; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'RawRead';
+{ Makes a copy of a 24-bit image that keeps only the top bits of each channel. }
+function DibCutDepth(dib: HGLOBAL; red_bits, green_bits, blue_bits: LongInt;
+  out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DibCutDepth';
 
-{ Reads a Photo CD image with the Photo CD access library, which is loaded for the length of the
-  call by the name PCDLIB32.DLL and the system's search rules. }
-function PcdRead(name: PAnsiChar; resolution: LongInt; progress: KirvoUIntPtr;
-  out width, height: LongWord; out status: LongInt): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'PcdRead';
+// Colour reduction
 
-{ Lists the images of an icon or cursor file by its directory. }
-function IcoGetInfo(name: PAnsiChar; records: Pointer; size: LongWord): LongInt;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'IcoGetInfo';
+{ Makes an 8-bit image with error diffusion to 256 fixed colours. }
+function DecreaseColor256(dib: HGLOBAL; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DecreaseColor256';
 
-{ Lists the images of an icon or cursor file by their own headers. }
-function IcoGetInfoEx(name: PAnsiChar; records: Pointer; size: LongWord): LongInt;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'IcoGetInfoEx';
+{ Makes a 4-bit image with error diffusion, as DecreaseColor256 spreads it, to 16 fixed colours. }
+function DecreaseColor16(dib: HGLOBAL; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DecreaseColor16';
 
-{ Reads one image of an icon or cursor file, and its transparency mask. }
-function IcoGetData(name: PAnsiChar; index: LongInt; out width, height, bits: LongWord;
-  out status: LongInt; mask: PKirvoHandle): HGLOBAL;
-  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'IcoGetData';
+{ Makes an 8-bit grey image, without diffusion. }
+function DecreaseColorMono256(dib: HGLOBAL; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DecreaseColorMono256';
+
+{ Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered dither of 8 x 8
+  pixels over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255. }
+function Decrease256Fast(dib: HGLOBAL; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Decrease256Fast';
+
+{ Makes an 8-bit image with exactly the colours of the source. }
+function Decrease256PaletteEx(dib: HGLOBAL; mode: LongInt; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Decrease256PaletteEx';
+
+{ Decrease256PaletteEx with mode 0. }
+function Decrease256Palette(dib: HGLOBAL; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Decrease256Palette';
+
+{ Makes a 4-bit image with exactly the colours of the source. }
+function Decrease16PaletteEx(dib: HGLOBAL; mode: LongInt; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Decrease16PaletteEx';
+
+{ Decrease16PaletteEx with mode 0. }
+function Decrease16Palette(dib: HGLOBAL; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'Decrease16Palette';
+
+{ Makes a 24-bit image of an indexed one. }
+function IncreaseColor16M(dib: HGLOBAL; out status: LongInt): HGLOBAL;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'IncreaseColor16M';
+
+// Single pixels and lines
+
+{ Reads one pixel of an image of any depth. }
+function DibGetPixelColor(dib: HGLOBAL; x, y: LongInt; out colour: LongWord): LongInt;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DibGetPixelColor';
+
+{ Writes one pixel of a direct-colour image. }
+function DibSetPixelColor(dib: HGLOBAL; x, y: LongInt; colour: LongWord): LongInt;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DibSetPixelColor';
+
+{ Fills the pixels x0 to x1 (inclusive) of one row with a colour. }
+function DibSetLineColor(dib: HGLOBAL; x0, x1, y: LongInt; colour: LongWord): LongInt;
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'DibSetLineColor';
+
+// Window fitting
+
+{ Resizes a window so that its client area shows an image at a whole scale. }
+procedure FitWindowToImageEx(window: HWND; dib: HGLOBAL; scale: LongWord);
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'FitWindowToImageEx';
+
+{ FitWindowToImageEx at scale 1. }
+procedure FitWindowToImage(window: HWND; dib: HGLOBAL);
+  {$IFDEF MSWINDOWS} stdcall; {$ELSE} cdecl; {$ENDIF} external KirvoLibrary name 'FitWindowToImage';
 
 // Conveniences of this unit
 

@@ -26,18 +26,17 @@ procedure MakeReady(const Source: TKirvoText; const Target: string; Display: TDi
 var
   Photo, Part, Small, Page: TKirvoImage;
   Picture: TPicture;
-  Width, Height: Integer;
 begin
   KirvoListen(Display.Show);
   Photo := TKirvoImage.Open(Source); // upright, as its camera was held
-  Width := Photo.Width * 9 div 10;
-  Height := Photo.Height * 9 div 10;
-  Part := Photo.Crop(Photo.Width div 20, Photo.Height div 20, Width, Height);
-  Small := Part.Resize(800, Height * 800 div Width);
+  Part := Photo.Crop(Photo.Width div 20, Photo.Height div 20, Photo.Width * 9 div 10, Photo.Height * 9 div 10);
+  Small := Part.Resize(800, Part.Height * 800 div Part.Width);
   Page := Small.Sharpen;
   Picture := TPicture.Create;
   KirvoToPicture(Page, Picture);
   Picture.SaveToFile(Target);
+  KirvoListen(nil);
+  Photo.Free; Part.Free; Small.Free; Page.Free; Picture.Free; // after an error the program ends
 end;
 
 begin

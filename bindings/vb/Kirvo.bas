@@ -216,20 +216,6 @@ Public Declare PtrSafe Function KirvoCreatePalette Lib "Kirvo.dll" () As LongPtr
 Public Declare PtrSafe Function DibMemAllocEx Lib "Kirvo.dll" (ByVal width As Long, _
     ByVal height As Long, ByVal bits As Long) As LongPtr
 
-' Single pixels and lines
-
-' Reads one pixel of an image of any depth.
-Public Declare PtrSafe Function DibGetPixelColor Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByVal x As Long, ByVal y As Long, ByRef colour As Long) As Long
-
-' Writes one pixel of a direct-colour image.
-Public Declare PtrSafe Function DibSetPixelColor Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByVal x As Long, ByVal y As Long, ByVal colour As Long) As Long
-
-' Fills the pixels x0 to x1 (inclusive) of one row with a colour.
-Public Declare PtrSafe Function DibSetLineColor Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByVal x0 As Long, ByVal x1 As Long, ByVal y As Long, ByVal colour As Long) As Long
-
 ' BMP files
 
 ' Reads a BMP file of any depth.
@@ -250,102 +236,6 @@ Public Declare PtrSafe Function DibWriteEx Lib "Kirvo.dll" (ByVal name As String
 Public Declare PtrSafe Function Dib24Write Lib "Kirvo.dll" (ByVal name As String, _
     ByVal dib As LongPtr, ByVal x As Long, ByVal y As Long, ByVal width As Long, _
     ByVal height As Long) As Long
-
-' Depth conversion
-
-' Makes a 24-bit image of a 16- or 32-bit one. 5-bit 31 gives 248.
-Public Declare PtrSafe Function DibConvert24bit Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByRef status As Long) As LongPtr
-
-' Makes a 16-bit image of a 24- or 32-bit one.
-Public Declare PtrSafe Function DibConvert16bit Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByRef status As Long) As LongPtr
-
-' Makes a 32-bit image of a 16- or 24-bit one, with the masks 0x00FF0000, 0x0000FF00 and 0x000000FF.
-Public Declare PtrSafe Function DibConvert32bit Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByRef status As Long) As LongPtr
-
-' Makes a copy of a 24-bit image that keeps only the top bits of each channel.
-Public Declare PtrSafe Function DibCutDepth Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByVal red_bits As Long, ByVal green_bits As Long, ByVal blue_bits As Long, _
-    ByRef status As Long) As LongPtr
-
-' Window fitting
-
-' Resizes a window so that its client area shows an image at a whole scale.
-Public Declare PtrSafe Sub FitWindowToImageEx Lib "Kirvo.dll" (ByVal window As LongPtr, _
-    ByVal dib As LongPtr, ByVal scale_ As Long)
-
-' FitWindowToImageEx at scale 1.
-Public Declare PtrSafe Sub FitWindowToImage Lib "Kirvo.dll" (ByVal window As LongPtr, _
-    ByVal dib As LongPtr)
-
-' JPEG encoder settings
-
-' Sets how colour streams sample chroma.
-Public Declare PtrSafe Function JpgCodSetSubsample Lib "Kirvo.dll" (ByVal mode As Long) As Long
-
-' Selects one of the quality levels 2 to 5.
-Public Declare PtrSafe Function JpgCodSetQ Lib "Kirvo.dll" (ByVal q As Long) As Long
-
-' Selects a quality level.
-Public Declare PtrSafe Function JpgCodSetQEx Lib "Kirvo.dll" (ByVal level As Long) As Long
-
-' Loads quantisation tables of the caller's, which are used at level 0 only (JpgCodSetQEx).
-Public Declare PtrSafe Function JpgCodSetQtable Lib "Kirvo.dll" (ByRef luminance As Integer, _
-    ByRef chrominance As Integer) As Long
-
-' As JpgCodSetQtable, and sets how many coefficients of each block are coded at level 0.
-Public Declare PtrSafe Function JpgCodSetQtableEx Lib "Kirvo.dll" (ByRef luminance As Integer, _
-    ByRef chrominance As Integer, ByVal count As Long) As Long
-
-' Sets a comment for the next stream only.
-Public Declare PtrSafe Sub JpgCodSetComment Lib "Kirvo.dll" (ByRef text As Any, _
-    ByVal length As Long)
-
-' JPEG encoder
-
-' Sizes of the most recent encode.
-Public Declare PtrSafe Function JpgCodGetStatus Lib "Kirvo.dll" (ByRef source_bytes As Long, _
-    ByRef output_bytes As Long) As Long
-
-' Starts to encode a rectangle in colour and writes the headers.
-Public Declare PtrSafe Function JpgCodFirst Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByVal left As Long, ByVal top As Long, ByVal width As Long, ByVal height As Long, _
-    ByVal mcus_per_call As Long, ByRef status As Long) As LongPtr
-
-' Goes on with the encode that JpgCodFirst has started.
-Public Declare PtrSafe Function JpgCodNext Lib "Kirvo.dll" (ByVal control As Long, _
-    ByRef stream_bytes As Long) As Long
-
-' Encodes a rectangle in colour into a file.
-Public Declare PtrSafe Function JpgCodMainEx Lib "Kirvo.dll" (ByVal path As String, _
-    ByVal dib As LongPtr, ByVal left As Long, ByVal top As Long, ByVal width As Long, _
-    ByVal height As Long, ByVal unused1 As Long, ByVal unused2 As Long) As Long
-
-' Encodes a rectangle in colour into a memory block.
-Public Declare PtrSafe Function JpgCodMainHGLOBAL Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByVal left As Long, ByVal top As Long, ByVal width As Long, ByVal height As Long, _
-    ByRef stream_bytes As Long, ByRef status As Long) As LongPtr
-
-' Starts to encode a rectangle as a grey stream.
-Public Declare PtrSafe Function JpgCodFirst_M Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByVal left As Long, ByVal top As Long, ByVal width As Long, ByVal height As Long, _
-    ByVal grey_mode As Long, ByVal mcus_per_call As Long, ByRef status As Long) As LongPtr
-
-' Goes on with the encode that JpgCodFirst_M has started.
-Public Declare PtrSafe Function JpgCodNext_M Lib "Kirvo.dll" (ByVal control As Long, _
-    ByRef stream_bytes As Long) As Long
-
-' Encodes a rectangle as a grey stream into a file.
-Public Declare PtrSafe Function JpgCodMainEx_M Lib "Kirvo.dll" (ByVal path As String, _
-    ByVal dib As LongPtr, ByVal left As Long, ByVal top As Long, ByVal width As Long, _
-    ByVal height As Long, ByVal grey_mode As Long) As Long
-
-' Encodes a rectangle as a grey stream into a memory block.
-Public Declare PtrSafe Function JpgCodMainHGLOBAL_M Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByVal left As Long, ByVal top As Long, ByVal width As Long, ByVal height As Long, _
-    ByVal grey_mode As Long, ByRef stream_bytes As Long, ByRef status As Long) As LongPtr
 
 ' JPEG decoder
 
@@ -404,44 +294,112 @@ Public Declare PtrSafe Function JpgDecGetQtableEx Lib "Kirvo.dll" (ByVal number 
 Public Declare PtrSafe Function JpgDecGetLastUexMarker Lib "Kirvo.dll" ( _
     ByRef position As Long) As Integer
 
-' Colour reduction
+' JPEG encoder
 
-' Makes an 8-bit image with error diffusion to 256 fixed colours.
-Public Declare PtrSafe Function DecreaseColor256 Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+' Sizes of the most recent encode.
+Public Declare PtrSafe Function JpgCodGetStatus Lib "Kirvo.dll" (ByRef source_bytes As Long, _
+    ByRef output_bytes As Long) As Long
+
+' Starts to encode a rectangle in colour and writes the headers.
+Public Declare PtrSafe Function JpgCodFirst Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByVal left As Long, ByVal top As Long, ByVal width As Long, ByVal height As Long, _
+    ByVal mcus_per_call As Long, ByRef status As Long) As LongPtr
+
+' Goes on with the encode that JpgCodFirst has started.
+Public Declare PtrSafe Function JpgCodNext Lib "Kirvo.dll" (ByVal control As Long, _
+    ByRef stream_bytes As Long) As Long
+
+' Encodes a rectangle in colour into a file.
+Public Declare PtrSafe Function JpgCodMainEx Lib "Kirvo.dll" (ByVal path As String, _
+    ByVal dib As LongPtr, ByVal left As Long, ByVal top As Long, ByVal width As Long, _
+    ByVal height As Long, ByVal unused1 As Long, ByVal unused2 As Long) As Long
+
+' Encodes a rectangle in colour into a memory block.
+Public Declare PtrSafe Function JpgCodMainHGLOBAL Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByVal left As Long, ByVal top As Long, ByVal width As Long, ByVal height As Long, _
+    ByRef stream_bytes As Long, ByRef status As Long) As LongPtr
+
+' Starts to encode a rectangle as a grey stream.
+Public Declare PtrSafe Function JpgCodFirst_M Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByVal left As Long, ByVal top As Long, ByVal width As Long, ByVal height As Long, _
+    ByVal grey_mode As Long, ByVal mcus_per_call As Long, ByRef status As Long) As LongPtr
+
+' Goes on with the encode that JpgCodFirst_M has started.
+Public Declare PtrSafe Function JpgCodNext_M Lib "Kirvo.dll" (ByVal control As Long, _
+    ByRef stream_bytes As Long) As Long
+
+' Encodes a rectangle as a grey stream into a file.
+Public Declare PtrSafe Function JpgCodMainEx_M Lib "Kirvo.dll" (ByVal path As String, _
+    ByVal dib As LongPtr, ByVal left As Long, ByVal top As Long, ByVal width As Long, _
+    ByVal height As Long, ByVal grey_mode As Long) As Long
+
+' Encodes a rectangle as a grey stream into a memory block.
+Public Declare PtrSafe Function JpgCodMainHGLOBAL_M Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByVal left As Long, ByVal top As Long, ByVal width As Long, ByVal height As Long, _
+    ByVal grey_mode As Long, ByRef stream_bytes As Long, ByRef status As Long) As LongPtr
+
+' JPEG encoder settings
+
+' Sets how colour streams sample chroma.
+Public Declare PtrSafe Function JpgCodSetSubsample Lib "Kirvo.dll" (ByVal mode As Long) As Long
+
+' Selects one of the quality levels 2 to 5.
+Public Declare PtrSafe Function JpgCodSetQ Lib "Kirvo.dll" (ByVal q As Long) As Long
+
+' Selects a quality level.
+Public Declare PtrSafe Function JpgCodSetQEx Lib "Kirvo.dll" (ByVal level As Long) As Long
+
+' Loads quantisation tables of the caller's, which are used at level 0 only (JpgCodSetQEx).
+Public Declare PtrSafe Function JpgCodSetQtable Lib "Kirvo.dll" (ByRef luminance As Integer, _
+    ByRef chrominance As Integer) As Long
+
+' As JpgCodSetQtable, and sets how many coefficients of each block are coded at level 0.
+Public Declare PtrSafe Function JpgCodSetQtableEx Lib "Kirvo.dll" (ByRef luminance As Integer, _
+    ByRef chrominance As Integer, ByVal count As Long) As Long
+
+' Sets a comment for the next stream only.
+Public Declare PtrSafe Sub JpgCodSetComment Lib "Kirvo.dll" (ByRef text As Any, _
+    ByVal length As Long)
+
+' Targa, Q0, RAW, Photo CD and icon files
+
+' Reads an uncompressed 24-bit Targa file (image type 2), with either origin.
+Public Declare PtrSafe Function Targa24Read Lib "Kirvo.dll" (ByVal name As String, _
+    ByRef width As Long, ByRef height As Long, ByRef status As Long) As LongPtr
+
+' Writes a 24-bit image, or a rectangle of it, as an uncompressed Targa file with its origin at the
+' bottom left.
+Public Declare PtrSafe Function Targa24Write Lib "Kirvo.dll" (ByVal name As String, _
+    ByVal dib As LongPtr, ByVal x As Long, ByVal y As Long, ByVal width As Long, _
+    ByVal height As Long) As Long
+
+' Reads a Q0 file.
+Public Declare PtrSafe Function Q0Read Lib "Kirvo.dll" (ByVal name As String, ByRef width As Long, _
+    ByRef height As Long, ByRef bits As Long, ByRef status As Long) As LongPtr
+
+' Reads a RAW file.
+Public Declare PtrSafe Function RawRead Lib "Kirvo.dll" (ByVal name As String, _
+    ByRef width As Long, ByRef height As Long, ByRef bits As Long, _
     ByRef status As Long) As LongPtr
 
-' Makes a 4-bit image with error diffusion, as DecreaseColor256 spreads it, to 16 fixed colours.
-Public Declare PtrSafe Function DecreaseColor16 Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByRef status As Long) As LongPtr
+' Reads a Photo CD image with the Photo CD access library, which is loaded for the length of the
+' call by the name PCDLIB32.DLL and the system's search rules.
+Public Declare PtrSafe Function PcdRead Lib "Kirvo.dll" (ByVal name As String, _
+    ByVal resolution As Long, ByVal progress As LongPtr, ByRef width As Long, _
+    ByRef height As Long, ByRef status As Long) As LongPtr
 
-' Makes an 8-bit grey image, without diffusion.
-Public Declare PtrSafe Function DecreaseColorMono256 Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByRef status As Long) As LongPtr
+' Lists the images of an icon or cursor file by its directory.
+Public Declare PtrSafe Function IcoGetInfo Lib "Kirvo.dll" (ByVal name As String, _
+    ByRef records As Any, ByVal size As Long) As Long
 
-' Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered dither of 8 x 8 pixels
-' over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255.
-Public Declare PtrSafe Function Decrease256Fast Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByRef status As Long) As LongPtr
+' Lists the images of an icon or cursor file by their own headers.
+Public Declare PtrSafe Function IcoGetInfoEx Lib "Kirvo.dll" (ByVal name As String, _
+    ByRef records As Any, ByVal size As Long) As Long
 
-' Makes an 8-bit image with exactly the colours of the source.
-Public Declare PtrSafe Function Decrease256PaletteEx Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByVal mode As Long, ByRef status As Long) As LongPtr
-
-' Decrease256PaletteEx with mode 0.
-Public Declare PtrSafe Function Decrease256Palette Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByRef status As Long) As LongPtr
-
-' Makes a 4-bit image with exactly the colours of the source.
-Public Declare PtrSafe Function Decrease16PaletteEx Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByVal mode As Long, ByRef status As Long) As LongPtr
-
-' Decrease16PaletteEx with mode 0.
-Public Declare PtrSafe Function Decrease16Palette Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByRef status As Long) As LongPtr
-
-' Makes a 24-bit image of an indexed one.
-Public Declare PtrSafe Function IncreaseColor16M Lib "Kirvo.dll" (ByVal dib As LongPtr, _
-    ByRef status As Long) As LongPtr
+' Reads one image of an icon or cursor file, and its transparency mask.
+Public Declare PtrSafe Function IcoGetData Lib "Kirvo.dll" (ByVal name As String, _
+    ByVal index As Long, ByRef width As Long, ByRef height As Long, ByRef bits As Long, _
+    ByRef status As Long, ByRef mask As Any) As LongPtr
 
 ' Copy and compose
 
@@ -710,45 +668,87 @@ Public Declare PtrSafe Function DibBlockMxM Lib "Kirvo.dll" (ByVal dib As LongPt
     ByVal radius As Long, ByVal maximum As Long, ByVal luminance As Long, _
     ByRef status As Long) As LongPtr
 
-' Targa, Q0, RAW, Photo CD and icon files
+' Depth conversion
 
-' Reads an uncompressed 24-bit Targa file (image type 2), with either origin.
-Public Declare PtrSafe Function Targa24Read Lib "Kirvo.dll" (ByVal name As String, _
-    ByRef width As Long, ByRef height As Long, ByRef status As Long) As LongPtr
-
-' Writes a 24-bit image, or a rectangle of it, as an uncompressed Targa file with its origin at the
-' bottom left.
-Public Declare PtrSafe Function Targa24Write Lib "Kirvo.dll" (ByVal name As String, _
-    ByVal dib As LongPtr, ByVal x As Long, ByVal y As Long, ByVal width As Long, _
-    ByVal height As Long) As Long
-
-' Reads a Q0 file.
-Public Declare PtrSafe Function Q0Read Lib "Kirvo.dll" (ByVal name As String, ByRef width As Long, _
-    ByRef height As Long, ByRef bits As Long, ByRef status As Long) As LongPtr
-
-' Reads a RAW file.
-Public Declare PtrSafe Function RawRead Lib "Kirvo.dll" (ByVal name As String, _
-    ByRef width As Long, ByRef height As Long, ByRef bits As Long, _
+' Makes a 24-bit image of a 16- or 32-bit one. 5-bit 31 gives 248.
+Public Declare PtrSafe Function DibConvert24bit Lib "Kirvo.dll" (ByVal dib As LongPtr, _
     ByRef status As Long) As LongPtr
 
-' Reads a Photo CD image with the Photo CD access library, which is loaded for the length of the
-' call by the name PCDLIB32.DLL and the system's search rules.
-Public Declare PtrSafe Function PcdRead Lib "Kirvo.dll" (ByVal name As String, _
-    ByVal resolution As Long, ByVal progress As LongPtr, ByRef width As Long, _
-    ByRef height As Long, ByRef status As Long) As LongPtr
+' Makes a 16-bit image of a 24- or 32-bit one.
+Public Declare PtrSafe Function DibConvert16bit Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByRef status As Long) As LongPtr
 
-' Lists the images of an icon or cursor file by its directory.
-Public Declare PtrSafe Function IcoGetInfo Lib "Kirvo.dll" (ByVal name As String, _
-    ByRef records As Any, ByVal size As Long) As Long
+' Makes a 32-bit image of a 16- or 24-bit one, with the masks 0x00FF0000, 0x0000FF00 and 0x000000FF.
+Public Declare PtrSafe Function DibConvert32bit Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByRef status As Long) As LongPtr
 
-' Lists the images of an icon or cursor file by their own headers.
-Public Declare PtrSafe Function IcoGetInfoEx Lib "Kirvo.dll" (ByVal name As String, _
-    ByRef records As Any, ByVal size As Long) As Long
+' Makes a copy of a 24-bit image that keeps only the top bits of each channel.
+Public Declare PtrSafe Function DibCutDepth Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByVal red_bits As Long, ByVal green_bits As Long, ByVal blue_bits As Long, _
+    ByRef status As Long) As LongPtr
 
-' Reads one image of an icon or cursor file, and its transparency mask.
-Public Declare PtrSafe Function IcoGetData Lib "Kirvo.dll" (ByVal name As String, _
-    ByVal index As Long, ByRef width As Long, ByRef height As Long, ByRef bits As Long, _
-    ByRef status As Long, ByRef mask As Any) As LongPtr
+' Colour reduction
+
+' Makes an 8-bit image with error diffusion to 256 fixed colours.
+Public Declare PtrSafe Function DecreaseColor256 Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByRef status As Long) As LongPtr
+
+' Makes a 4-bit image with error diffusion, as DecreaseColor256 spreads it, to 16 fixed colours.
+Public Declare PtrSafe Function DecreaseColor16 Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByRef status As Long) As LongPtr
+
+' Makes an 8-bit grey image, without diffusion.
+Public Declare PtrSafe Function DecreaseColorMono256 Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByRef status As Long) As LongPtr
+
+' Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered dither of 8 x 8 pixels
+' over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255.
+Public Declare PtrSafe Function Decrease256Fast Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByRef status As Long) As LongPtr
+
+' Makes an 8-bit image with exactly the colours of the source.
+Public Declare PtrSafe Function Decrease256PaletteEx Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByVal mode As Long, ByRef status As Long) As LongPtr
+
+' Decrease256PaletteEx with mode 0.
+Public Declare PtrSafe Function Decrease256Palette Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByRef status As Long) As LongPtr
+
+' Makes a 4-bit image with exactly the colours of the source.
+Public Declare PtrSafe Function Decrease16PaletteEx Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByVal mode As Long, ByRef status As Long) As LongPtr
+
+' Decrease16PaletteEx with mode 0.
+Public Declare PtrSafe Function Decrease16Palette Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByRef status As Long) As LongPtr
+
+' Makes a 24-bit image of an indexed one.
+Public Declare PtrSafe Function IncreaseColor16M Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByRef status As Long) As LongPtr
+
+' Single pixels and lines
+
+' Reads one pixel of an image of any depth.
+Public Declare PtrSafe Function DibGetPixelColor Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByVal x As Long, ByVal y As Long, ByRef colour As Long) As Long
+
+' Writes one pixel of a direct-colour image.
+Public Declare PtrSafe Function DibSetPixelColor Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByVal x As Long, ByVal y As Long, ByVal colour As Long) As Long
+
+' Fills the pixels x0 to x1 (inclusive) of one row with a colour.
+Public Declare PtrSafe Function DibSetLineColor Lib "Kirvo.dll" (ByVal dib As LongPtr, _
+    ByVal x0 As Long, ByVal x1 As Long, ByVal y As Long, ByVal colour As Long) As Long
+
+' Window fitting
+
+' Resizes a window so that its client area shows an image at a whole scale.
+Public Declare PtrSafe Sub FitWindowToImageEx Lib "Kirvo.dll" (ByVal window As LongPtr, _
+    ByVal dib As LongPtr, ByVal scale_ As Long)
+
+' FitWindowToImageEx at scale 1.
+Public Declare PtrSafe Sub FitWindowToImage Lib "Kirvo.dll" (ByVal window As LongPtr, _
+    ByVal dib As LongPtr)
 
 Private Declare PtrSafe Function CreateWindowExA Lib "user32" (ByVal extendedStyle As Long, _
     ByVal className As String, ByVal caption As String, ByVal style As Long, ByVal x As Long, _
@@ -821,20 +821,6 @@ Public Declare Function KirvoCreatePalette Lib "Kirvo.dll" () As Long
 Public Declare Function DibMemAllocEx Lib "Kirvo.dll" (ByVal width As Long, ByVal height As Long, _
     ByVal bits As Long) As Long
 
-' Single pixels and lines
-
-' Reads one pixel of an image of any depth.
-Public Declare Function DibGetPixelColor Lib "Kirvo.dll" (ByVal dib As Long, ByVal x As Long, _
-    ByVal y As Long, ByRef colour As Long) As Long
-
-' Writes one pixel of a direct-colour image.
-Public Declare Function DibSetPixelColor Lib "Kirvo.dll" (ByVal dib As Long, ByVal x As Long, _
-    ByVal y As Long, ByVal colour As Long) As Long
-
-' Fills the pixels x0 to x1 (inclusive) of one row with a colour.
-Public Declare Function DibSetLineColor Lib "Kirvo.dll" (ByVal dib As Long, ByVal x0 As Long, _
-    ByVal x1 As Long, ByVal y As Long, ByVal colour As Long) As Long
-
 ' BMP files
 
 ' Reads a BMP file of any depth.
@@ -852,99 +838,6 @@ Public Declare Function DibWriteEx Lib "Kirvo.dll" (ByVal name As String, ByVal 
 ' Writes a 24-bit image, or a rectangle of it, as a BMP file.
 Public Declare Function Dib24Write Lib "Kirvo.dll" (ByVal name As String, ByVal dib As Long, _
     ByVal x As Long, ByVal y As Long, ByVal width As Long, ByVal height As Long) As Long
-
-' Depth conversion
-
-' Makes a 24-bit image of a 16- or 32-bit one. 5-bit 31 gives 248.
-Public Declare Function DibConvert24bit Lib "Kirvo.dll" (ByVal dib As Long, _
-    ByRef status As Long) As Long
-
-' Makes a 16-bit image of a 24- or 32-bit one.
-Public Declare Function DibConvert16bit Lib "Kirvo.dll" (ByVal dib As Long, _
-    ByRef status As Long) As Long
-
-' Makes a 32-bit image of a 16- or 24-bit one, with the masks 0x00FF0000, 0x0000FF00 and 0x000000FF.
-Public Declare Function DibConvert32bit Lib "Kirvo.dll" (ByVal dib As Long, _
-    ByRef status As Long) As Long
-
-' Makes a copy of a 24-bit image that keeps only the top bits of each channel.
-Public Declare Function DibCutDepth Lib "Kirvo.dll" (ByVal dib As Long, ByVal red_bits As Long, _
-    ByVal green_bits As Long, ByVal blue_bits As Long, ByRef status As Long) As Long
-
-' Window fitting
-
-' Resizes a window so that its client area shows an image at a whole scale.
-Public Declare Sub FitWindowToImageEx Lib "Kirvo.dll" (ByVal window As Long, ByVal dib As Long, _
-    ByVal scale_ As Long)
-
-' FitWindowToImageEx at scale 1.
-Public Declare Sub FitWindowToImage Lib "Kirvo.dll" (ByVal window As Long, ByVal dib As Long)
-
-' JPEG encoder settings
-
-' Sets how colour streams sample chroma.
-Public Declare Function JpgCodSetSubsample Lib "Kirvo.dll" (ByVal mode As Long) As Long
-
-' Selects one of the quality levels 2 to 5.
-Public Declare Function JpgCodSetQ Lib "Kirvo.dll" (ByVal q As Long) As Long
-
-' Selects a quality level.
-Public Declare Function JpgCodSetQEx Lib "Kirvo.dll" (ByVal level As Long) As Long
-
-' Loads quantisation tables of the caller's, which are used at level 0 only (JpgCodSetQEx).
-Public Declare Function JpgCodSetQtable Lib "Kirvo.dll" (ByRef luminance As Integer, _
-    ByRef chrominance As Integer) As Long
-
-' As JpgCodSetQtable, and sets how many coefficients of each block are coded at level 0.
-Public Declare Function JpgCodSetQtableEx Lib "Kirvo.dll" (ByRef luminance As Integer, _
-    ByRef chrominance As Integer, ByVal count As Long) As Long
-
-' Sets a comment for the next stream only.
-Public Declare Sub JpgCodSetComment Lib "Kirvo.dll" (ByRef text As Any, ByVal length As Long)
-
-' JPEG encoder
-
-' Sizes of the most recent encode.
-Public Declare Function JpgCodGetStatus Lib "Kirvo.dll" (ByRef source_bytes As Long, _
-    ByRef output_bytes As Long) As Long
-
-' Starts to encode a rectangle in colour and writes the headers.
-Public Declare Function JpgCodFirst Lib "Kirvo.dll" (ByVal dib As Long, ByVal left As Long, _
-    ByVal top As Long, ByVal width As Long, ByVal height As Long, ByVal mcus_per_call As Long, _
-    ByRef status As Long) As Long
-
-' Goes on with the encode that JpgCodFirst has started.
-Public Declare Function JpgCodNext Lib "Kirvo.dll" (ByVal control As Long, _
-    ByRef stream_bytes As Long) As Long
-
-' Encodes a rectangle in colour into a file.
-Public Declare Function JpgCodMainEx Lib "Kirvo.dll" (ByVal path As String, ByVal dib As Long, _
-    ByVal left As Long, ByVal top As Long, ByVal width As Long, ByVal height As Long, _
-    ByVal unused1 As Long, ByVal unused2 As Long) As Long
-
-' Encodes a rectangle in colour into a memory block.
-Public Declare Function JpgCodMainHGLOBAL Lib "Kirvo.dll" (ByVal dib As Long, ByVal left As Long, _
-    ByVal top As Long, ByVal width As Long, ByVal height As Long, ByRef stream_bytes As Long, _
-    ByRef status As Long) As Long
-
-' Starts to encode a rectangle as a grey stream.
-Public Declare Function JpgCodFirst_M Lib "Kirvo.dll" (ByVal dib As Long, ByVal left As Long, _
-    ByVal top As Long, ByVal width As Long, ByVal height As Long, ByVal grey_mode As Long, _
-    ByVal mcus_per_call As Long, ByRef status As Long) As Long
-
-' Goes on with the encode that JpgCodFirst_M has started.
-Public Declare Function JpgCodNext_M Lib "Kirvo.dll" (ByVal control As Long, _
-    ByRef stream_bytes As Long) As Long
-
-' Encodes a rectangle as a grey stream into a file.
-Public Declare Function JpgCodMainEx_M Lib "Kirvo.dll" (ByVal path As String, ByVal dib As Long, _
-    ByVal left As Long, ByVal top As Long, ByVal width As Long, ByVal height As Long, _
-    ByVal grey_mode As Long) As Long
-
-' Encodes a rectangle as a grey stream into a memory block.
-Public Declare Function JpgCodMainHGLOBAL_M Lib "Kirvo.dll" (ByVal dib As Long, _
-    ByVal left As Long, ByVal top As Long, ByVal width As Long, ByVal height As Long, _
-    ByVal grey_mode As Long, ByRef stream_bytes As Long, ByRef status As Long) As Long
 
 ' JPEG decoder
 
@@ -1000,44 +893,109 @@ Public Declare Function JpgDecGetQtableEx Lib "Kirvo.dll" (ByVal number As Long,
 ' The marker that ended the last decode with KIRVO_JPEG_MARKER.
 Public Declare Function JpgDecGetLastUexMarker Lib "Kirvo.dll" (ByRef position As Long) As Integer
 
-' Colour reduction
+' JPEG encoder
 
-' Makes an 8-bit image with error diffusion to 256 fixed colours.
-Public Declare Function DecreaseColor256 Lib "Kirvo.dll" (ByVal dib As Long, _
+' Sizes of the most recent encode.
+Public Declare Function JpgCodGetStatus Lib "Kirvo.dll" (ByRef source_bytes As Long, _
+    ByRef output_bytes As Long) As Long
+
+' Starts to encode a rectangle in colour and writes the headers.
+Public Declare Function JpgCodFirst Lib "Kirvo.dll" (ByVal dib As Long, ByVal left As Long, _
+    ByVal top As Long, ByVal width As Long, ByVal height As Long, ByVal mcus_per_call As Long, _
     ByRef status As Long) As Long
 
-' Makes a 4-bit image with error diffusion, as DecreaseColor256 spreads it, to 16 fixed colours.
-Public Declare Function DecreaseColor16 Lib "Kirvo.dll" (ByVal dib As Long, _
+' Goes on with the encode that JpgCodFirst has started.
+Public Declare Function JpgCodNext Lib "Kirvo.dll" (ByVal control As Long, _
+    ByRef stream_bytes As Long) As Long
+
+' Encodes a rectangle in colour into a file.
+Public Declare Function JpgCodMainEx Lib "Kirvo.dll" (ByVal path As String, ByVal dib As Long, _
+    ByVal left As Long, ByVal top As Long, ByVal width As Long, ByVal height As Long, _
+    ByVal unused1 As Long, ByVal unused2 As Long) As Long
+
+' Encodes a rectangle in colour into a memory block.
+Public Declare Function JpgCodMainHGLOBAL Lib "Kirvo.dll" (ByVal dib As Long, ByVal left As Long, _
+    ByVal top As Long, ByVal width As Long, ByVal height As Long, ByRef stream_bytes As Long, _
     ByRef status As Long) As Long
 
-' Makes an 8-bit grey image, without diffusion.
-Public Declare Function DecreaseColorMono256 Lib "Kirvo.dll" (ByVal dib As Long, _
+' Starts to encode a rectangle as a grey stream.
+Public Declare Function JpgCodFirst_M Lib "Kirvo.dll" (ByVal dib As Long, ByVal left As Long, _
+    ByVal top As Long, ByVal width As Long, ByVal height As Long, ByVal grey_mode As Long, _
+    ByVal mcus_per_call As Long, ByRef status As Long) As Long
+
+' Goes on with the encode that JpgCodFirst_M has started.
+Public Declare Function JpgCodNext_M Lib "Kirvo.dll" (ByVal control As Long, _
+    ByRef stream_bytes As Long) As Long
+
+' Encodes a rectangle as a grey stream into a file.
+Public Declare Function JpgCodMainEx_M Lib "Kirvo.dll" (ByVal path As String, ByVal dib As Long, _
+    ByVal left As Long, ByVal top As Long, ByVal width As Long, ByVal height As Long, _
+    ByVal grey_mode As Long) As Long
+
+' Encodes a rectangle as a grey stream into a memory block.
+Public Declare Function JpgCodMainHGLOBAL_M Lib "Kirvo.dll" (ByVal dib As Long, _
+    ByVal left As Long, ByVal top As Long, ByVal width As Long, ByVal height As Long, _
+    ByVal grey_mode As Long, ByRef stream_bytes As Long, ByRef status As Long) As Long
+
+' JPEG encoder settings
+
+' Sets how colour streams sample chroma.
+Public Declare Function JpgCodSetSubsample Lib "Kirvo.dll" (ByVal mode As Long) As Long
+
+' Selects one of the quality levels 2 to 5.
+Public Declare Function JpgCodSetQ Lib "Kirvo.dll" (ByVal q As Long) As Long
+
+' Selects a quality level.
+Public Declare Function JpgCodSetQEx Lib "Kirvo.dll" (ByVal level As Long) As Long
+
+' Loads quantisation tables of the caller's, which are used at level 0 only (JpgCodSetQEx).
+Public Declare Function JpgCodSetQtable Lib "Kirvo.dll" (ByRef luminance As Integer, _
+    ByRef chrominance As Integer) As Long
+
+' As JpgCodSetQtable, and sets how many coefficients of each block are coded at level 0.
+Public Declare Function JpgCodSetQtableEx Lib "Kirvo.dll" (ByRef luminance As Integer, _
+    ByRef chrominance As Integer, ByVal count As Long) As Long
+
+' Sets a comment for the next stream only.
+Public Declare Sub JpgCodSetComment Lib "Kirvo.dll" (ByRef text As Any, ByVal length As Long)
+
+' Targa, Q0, RAW, Photo CD and icon files
+
+' Reads an uncompressed 24-bit Targa file (image type 2), with either origin.
+Public Declare Function Targa24Read Lib "Kirvo.dll" (ByVal name As String, ByRef width As Long, _
+    ByRef height As Long, ByRef status As Long) As Long
+
+' Writes a 24-bit image, or a rectangle of it, as an uncompressed Targa file with its origin at the
+' bottom left.
+Public Declare Function Targa24Write Lib "Kirvo.dll" (ByVal name As String, ByVal dib As Long, _
+    ByVal x As Long, ByVal y As Long, ByVal width As Long, ByVal height As Long) As Long
+
+' Reads a Q0 file.
+Public Declare Function Q0Read Lib "Kirvo.dll" (ByVal name As String, ByRef width As Long, _
+    ByRef height As Long, ByRef bits As Long, ByRef status As Long) As Long
+
+' Reads a RAW file.
+Public Declare Function RawRead Lib "Kirvo.dll" (ByVal name As String, ByRef width As Long, _
+    ByRef height As Long, ByRef bits As Long, ByRef status As Long) As Long
+
+' Reads a Photo CD image with the Photo CD access library, which is loaded for the length of the
+' call by the name PCDLIB32.DLL and the system's search rules.
+Public Declare Function PcdRead Lib "Kirvo.dll" (ByVal name As String, ByVal resolution As Long, _
+    ByVal progress As Long, ByRef width As Long, ByRef height As Long, _
     ByRef status As Long) As Long
 
-' Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered dither of 8 x 8 pixels
-' over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255.
-Public Declare Function Decrease256Fast Lib "Kirvo.dll" (ByVal dib As Long, _
-    ByRef status As Long) As Long
+' Lists the images of an icon or cursor file by its directory.
+Public Declare Function IcoGetInfo Lib "Kirvo.dll" (ByVal name As String, ByRef records As Any, _
+    ByVal size As Long) As Long
 
-' Makes an 8-bit image with exactly the colours of the source.
-Public Declare Function Decrease256PaletteEx Lib "Kirvo.dll" (ByVal dib As Long, _
-    ByVal mode As Long, ByRef status As Long) As Long
+' Lists the images of an icon or cursor file by their own headers.
+Public Declare Function IcoGetInfoEx Lib "Kirvo.dll" (ByVal name As String, ByRef records As Any, _
+    ByVal size As Long) As Long
 
-' Decrease256PaletteEx with mode 0.
-Public Declare Function Decrease256Palette Lib "Kirvo.dll" (ByVal dib As Long, _
-    ByRef status As Long) As Long
-
-' Makes a 4-bit image with exactly the colours of the source.
-Public Declare Function Decrease16PaletteEx Lib "Kirvo.dll" (ByVal dib As Long, _
-    ByVal mode As Long, ByRef status As Long) As Long
-
-' Decrease16PaletteEx with mode 0.
-Public Declare Function Decrease16Palette Lib "Kirvo.dll" (ByVal dib As Long, _
-    ByRef status As Long) As Long
-
-' Makes a 24-bit image of an indexed one.
-Public Declare Function IncreaseColor16M Lib "Kirvo.dll" (ByVal dib As Long, _
-    ByRef status As Long) As Long
+' Reads one image of an icon or cursor file, and its transparency mask.
+Public Declare Function IcoGetData Lib "Kirvo.dll" (ByVal name As String, ByVal index As Long, _
+    ByRef width As Long, ByRef height As Long, ByRef bits As Long, ByRef status As Long, _
+    ByRef mask As Any) As Long
 
 ' Copy and compose
 
@@ -1295,43 +1253,85 @@ Public Declare Function DibBlockMxM Lib "Kirvo.dll" (ByVal dib As Long, ByVal x 
     ByVal y As Long, ByVal width As Long, ByVal height As Long, ByVal radius As Long, _
     ByVal maximum As Long, ByVal luminance As Long, ByRef status As Long) As Long
 
-' Targa, Q0, RAW, Photo CD and icon files
+' Depth conversion
 
-' Reads an uncompressed 24-bit Targa file (image type 2), with either origin.
-Public Declare Function Targa24Read Lib "Kirvo.dll" (ByVal name As String, ByRef width As Long, _
-    ByRef height As Long, ByRef status As Long) As Long
-
-' Writes a 24-bit image, or a rectangle of it, as an uncompressed Targa file with its origin at the
-' bottom left.
-Public Declare Function Targa24Write Lib "Kirvo.dll" (ByVal name As String, ByVal dib As Long, _
-    ByVal x As Long, ByVal y As Long, ByVal width As Long, ByVal height As Long) As Long
-
-' Reads a Q0 file.
-Public Declare Function Q0Read Lib "Kirvo.dll" (ByVal name As String, ByRef width As Long, _
-    ByRef height As Long, ByRef bits As Long, ByRef status As Long) As Long
-
-' Reads a RAW file.
-Public Declare Function RawRead Lib "Kirvo.dll" (ByVal name As String, ByRef width As Long, _
-    ByRef height As Long, ByRef bits As Long, ByRef status As Long) As Long
-
-' Reads a Photo CD image with the Photo CD access library, which is loaded for the length of the
-' call by the name PCDLIB32.DLL and the system's search rules.
-Public Declare Function PcdRead Lib "Kirvo.dll" (ByVal name As String, ByVal resolution As Long, _
-    ByVal progress As Long, ByRef width As Long, ByRef height As Long, _
+' Makes a 24-bit image of a 16- or 32-bit one. 5-bit 31 gives 248.
+Public Declare Function DibConvert24bit Lib "Kirvo.dll" (ByVal dib As Long, _
     ByRef status As Long) As Long
 
-' Lists the images of an icon or cursor file by its directory.
-Public Declare Function IcoGetInfo Lib "Kirvo.dll" (ByVal name As String, ByRef records As Any, _
-    ByVal size As Long) As Long
+' Makes a 16-bit image of a 24- or 32-bit one.
+Public Declare Function DibConvert16bit Lib "Kirvo.dll" (ByVal dib As Long, _
+    ByRef status As Long) As Long
 
-' Lists the images of an icon or cursor file by their own headers.
-Public Declare Function IcoGetInfoEx Lib "Kirvo.dll" (ByVal name As String, ByRef records As Any, _
-    ByVal size As Long) As Long
+' Makes a 32-bit image of a 16- or 24-bit one, with the masks 0x00FF0000, 0x0000FF00 and 0x000000FF.
+Public Declare Function DibConvert32bit Lib "Kirvo.dll" (ByVal dib As Long, _
+    ByRef status As Long) As Long
 
-' Reads one image of an icon or cursor file, and its transparency mask.
-Public Declare Function IcoGetData Lib "Kirvo.dll" (ByVal name As String, ByVal index As Long, _
-    ByRef width As Long, ByRef height As Long, ByRef bits As Long, ByRef status As Long, _
-    ByRef mask As Any) As Long
+' Makes a copy of a 24-bit image that keeps only the top bits of each channel.
+Public Declare Function DibCutDepth Lib "Kirvo.dll" (ByVal dib As Long, ByVal red_bits As Long, _
+    ByVal green_bits As Long, ByVal blue_bits As Long, ByRef status As Long) As Long
+
+' Colour reduction
+
+' Makes an 8-bit image with error diffusion to 256 fixed colours.
+Public Declare Function DecreaseColor256 Lib "Kirvo.dll" (ByVal dib As Long, _
+    ByRef status As Long) As Long
+
+' Makes a 4-bit image with error diffusion, as DecreaseColor256 spreads it, to 16 fixed colours.
+Public Declare Function DecreaseColor16 Lib "Kirvo.dll" (ByVal dib As Long, _
+    ByRef status As Long) As Long
+
+' Makes an 8-bit grey image, without diffusion.
+Public Declare Function DecreaseColorMono256 Lib "Kirvo.dll" (ByVal dib As Long, _
+    ByRef status As Long) As Long
+
+' Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered dither of 8 x 8 pixels
+' over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255.
+Public Declare Function Decrease256Fast Lib "Kirvo.dll" (ByVal dib As Long, _
+    ByRef status As Long) As Long
+
+' Makes an 8-bit image with exactly the colours of the source.
+Public Declare Function Decrease256PaletteEx Lib "Kirvo.dll" (ByVal dib As Long, _
+    ByVal mode As Long, ByRef status As Long) As Long
+
+' Decrease256PaletteEx with mode 0.
+Public Declare Function Decrease256Palette Lib "Kirvo.dll" (ByVal dib As Long, _
+    ByRef status As Long) As Long
+
+' Makes a 4-bit image with exactly the colours of the source.
+Public Declare Function Decrease16PaletteEx Lib "Kirvo.dll" (ByVal dib As Long, _
+    ByVal mode As Long, ByRef status As Long) As Long
+
+' Decrease16PaletteEx with mode 0.
+Public Declare Function Decrease16Palette Lib "Kirvo.dll" (ByVal dib As Long, _
+    ByRef status As Long) As Long
+
+' Makes a 24-bit image of an indexed one.
+Public Declare Function IncreaseColor16M Lib "Kirvo.dll" (ByVal dib As Long, _
+    ByRef status As Long) As Long
+
+' Single pixels and lines
+
+' Reads one pixel of an image of any depth.
+Public Declare Function DibGetPixelColor Lib "Kirvo.dll" (ByVal dib As Long, ByVal x As Long, _
+    ByVal y As Long, ByRef colour As Long) As Long
+
+' Writes one pixel of a direct-colour image.
+Public Declare Function DibSetPixelColor Lib "Kirvo.dll" (ByVal dib As Long, ByVal x As Long, _
+    ByVal y As Long, ByVal colour As Long) As Long
+
+' Fills the pixels x0 to x1 (inclusive) of one row with a colour.
+Public Declare Function DibSetLineColor Lib "Kirvo.dll" (ByVal dib As Long, ByVal x0 As Long, _
+    ByVal x1 As Long, ByVal y As Long, ByVal colour As Long) As Long
+
+' Window fitting
+
+' Resizes a window so that its client area shows an image at a whole scale.
+Public Declare Sub FitWindowToImageEx Lib "Kirvo.dll" (ByVal window As Long, ByVal dib As Long, _
+    ByVal scale_ As Long)
+
+' FitWindowToImageEx at scale 1.
+Public Declare Sub FitWindowToImage Lib "Kirvo.dll" (ByVal window As Long, ByVal dib As Long)
 
 Private Declare Function CreateWindowExA Lib "user32" (ByVal extendedStyle As Long, _
     ByVal className As String, ByVal caption As String, ByVal style As Long, ByVal x As Long, _

@@ -66,19 +66,20 @@ Public Sub KirvoProgress(ByVal percent As Long)
     Message.Refresh
 End Sub
 
-Private Sub MakeButton_Click()
+Private Sub MakeReady(ByVal fromName As String, ByVal toName As String)
     Dim photo As New KirvoImage, part As KirvoImage, small As KirvoImage
-    Dim partWidth As Long, partHeight As Long
-    On Error GoTo Failed
     Set photo.Listener = Me
-    photo.OpenFile Source.Text
-    partWidth = photo.Width * 9 \ 10
-    partHeight = photo.Height * 9 \ 10
-    Set part = photo.Crop(photo.Width \ 20, photo.Height \ 20, partWidth, partHeight)
-    Set small = part.Resize(800, partHeight * 800 \ partWidth).Sharpen()
+    photo.OpenFile fromName ' upright, as its camera was held
+    Set part = photo.Crop(photo.Width \ 20, photo.Height \ 20, photo.Width * 9 \ 10, photo.Height * 9 \ 10)
+    Set small = part.Resize(800, part.Height * 800 \ part.Width).Sharpen()
     Set Page.Picture = small.Picture
-    small.SaveFile Target.Text
-    Message.Caption = Target.Text & ": " & small.Width & " x " & small.Height
+    small.SaveFile toName
+End Sub
+
+Private Sub MakeButton_Click()
+    On Error GoTo Failed
+    MakeReady Source.Text, Target.Text
+    Message.Caption = Target.Text
 Failed:
     If Err.Number <> 0 Then Message.Caption = Err.Description
     KirvoWatch Nothing

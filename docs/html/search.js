@@ -1,38 +1,78 @@
-// Lists the entries that hold every word typed: first those whose title begins with the first word,
-// then those with all words in the title, then the others.
+// Finds the entries that hold every word typed. What search.txt leads to comes first, then titles,
+// then what is written about them.
 const field = document.getElementById("search");
 const list = document.getElementById("found");
 
-function rank(title, words) {
-    title = title.toLowerCase();
-    return title.startsWith(words[0]) ? 0 : words.every(word => title.includes(word)) ? 1 : 2;
+// One spelling of words that have two.
+function usual(text) {
+    return text.toLowerCase().replaceAll("−", "-").replaceAll("gray", "grey")
+        .replaceAll("color", "colour").replaceAll("center", "centre");
+}
+
+// "JpgDecMainEx" is also "jpg dec main ex".
+function parts(title) {
+    return usual(title.replace(/([a-z0-9])([A-Z])/g, "$1 $2").replaceAll("_", " "));
+}
+
+const prepared = entries.map(([title, line, place, text]) => ({
+    title, line, place, name: usual(title), parts: parts(title), about: usual(`${line} ${text}`),
+    number: line.match(/^-?\d+(?=:)/)?.[0],
+}));
+
+// How well an entry fits a word: 0 for not at all.
+function fit(entry, word) {
+    if (entry.name === word) return 100;
+    if (entry.number && (entry.number === word || entry.number === `-${word}`)) return 90;
+    if (/^-\d/.test(word)) return 0; // a number is a status and nothing else
+    if (entry.name.startsWith(word)) return 60;
+    if (entry.parts.split(/\W+/).includes(word)) return 50;
+    if (entry.name.includes(word)) return 40;
+    const at = entry.about.indexOf(word);
+    if (at < 0) return 0;
+    return /\w/.test(entry.about[at - 1] ?? " ") ? 5 : 10;
 }
 
 function find(typed) {
-    const words = typed.toLowerCase().split(/\s+/).filter(word => word);
-    if (!words.length) return [];
-    return entries
-        .filter(([title, line, , text]) =>
-            words.every(word => (title + " " + line + " " + text).toLowerCase().includes(word)))
-        .map(entry => ({entry, rank: rank(entry[0], words)}))
-        .sort((a, b) => a.rank - b.rank)
+    typed = usual(typed).trim().replace(/\s+/g, " ");
+    if (!typed) return [];
+    const words = typed.split(" ");
+    const first = firstPlaces[typed] ?? [];
+    const score = entry => {
+        const leads = first.indexOf(entry.title);
+        if (entry.name === typed || leads < 0) return Math.min(...words.map(word => fit(entry, word)));
+        return 80 - leads;
+    };
+    return prepared.map(entry => ({entry, score: score(entry)}))
+        .filter(found => found.score > 0)
+        .sort((a, b) => b.score - a.score)
         .slice(0, 12)
         .map(found => found.entry);
 }
 
+function link(place, text, line) {
+    const made = document.createElement("a");
+    made.href = place;
+    made.textContent = text;
+    const about = document.createElement("small");
+    about.textContent = line;
+    made.append(about);
+    const item = document.createElement("li");
+    item.append(made);
+    return item;
+}
+
+function nothing(typed) {
+    typed = typed.trim();
+    return /^[-−]\d+$/.test(typed)
+        ? link("group__status.html", `No status has the number ${typed}`, "All status codes")
+        : link("modules.html", `Nothing found for “${typed}”`, "Every function, by task");
+}
+
 function show() {
-    list.replaceChildren(...find(field.value).map(([title, line, place]) => {
-        const link = document.createElement("a");
-        link.href = place;
-        link.textContent = title;
-        const about = document.createElement("small");
-        about.textContent = line;
-        link.append(about);
-        const item = document.createElement("li");
-        item.append(link);
-        return item;
-    }));
-    list.hidden = !list.children.length;
+    const found = find(field.value).map(entry => link(entry.place, entry.title, entry.line));
+    if (!found.length && field.value.trim()) found.push(nothing(field.value));
+    list.replaceChildren(...found);
+    list.hidden = !found.length;
     choose(0);
 }
 
@@ -61,7 +101,7 @@ field.addEventListener("blur", event => {
     if (!list.matches(":hover")) list.hidden = true;
 });
 document.addEventListener("keydown", event => {
-    if (event.key === "/" && document.activeElement !== field) {
+    if (event.key === "/" && !event.target.matches("input, select, textarea")) {
         event.preventDefault();
         field.focus();
     }

@@ -82,7 +82,7 @@ def sections(description, header):
 
 # The object layer
 
-IMAGE_PATH = "vb/KirvoImage.cls"
+IMAGE_PATH = "bindings/vb/KirvoImage.cls"
 KINDS = {"int": "Long", "uint": "Long", "double": "Double", "colour": "Long", "flag": "Boolean",
          "image": "KirvoImage"}
 AREA = ["Optional ByVal areaLeft As Long = 0", "Optional ByVal areaTop As Long = 0",
@@ -116,40 +116,21 @@ def argument(one):
         one.role, f"-CLng({camel(one)})" if one.kind == "flag" else camel(one))
 
 
-def method_lines(method):
-    name = capitals(method.name)
+def documentation(method):
     texts = [method.comment.brief]
-    texts += [f"{camel(one)}: {method.meaning(one.parameter.name)}." for one in method.parameters]
-    yield from comment(" ".join(texts), "' ")
+    texts += [f"{camel(one)}: {one.meaning}." for one in method.parameters]
+    return comment(" ".join(texts), "' ")
+
+
+def head(method, word, result):
     given = [declared(one) for one in method.parameters] + (AREA if method.has_area else [])
-    word, result = ("Sub", "") if method.way == "change" else ("Function", " As KirvoImage")
-    yield from listed(f"Public {word} {name}(", given or [""], f"){result}", continued=" _")
-    other = any(one.role == "other" for one in method.arguments)
-    yield "    Dim status As Long" + ("" if method.way == "static" else ", source As KirvoImage") + \
-        (", same As KirvoImage" if other else "")
-    depths = " ".join(map(str, method.depths))
-    call = [argument(one) for one in method.arguments]
-    if method.way == "change":
-        yield f'    MakeDepth "{depths}"'
-        yield "    Set source = Me"
-    elif method.way == "method":
-        yield f'    Set source = {"AtDepth" if method.makes else "CopyAtDepth"}("{depths}")'
-    if other:
-        yield "    Set same = other.Convert(source.Bits)"
-    yield "    Watch"
-    if method.makes:
-        yield from listed(f"    Set {name} = Made({method.function.name}(", call,
-                          f'), status, "{name}")', continued=" _", indent=" " * 8)
-    else:
-        yield from listed(f"    status = {method.function.name}(", call, ")", continued=" _",
-                          indent=" " * 8)
-        yield f'    Check status, "{name}"'
-        if method.way == "method":
-            yield "    Set source.Listener = Listener"
-            yield f"    Set {name} = source"
-    yield f"End {word}"
-    yield ""
+    return listed(f"Public {word} {capitals(method.name)}(", given or [""], f"){result}", continued=" _")
 
 
-def image_sections(layers):
-    return {"methods": [line for method in layers.methods for line in method_lines(method)]}
+def depths(method):
+    return " ".join(map(str, method.depths))
+
+
+def call(method, before, behind):
+    return listed(f"{before}{method.function.name}(", [argument(one) for one in method.arguments], behind,
+                  continued=" _", indent=" " * 8)

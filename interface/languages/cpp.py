@@ -3,7 +3,7 @@ import textwrap
 
 from languages import escaped, listed, plain
 
-PATH = "kirvo.hpp"
+IMAGE_PATH = "include/kirvo.hpp"
 NEWLINE = "\n"
 
 TYPES = {"int": "int32_t", "uint": "uint32_t", "double": "double", "colour": "uint32_t",
@@ -26,11 +26,11 @@ def required(method):
     return [one for one in method.parameters if not one.optional]
 
 
-def documentation(lead, texts, indent):
+def documentation(lead, tags, indent):
     """A comment in which no line is too long."""
-    lines = textwrap.wrap(lead, 96 - len(indent), break_on_hyphens=False)
-    for name, text in texts:
-        lines += textwrap.wrap(f" @param {name} {text}", 96 - len(indent), subsequent_indent="  ",
+    lines = textwrap.wrap(plain(lead), 96 - len(indent), break_on_hyphens=False)
+    for tag in tags:
+        lines += textwrap.wrap(f" @{tag}", 96 - len(indent), subsequent_indent="  ",
                                break_on_hyphens=False)
     if len(lines) == 1:
         return [f"{indent}/** {lines[0]} */"]
@@ -38,15 +38,8 @@ def documentation(lead, texts, indent):
             f"{indent} * {lines[-1]} */"]
 
 
-def options(method):
-    yield f"/** What Image::{method.name} may be told. */"
-    yield f"struct {options_type(method)} {{"
-    for one in optional(method):
-        yield from documentation(plain(method.meaning(one.parameter.name)), [], "    ")
-        value = {"double": f"{one.value}.0"}.get(one.kind, one.value)
-        yield f"    {TYPES[one.kind]} {one.name} = {value};"
-    yield "};"
-    yield ""
+def default(one):
+    return f"{one.value}.0" if one.kind == "double" else one.value
 
 
 def declared(one):
@@ -68,57 +61,31 @@ def value(argument, method):
     return f"{given} ? 1 : 0" if argument.kind == "flag" else given
 
 
-def method_lines(method):
+def method_documentation(method):
+    tags = [f"param {name_of(one)} {plain(one.meaning)}" for one in required(method)]
+    if optional(method):
+        tags.append("param options what else it may be told")
+    if method.has_area:
+        tags.append("param area the part that is worked on")
+    tags.append("return this image" if method.way == "change" else "return the new image")
+    return documentation(method.sentence, tags, "    ")
+
+
+def head(method):
     parameters = [declared(one) for one in required(method)]
-    texts = [(one.name, plain(method.meaning(one.parameter.name))) for one in required(method)]
     if optional(method):
         parameters.append(f"const {options_type(method)}& options = {{}}")
-        texts.append(("options", "what else it may be told"))
     if method.has_area:
         parameters.append("const Area& area = {}")
-        texts.append(("area", "the part that is worked on"))
-    yield from documentation(plain(method.comment.sentence), texts, "    ")
     static, result, const = {"method": ("", "Image", " const"), "change": ("", "Image&", ""),
                              "static": ("static ", "Image", "")}[method.way]
-    yield from listed(f"    {static}{result} {method.name}(", parameters or [""], f"){const} {{",
-                      indent=" " * 8)
-    call = f"{method.function.name}(" + ", ".join(value(one, method) for one in method.arguments) + ")"
-    depths = "{" + ", ".join(map(str, method.depths)) + "}"
-    other = any(one.role == "other" for one in method.arguments)
-    area = "area" if method.has_area else "{}"
-    named = "area" if method.has_area else ""
-    if method.way == "static":
-        yield "        const detail::Operation operation;"
-        yield "        int32_t status = KIRVO_OK;"
-        yield f"        Image image = adopt({call});"
-        yield f'        detail::check(image ? KIRVO_OK : status, "{method.name}");'
-        yield "        return image;"
-    elif method.way == "change":
-        yield f"        ready({depths});"
-        if other:
-            yield "        const Image depth = other.as_deep_as(*this);"
-        yield (f'        apply("{method.name}", {depths}, {{}}, [&](HGLOBAL dib, const Area&) {{')
-        yield f"            return {call};"
-        yield "        });"
-        yield "        return *this;"
-    else:
-        if other:
-            yield f"        if (!has_depth({depths}))"
-            yield f"            return convert(24).{method.name}(other);"
-            yield "        const Image depth = other.as_deep_as(*this);"
-        helper, status = ("make", ", int32_t* status") if method.makes else ("changed", "")
-        yield (f'        return {helper}("{method.name}", {depths}, {area}, '
-               f"[&](HGLOBAL dib, const Area& {named}{status}) {{".replace("& ,", "&,").replace("& )", "&)"))
-        yield f"            return {call};"
-        yield "        });"
-    yield "    }"
-    yield ""
+    return listed(f"    {static}{result} {method.name}(", parameters or [""], f"){const} {{",
+                  indent=" " * 8)
 
 
-def sections(layers):
-    made = {"options": [], "methods": []}
-    for method in layers.methods:
-        if optional(method):
-            made["options"] += options(method)
-        made["methods"] += method_lines(method)
-    return made
+def call(method):
+    return f"{method.function.name}({', '.join(value(one, method) for one in method.arguments)})"
+
+
+def depths(method):
+    return ", ".join(map(str, method.depths))

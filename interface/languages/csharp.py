@@ -123,7 +123,7 @@ def sections(description, header):
 
 # The object layer
 
-IMAGE_PATH = "csharp/KirvoImage.cs"
+IMAGE_PATH = "bindings/csharp/KirvoImage.cs"
 KINDS = {"int": "int", "uint": "uint", "double": "double", "colour": "uint", "flag": "bool",
          "image": "KirvoImage", "byte": "byte[]"}
 
@@ -149,60 +149,51 @@ def value(one):
     return f"{camel(one.name)} ? 1 : 0" if one.kind == "flag" else camel(one.name)
 
 
-def method_lines(method):
-    name = capitals(method.name)
-    yield from documentation("summary", method.comment.sentence)
+def method_documentation(method):
+    lines = documentation("summary", method.sentence)
     for one in method.parameters:
-        yield from documentation(f'param name="{camel(one.name)}"', method.meaning(one.parameter.name))
+        lines += documentation(f'param name="{camel(one.name)}"', one.meaning)
+    if method.has_area:
+        lines += documentation('param name="area"', "the part that is worked on; null: all of it")
+    if method.way != "change":
+        lines += documentation("returns", "the new picture")
+    return lines
+
+
+def head(method):
     given = [declared(one) for one in method.parameters]
     if method.has_area:
-        yield from documentation('param name="area"', "the part that is worked on; null: all of it")
         given.append("KirvoArea? area = null")
     result = "void" if method.way == "change" else "KirvoImage"
-    if method.way != "change":
-        yield from documentation("returns", "the new picture")
     static = "static " if method.way == "static" else ""
-    yield from listed(f"        public {static}{result} {name}(", given or [""], ")", indent=" " * 12)
-    yield "        {"
-    depths = "new[] { " + ", ".join(map(str, method.depths)) + " }"
-    call = listed(f"Kirvo.{method.function.name}(", [value(one) for one in method.arguments], ")",
-                  indent=" " * 4)
-    if any(one.kind == "byte" for one in method.parameters):
-        yield "            if (table.Length != 256)"
-        yield '                throw new ArgumentException("256 bytes are needed", "table");'
-    area = "area" if method.has_area else "null"
-    if method.way == "static":
-        yield "            KirvoStatus status;"
-        yield "            using (new KirvoOperation())"
-        yield "            {"
-        yield "                IntPtr dib = " + " ".join(line.strip() for line in call) + ";"
-        yield "                if (dib == IntPtr.Zero)"
-        yield f'                    throw Failure(status, "{name}");'
-        yield "                return new KirvoImage(dib, null);"
-        yield "            }"
-    else:
-        indent = " " * 12
-        if method.way == "change":
-            yield f"{indent}Ready({depths});"
-        if any(one.role == "other" for one in method.arguments):
-            bits = "Bits" if method.way == "change" else f"Array.IndexOf({depths}, Bits) >= 0 ? Bits : 24"
-            yield f"{indent}using (KirvoImage depth = other.Convert({bits}))"
-            indent += " " * 4
-        helper, head = {("method", True): ("return Make", "(IntPtr dib, KirvoArea a, out KirvoStatus status)"),
-                        ("method", False): ("return Changed", "(dib, a)"),
-                        ("change", False): ("Apply", "(dib, a)")}[method.way, method.makes]
-        yield f'{indent}{helper}("{name}", {depths}, {area},'
-        yield f"{indent}    {head} =>"
-        yield from [f"{indent}        {line}" for line in call[:-1]]
-        yield f"{indent}        {call[-1]});"
-    yield "        }"
-    yield ""
+    return listed(f"        public {static}{result} {capitals(method.name)}(", given or [""], ")",
+                  indent=" " * 12)
 
 
-def image_sections(layers, description, header):
-    made = {"methods": [line for method in layers.methods for line in method_lines(method)],
-            "messages": []}
-    for name in statuses(description):
-        text = plain(header.comments[name].sentence).rstrip(".").replace('"', '\\"')
-        made["messages"] += [f"            case KirvoStatus.{name}:", f'                return "{text}";']
-    return made
+def depths(method):
+    return "new[] { " + ", ".join(map(str, method.depths)) + " }"
+
+
+def bits_for(method):
+    """The depth at which the other picture is given."""
+    return "Bits" if method.way == "change" else f"Array.IndexOf({depths(method)}, Bits) >= 0 ? Bits : 24"
+
+
+def helper(method):
+    """What calls the function, and what that is given."""
+    return {("method", True): ("return Make", "(IntPtr dib, KirvoArea a, out KirvoStatus status)"),
+            ("method", False): ("return Changed", "(dib, a)"),
+            ("change", False): ("Apply", "(dib, a)")}[method.way, method.makes]
+
+
+def call_lines(method, indent=""):
+    return [indent + line for line in listed(
+        f"Kirvo.{method.function.name}(", [value(one) for one in method.arguments], ")", indent=" " * 4)]
+
+
+def call(method):
+    return " ".join(line.strip() for line in call_lines(method))
+
+
+def message(text):
+    return plain(text).rstrip(".").replace('"', '\\"')

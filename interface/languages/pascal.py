@@ -109,7 +109,7 @@ def sections(description, header):
 
 # The object layer
 
-IMAGE_PATH = "pascal/KirvoImages.pas"
+IMAGE_PATH = "bindings/pascal/KirvoImages.pas"
 KINDS = {"int": "LongInt", "uint": "LongWord", "double": "Double", "colour": "LongWord",
          "flag": "Boolean", "image": "TKirvoImage", "byte": "array of Byte"}
 AREA = ["AreaLeft: LongInt = 0", "AreaTop: LongInt = 0", "AreaWidth: LongInt = -1",
@@ -126,7 +126,13 @@ def declared(one, with_default):
     return f"{const}{name_of(one)}: {KINDS[one.kind]}{default}"
 
 
-def method_head(method, owner, with_default, indent):
+def documentation(method):
+    texts = [method.comment.brief]
+    texts += [f"{name_of(one)}: {one.meaning}." for one in method.parameters]
+    return comment(" ".join(texts), "{ ", " }", "    ")
+
+
+def head(method, owner, with_default, indent):
     given = [declared(one, with_default) for one in method.parameters]
     if method.has_area:
         given += AREA if with_default else [part.split(" =")[0] for part in AREA]
@@ -153,58 +159,16 @@ def value(one):
     return f"Ord({name_of(one)})" if one.kind == "flag" else name_of(one)
 
 
-def method_lines(method):
-    yield from method_head(method, "TKirvoImage.", False, "")
-    name = capitals(method.name)
-    other = any(one.role == "other" for one in method.arguments)
-    call = f"{method.function.name}({', '.join(value(one) for one in method.arguments)})"
-    if method.way == "static":
-        yield from ["var", "  Made: HGLOBAL;", "  Status: LongInt;", "begin", "  Enter;"]
-        yield from broken("  Made := " + call.replace("Call.Status", "Status") + ";")
-        yield from ["  Leave;", f"  Result := Fresh(Made, Status, '{name}');", "end;", ""]
-        return
-    yield from ["var", "  Call: TKirvoCall;"]
-    if other:
-        yield "  Same: TKirvoImage;"
-    yield "begin"
-    for one in method.parameters:
-        if one.parameter.count:
-            yield f"  if Length({name_of(one)}) <> {one.parameter.count} then"
-            yield f"    Refuse(KIRVO_BAD_PARAMETER, '{name}: {one.parameter.count} values are needed');"
-    depths = "[" + ", ".join(map(str, method.depths)) + "]"
-    area = "AreaLeft, AreaTop, AreaWidth, AreaHeight" if method.has_area else "0, 0, -1, -1"
-    indent = "  "
-    if method.way == "change":
-        yield f"  Ready({depths});"
-    if other:
-        yield f"  Same := Other.Convert(DepthFor({depths}));"
-        yield "  try"
-        indent = "    "
-    copied = method.way == "method" and not method.makes
-    yield f"{indent}Start(Call, {depths}, {copied}, {area});"
-    if method.makes:
-        yield from broken(f"{indent}Result := FinishMade(Call, {call}, '{name}');")
-    else:
-        yield from broken(f"{indent}Call.Status := {call};")
-        yield f"{indent}Result := FinishCopy(Call, '{name}');" if copied else \
-            f"{indent}Finish(Call, '{name}');"
-    if other:
-        yield from ["  finally", "    Same.Free;", "  end;"]
-    yield from ["end;", ""]
+def depths(method):
+    return str(method.depths)
+
+
+def call(method):
+    text = f"{method.function.name}({', '.join(value(one) for one in method.arguments)})"
+    return text.replace("Call.Status", "Status") if method.way == "static" else text
 
 
 def broken(line):
     indent = line[:len(line) - len(line.lstrip())]
     return textwrap.wrap(line, WIDTH, initial_indent="", subsequent_indent=indent + "  ",
                          drop_whitespace=True, break_long_words=False) if len(line) > WIDTH else [line]
-
-
-def image_sections(layers):
-    declarations = []
-    for method in layers.methods:
-        texts = [method.comment.brief]
-        texts += [f"{name_of(one)}: {method.meaning(one.parameter.name)}." for one in method.parameters]
-        declarations += comment(" ".join(texts), "{ ", " }", "    ")
-        declarations += method_head(method, "", True, "    ")
-    return {"declarations": declarations,
-            "methods": [line for method in layers.methods for line in method_lines(method)]}

@@ -87,7 +87,7 @@ def sections(description, header):
 
 # The object layer
 
-IMAGE_PATH = "python/src/kirvo/_image.py"
+IMAGE_PATH = "bindings/python/src/kirvo/_image.py"
 KINDS = {"int": "int", "uint": "int", "double": "float", "colour": "int", "flag": "bool",
          "image": "Image", "byte": "Sequence[int]"}
 VALUES = {"true": "True", "false": "False"}
@@ -109,7 +109,7 @@ def value(one, method):
     if one.role in ("x", "y", "width", "height"):
         return "*a" if one.role == "x" else None
     if one.role == "status":
-        return "status"
+        return "byref(status)" if method.way == "static" else "status"
     if one.role == "other":
         return "other._dib"
     if one.role == "fixed":
@@ -121,55 +121,44 @@ def value(one, method):
     return one.name
 
 
-def method_lines(method):
+def head(method):
     given = [declared(one, method) for one in method.parameters]
-    texts = [(one.name, plain(method.meaning(one.parameter.name))) for one in method.parameters]
     if method.has_area:
         given += ["*", "area: Optional[Area] = None"]
-        texts.append(("area", "the part that is worked on"))
-    if method.way == "static":
-        yield "    @classmethod"
-    head = f"    def {method.name}("
     first = "cls" if method.way == "static" else "self"
     result = "None" if method.way == "change" else "Image"
-    yield from listed(head, [first, *given], f") -> {result}:", indent=" " * 8)
-    yield from textwrap.wrap('"""' + plain(method.comment.sentence) + ("" if texts else '"""'),
-                             94, initial_indent="        ", subsequent_indent="        ")
-    if texts:
-        yield ""
-        for name, text in texts:
-            yield from textwrap.wrap(f"{name}: {text}", 94, initial_indent="        ",
-                                     subsequent_indent="            ")
-        yield '        """'
+    return listed(f"    def {method.name}(", [first, *given], f") -> {result}:", indent=" " * 8)
+
+
+def documentation(method):
+    texts = [(one.name, plain(one.meaning)) for one in method.parameters]
+    if method.has_area:
+        texts.append(("area", "the part that is worked on"))
+    indent = " " * 8
+    lines = textwrap.wrap('"""' + plain(method.sentence) + ("" if texts else '"""'), 94,
+                          initial_indent=indent, subsequent_indent=indent)
+    if not texts:
+        return lines
+    for name, text in texts:
+        lines += ([""] if name == texts[0][0] else []) + textwrap.wrap(
+            f"{name}: {text}", 94, initial_indent=indent, subsequent_indent=indent + "    ")
+    return [*lines, indent + '"""']
+
+
+def call(method):
     values = [value(one, method) for one in method.arguments]
-    call = f"flat.{method.function.name}({', '.join(filter(None, values))})"
-    depths = "(" + ", ".join(map(str, method.depths)) + ("," if len(method.depths) == 1 else "") + ")"
+    return f"flat.{method.function.name}({', '.join(filter(None, values))})"
+
+
+def depths(method):
+    return str(tuple(method.depths))
+
+
+def applied(method, helper, given):
+    """What gives the function to a helper, which calls it."""
     area = "area" if method.has_area else "None"
-    other = any(one.role == "other" for one in method.arguments)
-    if method.way == "static":
-        yield "        status = c_int32()"
-        yield "        with Operation():"
-        yield "            dib = " + call.replace("status", "byref(status)")
-        yield "        if not dib:"
-        yield f'            _check(status.value or flat.KIRVO_NO_MEMORY, "{method.name}")'
-        yield "        return cls._of(dib)"
-    elif method.way == "change":
-        yield f"        self._ready({depths})"
-        if other:
-            yield "        other = other.convert(self.bits)"
-        yield from listed(f'        self._apply("{method.name}", ', [depths, "None",
-                          "lambda dib, a: " + call], ")", indent=" " * 20)
-    else:
-        if other:
-            yield f"        other = other.convert(self._at({depths}).bits)"
-        helper, status = ("_make", ", status") if method.makes else ("_changed", "")
-        yield from listed(f'        return self.{helper}("{method.name}", ', [depths, area,
-                          f"lambda dib, a{status}: " + call], ")", indent=" " * 20)
-    yield ""
-
-
-def image_sections(layers):
-    return {"methods": [line for method in layers.methods for line in method_lines(method)]}
+    return listed(f'        {helper}("{method.name}", ', [depths(method), area, f"lambda {given}: {call(method)}"],
+                  ")", indent=" " * 20)
 
 
 def version_lines(description):

@@ -14,14 +14,14 @@ Option Explicit
 
 ' What a call answers: 0 for success, below 0 for an error.
 Public Enum KirvoStatus
-@statuses@
+@{ statuses }@
 End Enum
 
-@constants@
-@structures@
+@{ constants }@
+@{ structures }@
 
 #If VBA7 Then
-@safe_functions@
+@{ safe_functions }@
 
 Private Declare PtrSafe Function CreateWindowExA Lib "user32" (ByVal extendedStyle As Long, _
     ByVal className As String, ByVal caption As String, ByVal style As Long, ByVal x As Long, _
@@ -39,7 +39,7 @@ Private Declare PtrSafe Function SetWindowFunction Lib "user32" Alias "SetWindow
 #End If
 Private WatchWindow As LongPtr
 #Else
-@functions@
+@{ functions }@
 
 Private Declare Function CreateWindowExA Lib "user32" (ByVal extendedStyle As Long, _
     ByVal className As String, ByVal caption As String, ByVal style As Long, ByVal x As Long, _
@@ -59,7 +59,7 @@ Private Watcher As Object
 ' The name and the meaning of a status code.
 Public Function KirvoMessage(ByVal status As Long) As String
     Select Case status
-@messages@
+@{ messages }@
     Case Else
         KirvoMessage = "status " & status
     End Select

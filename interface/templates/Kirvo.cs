@@ -14,9 +14,9 @@ namespace KirvoImaging
     /// <summary>What a call answers: 0 for success, below 0 for an error.</summary>
     public enum KirvoStatus
     {
-@statuses@
+@{ statuses }@
     }
-@structures@
+@{ structures }@
 
     /// <summary>The functions of the library. Images and other blocks are handles, which the caller
     /// frees with GlobalFree, or owns with a KirvoBlock.</summary>
@@ -24,8 +24,8 @@ namespace KirvoImaging
     {
         const string Library = "Kirvo.dll";
 
-@constants@
-@functions@
+@{ constants }@
+@{ functions }@
 
         // Conveniences of this file
 

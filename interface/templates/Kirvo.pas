@@ -23,11 +23,11 @@ const
   KirvoLibrary = {$IFDEF MSWINDOWS} 'Kirvo.dll' {$ELSE} 'libkirvo.so' {$ENDIF};
 
   // Status codes
-@constants@
+@{ constants }@
 {$IFNDEF MSWINDOWS}
 
   // Names of Windows
-@platform_constants@
+@{ platform_constants }@
 {$ENDIF}
 
 type
@@ -46,17 +46,17 @@ type
   HWND = KirvoUIntPtr;
   HPALETTE = KirvoUIntPtr;
   THandle = KirvoUIntPtr;
-@platform_records@
+@{ platform_records }@
 {$ENDIF}
 
   PKirvoLongWord = ^LongWord;
   PKirvoHandle = ^HGLOBAL;
-@records@
+@{ records }@
 
 {$IFNDEF MSWINDOWS}
-@platform_functions@
+@{ platform_functions }@
 {$ENDIF}
-@functions@
+@{ functions }@
 
 // Conveniences of this unit
 
@@ -86,7 +86,7 @@ implementation
 function KirvoMessage(status: LongInt): string;
 begin
   case status of
-@messages@
+@{ messages }@
   else
     Result := 'status ' + IntToStr(status);
   end;

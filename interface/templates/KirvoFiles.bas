@@ -12,22 +12,22 @@ Option Explicit
 
 ' What a call answers: 0 for success, below 0 for an error.
 Public Enum KirvoFilesStatus
-@statuses@
+@{ statuses }@
 End Enum
 
-@constants@
-@structures@
+@{ constants }@
+@{ structures }@
 
 #If VBA7 Then
-@safe_functions@
+@{ safe_functions }@
 #Else
-@functions@
+@{ functions }@
 #End If
 
 ' The name and the meaning of a status.
 Public Function KirvoFilesMessage(ByVal status As Long) As String
     Select Case status
-@messages@
+@{ messages }@
     Case Else
         KirvoFilesMessage = "status " & status
     End Select

@@ -14,17 +14,17 @@ namespace KirvoImaging
     /// <summary>What a call answers: 0 for success, below 0 for an error.</summary>
     public enum KirvoFilesStatus
     {
-@statuses@
+@{ statuses }@
     }
-@structures@
+@{ structures }@
 
     /// <summary>The functions of the second library.</summary>
     public static class KirvoFiles
     {
         const string Library = "KirvoFiles.dll";
 
-@constants@
-@functions@
+@{ constants }@
+@{ functions }@
 
         // Conveniences of this file
 

@@ -23,14 +23,14 @@ uses
 const
   KirvoFilesLibrary = {$IFDEF MSWINDOWS} 'KirvoFiles.dll' {$ELSE} 'libkirvofiles.so' {$ENDIF};
 
-@constants@
+@{ constants }@
 
 type
   { What is known of a file: nil is nothing. }
   TKirvoFile = Pointer;
   PKirvoFile = ^TKirvoFile;
-@records@
-@functions@
+@{ records }@
+@{ functions }@
 
 // Conveniences of this unit
 
@@ -52,7 +52,7 @@ implementation
 function KirvoFilesMessage(status: LongInt): string;
 begin
   case status of
-@messages@
+@{ messages }@
   else
     Result := 'status ' + IntToStr(status);
   end;

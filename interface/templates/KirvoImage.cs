@@ -642,7 +642,40 @@ namespace KirvoImaging
 
         // Effects
 
-@methods@
+%% for method in methods
+@{ method_documentation(method) }@
+@{ head(method) }@
+        {
+%% for one in method.parameters if one.parameter.count
+            if (@{ one.name }@.Length != @{ one.parameter.count }@)
+                throw new ArgumentException("@{ one.parameter.count }@ bytes are needed", "@{ one.name }@");
+%% endfor
+%% if method.way == "static"
+            KirvoStatus status;
+            using (new KirvoOperation())
+            {
+                IntPtr dib = @{ call(method) }@;
+                if (dib == IntPtr.Zero)
+                    throw Failure(status, "@{ capitals(method.name) }@");
+                return new KirvoImage(dib, null);
+            }
+%% else
+%% if method.way == "change"
+            Ready(@{ depths(method) }@);
+%% endif
+%% set indent = ""
+%% if method.other
+%% set indent = "    "
+            using (KirvoImage depth = other.Convert(@{ bits_for(method) }@))
+%% endif
+%% set maker, given = helper(method)
+            @{ indent }@@{ maker }@("@{ capitals(method.name) }@", @{ depths(method) }@, @{ "area" if method.has_area else "null" }@,
+            @{ indent }@    @{ given }@ =>
+@{ call_lines(method, indent ~ " " * 20) }@);
+%% endif
+        }
+
+%% endfor
         /// <summary>Filters with a kernel of 3 x 3 weights.</summary>
         /// <param name="weights">nine of them, row by row from the top left neighbour</param>
         /// <param name="divisor">divides the sums; 0: the sum of the weights, or 1</param>
@@ -883,7 +916,10 @@ namespace KirvoImaging
         {
             switch (status)
             {
-@messages@
+%% for name, text in messages.items()
+            case KirvoStatus.@{ name }@:
+                return "@{ message(text) }@";
+%% endfor
             default:
                 return status.ToString();
             }

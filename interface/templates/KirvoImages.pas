@@ -114,7 +114,10 @@ type
       24 bits is three bytes: blue, green, red. }
     function ScanLine(Y: Integer): Pointer;
 
-@declarations@
+%% for method in methods
+@{ documentation(method) }@
+@{ head(method, "", True, "    ") }@
+%% endfor
     { Filters with a kernel of 3 x 3 weights, row by row from the top left neighbour. Divisor 0: the
       sum of the weights, or 1. }
     function Filter3x3(const Weights: array of LongInt; Divisor: LongInt = 0; AreaLeft: LongInt = 0;
@@ -730,7 +733,54 @@ begin
   Result := TKirvoImage.Adopt(Made, nil);
 end;
 
-@methods@
+%% for method in methods
+%% set name = capitals(method.name)
+@{ head(method, "TKirvoImage.", False, "") }@
+var
+%% if method.way == "static"
+  Made: HGLOBAL;
+  Status: LongInt;
+begin
+  Enter;
+@{ broken("  Made := " ~ call(method) ~ ";") }@
+  Leave;
+  Result := Fresh(Made, Status, '@{ name }@');
+%% else
+  Call: TKirvoCall;
+%% if method.other
+  Same: TKirvoImage;
+%% endif
+begin
+%% for one in method.parameters if one.parameter.count
+  if Length(@{ name_of(one) }@) <> @{ one.parameter.count }@ then
+    Refuse(KIRVO_BAD_PARAMETER, '@{ name }@: @{ one.parameter.count }@ values are needed');
+%% endfor
+%% if method.way == "change"
+  Ready(@{ depths(method) }@);
+%% endif
+%% set indent = "  "
+%% if method.other
+%% set indent = "    "
+  Same := Other.Convert(DepthFor(@{ depths(method) }@));
+  try
+%% endif
+%% set copied = method.way == "method" and not method.makes
+@{ indent }@Start(Call, @{ depths(method) }@, @{ copied }@, @{ "AreaLeft, AreaTop, AreaWidth, AreaHeight" if method.has_area else "0, 0, -1, -1" }@);
+%% if method.makes
+@{ broken(indent ~ "Result := FinishMade(Call, " ~ call(method) ~ ", '" ~ name ~ "');") }@
+%% else
+@{ broken(indent ~ "Call.Status := " ~ call(method) ~ ";") }@
+@{ indent }@@{ "Result := FinishCopy" if copied else "Finish" }@(Call, '@{ name }@');
+%% endif
+%% if method.other
+  finally
+    Same.Free;
+  end;
+%% endif
+%% endif
+end;
+
+%% endfor
 function TKirvoImage.Filter3x3(const Weights: array of LongInt; Divisor, AreaLeft, AreaTop, AreaWidth,
   AreaHeight: LongInt): TKirvoImage;
 var

@@ -327,7 +327,36 @@ class Image:
 
     # Effects
 
-@methods@
+%% for method in methods
+%% if method.way == "static"
+    @classmethod
+%% endif
+@{ head(method) }@
+@{ documentation(method) }@
+%% if method.way == "static"
+        status = c_int32()
+        with Operation():
+            dib = @{ call(method) }@
+        if not dib:
+            _check(status.value or flat.KIRVO_NO_MEMORY, "@{ method.name }@")
+        return cls._of(dib)
+
+%% elif method.way == "change"
+        self._ready(@{ depths(method) }@)
+%% if method.other
+        other = other.convert(self.bits)
+%% endif
+@{ applied(method, "self._apply", "dib, a") }@
+
+%% else
+%% if method.other
+        other = other.convert(self._at(@{ depths(method) }@).bits)
+%% endif
+%% set maker, given = ("_make", "dib, a, status") if method.makes else ("_changed", "dib, a")
+@{ applied(method, "return self." ~ maker, given) }@
+
+%% endif
+%% endfor
     def filter_3x3(self, weights: Sequence[int], divisor: int = 0, *,
                    area: Optional[Area] = None) -> Image:
         """Filters with a kernel of 3 x 3 weights, row by row from the top left neighbour.

@@ -61,14 +61,14 @@ _declare = functions.declare
 
 class Status(Code):
     """What a call answers: 0 for success, below 0 for an error."""
-@statuses@
+@{ statuses }@
 
 
 globals().update(Status.__members__)
 
-@constants@
-@structures@
-@functions@
+@{ constants }@
+@{ structures }@
+@{ functions }@
 
 
 # Conveniences of this module

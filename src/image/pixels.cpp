@@ -57,6 +57,20 @@ void store_word(uint8_t* pixel, uint32_t word, size_t bytes) {
         pixel[i] = static_cast<uint8_t>(word >> (8 * i));
 }
 
+bool PixelFormat::has_byte_channels() const {
+    if (bits != 32)
+        return bits == 24;
+    uint32_t used = 0;
+    for (uint32_t mask : masks.mask) {
+        const bool is_byte =
+            mask == 0xFF || mask == 0xFF00 || mask == 0xFF0000 || mask == 0xFF000000;
+        if (!is_byte || (used & mask) != 0)
+            return false;
+        used |= mask;
+    }
+    return true;
+}
+
 Rgb PixelFormat::load(const uint8_t* pixel) const {
     if (bits == 24)
         return {pixel[2], pixel[1], pixel[0]};

@@ -29,6 +29,9 @@ struct PixelFormat {
         return {dib.bits(), dib.bits() == 24 ? Masks{} : masks_of(dib)};
     }
     size_t bytes() const { return static_cast<size_t>(bits / 8); }
+    // The bytes of a pixel are its channels, in any order, and perhaps one more, which is no channel.
+    bool has_byte_channels() const;
+    bool operator==(const PixelFormat&) const = default;
 
     // One channel of a pixel word, scaled to 8 bits: the freed low bits are 0.
     uint8_t channel(uint32_t pixel, int c) const {

@@ -1,11 +1,30 @@
 #include "image/rect_operation.hpp"
 
+#include "simd/kernels.hpp"
+
 namespace kirvo {
+
+namespace {
+
+// On pixels of 4 bytes as they are. What is no channel becomes 0.
+void run_bytes(const RowFunction& function, const PixelFormat& format, const uint8_t* from,
+               uint8_t* to, size_t bytes) {
+    constexpr size_t at_once = 4 * pixels_at_once;
+    for (size_t at = 0; at < bytes; at += at_once) {
+        const size_t n = std::min(bytes - at, at_once);
+        function.on_bytes(to + at, from + at, n);
+        kernels().keep_bits(to + at, to + at, n, format.masks.sum());
+    }
+}
+
+} // namespace
 
 void run_row(const RowFunction& function, const PixelFormat& from_format, const uint8_t* from,
              const PixelFormat& to_format, uint8_t* to, size_t count) {
     if (from_format.bits == 24 && to_format.bits == 24)
         return function(to, from, count);
+    if (function.on_each_byte() && from_format == to_format && from_format.has_byte_channels())
+        return run_bytes(function, from_format, from, to, 4 * count);
     uint8_t bgr[3 * pixels_at_once];
     while (count != 0) {
         const size_t n = std::min(count, pixels_at_once);

@@ -8,24 +8,46 @@
 
 namespace kirvo {
 
+// A function of bytes that does the same to each, whichever channel it is.
+template<typename F>
+struct OnEachByte {
+    F function;
+};
+template<typename F>
+OnEachByte(F) -> OnEachByte<F>;
+
 // A function from count 24-bit pixels (blue, green, red bytes) to as many; both rows may be the
 // same. Refers to a function object that must outlive it.
 class RowFunction {
   public:
     template<typename F>
-    RowFunction(const F& function)
-        : function_(&function),
-          call_([](const void* f, uint8_t* to, const uint8_t* from, size_t count) {
-              (*static_cast<const F*>(f))(to, from, count);
-          }) {}
+    RowFunction(const F& function) : RowFunction(&function, call<F>, false) {}
+    template<typename F>
+    RowFunction(const OnEachByte<F>& bytes) : RowFunction(&bytes.function, call<F>, true) {}
 
-    void operator()(uint8_t* to, const uint8_t* from, size_t count) const {
-        call_(function_, to, from, count);
+    void operator()(uint8_t* to, const uint8_t* from, size_t pixels) const {
+        call_(function_, to, from, on_each_byte_ ? 3 * pixels : pixels);
+    }
+    // Whether it can be given bytes of other pixels.
+    bool on_each_byte() const { return on_each_byte_; }
+    void on_bytes(uint8_t* to, const uint8_t* from, size_t bytes) const {
+        call_(function_, to, from, bytes);
     }
 
   private:
+    using Call = void (*)(const void*, uint8_t*, const uint8_t*, size_t);
+
+    RowFunction(const void* function, Call call, bool on_each_byte)
+        : function_(function), call_(call), on_each_byte_(on_each_byte) {}
+
+    template<typename F>
+    static void call(const void* f, uint8_t* to, const uint8_t* from, size_t count) {
+        (*static_cast<const F*>(f))(to, from, count);
+    }
+
     const void* function_;
-    void (*call_)(const void*, uint8_t*, const uint8_t*, size_t);
+    Call call_;
+    bool on_each_byte_;
 };
 
 // Pixels of a row that are handled together as 24-bit ones: they stay in the first-level cache.

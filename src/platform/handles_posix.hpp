@@ -8,14 +8,26 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+
+#if __has_include(<sys/single_threaded.h>)
 #include <sys/single_threaded.h>
+#endif
 
 namespace kirvo {
+
+// Whether the program surely has one thread only.
+inline bool single_threaded() {
+#if __has_include(<sys/single_threaded.h>)
+    return __libc_single_threaded != 0;
+#else
+    return false;
+#endif
+}
 
 // Holds a lock for a few instructions; a program of one thread needs none.
 class SpinGuard {
   public:
-    explicit SpinGuard(std::atomic_flag& flag) : flag_(flag), alone_(__libc_single_threaded != 0) {
+    explicit SpinGuard(std::atomic_flag& flag) : flag_(flag), alone_(single_threaded()) {
         while (!alone_ && flag_.test_and_set(std::memory_order_acquire)) {
         }
     }

@@ -35,8 +35,11 @@ kirvo::HandleTable<Block> blocks;
 #endif
 #endif
 
-// Sanitizers see overruns of heap blocks only, and take long to prepare huge ones.
-#if defined(__SANITIZE_ADDRESS__)
+// Sanitizers see overruns of heap blocks only, and take long to prepare huge ones. The memory of
+// WebAssembly is one piece without pages: all of it is the heap.
+#if defined(__wasm__)
+constexpr size_t mapped_from = SIZE_MAX;
+#elif defined(__SANITIZE_ADDRESS__)
 constexpr size_t mapped_from = size_t{8} << 20;
 #else
 constexpr size_t mapped_from = huge_page;
@@ -113,7 +116,7 @@ Memory acquire(size_t bytes) {
 
 // Clearing much memory that may never be touched takes longer than mapping it.
 Memory acquire_zeroed(size_t bytes) {
-    constexpr size_t cleared_at_most = size_t{64} << 20;
+    constexpr size_t cleared_at_most = std::max(size_t{64} << 20, mapped_from);
     if (bytes > cleared_at_most && bytes < SIZE_MAX / 2)
         return map_huge(bytes);
     const Memory memory = acquire(bytes);

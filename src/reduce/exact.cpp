@@ -32,6 +32,9 @@ class ColourSlots {
 
     // Slot of a colour, or -1 when there is none left for it.
     int32_t operator[](uint32_t colour) {
+        const size_t first = place(colour);
+        if (key_[first] == colour) [[likely]]
+            return slot_[first];
         const size_t at = find(colour);
         if (key_[at] == colour)
             return slot_[at];
@@ -44,11 +47,13 @@ class ColourSlots {
     const uint32_t* colours() const { return colour_; }
 
   private:
-    // A hash table that stays at most a quarter full: the free places hold no colour's key.
-    static constexpr uint32_t places = 1024;
+    // A hash table of which most is free, so that nearly every colour has its first place; as large
+    // as the first cache allows. The free places hold no colour's key.
+    static constexpr uint32_t places = 4096;
 
+    static size_t place(uint32_t colour) { return colour * 0x9E3779B1u >> 20; }
     size_t find(uint32_t colour) const {
-        uint32_t at = colour * 0x9E3779B1u >> 22;
+        size_t at = place(colour);
         while (key_[at] != colour && key_[at] != UINT32_MAX)
             at = (at + 1) % places;
         return at;
@@ -66,16 +71,10 @@ class ColourSlots {
 };
 
 bool map_row(ColourSlots& slots, const uint8_t* bgr, uint8_t* indices, size_t width) {
-    uint32_t colour = UINT32_MAX;
-    int32_t slot = 0;
     for (size_t x = 0; x < width; ++x, bgr += 3) {
-        const uint32_t next = static_cast<uint32_t>(bgr[2] << 16 | bgr[1] << 8 | bgr[0]);
-        if (next != colour) {
-            colour = next;
-            slot = slots[colour];
-            if (slot < 0)
-                return false;
-        }
+        const int32_t slot = slots[static_cast<uint32_t>(bgr[2] << 16 | bgr[1] << 8 | bgr[0])];
+        if (slot < 0)
+            return false;
         indices[x] = static_cast<uint8_t>(slot);
     }
     return true;

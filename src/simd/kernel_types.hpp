@@ -50,6 +50,11 @@ struct FieldMove {
 // word of a 24-bit pixel is blue | green << 8 | red << 16.
 struct PixelMoves {
     FieldMove channel[3];
+
+    [[gnu::always_inline]] bool stay() const {
+        return (channel[0].right | channel[0].left | channel[1].right | channel[1].left |
+                channel[2].right | channel[2].left) == 0;
+    }
 };
 
 // Three rows of bytes in the order of storage: the row below on screen, the row itself, the row

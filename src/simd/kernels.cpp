@@ -5,8 +5,9 @@
 namespace kirvo {
 
 const Kernels& kernels() {
-    static constexpr const Kernels* tables[] = {&scalar::kernels, &sse2::kernels, &avx2::kernels,
-                                                &avx512::kernels};
+#define TABLE(level) &level::kernels,
+    static constexpr const Kernels* tables[] = {KIRVO_LEVELS(TABLE)};
+#undef TABLE
     return *tables[static_cast<int>(cpu_level())];
 }
 

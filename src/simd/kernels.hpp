@@ -6,6 +6,7 @@
 #pragma once
 
 #include "simd/kernel_types.hpp"
+#include "simd/levels.hpp"
 
 namespace kirvo {
 
@@ -22,6 +23,8 @@ struct Kernels {
     void (*map)(uint8_t* to, const uint8_t* from, size_t bytes, const Levels& levels);
     // Inverts the bits that are set in pattern, which repeats every 4 bytes.
     void (*invert)(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern);
+    // Keeps the bits that are set in pattern, which repeats every 4 bytes.
+    void (*keep_bits)(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern);
     // from | veil; no overlap
     void (*veil)(uint8_t* to, const uint8_t* from, const uint8_t* veil, size_t bytes);
     // from + plus - minus, clamped, where plus or minus is 0; no overlap
@@ -150,17 +153,12 @@ struct Kernels {
 // The table of the level in force.
 const Kernels& kernels();
 
-namespace scalar {
-extern const Kernels kernels; // the definition
-}
-namespace sse2 {
-extern const Kernels kernels;
-}
-namespace avx2 {
-extern const Kernels kernels;
-}
-namespace avx512 {
-extern const Kernels kernels;
-}
+// One of each level; scalar's is the definition.
+#define TABLE(level)                                                                               \
+    namespace level {                                                                              \
+    extern const Kernels kernels;                                                                  \
+    }
+KIRVO_LEVELS(TABLE)
+#undef TABLE
 
 } // namespace kirvo

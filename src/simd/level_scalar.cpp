@@ -1,6 +1,6 @@
 // Plain C++: the definition of every kernel.
+#include "simd/kernels/turn.hpp"
 #include "simd/scalar_areas.hpp"
-#include "simd/scalar_gather.hpp"
 #include "simd/scalar_jpeg.hpp"
 #include "simd/scalar_points.hpp"
 
@@ -14,6 +14,7 @@ const Kernels kernels = {
     scale,
     map,
     invert,
+    keep_bits,
     veil,
     correct,
     triple,

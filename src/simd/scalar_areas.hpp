@@ -68,33 +68,30 @@ void between(uint8_t* to, const int16_t* v, size_t count, int16_t low, int16_t h
         to[i] = v[i] >= low && v[i] <= high ? 255 : 0;
 }
 
-template<typename T>
-T highest(T a, T b) {
-    return std::max(a, b);
-}
-template<typename T>
-T lowest(T a, T b) {
-    return std::min(a, b);
+enum Extreme { highest, lowest };
+template<Extreme which, typename T>
+T of(T a, T b) {
+    return which == highest ? std::max(a, b) : std::min(a, b);
 }
 
-template<typename T, T of(T, T)>
+template<typename T, Extreme which>
 void pick(T* to, const T* a, const T* b, size_t count) {
     for (size_t i = 0; i < count; ++i)
-        to[i] = of(a[i], b[i]);
+        to[i] = of<which>(a[i], b[i]);
 }
 
-template<typename T, T of(T, T)>
+template<typename T, Extreme which>
 void pick_two(T* to, T* running, const T* row, const T* other, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        running[i] = of(running[i], row[i]);
-        to[i] = of(running[i], other[i]);
+        running[i] = of<which>(running[i], row[i]);
+        to[i] = of<which>(running[i], other[i]);
     }
 }
 
-template<typename T, T of(T, T)>
+template<typename T, Extreme which>
 void pick_four(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
     for (size_t i = 0; i < count; ++i)
-        to[i] = of(of(a[i], b[i]), of(c[i], d[i]));
+        to[i] = of<which>(of<which>(a[i], b[i]), of<which>(c[i], d[i]));
 }
 
 template<typename Sum>

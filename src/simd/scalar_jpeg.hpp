@@ -22,16 +22,10 @@ constexpr int32_t factor(int32_t x, int32_t u) {
     return folded <= 8 ? cosines[folded % 8] : -cosines[16 - folded];
 }
 
-struct Factors {
-    int32_t of[8][8];
-};
-
-constexpr Factors factors = [] {
-    Factors table = {};
-    for (int32_t x = 0; x < 8; ++x) {
-        for (int32_t u = 0; u < 8; ++u)
-            table.of[x][u] = factor(x, u);
-    }
+constexpr auto factors = [] {
+    std::array<std::array<int32_t, 8>, 8> table = {};
+    for (size_t i = 0; i < 64; ++i)
+        table[i / 8][i % 8] = factor(static_cast<int32_t>(i / 8), static_cast<int32_t>(i % 8));
     return table;
 }();
 
@@ -53,11 +47,12 @@ void inverse_dct(const int16_t* levels, const int16_t* quantisers, int32_t, int1
             input[u] = static_cast<int16_t>(levels[place] * quantisers[place]);
         }
         for (size_t x = 0; x < 8; ++x)
-            columns[x][row] = static_cast<int16_t>(weighted_sum(input, factors.of[x], 8) >> 16);
+            columns[x][row] = static_cast<int16_t>(weighted_sum(input, factors[x].data(), 8) >> 16);
     }
     for (int32_t y = 0; y < 8; ++y) {
         for (int32_t x = 0; x < 8; ++x) {
-            const auto sum = static_cast<uint32_t>(weighted_sum(columns[x], factors.of[y], 1));
+            const auto sum = static_cast<uint32_t>(
+                weighted_sum(columns[x], factors[static_cast<size_t>(y)].data(), 1));
             samples[y * stride + x] =
                 static_cast<int16_t>(static_cast<int32_t>(sum + (1u << 18)) >> 19);
         }

@@ -29,15 +29,6 @@ struct VectorAvx : VectorX86 {
     static Register pair_sums8_signed(Register a) { return dot8(all8(1), a); }
 
     // Sums of three channels with weights, as 16-bit numbers.
-    struct Halves {
-        Register low, high;
-    };
-    struct Planes {
-        Register blue, green, red;
-    };
-    struct Pixels {
-        Register part[3];
-    };
     struct Weighted {
         Halves blue_green, red_green;
 

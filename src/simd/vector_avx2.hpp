@@ -4,7 +4,6 @@
 #include "simd/dct.hpp"
 #include "simd/kernel_types.hpp"
 
-#include <cstring>
 #include <immintrin.h>
 
 namespace kirvo::avx2 {
@@ -21,20 +20,6 @@ namespace {
 #undef KIRVO_RECIPROCAL
 #undef KIRVO_STREAM
 #undef KIRVO_BROADCAST
-
-// Which bytes of three vectors of 16 go to each of them when their 16 pixels are reversed, or -1.
-struct ReversedPlaces {
-    alignas(16) int8_t from[3][3][16];
-
-    constexpr ReversedPlaces() : from{} {
-        for (int i = 0; i < 48; ++i) {
-            const int source = (15 - i / 3) * 3 + i % 3;
-            for (int v = 0; v < 3; ++v)
-                from[i / 16][v][i % 16] = static_cast<int8_t>(source / 16 == v ? source % 16 : -1);
-        }
-    }
-};
-constexpr ReversedPlaces reversed_places;
 
 struct Vector : VectorAvx {
     static Register equal8(Register a, Register b) { return _mm256_cmpeq_epi8(a, b); }
@@ -92,7 +77,7 @@ struct Vector : VectorAvx {
                                               4, 5, 6, -1, 7, 8, 9, -1, 10, 11, 12, -1, 13, 14, 15,
                                               -1));
         else
-            return load_once(from);
+            return load(from);
     }
     // The kept bytes of each half move to its start, then the halves together.
     template<int bytes>
@@ -133,11 +118,25 @@ struct Vector : VectorAvx {
         return _mm256_permute4x64_epi64(v, 0x4E);
     }
 
+    struct Pixels {
+        Register part[3];
+    };
     // Each half holds 16 pixels, 48 bytes in three vectors. A result takes its bytes from the vectors
     // that hold them; the others give 0 there.
     static void store_reversed(uint8_t* to, const Pixels& p) {
-        const auto part = [&](int result, int source) {
-            return shuffled8(p.part[source], repeated(reversed_places.from[result][source]));
+        // Which bytes of the three vectors go to each of them, or -1.
+        alignas(16) static constexpr auto places = [] {
+            std::array<std::array<std::array<int8_t, 16>, 3>, 3> from = {};
+            for (size_t i = 0; i < 48; ++i) {
+                const size_t source = (15 - i / 3) * 3 + i % 3;
+                for (size_t v = 0; v < 3; ++v)
+                    from[i / 16][v][i % 16] =
+                        source / 16 == v ? static_cast<int8_t>(source % 16) : int8_t{-1};
+            }
+            return from;
+        }();
+        const auto part = [&](size_t result, size_t source) {
+            return shuffled8(p.part[source], repeated(places[result][source].data()));
         };
         store_halves(to + 48, to, part(0, 1) | part(0, 2));
         store_halves(to + 64, to + 16, part(1, 0) | part(1, 1) | part(1, 2));

@@ -5,7 +5,6 @@
 #include "simd/dct.hpp"
 #include "simd/kernel_types.hpp"
 
-#include <cstring>
 #include <immintrin.h>
 
 namespace kirvo::avx512 {
@@ -113,13 +112,6 @@ struct Vector : VectorAvx {
             store(to, v);
         }
     }
-    template<int bytes>
-    static Register reversed(Register v) {
-        static constexpr Places places(
-            [](int i) { return 64 - bytes - i / bytes * bytes + i % bytes; });
-        return _mm512_permutexvar_epi8(places.vector(), v);
-    }
-
     static void transpose(Register (&v)[words]) {
         transpose_parts(v);
 #pragma GCC unroll 4
@@ -135,31 +127,7 @@ struct Vector : VectorAvx {
         }
     }
 
-    static Pixels load_pixels(const uint8_t* bgr) {
-        return {{load_once(bgr), load_once(bgr + 64), load_once(bgr + 128)}};
-    }
-    // The middle one of three results takes bytes from all three vectors.
-    static void store_reversed(uint8_t* to, const Pixels& p) {
-        static constexpr auto source = [](int i) { return (63 - i / 3) * 3 + i % 3; };
-        static constexpr Places last([](int i) { return source(i) - 64; });
-        static constexpr Places middle([](int i) { return source(i + 64) & 127; });
-        static constexpr Places first([](int i) { return source(i + 128); });
-        constexpr __mmask64 from_the_third = [] {
-            __mmask64 mask = 0;
-            for (int i = 0; i < 64; ++i)
-                mask |= __mmask64{source(i + 64) >= 128} << i;
-            return mask;
-        }();
-        store(to, _mm512_permutex2var_epi8(p.part[1], last.vector(), p.part[2]));
-        const Register two = _mm512_permutex2var_epi8(p.part[0], middle.vector(), p.part[1]);
-        store(to + 64,
-              _mm512_mask_permutexvar_epi8(two, from_the_third, middle.vector(), p.part[2]));
-        store(to + 128, _mm512_permutex2var_epi8(p.part[0], first.vector(), p.part[1]));
-    }
-
     static constexpr size_t run = 21;
-    static Register load_run(const uint8_t* from) { return load(from); }
-    static void store_run(uint8_t* to, Register v) { store(to, v); }
     class Order {
       public:
         explicit Order(const ChannelOrder& order) {

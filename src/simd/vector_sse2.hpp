@@ -47,10 +47,7 @@ struct Vector : VectorX86 {
     }
     // Bytes or 16-bit numbers whose 16-byte parts were interleaved by narrowing, in order.
     static Register in_order(Register a) { return a; }
-    // 16-bit numbers that lie in order in two vectors, so that narrowing them leaves bytes in order.
-    struct Halves {
-        Register low, high;
-    };
+    // In the halves, so that narrowing them leaves bytes in order.
     static Halves load_halves16(const int16_t* from) { return {load(from), load(from + 8)}; }
     // What was widened from bytes in order, in order itself.
     static Halves halves_in_order(const Halves& v) { return v; }
@@ -61,10 +58,6 @@ struct Vector : VectorX86 {
         return add16(shift_right16_signed<8>(shift_left16<8>(a)), shift_right16_signed<8>(a));
     }
 
-    // The channels of `size` 24-bit pixels.
-    struct Planes {
-        Register blue, green, red;
-    };
     // The 48 bytes of 16 pixels, three vectors, are shuffled as two packs of cards are: the first
     // half is zipped with the second. Four times multiplies each place by 16, modulo 47, which
     // takes byte 3p + c to 16c + p.
@@ -143,8 +136,6 @@ struct Vector : VectorX86 {
     // Whole 24-bit pixels, as many as fit. The bytes of a vector beyond them are loaded, and stored
     // as they came; they belong to the next run.
     static constexpr size_t run = 5;
-    static Register load_run(const uint8_t* from) { return load(from); }
-    static void store_run(uint8_t* to, Register v) { store(to, v); }
     // The three bytes of every pixel of a run in another order. Without a byte shuffle each byte
     // comes from one to five places of the same vector, shifted by -2 to 2 bytes and masked.
     class Order {
@@ -215,7 +206,6 @@ struct Vector : VectorX86 {
         const Register bytes = load_8(samples);
         return shift_right16_signed<8>(zip_low8(bytes, bytes));
     }
-    static void store_block_row(int16_t* to, Register v) { store(to, v); }
     static Register even32(Register a, Register b) { return shuffle32<0x88>(a, b); }
     static Register odd32(Register a, Register b) { return shuffle32<0xDD>(a, b); }
 

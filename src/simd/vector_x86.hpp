@@ -11,6 +11,15 @@ struct VectorX86 {
     using Register = KIRVO_REGISTER;
     static constexpr size_t size = sizeof(Register); // bytes
 
+    // 16-bit numbers made of the two halves of a vector of bytes.
+    struct Halves {
+        Register low, high;
+    };
+    // The channels of `size` 24-bit pixels.
+    struct Planes {
+        Register blue, green, red;
+    };
+
     // A memcpy would not do: the compiler moves 64 bytes in parts of 16.
     using Anywhere [[gnu::aligned(1), gnu::may_alias]] = Register;
     static Register load(const void* from) { return *static_cast<const Anywhere*>(from); }
@@ -24,6 +33,9 @@ struct VectorX86 {
     // cache.
     static Register load_once(const void* from) { return opaque(load(from)); }
     static void store(void* to, Register v) { *static_cast<Anywhere*>(to) = v; }
+    // Runs of pixels: see vector_sse2.hpp.
+    static Register load_run(const uint8_t* from) { return load(from); }
+    static void store_run(uint8_t* to, Register v) { store(to, v); }
     // Past the caches, to a multiple of the size.
     static void stream(uint8_t* to, Register v) {
         KIRVO_STREAM(reinterpret_cast<Register*>(to), v);
@@ -99,11 +111,16 @@ struct VectorX86 {
     static Register sub32(Register a, Register b) { return KIRVO_MM(sub_epi32)(a, b); }
     // Sums of the products of two signed 16-bit numbers side by side.
     static Register dot16(Register a, Register b) { return KIRVO_MM(madd_epi16)(a, b); }
-    static Register shift_left32(Register a, int count) {
-        return KIRVO_MM(sll_epi32)(a, _mm_cvtsi32_si128(count));
+    // A count of bits for all lanes.
+    struct Count {
+        __m128i bits;
+        explicit Count(uint32_t count) : bits(_mm_cvtsi32_si128(static_cast<int>(count))) {}
+    };
+    static Register shift_left32(Register a, Count count) {
+        return KIRVO_MM(sll_epi32)(a, count.bits);
     }
-    static Register shift_right32(Register a, int count) {
-        return KIRVO_MM(srl_epi32)(a, _mm_cvtsi32_si128(count));
+    static Register shift_right32(Register a, Count count) {
+        return KIRVO_MM(srl_epi32)(a, count.bits);
     }
     template<int count>
     static Register shift_left32(Register a) {

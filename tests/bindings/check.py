@@ -7,12 +7,10 @@ A check whose compiler is missing is skipped (exit code 77).
 """
 import ctypes
 import importlib
-import json
 import os
 import pathlib
 import re
 import shutil
-import subprocess
 import sys
 import tempfile
 
@@ -20,41 +18,18 @@ SOURCE = pathlib.Path(__file__).parents[2]
 sys.path[:0] = [str(SOURCE / "interface"), str(SOURCE / "tests/support")]
 sys.dont_write_bytecode = True
 import version
+from built import BITS, FILES_LIBRARY, LIBRARY, WINDOWS, need, run
 from description import Description, Function
 
-CONFIG = json.loads(pathlib.Path(sys.argv[2]).read_text())
-LIBRARY = pathlib.Path(CONFIG["library"])
-FILES_LIBRARY = pathlib.Path(CONFIG["files_library"])
-WINDOWS = CONFIG["system"] == "Windows"
-BITS = str(8 * int(CONFIG["pointer_bytes"]))
 BINDINGS = SOURCE / "bindings"
 NAME = sys.argv[3] if len(sys.argv) > 3 else "kirvo"
 DESCRIPTION = Description(NAME)
 UNIT = DESCRIPTION.library
 FIRST = NAME == "kirvo"  # the one that the examples show
-SKIPPED = 77
 
 HANDLES = {"HGLOBAL", "HWND", "HPALETTE", "HGDIOBJ", "LPVOID", "const void*", "KirvoFile"}
 WORDS = {"SIZE_T", "uintptr_t"}
 SIZES = {"DWORD": 4, "LONG": 4, "WORD": 2, "BYTE": 1, "uint32_t": 4, "int32_t": 4, "double": 8}
-
-
-def run(*command, code=0, folder=None):
-    """What a command prints. It finds the library and leaves nothing beside Python's modules."""
-    if str(command[0]).endswith(".exe") and WINDOWS:
-        command = (SOURCE / "script/wine", BITS, *command)
-    environment = {**os.environ, "LD_LIBRARY_PATH": str(LIBRARY.parent),
-                   "KIRVO_LIBRARY": str(LIBRARY), "KIRVO_FILES_LIBRARY": str(FILES_LIBRARY), "PYTHONDONTWRITEBYTECODE": "1"}
-    result = subprocess.run(list(map(str, command)), env=environment, text=True,
-                            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, cwd=folder)
-    assert result.returncode == code, f"{command}: {result.returncode}\n{result.stdout}"
-    return result.stdout
-
-
-def need(program, package):
-    if not shutil.which(program):
-        print(f"needs {program}: Debian's {package}")
-        sys.exit(SKIPPED)
 
 
 def agrees(c, word, address, types):

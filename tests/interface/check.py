@@ -203,8 +203,12 @@ def check_version():
         assert set(written) == {version.TEXT}, f"{name}: {written}"
     assert f"0x{version.NUMBER:08X} for {version.TEXT}" in (SOURCE / "include/kirvo.h").read_text()
     assert Description().constants["KIRVO_VERSION"] == version.NUMBER
-    head = re.search(r"^## (\S+)", (SOURCE / "CHANGELOG.md").read_text(), re.M)[1]
-    assert head == version.TEXT, f"CHANGELOG.md begins with {head}"
+    for name, pattern in {"CHANGELOG.md": r"^## (\S+)", "debian/changelog": r"^kirvo \((\S+)-\d+\)",
+                          "packaging/vcpkg/kirvo/vcpkg.json": r'"version": "(\S+)"'}.items():
+        first = re.search(pattern, (SOURCE / name).read_text(), re.M)[1]
+        assert first == version.TEXT, f"{name} begins with {first}"
+    tags = run("git", "-C", SOURCE, "tag", "--points-at", "HEAD").split() if (SOURCE / ".git").exists() else []
+    assert {tag for tag in tags if re.match(r"v\d", tag)} <= {f"v{version.TEXT}"}, f"tagged {tags}"
     if not WINDOWS:
         return
     # VS_FIXEDFILEINFO follows its signature.

@@ -99,6 +99,18 @@ const Case<decltype(Kernels::invert)> invert = {
     },
     "byte"};
 
+const Case<decltype(Kernels::keep_bits)> keep_bits = {
+    [](uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
+        for (size_t i = 0; i < bytes; ++i)
+            to[i] = static_cast<uint8_t>(from[i] & pattern >> i % 4 * 8);
+    },
+    [](auto kernel, Trial& trial) {
+        const Trial::Rows row = trial.rows(trial.count);
+        const uint32_t pattern = trial.random.next();
+        trial.run([=, &trial] { kernel(row.to, row.from, trial.count, pattern); });
+    },
+    "byte"};
+
 const Case<decltype(Kernels::veil)> veil = {
     [](uint8_t* to, const uint8_t* from, const uint8_t* veil, size_t bytes) {
         for (size_t i = 0; i < bytes; ++i)

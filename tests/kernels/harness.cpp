@@ -142,10 +142,9 @@ const std::vector<AnyCase>& all_cases() {
 }
 
 std::vector<Level> levels() {
-    const Level all[] = {{"scalar", &kirvo::scalar::kernels},
-                         {"sse2", &kirvo::sse2::kernels},
-                         {"avx2", &kirvo::avx2::kernels},
-                         {"avx512", &kirvo::avx512::kernels}};
+#define LEVEL(level) {#level, &kirvo::level::kernels},
+    const Level all[] = {KIRVO_LEVELS(LEVEL)};
+#undef LEVEL
     return {all, all + static_cast<int>(kirvo::cpu_level()) + 1};
 }
 

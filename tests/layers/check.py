@@ -3,44 +3,23 @@
 
 A check whose compiler is missing is skipped (exit code 77).
 """
-import json
 import os
 import pathlib
 import re
 import shutil
-import subprocess
 import sys
 import tempfile
 
 SOURCE = pathlib.Path(__file__).parents[2]
-sys.path[:0] = [str(SOURCE / "interface")]
+sys.path[:0] = [str(SOURCE / "interface"), str(SOURCE / "tests/support")]
 sys.dont_write_bytecode = True
+from built import CONFIG, LIBRARY, WINDOWS, need, run
 from description import Description
 from header import Header
 from layers import Layers
+from photo import check_photo
 
-CONFIG = json.loads(pathlib.Path(sys.argv[2]).read_text())
-FOLDER = pathlib.Path(CONFIG["library"]).parent
-WINDOWS = CONFIG["system"] == "Windows"
-BITS = str(8 * int(CONFIG["pointer_bytes"]))
-SKIPPED = 77
-
-
-def run(*command, code=0, folder=None):
-    """What a command prints. It finds the libraries."""
-    if str(command[0]).endswith(".exe") and WINDOWS:
-        command = (SOURCE / "script/wine", BITS, *command)
-    environment = {**os.environ, "LD_LIBRARY_PATH": str(FOLDER), "PYTHONDONTWRITEBYTECODE": "1"}
-    result = subprocess.run(list(map(str, command)), env=environment, text=True,
-                            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, cwd=folder)
-    assert result.returncode == code, f"{command}: {result.returncode}\n{result.stdout}"
-    return result.stdout
-
-
-def need(program, package):
-    if not shutil.which(program):
-        print(f"needs {program}: Debian's {package}")
-        sys.exit(SKIPPED)
+FOLDER = LIBRARY.parent
 
 
 def joined(name, first=str.capitalize):
@@ -56,6 +35,7 @@ LAYERS = {
     "bindings/csharp/KirvoImage.cs": lambda name: rf"^ +public (?:static )?[\w\[\]]+ {joined(name)}\(",
     "bindings/pascal/KirvoImages.pas":
         lambda name: rf"^    (?:class )?(?:function|procedure) {joined(name)}\b",
+    "bindings/javascript/image.js": lambda name: rf"^    (?:static )?{joined(name, str)}\(",
     "bindings/vb/KirvoImage.cls": lambda name: rf"^Public (?:Function|Sub) {joined(name)}\(",
 }
 
@@ -74,6 +54,26 @@ def check_effects(folder):
                 missing.append(f"{path}: {function} is not called")
     assert not missing, "\n".join(missing)
 
+
+
+# Where the example of each language begins and ends its task.
+TASKS = {
+    "examples/photo.cpp": (r"    try {\n", r"    } catch"),
+    "bindings/python/photo.py": (r"^def make_ready.*\n", r"^\n"),
+    "bindings/csharp/Photo.cs": (r"    static void MakeReady.*\n", r"^    }\n"),
+    "bindings/pascal/Photo.lpr": (r"^  Picture: TPicture;\nbegin\n", r"^end;"),
+    "bindings/vb/PhotoForm.frm": (r"^Private Sub MakeReady.*\n", r"^End Sub"),
+}
+
+
+def check_lines(folder):
+    """The task of the examples takes at most 12 lines in each language, without lines of a bracket alone."""
+    for path, (begin, end) in TASKS.items():
+        text = (SOURCE / path).read_text(encoding="utf-8").replace("\r\n", "\n")
+        body = re.split(end, re.split(begin, text, maxsplit=1, flags=re.M)[1], maxsplit=1, flags=re.M)[0]
+        lines = [line for line in body.splitlines() if line.strip(" {}")]
+        print(f"{path}: {len(lines)} lines")
+        assert 5 <= len(lines) <= 12, "\n".join(lines)
 
 
 def check_cpp(folder):
@@ -99,7 +99,6 @@ def check_cpp(folder):
 
 def check_python(folder):
     """The package from its source, with the libraries just built."""
-    os.environ["KIRVO_LIBRARY"] = CONFIG["library"]
     os.environ["PYTHONPATH"] = str(SOURCE / "bindings/python/src")
     run("/usr/bin/python3", SOURCE / "tests/layers/python_layer.py", SOURCE / "bindings/python")
 
@@ -115,7 +114,7 @@ def check_csharp(folder):
             source, *(csharp / name for name in ("Kirvo.cs", "KirvoImage.cs", "KirvoBitmap.cs")))
         shutil.copy(csharp / "Kirvo.dll.config", f"{program}.config")
     run("mono", folder / "CSharpLayer.exe", folder)
-    check_photo(folder, "mono", folder / "Photo.exe")
+    check_photo(run, folder, "mono", folder / "Photo.exe")
 
 
 def check_pascal(folder):
@@ -132,20 +131,7 @@ def check_pascal(folder):
     lazarus = ["lazbuild", f"--primary-config-path={folder}/lazarus", "--quiet"]
     run(*lazarus, "--widgetset=gtk2", "--add-package-link", project / "kirvo_lazarus.lpk")
     run(*lazarus, "--widgetset=gtk2", project / "photo.lpi")
-    check_photo(folder, "xvfb-run", "-a", project / "photo")
-
-
-def check_photo(folder, *command):
-    """The example that every language has: its picture, its progress and its error."""
-    photo = folder / "写真.jpg"
-    shutil.copy(SOURCE / "docs/contact-sheet.jpg", photo)
-    shown = run(*command, photo, folder / "page.png")
-    assert shown.count(" 100%") >= 4, shown # opened, cropped, resized, sharpened
-    page = (folder / "page.png").read_bytes()
-    assert page.startswith(b"\x89PNG") and int.from_bytes(page[16:20], "big") == 800
-    photo.write_bytes(b"no picture at all" * 100)
-    assert "写真.jpg: " in run(*command, photo, folder / "other.png", code=1)
-    assert not (folder / "other.png").exists()
+    check_photo(run, folder, "xvfb-run", "-a", project / "photo")
 
 
 with tempfile.TemporaryDirectory() as made_for_this:

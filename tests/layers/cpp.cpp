@@ -57,6 +57,9 @@ static void pixels_are_seen_from_the_top() {
     EXPECT(image.get_pixel(0, 0) == kirvo::rgb(0, 0, 10));
     EXPECT(image.get_pixel(2, 1) == kirvo::rgb(30, 0, 0));
     EXPECT(image.rows()[0].size() == 9);
+    const kirvo::Rows rows = image.rows();
+    EXPECT(rows.pixels().size() == 2 * 12); // the bottom row comes first
+    EXPECT(rows.pixels()[12] == 10 && rows.pixels()[8] == 30);
     EXPECT(image.flip().get_pixel(0, 1) == kirvo::rgb(0, 0, 10));
     EXPECT(image.get_pixel(0, 0) == kirvo::rgb(0, 0, 10)); // its own is left alone
 }

@@ -257,6 +257,9 @@ TEST(Shell, ResultsAsJson) {
     EXPECT_EQ(effects.code, 0);
     EXPECT_TRUE(contains(effects.text, "\"option\": \"--hue\"")) << effects.text;
     EXPECT_TRUE(contains(effects.text, "\"example\": \"turn,120\"")) << effects.text;
+    for (const char* part : {"\"title\": \"Hue\"", "\"group\": \"Hue\"", "\"label\": \"Degrees\"",
+                             "\"kind\": \"mode\"", "\"kind\": \"whole\"", "\"most\": 359.0"})
+        EXPECT_TRUE(contains(effects.text, part)) << part << "\n" << effects.text;
     EXPECT_EQ(kirvo("effects no-such-effect").code, 2);
 }
 

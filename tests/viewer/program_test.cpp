@@ -326,8 +326,9 @@ TEST(Viewer, ShowsTheCallsAsCodeOfEachLanguage) {
         "dib2 := Dib24Brightness(dib, 0, 0, 40, 30, 30, status);",
         "dib2 = Dib24Brightness(dib, 0, 0, 40, 30, 30, status)",
         "dib2 = kirvo.Dib24Brightness(dib, 0, 0, 40, 30, 30, byref(status))",
+        "dib2 = kirvo::Image::adopt(Dib24Brightness(dib.handle(), 0, 0, 40, 30, 30, &status));",
     };
-    for (int language = 0; language < 5; ++language) {
+    for (int language = 0; language < 6; ++language) {
         Viewer viewer(name, "Language=" + std::to_string(language) + "\r\nCode=1\r\n");
         viewer.command(viewer.effect("brightness"));
         HWND dialog = viewer.dialog("Brightness");

@@ -1,11 +1,12 @@
 // kirvo effects: what convert can do to a picture.
 #include "commands/commands.hpp"
-#include "effects/effects.hpp"
+#include "effects/presentation.hpp"
 #include "line/json.hpp"
 #include "line/suggestions.hpp"
 #include "system/settings.hpp"
 
 #include <cstdio>
+#include <map>
 
 namespace {
 
@@ -25,12 +26,52 @@ void print_effect(const Effect& effect) {
         std::fputs(listed("", ranges, column).c_str(), stdout);
 }
 
+// "width" stands for a number that no picture knows yet.
+Json as_json(const SliderRange& range) {
+    using End = SliderRange::End;
+    Json json = {{"least", range.least}, {"most", range.most}, {"steps", range.steps}};
+    if (range.end != End::fixed)
+        json["most"] = range.end == End::width ? "width" : "height";
+    return json;
+}
+
+Json as_json(const Effect& effect, size_t index) {
+    using Kind = Parameter::Kind;
+    static const std::map<Kind, const char*> kinds = {
+        {Kind::whole, "whole"},  {Kind::real, "real"}, {Kind::colour, "colour"},
+        {Kind::size, "size"},    {Kind::file, "file"}, {Kind::mode, "mode"},
+        {Kind::choice, "choice"}};
+    const Parameter& parameter = effect.parameters[index];
+    Json json = {{"name", parameter.name},
+                 {"label", label_of(effect, index)},
+                 {"kind", kinds.at(parameter.kind)}};
+    if (parameter.kind == Kind::whole || parameter.kind == Kind::real) {
+        if (parameter.least > -no_bound)
+            json["least"] = parameter.least;
+        if (parameter.most < no_bound)
+            json["most"] = parameter.most;
+    }
+    if (has_words(parameter))
+        json["words"] = parameter.words;
+    if (const auto slider = slider_range(parameter))
+        json["slider"] = as_json(*slider);
+    if (parameter.optional)
+        json["optional"] = true;
+    return json;
+}
+
 Json as_json(const Effect& effect) {
+    Json values = Json::array();
+    for (size_t i = 0; i < effect.parameters.size(); ++i)
+        values.push_back(as_json(effect, i));
     return {{"option", effect.option},
+            {"title", title_of(effect.option)},
+            {"group", effect_groups()[group_of(effect)]},
             {"parameters", effect.values()},
             {"ranges", effect.ranges()},
             {"summary", effect.summary},
-            {"example", effect.example}};
+            {"example", effect.example},
+            {"values", values}};
 }
 
 void print_effects(const std::vector<std::string>& names) {

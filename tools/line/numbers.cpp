@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 
 namespace {
 
@@ -14,6 +15,18 @@ std::optional<Number> number(const std::string& text) {
     const auto [rest, error] = std::from_chars(text.data(), end, value);
     return error == std::errc() && rest == end ? std::optional(value) : std::nullopt;
 }
+
+// Some libraries read whole numbers only; strtod reads the same, and a few things more: spaces, signs
+// and hexadecimal digits, which no number here has.
+#ifndef __cpp_lib_to_chars
+template<>
+std::optional<double> number<double>(const std::string& text) {
+    char* rest = nullptr;
+    const double value = std::strtod(text.c_str(), &rest);
+    const bool plain = !text.empty() && text.find_first_not_of("-.0123456789eE") > text.size();
+    return plain && rest == text.data() + text.size() ? std::optional(value) : std::nullopt;
+}
+#endif
 
 } // namespace
 

@@ -1,14 +1,7 @@
 #include "pictures/image.hpp"
 
-#include "kirvo_files.h"
-#include "pictures/words.hpp"
-
 #include <cstring>
-
-std::string meaning(int32_t status) {
-    return words_of(
-        [=](char* text, uint32_t room) { return KirvoFilesStatusText(status, text, room); });
-}
+#include <new>
 
 Image checked(HGLOBAL handle, const std::string& subject, const int32_t& status) {
     Image image(handle);
@@ -25,6 +18,17 @@ BITMAPINFOHEADER Image::header() const {
         GlobalUnlock(handle_);
     }
     return header;
+}
+
+Image duplicate(const Image& image) {
+    const SIZE_T size = GlobalSize(image.handle());
+    Image copy(GlobalAlloc(GMEM_MOVEABLE, size));
+    if (!copy)
+        throw std::bad_alloc();
+    std::memcpy(GlobalLock(copy.handle()), GlobalLock(image.handle()), size);
+    GlobalUnlock(copy.handle());
+    GlobalUnlock(image.handle());
+    return copy;
 }
 
 Image copy_at_24_bits(const Image& image) {

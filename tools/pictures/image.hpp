@@ -40,6 +40,8 @@ Image checked(HGLOBAL handle, const std::string& subject, const int32_t& status)
 // What a status of either library means, in words.
 std::string meaning(int32_t status);
 
+// Another image of the same bytes.
+Image duplicate(const Image& image);
 // A copy of the image, expanded or converted.
 Image copy_at_24_bits(const Image& image);
 // The image itself when it has 24 bits, else such a copy.

@@ -20,18 +20,19 @@ bool keeps_pixels(Blend blend) {
 
 const uint8_t* key_of(Blend blend) { return blend == Blend::key_colour ? key_colour : black; }
 
-void compose_24(Blend blend, uint8_t* to, const uint8_t* from, size_t count) {
+void blend_bytes(Blend blend, uint8_t* to, const uint8_t* from, size_t bytes) {
     const Kernels& k = kernels();
-    switch (blend) {
-    case Blend::add:
-        return k.add(to, from, 3 * count);
-    case Blend::average:
-        return k.average(to, from, 3 * count);
-    case Blend::subtract:
-        return k.subtract(to, from, 3 * count);
-    default:
-        return k.replace(to, from, count, key_of(blend));
-    }
+    const auto blended = blend == Blend::add       ? k.add
+                         : blend == Blend::average ? k.average
+                                                   : k.subtract;
+    blended(to, from, bytes);
+}
+
+void compose_24(Blend blend, uint8_t* to, const uint8_t* from, size_t count) {
+    if (keeps_pixels(blend))
+        kernels().replace(to, from, count, key_of(blend));
+    else
+        blend_bytes(blend, to, from, 3 * count);
 }
 
 // Result channels go to their shifts with all 8 bits: a sum that a narrow mask cannot hold reaches
@@ -42,15 +43,27 @@ PixelFormat whole_channels(PixelFormat format) {
     return format;
 }
 
-// The source pixels are read before any of the destination is written, since both may be parts of
-// one row.
-void compose_chunk(Blend blend, const PixelFormat& format, uint8_t* to, const uint8_t* from,
+// Pixels whose bytes are channels, from another place than they go to.
+void compose_bytes(Blend blend, const PixelFormat& format, uint8_t* to, const uint8_t* from,
                    size_t count) {
-    const PixelFormat result = whole_channels(format);
-    uint8_t source[3 * pixels_at_once], words[4 * pixels_at_once];
-    unpack_row(format, from, source, count);
     if (format.bits == 24)
-        return compose_24(blend, to, source, count);
+        return compose_24(blend, to, from, count);
+    blend_bytes(blend, to, from, 4 * count);
+    kernels().keep_bits(to, to, 4 * count, format.masks.sum());
+}
+
+// In one image the source pixels are read before any of the destination is written, since both may
+// be parts of one row.
+void compose_chunk(Blend blend, const PixelFormat& format, uint8_t* to, const uint8_t* from,
+                   size_t count, bool same_image) {
+    uint8_t source[3 * pixels_at_once], words[4 * pixels_at_once];
+    if (format.bits == 24 || (format.has_byte_channels() && !keeps_pixels(blend))) {
+        if (same_image)
+            from = static_cast<const uint8_t*>(std::memcpy(words, from, format.bytes() * count));
+        return compose_bytes(blend, format, to, from, count);
+    }
+    const PixelFormat result = whole_channels(format);
+    unpack_row(format, from, source, count);
     if (!keeps_pixels(blend)) {
         uint8_t target[3 * pixels_at_once];
         unpack_row(format, to, target, count);
@@ -71,7 +84,7 @@ void compose_row(Blend blend, const PixelFormat& format, uint8_t* to, const uint
     for (size_t done = 0; done < count;) {
         const size_t now = std::min(pixels_at_once, count - done);
         const size_t at = (from_right ? count - done - now : done) * format.bytes();
-        compose_chunk(blend, format, to + at, from + at, now);
+        compose_chunk(blend, format, to + at, from + at, now, same_image);
         done += now;
     }
 }

@@ -42,7 +42,7 @@ Status interleave(const Field& even, const Field& odd, int32_t width, int32_t he
     const Status status = check(even, odd, width, height);
     if (status != Status::ok)
         return status;
-    OwnedBlock block = new_dib(width, 2 * int64_t{height}, even.dib.bits());
+    OwnedBlock block = new_dib(width, 2 * int64_t{height}, even.dib.bits(), Content::any);
     const LockedDib to(block.get());
     if (!to)
         return Status::no_memory;

@@ -73,7 +73,7 @@ Status gradient(int32_t width, int32_t height, int32_t bits, const Corners& corn
                 OwnedBlock& result) {
     if (width < 1 || height < 1 || (bits != 16 && bits != 24 && bits != 32))
         return Status::bad_parameter;
-    result = new_dib(width, height, bits);
+    result = new_dib(width, height, bits, bits == 24 ? Content::any : Content::zero);
     const LockedDib dib(result.get());
     if (!dib)
         return Status::no_memory;
@@ -84,11 +84,14 @@ Status gradient(int32_t width, int32_t height, int32_t bits, const Corners& corn
         corners.top_left == corners.bottom_left && corners.top_right == corners.bottom_right;
     ColourRamp left(corners.bottom_left, corners.top_left, height);
     ColourRamp right(corners.bottom_right, corners.top_right, height);
+    const auto stride = static_cast<size_t>(rows.stride), used = 3 * static_cast<size_t>(width);
     for (int32_t row = 0; row < height; ++row, left.step(), right.step()) {
-        if (alike && row > 0)
-            std::memcpy(rows[row], rows[0], 3 * static_cast<size_t>(width));
-        else
-            ramp_row(rows[row], left.value(), right.value(), width);
+        if (alike && row > 0) {
+            std::memcpy(rows[row], rows[0], stride);
+            continue;
+        }
+        ramp_row(rows[row], left.value(), right.value(), width);
+        std::memset(rows[row] + used, 0, stride - used);
     }
     return Status::ok;
 }

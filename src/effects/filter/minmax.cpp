@@ -184,14 +184,13 @@ class LuminanceKind {
         const auto columns = static_cast<size_t>(patch.columns);
         const auto side = static_cast<size_t>(setting_.side());
         uint32_t* keys = keys_;
-        for (uint32_t i = 0; i < columns + side - 1; ++i)
-            keys[i] = uint32_t{line[i]} << column_bits | (column_mask - i);
+        for (size_t i = 0; i < columns + side - 1; ++i)
+            keys[i] = uint32_t{line[i]} << column_bits | (column_mask - static_cast<uint32_t>(i));
         const uint32_t* winners = keys_ + 2 * cells_;
         pick_along(keys_ + 2 * cells_, keys, columns, 1, side, kernels().highest_four32,
                    keys_ + cells_, keys_);
         uint8_t* to = setting_.target(patch, row, bgr_);
-        for (size_t i = 0; i < columns; ++i)
-            copy_winner(to + 3 * i, patch, winners[i]);
+        copy_winners(to, patch, winners, columns);
         setting_.store(patch, row, to);
     }
 
@@ -205,23 +204,35 @@ class LuminanceKind {
     static_assert(widest_strip + 2 * largest_radius <= column_mask + 1);
     static_assert(highest_band + 2 * largest_radius <= 256);
 
-    void copy_winner(uint8_t* to, const Patch& patch, uint32_t key) const {
-        const uint32_t score = key >> (8 + column_bits);
-        if (score == 0) {
-            std::memset(to, setting_.maximum ? 0 : 255, 3);
-            return;
+    static uint32_t score(uint32_t key) { return key >> (8 + column_bits); }
+
+    // The pixels wanted, from wherever they are, as 24-bit ones.
+    void copy_winners(uint8_t* to, const Patch& patch, const uint32_t* keys, size_t count) const {
+        const LockedDib& source = setting_.operation.source();
+        const Rows rows = source.rows(RowStart::after_header);
+        const size_t bytes = setting_.format.bytes();
+        // A block is smaller than 4 GB, so that what wraps in between does not matter.
+        const auto first =
+            static_cast<uint32_t>(rows[0] - source.data() + patch.first_row * rows.stride +
+                                  patch.first_column * static_cast<int64_t>(bytes));
+        const auto stride = static_cast<uint32_t>(rows.stride), step = static_cast<uint32_t>(bytes);
+        const auto inside = static_cast<uint32_t>(rows[0] - source.data());
+        uint32_t* const offsets = keys_;
+        uint32_t lacking = 0;
+        for (size_t i = 0; i < count; ++i) {
+            const uint32_t row = 255 - (keys[i] >> column_bits & 255);
+            const uint32_t column = column_mask - (keys[i] & column_mask);
+            const uint32_t unfound = score(keys[i]) == 0, found = unfound - 1; // all ones or 0
+            offsets[i] = inside + ((first + row * stride + column * step - inside) & found);
+            lacking |= unfound;
         }
-        const uint32_t row = 255 - (key >> column_bits & 255);
-        const uint32_t column = column_mask - (key & column_mask);
-        const uint8_t* pixel = setting_.pixel(patch.first_row + row, patch.first_column + column);
-        if (setting_.format.bits == 24) {
-            std::memcpy(to, pixel, 3);
-        } else {
-            const Rgb colour = setting_.format.load(pixel);
-            to[0] = colour.blue;
-            to[1] = colour.green;
-            to[2] = colour.red;
-        }
+        auto* const pixels = reinterpret_cast<uint8_t*>(keys_ + cells_);
+        uint8_t* const gathered = setting_.format.bits == 24 ? to : pixels;
+        kernels().gather[bytes - 1](gathered, source.data(), offsets, count);
+        unpack_row(setting_.format, gathered, to, count);
+        for (size_t i = 0; lacking != 0 && i < count; ++i)
+            if (score(keys[i]) == 0)
+                std::memset(to + 3 * i, setting_.maximum ? 0 : 255, 3);
     }
 
     const Setting& setting_;

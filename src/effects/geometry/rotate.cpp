@@ -29,6 +29,8 @@ class QuarterTurn {
     QuarterTurn(const Rows& to, const LockedDib& from, const Rect& rect, Direction direction)
         : to_(to), from_(rows_of(from, rect, start)), width_(rect.width), height_(rect.height),
           bytes_(static_cast<size_t>(from.bits() / 8)),
+          outgrows_caches_(static_cast<uint64_t>(width_) * static_cast<uint64_t>(height_) * bytes_ >
+                           size_t{6} << 20),
           transpose_(kernels().transpose[bytes_ - 1]) {
         if (direction == Direction::clockwise)
             to_ = {to_[width_ - 1], -to_.stride, to_.end};
@@ -44,10 +46,8 @@ class QuarterTurn {
         for (int32_t x = 0; x < width_; x += columns) {
             progress.reach(int64_t{height_} * (x + columns_at(x)) / width_ - 1);
             for (int32_t k = 0; k < height_; k += rows) {
-                if (k + rows < height_)
-                    prefetch_tile(x, k + rows);
-                else if (x + columns < width_)
-                    prefetch_tile(x + columns, 0);
+                if (outgrows_caches_)
+                    prefetch_after(x, k);
                 transpose_(target(x, k), to_.stride, source(x, k), from_.stride,
                            static_cast<size_t>(columns_at(x)), static_cast<size_t>(rows_at(k)));
             }
@@ -64,6 +64,12 @@ class QuarterTurn {
     const uint8_t* source(int32_t x, int32_t k) const {
         return from_[k] + bytes_ * static_cast<size_t>(x);
     }
+    [[gnu::always_inline]] void prefetch_after(int32_t x, int32_t k) const {
+        if (k + rows < height_)
+            prefetch_tile(x, k + rows);
+        else if (x + columns < width_)
+            prefetch_tile(x + columns, 0);
+    }
     [[gnu::always_inline]] void prefetch_tile(int32_t x, int32_t k) const {
         prefetch<Use::read>(source(x, k), from_.stride, bytes_ * static_cast<size_t>(columns_at(x)),
                             rows_at(k));
@@ -74,6 +80,7 @@ class QuarterTurn {
     Rows to_, from_;
     int32_t width_, height_;
     size_t bytes_;
+    bool outgrows_caches_;
     Kernels::Transpose transpose_;
 };
 

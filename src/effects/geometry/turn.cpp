@@ -2,6 +2,7 @@
 #include "image/rect_operation.hpp"
 #include "simd/kernels.hpp"
 
+#include <algorithm>
 #include <cstring>
 
 namespace kirvo {
@@ -53,11 +54,8 @@ Status exchange_rows(const RectOperation& operation, Exchange exchange, Middle m
 Status flip(const RectOperation& operation) {
     return exchange_rows(
         operation,
-        [&](uint8_t* lower, uint8_t* upper, uint8_t* spare) {
-            const size_t size = PixelRun(operation).size();
-            std::memcpy(spare, lower, size);
-            std::memcpy(lower, upper, size);
-            std::memcpy(upper, spare, size);
+        [&](uint8_t* lower, uint8_t* upper, uint8_t*) {
+            std::swap_ranges(lower, lower + PixelRun(operation).size(), upper);
         },
         [](uint8_t*) {});
 }

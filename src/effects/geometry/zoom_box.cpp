@@ -123,7 +123,7 @@ bool are_even(const Zoom& zoom, const BoxColumns* spans) {
     const LockedDib& source = zoom.source();
     const auto columns = static_cast<uint32_t>(zoom.box_width());
     const auto rows = static_cast<uint32_t>(zoom.box_height());
-    if (source.bits() != 24 || (columns != 2 && columns != 4) || !std::has_single_bit(rows) ||
+    if ((columns != 2 && columns != 4) || !std::has_single_bit(rows) ||
         columns * uint64_t{rows} > 256)
         return false;
     const auto width = static_cast<size_t>(zoom.width());
@@ -134,17 +134,36 @@ bool are_even(const Zoom& zoom, const BoxColumns* spans) {
            zoom.row(zoom.height() - 1) + int64_t{rows} <= source.height();
 }
 
-void average_even(const Zoom& zoom, const Rows& to) {
+bool average_even(const Zoom& zoom, const Rows& to) {
     const LockedDib& source = zoom.source();
+    const PixelFormat format = PixelFormat::of(source);
     const auto means = zoom.box_width() == 2 ? kernels().means_of_2 : kernels().means_of_4;
     const auto rows = static_cast<size_t>(zoom.box_height());
     const int shift =
         std::countr_zero(static_cast<uint32_t>(zoom.box_width()) * static_cast<uint32_t>(rows));
     const Rows from = source.rows(RowStart::after_40);
+    const auto source_row = [&](int64_t y) {
+        return from[source.height() - 1 - y] + format.bytes() * static_cast<size_t>(zoom.column(0));
+    };
+    const auto width = static_cast<size_t>(zoom.width());
+    if (format.bits == 24) {
+        zoom.each_row(to, [&](uint8_t* row, int32_t y) {
+            means(row, source_row(y), -from.stride, rows, width, shift);
+        });
+        return true;
+    }
+    const size_t span = width * static_cast<size_t>(zoom.box_width()), step = 3 * span;
+    const Scratch boxes(uint64_t{step} * rows), packed(3 * uint64_t{width});
+    if (!boxes || !packed)
+        return false;
     zoom.each_row(to, [&](uint8_t* row, int32_t y) {
-        means(row, from[source.height() - 1 - y] + 3 * ptrdiff_t{zoom.column(0)}, -from.stride,
-              rows, static_cast<size_t>(zoom.width()), shift);
+        for (size_t i = 0; i < rows; ++i)
+            unpack_row(format, source_row(y + static_cast<int64_t>(i)), boxes.data() + step * i,
+                       span);
+        means(packed.data(), boxes.data(), static_cast<ptrdiff_t>(step), rows, width, shift);
+        pack_row(format, packed.data(), row, width);
     });
+    return true;
 }
 
 } // namespace
@@ -165,10 +184,8 @@ bool zoom_box(const Zoom& zoom, const Rows& to) {
         spans[i] = {static_cast<uint32_t>(column - first), static_cast<uint32_t>(count)};
         end = std::max(end, column + count);
     }
-    if (are_even(zoom, spans)) {
-        average_even(zoom, to);
-        return true;
-    }
+    if (are_even(zoom, spans))
+        return average_even(zoom, to);
     const auto from = static_cast<size_t>(first), span = static_cast<size_t>(end - first);
     const auto box =
         static_cast<uint64_t>(zoom.box_width()) * static_cast<uint64_t>(zoom.box_height());

@@ -17,12 +17,24 @@ class NumberSet {
     void add(uint32_t number) const { memory_.as<uint32_t>()[number / 32] |= 1u << number % 32; }
     uint32_t count() const {
         uint32_t sum = 0;
-        for (size_t i = 0; i < words_; ++i)
-            sum += static_cast<uint32_t>(std::popcount(memory_.as<uint32_t>()[i]));
+        for (size_t i = 0; i < words_; i += in_line)
+            sum += count_line(memory_.as<uint32_t>() + i);
         return sum;
     }
 
   private:
+    static constexpr size_t in_line = 16;
+
+    // Most lines are empty, and processors without an instruction for it count slowly.
+    static uint32_t count_line(const uint32_t* words) {
+        uint32_t any = 0, sum = 0;
+        for (size_t i = 0; i < in_line; ++i)
+            any |= words[i];
+        for (size_t i = 0; any != 0 && i < in_line; ++i)
+            sum += static_cast<uint32_t>(std::popcount(words[i]));
+        return sum;
+    }
+
     size_t words_;
     Scratch memory_;
 };

@@ -5,7 +5,6 @@
 // power is computed in double-double arithmetic and rounded to the nearest double.
 #include "effects/tone/levels.hpp"
 
-#include <bit>
 #include <cmath>
 
 namespace kirvo {
@@ -94,7 +93,7 @@ uint8_t gamma_level(int i, double gamma) {
 } // namespace
 
 Levels gamma_levels(double gamma) {
-    const bool identity = std::bit_cast<uint64_t>(gamma) == std::bit_cast<uint64_t>(1.0);
+    const bool identity = gamma == 1.0;
     Levels levels;
     for (int i = 0; i < 256; ++i)
         levels.level[i] = identity ? static_cast<uint8_t>(i) : gamma_level(i, gamma);

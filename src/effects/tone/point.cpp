@@ -9,9 +9,15 @@ using namespace kirvo;
 namespace {
 
 auto mapped(const Levels& levels) {
-    return [&](uint8_t* to, const uint8_t* from, size_t count) {
-        kernels().map(to, from, 3 * count, levels);
-    };
+    return OnEachByte{[&](uint8_t* to, const uint8_t* from, size_t bytes) {
+        kernels().map(to, from, bytes, levels);
+    }};
+}
+
+auto scaled(int32_t factor, int32_t offset) {
+    return OnEachByte{[=](uint8_t* to, const uint8_t* from, size_t bytes) {
+        kernels().scale(to, from, bytes, factor, offset);
+    }};
 }
 
 auto mapped(const ChannelLevels& levels) {
@@ -93,10 +99,7 @@ HGLOBAL WINAPI Dib24Brightness(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                int32_t level, int32_t* status) {
     RectOperation operation(dib, {x, y, width, height}, check_rect_24_32);
     operation.require(is_level(level));
-    const auto row = [=](uint8_t* to, const uint8_t* from, size_t count) {
-        kernels().scale(to, from, 3 * count, 100, level * 255 / 100);
-    };
-    const HGLOBAL result = operation.make(row, status);
+    const HGLOBAL result = operation.make(scaled(100, level * 255 / 100), status);
     if (result != nullptr && operation.source().bits() == 32)
         copy_mask_bytes(result, operation.source());
     return result;
@@ -106,19 +109,13 @@ HGLOBAL WINAPI Dib24Contrast(HGLOBAL dib, int32_t x, int32_t y, int32_t width, i
                              int32_t level, int32_t* status) {
     RectOperation operation(dib, {x, y, width, height}, check_rect_24_32);
     operation.require(is_level(level));
-    const auto row = [=](uint8_t* to, const uint8_t* from, size_t count) {
-        kernels().scale(to, from, 3 * count, level + 100, -128 * level / 100);
-    };
-    return operation.make(row, status);
+    return operation.make(scaled(level + 100, -128 * level / 100), status);
 }
 
 HGLOBAL WINAPI Dib24HalfTone(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                              int32_t* status) {
     const RectOperation operation(dib, {x, y, width, height}, check_rect_24_32);
-    const auto row = [](uint8_t* to, const uint8_t* from, size_t count) {
-        kernels().scale(to, from, 3 * count, 50, 0);
-    };
-    return operation.make(row, status);
+    return operation.make(scaled(50, 0), status);
 }
 
 HGLOBAL WINAPI Dib24Monochrome(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,

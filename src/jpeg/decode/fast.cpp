@@ -34,39 +34,28 @@ int32_t bits_before_ff(Word value) {
     return std::countl_zero(found);
 }
 
-// A byte at a time up to a marker or a fill byte, as which the input ends. By value, so that the
-// fast path can keep its buffer in registers.
-[[gnu::noinline]] BitBuffer refill_bytes(BitBuffer bits) {
-    while (bits.count < BitBuffer::full) {
-        const uint8_t byte = bits.next[0];
-        if (byte == 0xFF && bits.next[1] != 0)
-            break;
-        bits.next += byte == 0xFF ? 2 : 1;
-        bits.word |= Word{byte} << (BitBuffer::full - bits.count);
-        bits.count += 8;
-    }
-    return bits;
-}
-
-// Puts whole bytes behind those that are there.
-ALWAYS_INLINE void append(BitBuffer& bits, Word ahead) {
-    bits.word |= ahead >> bits.count;
-    bits.count |= BitBuffer::full;
-}
 ALWAYS_INLINE int32_t room_in_bytes(const BitBuffer& bits) {
     return (BitBuffer::width - 1 - bits.count) >> 3;
 }
 
-// Most often the 0xFF ahead is a single one, stuffed.
-[[gnu::noinline]] BitBuffer refill_over_ff(BitBuffer bits) {
-    const Word ahead = load_big_endian(bits.next);
-    const int32_t before = bits_before_ff(ahead);
-    const Word behind_mask = ~Word{0} >> before >> 8, behind = ahead & behind_mask;
-    if (before == BitBuffer::full || behind > behind_mask >> 8 || has_ff(behind))
-        return refill_bytes(bits);
-    const int32_t bytes = room_in_bytes(bits);
-    bits.next += 8 * bytes > before ? bytes + 1 : bytes;
-    append(bits, (ahead & ~behind_mask) | behind << 8);
+// From one 0xFF to the next, up to a marker or a fill byte, as which the input ends. By value, so
+// that the fast path can keep its buffer in registers.
+ALWAYS_INLINE BitBuffer refill_over_ff(BitBuffer bits) {
+    while (bits.count < BitBuffer::full) {
+        if (bits.next[0] != 0xFF) {
+            const Word ahead = load_big_endian(bits.next);
+            const int32_t taken = std::min(bits_before_ff(ahead), 8 * room_in_bytes(bits));
+            bits.word |= (ahead & ~(~Word{0} >> taken)) >> bits.count;
+            bits.count += taken;
+            bits.next += taken / 8;
+        } else if (bits.next[1] == 0) {
+            bits.word |= Word{0xFF} << (BitBuffer::full - bits.count);
+            bits.count += 8;
+            bits.next += 2;
+        } else {
+            break;
+        }
+    }
     return bits;
 }
 
@@ -78,8 +67,12 @@ ALWAYS_INLINE void refill(BitBuffer& bits) {
         return;
     }
     bits.next += room_in_bytes(bits);
-    append(bits, ahead);
+    bits.word |= ahead >> bits.count;
+    bits.count |= BitBuffer::full;
 }
+
+// For a code and its value, or a full buffer if that is less.
+constexpr int32_t enough = std::min<int32_t>(2 * longest_code, BitBuffer::full);
 
 // Where a code and its value may be longer than a full buffer.
 ALWAYS_INLINE void refill_for_value(BitBuffer& bits) {
@@ -297,7 +290,7 @@ bool FastReader::try_mcu(const Tables* const* tables, int32_t count, Block* bloc
 // Goes behind a restart marker that comes next, as an encoder puts it between two MCUs: less than a
 // byte of ones may stand before it, in which no table has a code.
 void FastReader::pass_restart() {
-    const BitBuffer bits = refill_bytes(bits_);
+    const BitBuffer bits = refill_over_ff(bits_);
     const Word padding = ~(~Word{0} >> bits.count);
     if (bits.count >= 8 || bits.word != padding || bits.next[0] != 0xFF ||
         !is_restart(bits.next[1]))

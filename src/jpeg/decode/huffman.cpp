@@ -1,19 +1,25 @@
 #include "jpeg/decode/huffman.hpp"
 
 #include <cstring>
+#include <numeric>
 
 namespace kirvo {
 
-void DecodeTable::set(const uint8_t* count_of_length, const uint8_t* listed) {
-    uint32_t code = 0, total = 0;
+bool DecodeTable::set(const uint8_t* count_of_length, const uint8_t* listed) {
+    const uint32_t total = std::accumulate(count_of_length, count_of_length + longest_code, 0u);
+    if (std::memcmp(counts + 1, count_of_length, longest_code) == 0 &&
+        std::memcmp(symbols, listed, total) == 0)
+        return false;
+    uint32_t code = 0, listed_before = 0;
     for (uint32_t length = 1; length <= longest_code; ++length, code <<= 1) {
         counts[length] = count_of_length[length - 1];
-        first_symbol[length] = static_cast<uint8_t>(total);
+        first_symbol[length] = static_cast<uint8_t>(listed_before);
         first_code[length] = static_cast<uint16_t>(code);
         code += counts[length];
-        total += counts[length];
+        listed_before += counts[length];
     }
     std::memcpy(symbols, listed, total);
+    return true;
 }
 
 SymbolWalk::Outcome SymbolWalk::step(const DecodeTable& table, int32_t row, uint32_t bit,

@@ -16,8 +16,9 @@ struct DecodeTable {
     uint8_t first_symbol[longest_code + 1];
     uint8_t symbols[256];
 
-    // From the 16 counts of a DHT segment and the symbols after them, 256 at most.
-    void set(const uint8_t* count_of_length, const uint8_t* listed);
+    // From the 16 counts of a DHT segment and the symbols after them, 256 at most. Tells whether
+    // that made it another table.
+    bool set(const uint8_t* count_of_length, const uint8_t* listed);
 };
 
 constexpr int32_t dc_row = 16;

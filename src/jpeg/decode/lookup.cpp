@@ -17,9 +17,16 @@ constexpr LookupEntry with_value(LookupEntry entry, int16_t value) {
 }
 
 // Whether codes that begin with these bits and are longer have entries.
-bool has_longer(uint32_t code, uint32_t length) {
-    return length < lookup_bits ||
-           (length < longest_code && code << (longest_code - length) >= first_long);
+bool has_longer(const DecodeTable& table, uint32_t code, uint32_t length) {
+    if (length >= lookup_bits && code << (longest_code - length) < first_long)
+        return false;
+    for (uint32_t longer = length + 1; longer <= longest_code; ++longer) {
+        const uint32_t first = code << (longer - length), end = (code + 1) << (longer - length);
+        const uint32_t held = table.first_code[longer];
+        if (first < held + table.counts[longer] && held < end)
+            return true;
+    }
+    return false;
 }
 
 // Fills the entries of all codes by walking through every sequence of bits that has an entry, as
@@ -34,7 +41,7 @@ void walk_codes(const DecodeTable& table, int32_t row, SymbolWalk walk, uint32_t
         const uint32_t code = prefix << 1 | bit;
         if (outcome == SymbolWalk::Outcome::found)
             fill_symbol(symbol, code, next.length);
-        else if (outcome == SymbolWalk::Outcome::go_on && has_longer(code, next.length))
+        else if (outcome == SymbolWalk::Outcome::go_on && has_longer(table, code, next.length))
             walk_codes(table, row, next, code, fill_symbol);
     }
 }

@@ -90,6 +90,13 @@ struct PairLookup {
 struct Lookups {
     Lookup dc[4], ac[4]; // ready: made from the table as it is
     PairLookup ac_pairs[4];
+
+    // The table is another one now.
+    void forget(bool of_ac, uint32_t number) {
+        (of_ac ? ac : dc)[number].ready = false;
+        if (of_ac)
+            ac_pairs[number].ready = false;
+    }
 };
 
 } // namespace kirvo

@@ -130,12 +130,10 @@ bool read_huffman(DecodeState& state, Content content) {
             symbols += content[i];
         if (symbols > 256 || content.size() < fixed + symbols)
             return false;
-        (ac ? state.ac_tables : state.dc_tables)[number].set(&content[1], content.data() + fixed);
         (ac ? state.ac_defined : state.dc_defined)[number] = true;
-        Lookups& lookups = state.buffers.lookups;
-        (ac ? lookups.ac : lookups.dc)[number].ready = false;
-        if (ac)
-            lookups.ac_pairs[number].ready = false;
+        DecodeTable& table = (ac ? state.ac_tables : state.dc_tables)[number];
+        if (table.set(&content[1], content.data() + fixed))
+            state.buffers.lookups.forget(ac, number);
         content = content.subspan(fixed + symbols);
     }
     return true;

@@ -10,12 +10,21 @@ template<typename V>
 struct ByteKernels {
     using Register = typename V::Register;
 
+    // Whole vectors. The loops are so short that two steps at once make 8 % on AVX2.
+    template<typename F>
+    [[gnu::always_inline]] static size_t each_vector(size_t bytes, const F& block) {
+        size_t i = 0;
+#pragma GCC unroll 2
+        for (; i + V::size <= bytes; i += V::size)
+            block(i);
+        return i;
+    }
+
     // Changes `to` by `from`.
     template<Register blend(Register, Register), Kernels::BlendBytes Kernels::*rest>
     static void blended(uint8_t* to, const uint8_t* from, size_t bytes) {
-        size_t i = 0;
-        for (; i + V::size <= bytes; i += V::size)
-            V::store(to + i, blend(V::load(to + i), V::load(from + i)));
+        const size_t i = each_vector(
+            bytes, [&](size_t i) { V::store(to + i, blend(V::load(to + i), V::load(from + i))); });
         (scalar::kernels.*rest)(to + i, from + i, bytes - i);
     }
     // The average of the processor rounds up.
@@ -37,29 +46,30 @@ struct ByteKernels {
                 V::multiply_high16(quarter, V::all16((1 << 19) / 25 + 1)));
             return V::add16(hundredth, plus);
         };
-        each_block<1, V::size>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
-            const Register v = V::load(in);
-            V::store(out, V::narrow16(half(V::widen_low8(v)), half(V::widen_high8(v))));
+        each_vector(bytes, [&](size_t i) {
+            const Register v = V::load(from + i);
+            V::store(to + i, V::narrow16(half(V::widen_low8(v)), half(V::widen_high8(v))));
         });
     }
 
     static void map(uint8_t* to, const uint8_t* from, size_t bytes, const Levels& levels) {
         if constexpr (V::has_table) {
             const typename V::Table table(levels);
-            each_block<1, V::size>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
-                V::store(out, table[V::load(in)]);
-            });
+            each_vector(bytes, [&](size_t i) { V::store(to + i, table[V::load(from + i)]); });
         } else {
             scalar::kernels.map(to, from, bytes, levels);
         }
     }
 
-    static void invert(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
-        const Register inverted = V::all32(static_cast<int>(pattern));
+    template<Register combine(Register, Register)>
+    static void with_pattern(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
+        const Register repeated = V::all32(static_cast<int>(pattern));
         each_block<1, V::size>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
-            V::store(out, V::differing(V::load(in), inverted));
+            V::store(out, combine(V::load(in), repeated));
         });
     }
+    static constexpr auto invert = with_pattern<V::differing>;
+    static constexpr auto keep_bits = with_pattern<V::both>;
 
     static void veil(uint8_t* to, const uint8_t* from, const uint8_t* veil, size_t bytes) {
         const auto block = [&](size_t i) {

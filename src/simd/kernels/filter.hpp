@@ -91,9 +91,10 @@ struct FilterKernels {
         const uint32_t multiplier = by.multiplier;
         const bool shifts = !by.divides || multiplier == uint32_t{1} << 31;
         const int shift = !by.divides ? 0 : shifts ? by.shift - 31 : by.shift;
+        const typename V::Count places(static_cast<uint32_t>(shift));
         const auto quotient = [&](Register sum) {
             const Register value = V::but_not(sum, V::template shift_right32_signed<31>(sum));
-            return shifts ? V::shift_right32(value, shift) : V::scaled32(value, multiplier, shift);
+            return shifts ? V::shift_right32(value, places) : V::scaled32(value, multiplier, shift);
         };
         const auto block = [&](size_t i) {
             Register sums[4] = {V::zero(), V::zero(), V::zero(), V::zero()};
@@ -146,9 +147,11 @@ struct FilterKernels {
 
     // Results of 16-bit numbers, made one vector at a time, narrowed to bytes.
     template<typename Made>
-    static Register narrowed(const int16_t* v, const Made& made) {
-        const Halves halves = V::load_halves16(v);
-        return V::narrow16(made(halves.low), made(halves.high));
+    static bool narrowed(uint8_t* to, const int16_t* v, size_t count, const Made& made) {
+        return each_step<V::size>(count, [&](size_t i) {
+            const Halves halves = V::load_halves16(v + i);
+            V::store(to + i, V::narrow16(made(halves.low), made(halves.high)));
+        });
     }
 
     // The Laplacian is at most 1020 in magnitude, for which this multiplication is a division by 6.
@@ -176,8 +179,7 @@ struct FilterKernels {
             const Register clamped = V::min16(V::max16(slope, lowest), highest);
             return V::sub16(V::all16(255), V::magnitude16(clamped));
         };
-        const auto block = [&](size_t i) { V::store(to + i, narrowed(v + i, darkness)); };
-        if (!each_step<V::size>(count, block))
+        if (!narrowed(to, v, count, darkness))
             scalar::kernels.dark_edges(to, v, count, low, high);
     }
 
@@ -186,8 +188,7 @@ struct FilterKernels {
             const Register clamped = V::min16(V::max16(slope, V::all16(-127)), V::all16(127));
             return V::add16(clamped, V::all16(128));
         };
-        const auto block = [&](size_t i) { V::store(to + i, narrowed(v + i, height)); };
-        if (!each_step<V::size>(count, block))
+        if (!narrowed(to, v, count, height))
             scalar::kernels.relief(to, v, count);
     }
 
@@ -198,8 +199,7 @@ struct FilterKernels {
             const Register is_low = V::equal16(V::min16(slope, highest), slope);
             return V::template shift_right16<8>(V::both(is_high, is_low));
         };
-        const auto block = [&](size_t i) { V::store(to + i, narrowed(v + i, passes)); };
-        if (!each_step<V::size>(count, block))
+        if (!narrowed(to, v, count, passes))
             scalar::kernels.between(to, v, count, low, high);
     }
 };

@@ -1,4 +1,4 @@
-// Hues of 24-bit pixels set and turned.
+// Hues of 24-bit pixels set and turned; pixels kept where their values lie in bands.
 //
 // The definition divides in doubles and truncates. Whole numbers give the same, except where a
 // quotient that should come out whole falls just short of it in doubles. The differences of channels
@@ -30,21 +30,23 @@ struct HueKernels {
         Register found = V::zero();
 #pragma GCC unroll 8
         for (int degrees : short_hues)
-            found = V::either(found, V::equal16(hue, V::all16(degrees)));
+            found = V::either(found, V::equal8(hue, V::all8(degrees)));
         return found;
     }
 
-    // Degrees, less 360 where red is largest and blue above green. The spread is not 0; where the
-    // difference counts downwards, negative is -1.
-    static Register hue(Register difference, Register spread, Register base, Register negative) {
+    // Degrees, less 360 where red is largest and blue above green.
+    struct Hue {
+        Register degrees, whole; // before it is told whether a whole quotient falls short
+    };
+    // The spread is not 0; where the difference counts downwards, negative is -1.
+    static Hue hue(Register difference, Register spread, Register base, Register negative) {
         const Register sixtieths = V::multiply16(difference, V::all16(60));
         const Register degrees = V::quotient16(sixtieths, spread);
         const Register whole = V::equal16(V::multiply16(degrees, spread), sixtieths);
         // Truncation is towards zero, which is upwards below red only.
         const Register down = V::but_not(negative, V::either(whole, V::equal16(base, V::all16(0))));
         const Register away = V::add16(V::sub16(V::differing(degrees, negative), negative), down);
-        const Register hue = V::add16(base, away);
-        return V::add16(hue, V::both(whole, is_short(hue)));
+        return {V::add16(base, away), whole};
     }
 
     struct Position {
@@ -107,17 +109,22 @@ struct HueKernels {
         const Register base =
             V::but_not(V::select(green_most, V::all8(120), V::all8(240)), red_most);
         const Register divisor = V::max8(V::sub8(most, least), V::all8(1));
-        const auto turned = [&](Register difference, Register divisor, Register base,
-                                Register rising) {
-            const Register negative = V::differing(rising, V::all16(-1));
-            const Register sum = V::add16(hue(difference, divisor, base, negative), by);
+        const auto hue_of = [](Register difference, Register divisor, Register base,
+                               Register rising) {
+            return hue(difference, divisor, base, V::differing(rising, V::all16(-1)));
+        };
+        const Hue low = hue_of(V::widen_low8(difference), V::widen_low8(divisor),
+                               V::widen_low8(base), V::zip_low8(rising, rising));
+        const Hue high = hue_of(V::widen_high8(difference), V::widen_high8(divisor),
+                                V::widen_high8(base), V::zip_high8(rising, rising));
+        const Register short_of = is_short(V::narrow16(low.degrees, high.degrees));
+        const auto turned = [=](const Hue& hue, Register short_of) {
+            const Register degrees = V::add16(hue.degrees, V::both(hue.whole, short_of));
+            const Register sum = V::add16(degrees, by);
             return V::min16_unsigned(sum, V::sub16(sum, V::all16(360)));
         };
-        return {turned(V::widen_low8(difference), V::widen_low8(divisor), V::widen_low8(base),
-                       V::zip_low8(rising, rising)),
-                turned(V::widen_high8(difference), V::widen_high8(divisor), V::widen_high8(base),
-                       V::zip_high8(rising, rising)),
-                most, least};
+        return {turned(low, V::zip_low8(short_of, short_of)),
+                turned(high, V::zip_high8(short_of, short_of)), most, least};
     }
 
     static Planes colour(const Parts& p) {
@@ -152,6 +159,53 @@ struct HueKernels {
             const Register part = V::narrow16(part16(within16, low), part16(within16, high));
             V::store_planes(out, colour(sector, V::add8(part, short8(within8, spread)), most,
                                         V::sub8(most, spread)));
+        });
+    }
+
+    // Which values pass a band, as masks. One number compared serves both ends: what lies below
+    // the lowest wraps round.
+    template<auto all, auto sub, auto min, auto equal, int32_t most>
+    struct Test {
+        Register lowest, extent, inverted;
+
+        explicit Test(const PassBand& band)
+            : lowest(all(band.lowest)), extent(all(band.extent < most ? band.extent : most)),
+              inverted(all(-band.outside)) {}
+        Register operator()(Register values) const {
+            const Register above = sub(values, lowest);
+            return V::differing(equal(min(above, extent), above), inverted);
+        }
+    };
+    using Test8 = Test<V::all8, V::sub8, V::min8, V::equal8, 255>;
+    using Test16 = Test<V::all16, V::sub16, V::min16_unsigned, V::equal16, 32767>;
+
+    // The mask of bytes for those of two halves.
+    static Register narrow_mask(Register low, Register high) {
+        return V::narrow16(V::template shift_right16<8>(low), V::template shift_right16<8>(high));
+    }
+    static Planes kept(const Planes& p, Register mask) {
+        return {V::both(p.blue, mask), V::both(p.green, mask), V::both(p.red, mask)};
+    }
+
+    static void keep_rgb(uint8_t* to, const uint8_t* from, size_t pixels,
+                         const PassBand (&bands)[3]) {
+        const Test8 red(bands[0]), green(bands[1]), blue(bands[2]);
+        each_block<3, V::size>(to, from, pixels, [&](uint8_t* out, const uint8_t* in) {
+            const Planes p = V::load_planes(in);
+            const Register mask = V::both(V::both(red(p.red), green(p.green)), blue(p.blue));
+            V::store_planes(out, kept(p, mask));
+        });
+    }
+
+    static void keep_hsv(uint8_t* to, const uint8_t* from, size_t pixels,
+                         const PassBand (&bands)[3]) {
+        const Test16 hue(bands[0]);
+        const Test8 saturation(bands[1]), value(bands[2]);
+        each_block<3, V::size>(to, from, pixels, [&](uint8_t* out, const uint8_t* in) {
+            const auto p = parts(V::load_planes(in), 0);
+            const Register mask = V::both(narrow_mask(hue(p.low_hue), hue(p.high_hue)),
+                                          V::both(saturation(p.saturation()), value(p.most)));
+            V::store_planes(out, kept(colour(p), mask));
         });
     }
 };

@@ -8,31 +8,25 @@
 namespace kirvo {
 namespace {
 
+template<auto kernel, typename... Arguments>
+[[gnu::noinline, gnu::flatten]] void alone(uint8_t* to, const uint8_t* from, size_t count,
+                                           Arguments... arguments) {
+    kernel(to, from, count, arguments...);
+}
+
 // A kernel for any count from one for whole steps, whose loop thus has nothing else to do. The rest
 // goes through a buffer. Elements are of `size` bytes; `to` may be `from`.
-template<auto whole_steps, size_t size, size_t step>
-struct AnyCount;
-
-template<typename... Arguments, size_t size, size_t step,
-         void (*whole_steps)(uint8_t* to, const uint8_t* from, size_t count, Arguments...)>
-struct AnyCount<whole_steps, size, step> {
-    static void run(uint8_t* to, const uint8_t* from, size_t count, Arguments... arguments) {
-        const size_t rest = count % step, whole = count - rest;
-        run_steps(to, from, whole, arguments...);
-        if (rest == 0)
-            return;
-        uint8_t last[size * step] = {};
-        std::memcpy(last, from + size * whole, size * rest);
-        run_steps(last, last, step, arguments...);
-        std::memcpy(to + size * whole, last, size * rest);
-    }
-
-  private:
-    [[gnu::noinline]] static void run_steps(uint8_t* to, const uint8_t* from, size_t count,
-                                            Arguments... arguments) {
-        whole_steps(to, from, count, arguments...);
-    }
-};
+template<auto whole_steps, size_t size, size_t step, typename... Arguments>
+void any_count(uint8_t* to, const uint8_t* from, size_t count, Arguments... arguments) {
+    const size_t rest = count % step, whole = count - rest;
+    alone<whole_steps, Arguments...>(to, from, whole, arguments...);
+    if (rest == 0)
+        return;
+    uint8_t last[size * step] = {};
+    std::memcpy(last, from + size * whole, size * rest);
+    alone<whole_steps, Arguments...>(last, last, step, arguments...);
+    std::memcpy(to + size * whole, last, size * rest);
+}
 
 // Calls block(to, from) for every `step` of whole steps of elements of `size` bytes.
 template<size_t size, size_t step, typename F>

@@ -81,28 +81,33 @@ struct PixelKernels {
             scalar::kernels.luminance(to, bgr, pixels);
     }
 
-    struct Moves {
-        const PixelMoves& moves;
-        Register keep[3];
+    struct Move {
+        typename V::Count right, left;
+        Register keep;
 
-        explicit Moves(const PixelMoves& moves_) : moves(moves_) {
-            for (int c = 0; c < 3; ++c)
-                keep[c] = V::all32(static_cast<int>(moves.channel[c].keep));
-        }
-        Register one(Register words, int c) const {
-            const FieldMove& move = moves.channel[c];
-            return V::both(V::shift_left32(V::shift_right32(words, static_cast<int>(move.right)),
-                                           static_cast<int>(move.left)),
-                           keep[c]);
-        }
+        explicit Move(const FieldMove& move)
+            : right(move.right), left(move.left), keep(V::all32(static_cast<int>(move.keep))) {}
         Register operator()(Register words) const {
-            return V::either(V::either(one(words, 0), one(words, 1)), one(words, 2));
+            return V::both(V::shift_left32(V::shift_right32(words, right), left), keep);
         }
     };
-
     template<int from_bytes, int to_bytes>
     static void convert(const uint8_t* from, uint8_t* to, size_t pixels, const PixelMoves& moves) {
-        const Moves moved(moves);
+        const Move red(moves.channel[0]), green(moves.channel[1]), blue(moves.channel[2]);
+        if constexpr (from_bytes > 2 && to_bytes > 2) {
+            const Register all = V::either(V::either(red.keep, green.keep), blue.keep);
+            if (moves.stay())
+                return convert_by<from_bytes, to_bytes>(
+                    from, to, pixels, [=](Register words) { return V::both(words, all); });
+        }
+        convert_by<from_bytes, to_bytes>(from, to, pixels, [=](Register words) {
+            return V::either(V::either(red(words), green(words)), blue(words));
+        });
+    }
+
+    template<int from_bytes, int to_bytes, typename F>
+    [[gnu::always_inline]] static void convert_by(const uint8_t* from, uint8_t* to, size_t pixels,
+                                                  const F& moved) {
         constexpr size_t step = V::words;
         for (; pixels >= step; pixels -= step, from += step * from_bytes, to += step * to_bytes)
             V::template store_row<to_bytes>(to, moved(V::template load_row<from_bytes>(from)));
@@ -110,7 +115,7 @@ struct PixelKernels {
             return;
         uint8_t in[step * from_bytes] = {}, out[step * to_bytes];
         std::memcpy(in, from, pixels * from_bytes);
-        convert<from_bytes, to_bytes>(in, out, step, moves);
+        V::template store_row<to_bytes>(out, moved(V::template load_row<from_bytes>(in)));
         std::memcpy(to, out, pixels * to_bytes);
     }
 };

@@ -6,63 +6,36 @@
 namespace kirvo {
 namespace {
 
-// The larger or the smaller of two numbers of a type, by vectors and alone.
-template<typename V, typename T, auto by_vectors, bool larger>
-struct Choice {
-    using Element = T;
-    using Register = typename V::Register;
-    static Register of(Register a, Register b) { return by_vectors(a, b); }
-    static Element of(Element a, Element b) { return (a > b) == larger ? a : b; }
-};
-template<typename V>
-using Highest8 = Choice<V, uint8_t, V::max8, true>;
-template<typename V>
-using Lowest8 = Choice<V, uint8_t, V::min8, false>;
-template<typename V>
-using Highest16 = Choice<V, uint16_t, V::max16_unsigned, true>;
-template<typename V>
-using HighestSmall32 = Choice<V, uint32_t, V::max32, true>; // of numbers below 2^31
-
-template<typename V, template<typename> typename Which>
+// Of numbers of a type, by an operation of vectors. The last step may take elements once more, which
+// does not change an extreme.
+template<typename V, typename T, auto of>
 struct ExtremeKernels {
-    using Register = typename V::Register;
-    using Pick = Which<V>;
-    using Element = typename Pick::Element;
-    static constexpr size_t step = V::size / sizeof(Element);
+    static constexpr size_t step = V::size / sizeof(T);
 
-    // Calls block with the number of an element, for a vector and, at the end, for single ones.
-    template<typename Block>
-    static void each(size_t count, const Block& block) {
-        size_t i = 0;
-        for (; i + step <= count; i += step)
-            block(i, Register{});
-        for (; i < count; ++i)
-            block(i, Element{});
+    template<Kernels::Pick<T> Kernels::*rest>
+    static void pick(T* to, const T* a, const T* b, size_t count) {
+        const auto block = [&](size_t i) { V::store(to + i, of(V::load(a + i), V::load(b + i))); };
+        if (!each_step<step>(count, block))
+            (scalar::kernels.*rest)(to, a, b, count);
     }
-    static Register load(const Element* from, Register) { return V::load(from); }
-    static Element load(const Element* from, Element) { return *from; }
-    static void store(Element* to, Register v) { V::store(to, v); }
-    static void store(Element* to, Element v) { *to = v; }
-
-    static void pick(Element* to, const Element* a, const Element* b, size_t count) {
-        each(count, [&](size_t i, auto kind) {
-            store(to + i, Pick::of(load(a + i, kind), load(b + i, kind)));
-        });
+    template<Kernels::PickTwo<T> Kernels::*rest>
+    static void pick_two(T* to, T* running, const T* row, const T* other, size_t count) {
+        const auto block = [&](size_t i) {
+            const auto now = of(V::load(running + i), V::load(row + i));
+            V::store(running + i, now);
+            V::store(to + i, of(now, V::load(other + i)));
+        };
+        if (!each_step<step>(count, block))
+            (scalar::kernels.*rest)(to, running, row, other, count);
     }
-    static void pick_two(Element* to, Element* running, const Element* row, const Element* other,
-                         size_t count) {
-        each(count, [&](size_t i, auto kind) {
-            const auto now = Pick::of(load(running + i, kind), load(row + i, kind));
-            store(running + i, now);
-            store(to + i, Pick::of(now, load(other + i, kind)));
-        });
-    }
-    static void pick_four(Element* to, const Element* a, const Element* b, const Element* c,
-                          const Element* d, size_t count) {
-        each(count, [&](size_t i, auto kind) {
-            store(to + i, Pick::of(Pick::of(load(a + i, kind), load(b + i, kind)),
-                                   Pick::of(load(c + i, kind), load(d + i, kind))));
-        });
+    template<Kernels::PickFour<T> Kernels::*rest>
+    static void pick_four(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
+        const auto block = [&](size_t i) {
+            V::store(to + i,
+                     of(of(V::load(a + i), V::load(b + i)), of(V::load(c + i), V::load(d + i))));
+        };
+        if (!each_step<step>(count, block))
+            (scalar::kernels.*rest)(to, a, b, c, d, count);
     }
 };
 

@@ -7,26 +7,25 @@
 #include "simd/kernels/filter.hpp"
 #include "simd/kernels/hue.hpp"
 #include "simd/kernels/pixels.hpp"
-#include "simd/kernels/range.hpp"
 #include "simd/kernels/sums.hpp"
 #include "simd/kernels/turn.hpp"
-#include "simd/scalar_gather.hpp"
 
 namespace kirvo {
 namespace {
 
-template<template<typename> typename Which, typename V>
-using Extreme = ExtremeKernels<V, Which>;
-
-// Narrow is the wrapper of at most 32 bytes: for blocks of 8 x 8, and for rows that are read and
-// written anywhere, whose vectors then cross fewer lines of the cache. Pixels are gathered one by one
-// at every level.
+// Narrow is the wrapper of at most 32 bytes: for blocks of 8 x 8, and for two rows that are read and
+// one that is written anywhere, whose vectors then cross fewer lines of the cache. Pixels are
+// gathered one by one at every level.
 template<typename V, typename Narrow>
 constexpr Kernels table_of() {
     using Bytes = ByteKernels<V>;
     using Blend = ByteKernels<Narrow>;
     using Pixels = PixelKernels<V>;
     using Filter = FilterKernels<V>;
+    using Highest8 = ExtremeKernels<V, uint8_t, V::max8>;
+    using Lowest8 = ExtremeKernels<V, uint8_t, V::min8>;
+    using Highest16 = ExtremeKernels<V, uint16_t, V::max16_unsigned>;
+    using Highest32 = ExtremeKernels<V, uint32_t, V::max32>;
     using Sums = SumKernels<V>;
     using Turn = TurnKernels<V>;
     using Exchange = TurnKernels<Narrow>;
@@ -36,20 +35,21 @@ constexpr Kernels table_of() {
         .add = Blend::add,
         .average = Blend::average,
         .subtract = Blend::subtract,
-        .scale = AnyCount<Bytes::scale, 1, V::size>::run,
-        .map = AnyCount<Bytes::map, 1, V::size>::run,
-        .invert = AnyCount<Bytes::invert, 1, V::size>::run,
+        .scale = any_count<Bytes::scale, 1, V::size>,
+        .map = any_count<Bytes::map, 1, V::size>,
+        .invert = any_count<Bytes::invert, 1, V::size>,
+        .keep_bits = any_count<Bytes::keep_bits, 1, V::size>,
         .veil = Bytes::veil,
         .correct = Bytes::correct,
         .triple = Bytes::triple,
         .copy_past_caches = Bytes::copy_past_caches,
-        .map_channels = AnyCount<Pixels::map_channels, 3, V::size>::run,
+        .map_channels = any_count<Pixels::map_channels, 3, V::size>,
         .permute = Pixels::permute,
-        .grey = AnyCount<Pixels::grey, 3, V::size>::run,
-        .set_hue = AnyCount<HueKernels<V>::set_hue, 3, V::size>::run,
-        .turn_hue = AnyCount<HueKernels<V>::turn_hue, 3, V::size>::run,
-        .keep_rgb = AnyCount<RangeKernels<V>::keep_rgb, 3, V::size>::run,
-        .keep_hsv = AnyCount<RangeKernels<V>::keep_hsv, 3, V::size>::run,
+        .grey = any_count<Pixels::grey, 3, V::size>,
+        .set_hue = any_count<HueKernels<V>::set_hue, 3, V::size>,
+        .turn_hue = any_count<HueKernels<V>::turn_hue, 3, V::size>,
+        .keep_rgb = any_count<HueKernels<V>::keep_rgb, 3, V::size>,
+        .keep_hsv = any_count<HueKernels<V>::keep_hsv, 3, V::size>,
         .replace = Pixels::replace,
         .luminance = Pixels::luminance,
         .from16to24 = Pixels::template convert<2, 3>,
@@ -67,15 +67,15 @@ constexpr Kernels table_of() {
         .dark_edges = Filter::dark_edges,
         .relief = Filter::relief,
         .between = Filter::between,
-        .highest8 = Extreme<Highest8, Narrow>::pick,
-        .lowest8 = Extreme<Lowest8, Narrow>::pick,
-        .highest_two8 = Extreme<Highest8, Narrow>::pick_two,
-        .lowest_two8 = Extreme<Lowest8, Narrow>::pick_two,
-        .highest_four8 = Extreme<Highest8, Narrow>::pick_four,
-        .lowest_four8 = Extreme<Lowest8, Narrow>::pick_four,
-        .highest16 = Extreme<Highest16, Narrow>::pick,
-        .highest_two16 = Extreme<Highest16, Narrow>::pick_two,
-        .highest_four32 = Extreme<HighestSmall32, Narrow>::pick_four,
+        .highest8 = Highest8::template pick<&Kernels::highest8>,
+        .lowest8 = Lowest8::template pick<&Kernels::lowest8>,
+        .highest_two8 = Highest8::template pick_two<&Kernels::highest_two8>,
+        .lowest_two8 = Lowest8::template pick_two<&Kernels::lowest_two8>,
+        .highest_four8 = Highest8::template pick_four<&Kernels::highest_four8>,
+        .lowest_four8 = Lowest8::template pick_four<&Kernels::lowest_four8>,
+        .highest16 = Highest16::template pick<&Kernels::highest16>,
+        .highest_two16 = Highest16::template pick_two<&Kernels::highest_two16>,
+        .highest_four32 = Highest32::template pick_four<&Kernels::highest_four32>,
         .add_to_sums16 = Sums::add_to_sums16,
         .add_to_sums32 = Sums::add_to_sums32,
         .means_of_2 = Sums::template means<2>,

@@ -353,14 +353,14 @@ class Image:
                     lambda dib, a, status: flat.Dib24ZoomEx2(dib, *a, new_width, new_height, status, smooth))
 
     def flip(self, *, area: Optional[Area] = None) -> Image:
-        """Turns a rectangle upside down, in place.
+        """Turns a rectangle upside down.
 
         area: the part that is worked on
         """
         return self._changed("flip", (8, 16, 24, 32), area, lambda dib, a: flat.Dib24Flip(dib, *a))
 
     def mirror(self, *, area: Optional[Area] = None) -> Image:
-        """Exchanges left and right in a rectangle, in place.
+        """Exchanges left and right in a rectangle.
 
         area: the part that is worked on
         """
@@ -368,7 +368,7 @@ class Image:
                     lambda dib, a: flat.Dib24Mirror(dib, *a))
 
     def rotate_180(self, *, area: Optional[Area] = None) -> Image:
-        """Turns a rectangle by 180 degrees, in place.
+        """Turns a rectangle by 180 degrees.
 
         area: the part that is worked on
         """
@@ -451,7 +451,7 @@ class Image:
                     lambda dib, a, status: flat.Dib24ToneCtrlEx(dib, *a, red, green, blue, status))
 
     def negative(self, *, area: Optional[Area] = None) -> Image:
-        """Inverts a rectangle in place: 255 - channel.
+        """Inverts a rectangle: 255 - channel.
 
         area: the part that is worked on
         """
@@ -476,7 +476,7 @@ class Image:
                     lambda dib, a, status: flat.Dib24HalfTone(dib, *a, status))
 
     def swap_channels(self, mode: int, *, area: Optional[Area] = None) -> Image:
-        """Exchanges the channels of a rectangle in place.
+        """Exchanges the channels of a rectangle.
 
         mode: what red, green and blue are taken from: 0 nothing changes (KIRVO_OK even for a
             null handle), 1 red, blue, green; 2 green, blue, red; 3 green, red, blue; 4 blue,
@@ -506,7 +506,7 @@ class Image:
                     lambda dib, a, status: flat.DibModifyHueEx(dib, *a, mode, value, status))
 
     def exclusive_or(self, colour: int, *, area: Optional[Area] = None) -> Image:
-        """XORs a colour over a rectangle, in place.
+        """XORs a colour over a rectangle.
 
         colour: 0x00BBGGRR
         area: the part that is worked on

@@ -286,24 +286,6 @@ DibMemAllocEx = _declare(
     summary="Allocates a new packed DIB.")
 
 
-# Single pixels and lines
-
-DibGetPixelColor = _declare(
-    _kirvo, c_int32, HANDLE, c_int32, c_int32, POINTER(c_uint32),
-    usage="DibGetPixelColor(dib, x, y, out colour)",
-    summary="Reads one pixel of an image of any depth.")
-
-DibSetPixelColor = _declare(
-    _kirvo, c_int32, HANDLE, c_int32, c_int32, c_uint32,
-    usage="DibSetPixelColor(dib, x, y, colour)",
-    summary="Writes one pixel of a direct-colour image.")
-
-DibSetLineColor = _declare(
-    _kirvo, c_int32, HANDLE, c_int32, c_int32, c_int32, c_uint32,
-    usage="DibSetLineColor(dib, x0, x1, y, colour)",
-    summary="Fills the pixels x0 to x1 (inclusive) of one row with a colour.")
-
-
 # BMP files
 
 DibReadEx = _declare(
@@ -326,124 +308,6 @@ Dib24Write = _declare(
     _kirvo, c_int32, FileName, HANDLE, c_int32, c_int32, c_int32, c_int32,
     usage="Dib24Write(name, dib, x, y, width, height)",
     summary="Writes a 24-bit image, or a rectangle of it, as a BMP file.")
-
-
-# Depth conversion
-
-DibConvert24bit = _declare(
-    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
-    usage="DibConvert24bit(dib, out status)",
-    summary="Makes a 24-bit image of a 16- or 32-bit one. 5-bit 31 gives 248.")
-
-DibConvert16bit = _declare(
-    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
-    usage="DibConvert16bit(dib, out status)",
-    summary="Makes a 16-bit image of a 24- or 32-bit one.")
-
-DibConvert32bit = _declare(
-    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
-    usage="DibConvert32bit(dib, out status)",
-    summary="Makes a 32-bit image of a 16- or 24-bit one, with the masks 0x00FF0000, 0x0000FF00 and 0x000000FF.")
-
-DibCutDepth = _declare(
-    _kirvo, HANDLE, HANDLE, c_int32, c_int32, c_int32, POINTER(c_int32),
-    usage="DibCutDepth(dib, red_bits, green_bits, blue_bits, out status)",
-    summary="Makes a copy of a 24-bit image that keeps only the top bits of each channel.")
-
-
-# Window fitting
-
-FitWindowToImageEx = _declare(
-    _kirvo, None, HANDLE, HANDLE, c_uint32,
-    usage="FitWindowToImageEx(window, dib, scale)",
-    summary="Resizes a window so that its client area shows an image at a whole scale.")
-
-FitWindowToImage = _declare(
-    _kirvo, None, HANDLE, HANDLE,
-    usage="FitWindowToImage(window, dib)",
-    summary="FitWindowToImageEx at scale 1.")
-
-
-# JPEG encoder settings
-
-JpgCodSetSubsample = _declare(
-    _kirvo, c_int32, c_int32,
-    usage="JpgCodSetSubsample(mode)",
-    summary="Sets how colour streams sample chroma.")
-
-JpgCodSetQ = _declare(
-    _kirvo, c_int32, c_int32,
-    usage="JpgCodSetQ(q)",
-    summary="Selects one of the quality levels 2 to 5.")
-
-JpgCodSetQEx = _declare(
-    _kirvo, c_int32, c_int32,
-    usage="JpgCodSetQEx(level)",
-    summary="Selects a quality level.")
-
-JpgCodSetQtable = _declare(
-    _kirvo, c_int32, POINTER(c_int16), POINTER(c_int16),
-    usage="JpgCodSetQtable(in luminance[64], in chrominance[64])",
-    summary="Loads quantisation tables of the caller's, which are used at level 0 only (JpgCodSetQEx).")
-
-JpgCodSetQtableEx = _declare(
-    _kirvo, c_int32, POINTER(c_int16), POINTER(c_int16), c_int32,
-    usage="JpgCodSetQtableEx(in luminance[64], in chrominance[64], count)",
-    summary="As JpgCodSetQtable, and sets how many coefficients of each block are coded at level 0.")
-
-JpgCodSetComment = _declare(
-    _kirvo, None, POINTER(c_uint8), c_uint32,
-    usage="JpgCodSetComment(in text[length], length)",
-    summary="Sets a comment for the next stream only.")
-
-
-# JPEG encoder
-
-JpgCodGetStatus = _declare(
-    _kirvo, c_uint32, POINTER(c_uint32), POINTER(c_uint32),
-    usage="JpgCodGetStatus(out source_bytes, out output_bytes)",
-    summary="Sizes of the most recent encode.")
-
-JpgCodFirst = _declare(
-    _kirvo, HANDLE, HANDLE, c_int32, c_int32, c_int32, c_int32, c_int32, POINTER(c_int32),
-    usage="JpgCodFirst(dib, left, top, width, height, mcus_per_call, out status)",
-    summary="Starts to encode a rectangle in colour and writes the headers.")
-
-JpgCodNext = _declare(
-    _kirvo, c_int32, c_int32, POINTER(c_uint32),
-    usage="JpgCodNext(control, out stream_bytes)",
-    summary="Goes on with the encode that JpgCodFirst has started.")
-
-JpgCodMainEx = _declare(
-    _kirvo, c_int32, FileName, HANDLE, c_int32, c_int32, c_int32, c_int32, c_int32, c_int32,
-    usage="JpgCodMainEx(path, dib, left, top, width, height, unused1, unused2)",
-    summary="Encodes a rectangle in colour into a file.")
-
-JpgCodMainHGLOBAL = _declare(
-    _kirvo, HANDLE, HANDLE, c_int32, c_int32, c_int32, c_int32, POINTER(c_uint32), POINTER(c_int32),
-    usage="JpgCodMainHGLOBAL(dib, left, top, width, height, out stream_bytes, out status)",
-    summary="Encodes a rectangle in colour into a memory block.")
-
-JpgCodFirst_M = _declare(
-    _kirvo, HANDLE, HANDLE, c_int32, c_int32, c_int32, c_int32, c_int32, c_int32, POINTER(c_int32),
-    usage="JpgCodFirst_M(dib, left, top, width, height, grey_mode, mcus_per_call, out status)",
-    summary="Starts to encode a rectangle as a grey stream.")
-
-JpgCodNext_M = _declare(
-    _kirvo, c_int32, c_int32, POINTER(c_uint32),
-    usage="JpgCodNext_M(control, out stream_bytes)",
-    summary="Goes on with the encode that JpgCodFirst_M has started.")
-
-JpgCodMainEx_M = _declare(
-    _kirvo, c_int32, FileName, HANDLE, c_int32, c_int32, c_int32, c_int32, c_int32,
-    usage="JpgCodMainEx_M(path, dib, left, top, width, height, grey_mode)",
-    summary="Encodes a rectangle as a grey stream into a file.")
-
-JpgCodMainHGLOBAL_M = _declare(
-    _kirvo, HANDLE, HANDLE, c_int32, c_int32, c_int32, c_int32, c_int32, POINTER(c_uint32),
-    POINTER(c_int32),
-    usage="JpgCodMainHGLOBAL_M(dib, left, top, width, height, grey_mode, out stream_bytes, out status)",
-    summary="Encodes a rectangle as a grey stream into a memory block.")
 
 
 # JPEG decoder
@@ -520,52 +384,133 @@ JpgDecGetLastUexMarker = _declare(
     summary="The marker that ended the last decode with KIRVO_JPEG_MARKER.")
 
 
-# Colour reduction
+# JPEG encoder
 
-DecreaseColor256 = _declare(
-    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
-    usage="DecreaseColor256(dib, out status)",
-    summary="Makes an 8-bit image with error diffusion to 256 fixed colours.")
+JpgCodGetStatus = _declare(
+    _kirvo, c_uint32, POINTER(c_uint32), POINTER(c_uint32),
+    usage="JpgCodGetStatus(out source_bytes, out output_bytes)",
+    summary="Sizes of the most recent encode.")
 
-DecreaseColor16 = _declare(
-    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
-    usage="DecreaseColor16(dib, out status)",
-    summary="Makes a 4-bit image with error diffusion, as DecreaseColor256 spreads it, to 16 fixed colours.")
+JpgCodFirst = _declare(
+    _kirvo, HANDLE, HANDLE, c_int32, c_int32, c_int32, c_int32, c_int32, POINTER(c_int32),
+    usage="JpgCodFirst(dib, left, top, width, height, mcus_per_call, out status)",
+    summary="Starts to encode a rectangle in colour and writes the headers.")
 
-DecreaseColorMono256 = _declare(
-    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
-    usage="DecreaseColorMono256(dib, out status)",
-    summary="Makes an 8-bit grey image, without diffusion.")
+JpgCodNext = _declare(
+    _kirvo, c_int32, c_int32, POINTER(c_uint32),
+    usage="JpgCodNext(control, out stream_bytes)",
+    summary="Goes on with the encode that JpgCodFirst has started.")
 
-Decrease256Fast = _declare(
-    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
-    usage="Decrease256Fast(dib, out status)",
-    summary="Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered dither of 8 x 8 pixels over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255.")
+JpgCodMainEx = _declare(
+    _kirvo, c_int32, FileName, HANDLE, c_int32, c_int32, c_int32, c_int32, c_int32, c_int32,
+    usage="JpgCodMainEx(path, dib, left, top, width, height, unused1, unused2)",
+    summary="Encodes a rectangle in colour into a file.")
 
-Decrease256PaletteEx = _declare(
-    _kirvo, HANDLE, HANDLE, c_int32, POINTER(c_int32),
-    usage="Decrease256PaletteEx(dib, mode, out status)",
-    summary="Makes an 8-bit image with exactly the colours of the source.")
+JpgCodMainHGLOBAL = _declare(
+    _kirvo, HANDLE, HANDLE, c_int32, c_int32, c_int32, c_int32, POINTER(c_uint32), POINTER(c_int32),
+    usage="JpgCodMainHGLOBAL(dib, left, top, width, height, out stream_bytes, out status)",
+    summary="Encodes a rectangle in colour into a memory block.")
 
-Decrease256Palette = _declare(
-    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
-    usage="Decrease256Palette(dib, out status)",
-    summary="Decrease256PaletteEx with mode 0.")
+JpgCodFirst_M = _declare(
+    _kirvo, HANDLE, HANDLE, c_int32, c_int32, c_int32, c_int32, c_int32, c_int32, POINTER(c_int32),
+    usage="JpgCodFirst_M(dib, left, top, width, height, grey_mode, mcus_per_call, out status)",
+    summary="Starts to encode a rectangle as a grey stream.")
 
-Decrease16PaletteEx = _declare(
-    _kirvo, HANDLE, HANDLE, c_int32, POINTER(c_int32),
-    usage="Decrease16PaletteEx(dib, mode, out status)",
-    summary="Makes a 4-bit image with exactly the colours of the source.")
+JpgCodNext_M = _declare(
+    _kirvo, c_int32, c_int32, POINTER(c_uint32),
+    usage="JpgCodNext_M(control, out stream_bytes)",
+    summary="Goes on with the encode that JpgCodFirst_M has started.")
 
-Decrease16Palette = _declare(
-    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
-    usage="Decrease16Palette(dib, out status)",
-    summary="Decrease16PaletteEx with mode 0.")
+JpgCodMainEx_M = _declare(
+    _kirvo, c_int32, FileName, HANDLE, c_int32, c_int32, c_int32, c_int32, c_int32,
+    usage="JpgCodMainEx_M(path, dib, left, top, width, height, grey_mode)",
+    summary="Encodes a rectangle as a grey stream into a file.")
 
-IncreaseColor16M = _declare(
-    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
-    usage="IncreaseColor16M(dib, out status)",
-    summary="Makes a 24-bit image of an indexed one.")
+JpgCodMainHGLOBAL_M = _declare(
+    _kirvo, HANDLE, HANDLE, c_int32, c_int32, c_int32, c_int32, c_int32, POINTER(c_uint32),
+    POINTER(c_int32),
+    usage="JpgCodMainHGLOBAL_M(dib, left, top, width, height, grey_mode, out stream_bytes, out status)",
+    summary="Encodes a rectangle as a grey stream into a memory block.")
+
+
+# JPEG encoder settings
+
+JpgCodSetSubsample = _declare(
+    _kirvo, c_int32, c_int32,
+    usage="JpgCodSetSubsample(mode)",
+    summary="Sets how colour streams sample chroma.")
+
+JpgCodSetQ = _declare(
+    _kirvo, c_int32, c_int32,
+    usage="JpgCodSetQ(q)",
+    summary="Selects one of the quality levels 2 to 5.")
+
+JpgCodSetQEx = _declare(
+    _kirvo, c_int32, c_int32,
+    usage="JpgCodSetQEx(level)",
+    summary="Selects a quality level.")
+
+JpgCodSetQtable = _declare(
+    _kirvo, c_int32, POINTER(c_int16), POINTER(c_int16),
+    usage="JpgCodSetQtable(in luminance[64], in chrominance[64])",
+    summary="Loads quantisation tables of the caller's, which are used at level 0 only (JpgCodSetQEx).")
+
+JpgCodSetQtableEx = _declare(
+    _kirvo, c_int32, POINTER(c_int16), POINTER(c_int16), c_int32,
+    usage="JpgCodSetQtableEx(in luminance[64], in chrominance[64], count)",
+    summary="As JpgCodSetQtable, and sets how many coefficients of each block are coded at level 0.")
+
+JpgCodSetComment = _declare(
+    _kirvo, None, POINTER(c_uint8), c_uint32,
+    usage="JpgCodSetComment(in text[length], length)",
+    summary="Sets a comment for the next stream only.")
+
+
+# Targa, Q0, RAW, Photo CD and icon files
+
+Targa24Read = _declare(
+    _kirvo, HANDLE, FileName, POINTER(c_uint32), POINTER(c_uint32), POINTER(c_int32),
+    usage="Targa24Read(name, out width, out height, out status)",
+    summary="Reads an uncompressed 24-bit Targa file (image type 2), with either origin.")
+
+Targa24Write = _declare(
+    _kirvo, c_int32, FileName, HANDLE, c_int32, c_int32, c_int32, c_int32,
+    usage="Targa24Write(name, dib, x, y, width, height)",
+    summary="Writes a 24-bit image, or a rectangle of it, as an uncompressed Targa file with its origin at the bottom left.")
+
+Q0Read = _declare(
+    _kirvo, HANDLE, FileName, POINTER(c_uint32), POINTER(c_uint32), POINTER(c_uint32),
+    POINTER(c_int32),
+    usage="Q0Read(name, out width, out height, out bits, out status)",
+    summary="Reads a Q0 file.")
+
+RawRead = _declare(
+    _kirvo, HANDLE, FileName, POINTER(c_uint32), POINTER(c_uint32), POINTER(c_uint32),
+    POINTER(c_int32),
+    usage="RawRead(name, out width, out height, out bits, out status)",
+    summary="Reads a RAW file.")
+
+PcdRead = _declare(
+    _kirvo, HANDLE, FileName, c_int32, c_size_t, POINTER(c_uint32), POINTER(c_uint32),
+    POINTER(c_int32),
+    usage="PcdRead(name, resolution, progress, out width, out height, out status)",
+    summary="Reads a Photo CD image with the Photo CD access library, which is loaded for the length of the call by the name PCDLIB32.DLL and the system's search rules.")
+
+IcoGetInfo = _declare(
+    _kirvo, c_int32, FileName, c_void_p, c_uint32,
+    usage="IcoGetInfo(name, out records[size], size)",
+    summary="Lists the images of an icon or cursor file by its directory.")
+
+IcoGetInfoEx = _declare(
+    _kirvo, c_int32, FileName, c_void_p, c_uint32,
+    usage="IcoGetInfoEx(name, out records[], size)",
+    summary="Lists the images of an icon or cursor file by their own headers.")
+
+IcoGetData = _declare(
+    _kirvo, HANDLE, FileName, c_int32, POINTER(c_uint32), POINTER(c_uint32), POINTER(c_uint32),
+    POINTER(c_int32), POINTER(HANDLE),
+    usage="IcoGetData(name, index, out width, out height, out bits, out status, out mask)",
+    summary="Reads one image of an icon or cursor file, and its transparency mask.")
 
 
 # Copy and compose
@@ -865,51 +810,106 @@ DibBlockMxM = _declare(
     summary="Maximum or minimum filter over squares of (2 radius + 1) x (2 radius + 1) pixels.")
 
 
-# Targa, Q0, RAW, Photo CD and icon files
+# Depth conversion
 
-Targa24Read = _declare(
-    _kirvo, HANDLE, FileName, POINTER(c_uint32), POINTER(c_uint32), POINTER(c_int32),
-    usage="Targa24Read(name, out width, out height, out status)",
-    summary="Reads an uncompressed 24-bit Targa file (image type 2), with either origin.")
+DibConvert24bit = _declare(
+    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
+    usage="DibConvert24bit(dib, out status)",
+    summary="Makes a 24-bit image of a 16- or 32-bit one. 5-bit 31 gives 248.")
 
-Targa24Write = _declare(
-    _kirvo, c_int32, FileName, HANDLE, c_int32, c_int32, c_int32, c_int32,
-    usage="Targa24Write(name, dib, x, y, width, height)",
-    summary="Writes a 24-bit image, or a rectangle of it, as an uncompressed Targa file with its origin at the bottom left.")
+DibConvert16bit = _declare(
+    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
+    usage="DibConvert16bit(dib, out status)",
+    summary="Makes a 16-bit image of a 24- or 32-bit one.")
 
-Q0Read = _declare(
-    _kirvo, HANDLE, FileName, POINTER(c_uint32), POINTER(c_uint32), POINTER(c_uint32),
-    POINTER(c_int32),
-    usage="Q0Read(name, out width, out height, out bits, out status)",
-    summary="Reads a Q0 file.")
+DibConvert32bit = _declare(
+    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
+    usage="DibConvert32bit(dib, out status)",
+    summary="Makes a 32-bit image of a 16- or 24-bit one, with the masks 0x00FF0000, 0x0000FF00 and 0x000000FF.")
 
-RawRead = _declare(
-    _kirvo, HANDLE, FileName, POINTER(c_uint32), POINTER(c_uint32), POINTER(c_uint32),
-    POINTER(c_int32),
-    usage="RawRead(name, out width, out height, out bits, out status)",
-    summary="Reads a RAW file.")
+DibCutDepth = _declare(
+    _kirvo, HANDLE, HANDLE, c_int32, c_int32, c_int32, POINTER(c_int32),
+    usage="DibCutDepth(dib, red_bits, green_bits, blue_bits, out status)",
+    summary="Makes a copy of a 24-bit image that keeps only the top bits of each channel.")
 
-PcdRead = _declare(
-    _kirvo, HANDLE, FileName, c_int32, c_size_t, POINTER(c_uint32), POINTER(c_uint32),
-    POINTER(c_int32),
-    usage="PcdRead(name, resolution, progress, out width, out height, out status)",
-    summary="Reads a Photo CD image with the Photo CD access library, which is loaded for the length of the call by the name PCDLIB32.DLL and the system's search rules.")
 
-IcoGetInfo = _declare(
-    _kirvo, c_int32, FileName, c_void_p, c_uint32,
-    usage="IcoGetInfo(name, out records[size], size)",
-    summary="Lists the images of an icon or cursor file by its directory.")
+# Colour reduction
 
-IcoGetInfoEx = _declare(
-    _kirvo, c_int32, FileName, c_void_p, c_uint32,
-    usage="IcoGetInfoEx(name, out records[], size)",
-    summary="Lists the images of an icon or cursor file by their own headers.")
+DecreaseColor256 = _declare(
+    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
+    usage="DecreaseColor256(dib, out status)",
+    summary="Makes an 8-bit image with error diffusion to 256 fixed colours.")
 
-IcoGetData = _declare(
-    _kirvo, HANDLE, FileName, c_int32, POINTER(c_uint32), POINTER(c_uint32), POINTER(c_uint32),
-    POINTER(c_int32), POINTER(HANDLE),
-    usage="IcoGetData(name, index, out width, out height, out bits, out status, out mask)",
-    summary="Reads one image of an icon or cursor file, and its transparency mask.")
+DecreaseColor16 = _declare(
+    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
+    usage="DecreaseColor16(dib, out status)",
+    summary="Makes a 4-bit image with error diffusion, as DecreaseColor256 spreads it, to 16 fixed colours.")
+
+DecreaseColorMono256 = _declare(
+    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
+    usage="DecreaseColorMono256(dib, out status)",
+    summary="Makes an 8-bit grey image, without diffusion.")
+
+Decrease256Fast = _declare(
+    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
+    usage="Decrease256Fast(dib, out status)",
+    summary="Makes an 8-bit image with the palette of KirvoCreatePalette and an ordered dither of 8 x 8 pixels over the 6 x 6 x 6 cube of levels 0, 51, 102, 153, 204, 255.")
+
+Decrease256PaletteEx = _declare(
+    _kirvo, HANDLE, HANDLE, c_int32, POINTER(c_int32),
+    usage="Decrease256PaletteEx(dib, mode, out status)",
+    summary="Makes an 8-bit image with exactly the colours of the source.")
+
+Decrease256Palette = _declare(
+    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
+    usage="Decrease256Palette(dib, out status)",
+    summary="Decrease256PaletteEx with mode 0.")
+
+Decrease16PaletteEx = _declare(
+    _kirvo, HANDLE, HANDLE, c_int32, POINTER(c_int32),
+    usage="Decrease16PaletteEx(dib, mode, out status)",
+    summary="Makes a 4-bit image with exactly the colours of the source.")
+
+Decrease16Palette = _declare(
+    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
+    usage="Decrease16Palette(dib, out status)",
+    summary="Decrease16PaletteEx with mode 0.")
+
+IncreaseColor16M = _declare(
+    _kirvo, HANDLE, HANDLE, POINTER(c_int32),
+    usage="IncreaseColor16M(dib, out status)",
+    summary="Makes a 24-bit image of an indexed one.")
+
+
+# Single pixels and lines
+
+DibGetPixelColor = _declare(
+    _kirvo, c_int32, HANDLE, c_int32, c_int32, POINTER(c_uint32),
+    usage="DibGetPixelColor(dib, x, y, out colour)",
+    summary="Reads one pixel of an image of any depth.")
+
+DibSetPixelColor = _declare(
+    _kirvo, c_int32, HANDLE, c_int32, c_int32, c_uint32,
+    usage="DibSetPixelColor(dib, x, y, colour)",
+    summary="Writes one pixel of a direct-colour image.")
+
+DibSetLineColor = _declare(
+    _kirvo, c_int32, HANDLE, c_int32, c_int32, c_int32, c_uint32,
+    usage="DibSetLineColor(dib, x0, x1, y, colour)",
+    summary="Fills the pixels x0 to x1 (inclusive) of one row with a colour.")
+
+
+# Window fitting
+
+FitWindowToImageEx = _declare(
+    _kirvo, None, HANDLE, HANDLE, c_uint32,
+    usage="FitWindowToImageEx(window, dib, scale)",
+    summary="Resizes a window so that its client area shows an image at a whole scale.")
+
+FitWindowToImage = _declare(
+    _kirvo, None, HANDLE, HANDLE,
+    usage="FitWindowToImage(window, dib)",
+    summary="FitWindowToImageEx at scale 1.")
 
 
 # Conveniences of this module

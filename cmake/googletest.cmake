@@ -1,0 +1,17 @@
+# GoogleTest, built from Debian's source package, for every target alike.
+set(KIRVO_GTEST_SOURCE /usr/src/googletest CACHE PATH "GoogleTest's source")
+if(NOT EXISTS ${KIRVO_GTEST_SOURCE}/CMakeLists.txt)
+    message(WARNING "The tests are not built: they need Debian's googletest package")
+    return()
+endif()
+set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
+set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+set(gtest_disable_pthreads OFF)
+if(WIN32 OR EMSCRIPTEN)
+    set(gtest_disable_pthreads ON)
+endif()
+set(gtest_disable_pthreads ${gtest_disable_pthreads} CACHE BOOL "" FORCE)
+block() # it is part of each test program, whatever becomes of the library
+    set(BUILD_SHARED_LIBS OFF)
+    add_subdirectory(${KIRVO_GTEST_SOURCE} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+endblock()

@@ -1,0 +1,919 @@
+/**
+ * @file kirvo.hpp
+ * @brief Kirvo for C++17 and later: images that free themselves, errors that are thrown.
+ *
+ * A layer of this header alone over kirvo.h and kirvo_files.h:
+ * @code
+ *     kirvo::Image photo = kirvo::Image::open("photo.jpg");
+ *     photo.crop(0, 0, 1600, 1200).resize(800, 600).sharpen().save("small.png");
+ * @endcode
+ * Effects give a new image; an image of a depth that an effect does not take becomes one of 24 bits
+ * first. Whatever fails throws kirvo::Error. Threads may use images of their own at the same time:
+ * they take turns in the library. Programs link with Kirvo::kirvo_files, or with Kirvo::kirvo alone
+ * if they neither open nor save.
+ *
+ * Written by script/bindings from interface/: changes belong there.
+ */
+#ifndef KIRVO_HPP
+#define KIRVO_HPP
+
+#include "kirvo_files.h"
+
+#include <cstdint>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+#if __cplusplus >= 202002L
+#include <span>
+#endif
+#ifndef _WIN32
+#include <mutex>
+#endif
+
+/** The class for pictures, and what goes with it. */
+namespace kirvo {
+
+/** What went wrong, in words, and the status code behind it. */
+class Error : public std::runtime_error {
+  public:
+    /** @param status the code @param text what what() gives */
+    Error(int32_t status, const std::string& text) : std::runtime_error(text), status_(status) {}
+    /** The code behind the words. @return a KirvoStatus or a KirvoFilesStatus */
+    int32_t status() const noexcept { return status_; }
+
+  private:
+    int32_t status_;
+};
+
+/** Receives percentages: 0, then steps of at least 5, and 100 at the end. What it throws ends the
+ *  operation and arrives where that was called. */
+using Progress = std::function<void(int)>;
+
+/** The part of a picture that an effect works on; by default all of it. A width or height below 0
+ *  goes as far as the picture. */
+struct Area {
+    int32_t x = 0;       /**< pixels from the left */
+    int32_t y = 0;       /**< pixels from the top */
+    int32_t width = -1;  /**< pixels, or all that follow */
+    int32_t height = -1; /**< pixels, or all that follow */
+};
+
+/** A colour as the library writes it. @param red,green,blue 0 to 255 @return 0x00BBGGRR */
+constexpr uint32_t rgb(uint8_t red, uint8_t green, uint8_t blue) {
+    return red | uint32_t{green} << 8 | uint32_t{blue} << 16;
+}
+
+/** How a value is held against a range. */
+enum class Test { anything = 0, inside = 1, outside = 2 };
+
+/** A range of values, for keep_channels and keep_colours. */
+struct Range {
+    int16_t lower = 0;          /**< the first value inside */
+    int16_t upper = 0;          /**< the last value inside */
+    Test test = Test::anything; /**< which values are kept */
+    /** As keep_channels takes it. */
+    operator uint32_t() const {
+        return static_cast<uint8_t>(lower) | uint32_t{static_cast<uint8_t>(upper)} << 8 |
+               static_cast<uint32_t>(test) << 16;
+    }
+};
+
+/** How opening is done: the flags of kirvo_files.h, added. */
+struct OpenOptions {
+    uint32_t flags = 0;      /**< KIRVO_FILES_NO_TURN to KIRVO_FILES_BACKGROUND, added */
+    uint32_t background = 0; /**< 0x00BBGGRR, with KIRVO_FILES_BACKGROUND; otherwise white */
+    uint32_t frame = 0;      /**< which picture, from 1; 0: an icon's best, else the first */
+};
+
+/** How saving is done: the fields of KirvoFilesSaveOptions. */
+struct SaveOptions {
+    uint32_t quality = 0;                 /**< JPEG and WebP: 1 to 100; 0: the source's, or 90 */
+    int32_t format = KIRVO_FILES_UNKNOWN; /**< a KirvoFilesFormat, by default the name's */
+    uint32_t flags = 0;                   /**< KIRVO_FILES_STRIP to KIRVO_FILES_FRESH, added */
+    uint32_t level = 0;                   /**< JPEG: quality level 1 to 5 in place of quality */
+    uint32_t subsample = 0;               /**< JPEG: 1, 2 or 4; 0: the source's, or by quality */
+    uint32_t size_limit = 0;              /**< JPEG and WebP: bytes at most; 0: any */
+    uint32_t bits = 0;                    /**< of a pixel, 8, 16, 24 or 32; 0: the picture's */
+    int32_t compression = KIRVO_FILES_COMPRESSION_USUAL; /**< TIFF: a KirvoFilesCompression */
+    double dpi_across = 0;                               /**< dots an inch; 0: the source's */
+    double dpi_down = 0;                                 /**< dots an inch; 0: the source's */
+};
+
+// clang-format off
+%% for method in methods if optional(method)
+/** What Image::@{ method.name }@ may be told. */
+struct @{ options_type(method) }@ {
+%% for one in optional(method)
+@{ documentation(one.meaning, [], "    ") }@
+    @{ TYPES[one.kind] }@ @{ one.name }@ = @{ default(one) }@;
+%% endfor
+};
+
+%% endfor
+// clang-format on
+
+/** How often each value of each channel occurs. */
+struct Histogram {
+    uint32_t red[256];   /**< counts of red */
+    uint32_t green[256]; /**< counts of green */
+    uint32_t blue[256];  /**< counts of blue */
+};
+
+#if __cplusplus >= 202002L
+using Row = std::span<uint8_t>; /**< the bytes of a row, without padding */
+#else
+/** @cond The same before there are spans. */
+class Row {
+  public:
+    Row(uint8_t* data, size_t size) : data_(data), size_(size) {}
+    uint8_t* data() const { return data_; }
+    size_t size() const { return size_; }
+    uint8_t* begin() const { return data_; }
+    uint8_t* end() const { return data_ + size_; }
+    uint8_t& operator[](size_t index) const { return data_[index]; }
+
+  private:
+    uint8_t* data_;
+    size_t size_;
+};
+/** @endcond */
+#endif
+
+/** What holds inside this header. */
+namespace detail {
+
+#ifdef _WIN32
+/** A lock that one thread may take several times. */
+class Mutex {
+  public:
+    Mutex() { InitializeCriticalSection(&section_); }
+    void lock() { EnterCriticalSection(&section_); }
+    void unlock() { LeaveCriticalSection(&section_); }
+
+  private:
+    CRITICAL_SECTION section_;
+};
+#else
+using Mutex = std::recursive_mutex;
+#endif
+
+/** One operation runs at a time. */
+inline Mutex& library() {
+    static Mutex& mutex = *new Mutex; // outlives every image, whatever the order of ends
+    return mutex;
+}
+
+/** What this thread's operations report to. */
+inline const Progress*& listener() {
+    static thread_local const Progress* progress = nullptr;
+    return progress;
+}
+
+/** The operation that runs now. It holds the library for itself, reports its progress and gives on
+ *  what the report has thrown. */
+class Operation {
+  public:
+    Operation() {
+        library().lock();
+        outer_ = current();
+        current() = this;
+    }
+    ~Operation() {
+        if (progress_)
+            KirvoSetProcess(nullptr, command, 0);
+        current() = outer_;
+        library().unlock();
+    }
+    Operation(const Operation&) = delete;
+    Operation& operator=(const Operation&) = delete;
+
+    /** The next call of the library is what reports; operations inside another do not. */
+    void begin() {
+        progress_ = outer_ ? nullptr : listener();
+        if (progress_)
+            KirvoSetProcess(window(), command, 1);
+    }
+    /** Throws what a report has thrown; otherwise says that all is done. */
+    void finish() {
+        rethrow();
+        if (progress_ && last_ != 100)
+            receive(100);
+        rethrow();
+    }
+    void rethrow() {
+        if (thrown_)
+            std::rethrow_exception(std::exchange(thrown_, nullptr));
+    }
+
+  private:
+    static constexpr uint32_t command = 1;
+
+    static Operation*& current() {
+        static Operation* operation = nullptr; // the library's lock keeps it
+        return operation;
+    }
+
+    void receive(int percent) {
+        if (thrown_)
+            return;
+        try {
+            last_ = percent;
+            (*progress_)(percent);
+        } catch (...) {
+            thrown_ = std::current_exception();
+            abandon();
+        }
+    }
+
+    /** A codec stops; an effect runs to its end without further reports. */
+    void abandon() {
+        KirvoSetProcess(nullptr, command, 0);
+        HGLOBAL image = nullptr;
+        uint32_t bytes = 0;
+        JpgDecNext(nullptr, 0, -1, &image);
+        JpgCodNext(-1, &bytes);
+        JpgCodNext_M(-1, &bytes);
+    }
+
+    static LRESULT report(WPARAM wparam, LPARAM percent) {
+        if (wparam == command && current() && current()->progress_)
+            current()->receive(static_cast<int>(percent));
+        return 0;
+    }
+
+#ifdef _WIN32
+    static LRESULT CALLBACK answer(HWND window, UINT message, WPARAM first, LPARAM second) {
+        return message == WM_COMMAND ? report(first, second)
+                                     : DefWindowProcA(window, message, first, second);
+    }
+    /** A hidden window of this thread, so that no other has to fetch its messages. */
+    static HWND window() {
+        struct Window {
+            HWND handle = CreateWindowExA(0, "STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE,
+                                          nullptr, nullptr, nullptr);
+            Window() {
+                SetWindowLongPtrA(handle, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(answer));
+            }
+            ~Window() { DestroyWindow(handle); }
+        };
+        static thread_local Window window;
+        return window.handle;
+    }
+#else
+    static LRESULT answer(HWND, UINT, WPARAM first, LPARAM second) { return report(first, second); }
+    static HWND window() {
+        KirvoWindowHost host{};
+        host.SendMessageA = answer;
+        KirvoSetWindowHost(&host);
+        return reinterpret_cast<HWND>(&listener());
+    }
+#endif
+
+    Operation* outer_;
+    const Progress* progress_ = nullptr;
+    std::exception_ptr thrown_;
+    int last_ = -1;
+};
+
+inline void check(int32_t status, const char* what) {
+    if (status < 0)
+        throw Error(status, std::string(what) + ": " + kirvo_status_text(status));
+}
+
+inline std::string words(KirvoFile file, int32_t kind, uint32_t index = 0) {
+    std::string text(KirvoFilesText(file, kind, index, nullptr, 0), '\0');
+    KirvoFilesText(file, kind, index, text.data(), static_cast<uint32_t>(text.size()));
+    text.resize(text.size() - 1); // the zero byte
+    return text;
+}
+
+/** An error of a file carries the library's own words, which name the file. */
+inline void check(int32_t status, KirvoFile file) {
+    if (status == KIRVO_FILES_OK)
+        return;
+    std::string text = file ? words(file, KIRVO_FILES_TEXT_REASON) : std::string();
+    if (text.empty()) {
+        text.resize(KirvoFilesStatusText(status, nullptr, 0));
+        KirvoFilesStatusText(status, text.data(), static_cast<uint32_t>(text.size()));
+        text.resize(text.size() - 1);
+    }
+    throw Error(status, text);
+}
+
+/** A block of memory that frees itself. */
+struct Freer {
+    void operator()(void* block) const { GlobalFree(block); }
+};
+using Block = std::unique_ptr<void, Freer>;
+
+/** A block locked in memory for as long as this lives. */
+class Locked {
+  public:
+    explicit Locked(HGLOBAL block)
+        : block_(block), address_(static_cast<uint8_t*>(GlobalLock(block))) {
+        if (!address_)
+            throw Error(KIRVO_NULL_HANDLE, kirvo_status_text(KIRVO_NULL_HANDLE));
+    }
+    Locked(Locked&& other) noexcept
+        : block_(std::exchange(other.block_, nullptr)), address_(other.address_) {}
+    Locked& operator=(Locked&&) = delete;
+    ~Locked() {
+        if (block_)
+            GlobalUnlock(block_);
+    }
+    uint8_t* address() const { return address_; }
+    const BITMAPINFOHEADER& header() const {
+        return *reinterpret_cast<const BITMAPINFOHEADER*>(address_);
+    }
+
+  private:
+    HGLOBAL block_;
+    uint8_t* address_;
+};
+
+inline Block block_of(const void* bytes, size_t count) {
+    Block block(GlobalAlloc(GMEM_MOVEABLE, count));
+    if (!block)
+        throw Error(KIRVO_NO_MEMORY, kirvo_status_text(KIRVO_NO_MEMORY));
+    if (count)
+        std::memcpy(Locked(block.get()).address(), bytes, count);
+    return block;
+}
+
+} // namespace detail
+
+/** Operations of this thread report to a callable for as long as this lives. Away from Windows this
+ *  sets the window host of kirvo.h. */
+class Watch {
+  public:
+    /** @param progress receives percentages */
+    explicit Watch(Progress progress)
+        : progress_(std::move(progress)), outer_(std::exchange(detail::listener(), &progress_)) {}
+    ~Watch() { detail::listener() = outer_; }
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+
+  private:
+    Progress progress_;
+    const Progress* outer_;
+};
+
+/** The pixels of an image, in memory for as long as this lives, row by row from the top. A pixel of
+ *  24 bits is three bytes: blue, green, red. */
+class Rows {
+  public:
+    int32_t width() const { return width_; }   /**< @return pixels across */
+    int32_t height() const { return height_; } /**< @return how many rows there are */
+    int32_t bits() const { return bits_; }     /**< @return bits of a pixel */
+    /** A row. @param y how many lie above it @return its bytes */
+    Row operator[](int32_t y) const {
+        const size_t bytes = (static_cast<size_t>(width_) * static_cast<size_t>(bits_) + 7) / 8;
+        return Row(bottom_ + stride_ * static_cast<size_t>(height_ - 1 - y), bytes);
+    }
+    /** All pixels in one piece. @return the bytes of the rows, the bottom one first, each padded to a
+     *  multiple of four */
+    Row pixels() const { return Row(bottom_, stride_ * static_cast<size_t>(height_)); }
+    /** @cond */
+    class Iterator {
+      public:
+        Iterator(const Rows* rows, int32_t y) : rows_(rows), y_(y) {}
+        Row operator*() const { return (*rows_)[y_]; }
+        Iterator& operator++() {
+            ++y_;
+            return *this;
+        }
+        bool operator!=(const Iterator& other) const { return y_ != other.y_; }
+
+      private:
+        const Rows* rows_;
+        int32_t y_;
+    };
+    Iterator begin() const { return Iterator(this, 0); }
+    Iterator end() const { return Iterator(this, height_); }
+    /** @endcond */
+
+  private:
+    friend class Image;
+    explicit Rows(HGLOBAL dib) : block_(dib) {
+        const BITMAPINFOHEADER& header = block_.header();
+        const uint64_t size = GlobalSize(dib),
+                       start = uint64_t{header.biSize} + PaletteSize(&header);
+        width_ = header.biWidth;
+        height_ = header.biHeight;
+        bits_ = header.biBitCount;
+        const uint64_t stride = (static_cast<uint64_t>(width_) * header.biBitCount + 31) / 32 * 4;
+        if (width_ < 1 || height_ < 1 || size < start ||
+            stride > (size - start) / static_cast<uint64_t>(height_))
+            throw Error(KIRVO_BAD_PARAMETER, "rows: the image is smaller than its header says");
+        bottom_ = block_.address() + start;
+        stride_ = static_cast<size_t>(stride);
+    }
+
+    detail::Locked block_;
+    uint8_t* bottom_;
+    size_t stride_;
+    int32_t width_, height_, bits_;
+};
+
+/** A picture: a packed DIB that this object owns. It moves; copies are made by copy(). */
+class Image {
+  public:
+    /** No picture. */
+    Image() = default;
+
+    /** A new image, black. @param width,height pixels @param bits 1, 4, 8, 16, 24 or 32 */
+    Image(int32_t width, int32_t height, int32_t bits = 24)
+        : dib_(DibMemAllocEx(static_cast<uint32_t>(width), height, static_cast<uint32_t>(bits))) {
+        if (!dib_)
+            throw Error(KIRVO_BAD_PARAMETER, "Image: no such size or depth, or not enough memory");
+        static const uint32_t masks[2][3] = {{0xF800, 0x07E0, 0x001F},
+                                             {0x00FF0000, 0x0000FF00, 0x000000FF}};
+        if (bits == 16 || bits == 32)
+            std::memcpy(detail::Locked(dib_.get()).address() + sizeof(BITMAPINFOHEADER),
+                        masks[bits == 32], sizeof masks[0]);
+    }
+
+    /** Takes a packed DIB over. @param dib which is freed with the image @return its image */
+    static Image adopt(HGLOBAL dib) {
+        Image image;
+        image.dib_.reset(dib);
+        return image;
+    }
+
+    /** Opens a picture of any format, turned upright.
+     *  @param name the file @param progress receives percentages @param options how
+     *  @return the picture */
+    static Image open(const std::filesystem::path& name, Progress progress = nullptr,
+                      const OpenOptions& options = {}) {
+        return opened(std::move(progress), options, [&](const auto& how, auto* dib, auto* file) {
+#ifdef _WIN32
+            return KirvoFilesOpenW(name.c_str(), how, dib, file);
+#else
+            return KirvoFilesOpen(name.c_str(), how, dib, file);
+#endif
+        });
+    }
+
+    /** Opens a picture that is in memory. @param bytes,count the file's content
+     *  @param options how @return the picture */
+    static Image open(const void* bytes, size_t count, const OpenOptions& options = {}) {
+        if (count > UINT32_MAX)
+            throw Error(KIRVO_FILES_TOO_LARGE, "open: 4 GB or more");
+        return opened(nullptr, options, [&](const auto& how, auto* dib, auto* file) {
+            return KirvoFilesOpenMemory(bytes, static_cast<uint32_t>(count), how, dib, file);
+        });
+    }
+
+    /** Saves the picture in the format that the name tells, complete or not at all. What the file
+     *  that it came from knew besides its pixels goes along. @param name the file @param options how */
+    void save(const std::filesystem::path& name, const SaveOptions& options = {}) const {
+        detail::Operation operation;
+        operation.begin();
+        const KirvoFilesSaveOptions how = filled(options);
+        KirvoFile file = nullptr;
+#ifdef _WIN32
+        const int32_t status = KirvoFilesSaveW(name.c_str(), handle(), file_.get(), &how, &file);
+#else
+        const int32_t status = KirvoFilesSave(name.c_str(), handle(), file_.get(), &how, &file);
+#endif
+        const std::unique_ptr<void, Closer> known(file);
+        operation.rethrow();
+        detail::check(status, file);
+        operation.finish();
+    }
+
+    /** Saves into memory. @param options how; the format is needed @return the bytes of a file */
+    std::vector<uint8_t> encode(const SaveOptions& options) const {
+        detail::Operation operation;
+        operation.begin();
+        const KirvoFilesSaveOptions how = filled(options);
+        KirvoFile file = nullptr;
+        HGLOBAL made = nullptr;
+        uint32_t count = 0;
+        const int32_t status =
+            KirvoFilesSaveMemory(handle(), file_.get(), &how, &made, &count, &file);
+        const std::unique_ptr<void, Closer> known(file);
+        const detail::Block block(made);
+        operation.rethrow();
+        detail::check(status, file);
+        operation.finish();
+        const detail::Locked bytes(made);
+        return std::vector<uint8_t>(bytes.address(), bytes.address() + count);
+    }
+
+    /** What is known besides the pixels.
+     *  @return what the file that the picture came from says; all zero for other pictures */
+    KirvoFilesDescription description() const {
+        KirvoFilesDescription said{};
+        said.size = sizeof said;
+        if (file_)
+            KirvoFilesDescribe(file_.get(), &said);
+        return said;
+    }
+
+    /** How opening went. @return what had to be left out or repaired */
+    std::vector<std::string> notes() const {
+        std::vector<std::string> notes;
+        for (uint32_t index = 0; index < description().notes; ++index)
+            notes.push_back(detail::words(file_.get(), KIRVO_FILES_TEXT_NOTE, index));
+        return notes;
+    }
+
+    /** @return whether there is a picture */
+    explicit operator bool() const { return dib_ != nullptr; }
+    /** For the functions of kirvo.h. @return the packed DIB, which stays owned */
+    HGLOBAL handle() const {
+        if (!dib_)
+            throw Error(KIRVO_NULL_HANDLE, "there is no picture");
+        return dib_.get();
+    }
+    /** Gives the picture away. @return the packed DIB, which is the caller's to free from now on */
+    HGLOBAL release() { return dib_.release(); }
+
+    /** @return pixels across */
+    int32_t width() const { return detail::Locked(handle()).header().biWidth; }
+    /** @return pixels from top to bottom */
+    int32_t height() const { return detail::Locked(handle()).header().biHeight; }
+    /** @return bits of a pixel: 1, 4, 8, 16, 24 or 32 */
+    int32_t bits() const { return detail::Locked(handle()).header().biBitCount; }
+    /** The pixels in memory. @return their rows from the top */
+    Rows rows() const { return Rows(handle()); }
+
+    /** @return another image of the same pixels */
+    Image copy() const {
+        const detail::Locked from(handle());
+        return made(detail::block_of(from.address(), GlobalSize(dib_.get())).release());
+    }
+
+    /** The picture at another depth. @param bits 16, 24 or 32 @return the new image */
+    Image convert(int32_t bits) const {
+        const int32_t now = this->bits();
+        if (bits != 16 && bits != 24 && bits != 32)
+            throw Error(KIRVO_BAD_PARAMETER, "convert: 16, 24 or 32 bits");
+        if (bits == now)
+            return copy();
+        if (now <= 8 && bits != 24)
+            return convert(24).convert(bits);
+        const auto function = now <= 8     ? IncreaseColor16M
+                              : bits == 24 ? DibConvert24bit
+                              : bits == 16 ? DibConvert16bit
+                                           : DibConvert32bit;
+        return make(
+            "convert", {1, 4, 8, 16, 24, 32}, {},
+            [&](HGLOBAL dib, const Area&, int32_t* status) { return function(dib, status); });
+    }
+
+    // clang-format off
+%% for method in methods
+@{ method_documentation(method) }@
+@{ head(method) }@
+%% if method.way == "static"
+        const detail::Operation operation;
+        int32_t status = KIRVO_OK;
+        Image image = adopt(@{ call(method) }@);
+        detail::check(image ? KIRVO_OK : status, "@{ method.name }@");
+        return image;
+%% elif method.way == "change"
+        ready({@{ depths(method) }@});
+%% if method.other
+        const Image depth = other.as_deep_as(*this);
+%% endif
+        apply("@{ method.name }@", {@{ depths(method) }@}, {}, [&](HGLOBAL dib, const Area&) {
+            return @{ call(method) }@;
+        });
+        return *this;
+%% else
+%% if method.other
+        if (!has_depth({@{ depths(method) }@}))
+            return convert(24).@{ method.name }@(other);
+        const Image depth = other.as_deep_as(*this);
+%% endif
+%% set name, area = (" area", "area") if method.has_area else ("", "{}")
+%% set maker, status = ("make", ", int32_t* status") if method.makes else ("changed", "")
+        return @{ maker }@("@{ method.name }@", {@{ depths(method) }@}, @{ area }@, [&](HGLOBAL dib, const Area&@{ name }@@{ status }@) {
+            return @{ call(method) }@;
+        });
+%% endif
+    }
+
+%% endfor
+    // clang-format on
+
+    /** Filters with a kernel of 3 x 3 weights, row by row from the top left neighbour.
+     *  @param weights nine of them @param divisor divides the sums; 0: the sum of the weights, or 1
+     *  @param area the part that is worked on @return the new image */
+    Image filter_3x3(const int32_t (&weights)[9], int32_t divisor = 0,
+                     const Area& area = {}) const {
+        int32_t sum = 0;
+        for (const int32_t weight : weights)
+            sum += weight;
+        const auto& w = weights;
+        return make("filter_3x3", {16, 24, 32}, area,
+                    [&](HGLOBAL dib, const Area& a, int32_t* status) {
+                        SetFilter3x3(w[6], w[7], w[8], w[3], w[4], w[5], w[0], w[1], w[2],
+                                     divisor ? divisor : sum);
+                        return DibFilter3x3(dib, a.x, a.y, a.width, a.height, status);
+                    });
+    }
+
+    /** Keeps colours by ranges. @param flags 0x101: channels of RGB, 0x102: pixels of RGB, 0x202:
+     *  pixels by hue, saturation and value @param first,second,third ranges
+     *  @param area the part that is worked on @return the new image */
+    Image keep_colours(uint32_t flags, const Range& first, const Range& second, const Range& third,
+                       const Area& area = {}) const {
+        const auto pair = [](int low, int high) {
+            return static_cast<uint16_t>(low) | uint32_t{static_cast<uint16_t>(high)} << 16;
+        };
+        const auto test = [](const Range& range) { return static_cast<int>(range.test); };
+        return make(
+            "keep_colours", {24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+                return Dib24FilterEx(
+                    dib, a.x, a.y, a.width, a.height, pair(static_cast<int>(flags), first.lower),
+                    pair(first.upper, test(first)), pair(second.lower, second.upper),
+                    pair(test(second), third.lower), pair(third.upper, test(third)), status);
+            });
+    }
+
+    /** Takes the channels apart. @param area the part that is worked on
+     *  @return three images with one channel each: red, green, blue */
+    std::vector<Image> separate(const Area& area = {}) const {
+        HGLOBAL made[3] = {};
+        apply("separate", {24, 32}, area, [&](HGLOBAL dib, const Area& a) {
+            return Dib24Separate(dib, a.x, a.y, a.width, a.height, &made[0], &made[1], &made[2]);
+        });
+        std::vector<Image> images;
+        for (const HGLOBAL dib : made)
+            images.push_back(this->made(dib));
+        return images;
+    }
+
+    /** Counts the values of each channel. @param area the part that is counted @return the counts */
+    Histogram histogram(const Area& area = {}) const {
+        Histogram counted;
+        apply("histogram", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& a) {
+            return DibHistgram(dib, a.x, a.y, a.width, a.height, counted.red, counted.green,
+                               counted.blue);
+        });
+        return counted;
+    }
+
+    /** @return the number of different colours */
+    uint32_t count_colours() const {
+        uint32_t count = 0;
+        apply("count_colours", {1, 4, 8, 16, 24, 32}, {},
+              [&](HGLOBAL dib, const Area&) { return DibCountColors(dib, &count); });
+        return count;
+    }
+
+    /** A pixel. @param x from the left @param y from the top @return its colour, 0x00BBGGRR */
+    uint32_t get_pixel(int32_t x, int32_t y) const {
+        uint32_t colour = 0;
+        detail::check(DibGetPixelColor(handle(), x, y, &colour), "get_pixel");
+        return colour;
+    }
+
+    /** The colour that compose leaves out in mode 4, for the whole process. @param colour 0x00BBGGRR */
+    static void key_colour(uint32_t colour) {
+        const detail::Operation operation;
+        SetKeyColorDib24Add(colour);
+    }
+
+    /** The weights of mix_3x3 and mix_5x5 in tenths, row by row from the top left neighbour, for the
+     *  whole process. @param three nine weights @param five twenty-five weights */
+    static void mix_masks(const int32_t (&three)[9], const int32_t (&five)[25]) {
+        const detail::Operation operation;
+        Dib24Mix3X3SetMask(three);
+        Dib24Mix5X5SetMask(five);
+    }
+
+  private:
+    struct Closer {
+        void operator()(void* file) const { KirvoFilesClose(file); }
+    };
+    using Depths = std::initializer_list<int32_t>;
+
+    template<typename Call>
+    static Image opened(Progress progress, const OpenOptions& options, const Call& call) {
+        std::optional<Watch> watch;
+        if (progress)
+            watch.emplace(std::move(progress));
+        detail::Operation operation;
+        operation.begin();
+        const KirvoFilesOpenOptions how = {sizeof(KirvoFilesOpenOptions), options.flags,
+                                           options.background, options.frame};
+        KirvoFile file = nullptr;
+        HGLOBAL dib = nullptr;
+        const int32_t status = call(&how, &dib, &file);
+        Image image = adopt(dib);
+        image.file_ = std::shared_ptr<void>(file, Closer());
+        operation.rethrow();
+        detail::check(status, file);
+        operation.finish();
+        return image;
+    }
+
+    static KirvoFilesSaveOptions filled(const SaveOptions& options) {
+        KirvoFilesSaveOptions how{};
+        how.size = sizeof how;
+        how.format = options.format;
+        how.flags = options.flags;
+        how.quality = options.quality;
+        how.level = options.level;
+        how.subsample = options.subsample;
+        how.sizeLimit = options.size_limit;
+        how.bits = options.bits;
+        how.compression = options.compression;
+        how.dpiAcross = options.dpi_across;
+        how.dpiDown = options.dpi_down;
+        return how;
+    }
+
+    /** An image that remembers where this one came from. */
+    Image made(HGLOBAL dib) const {
+        Image image = adopt(dib);
+        image.file_ = file_;
+        return image;
+    }
+
+    bool has_depth(Depths depths) const {
+        for (const int32_t bits : depths)
+            if (bits == this->bits())
+                return true;
+        return false;
+    }
+
+    Area inside(const Area& area) const {
+        return {area.x, area.y, area.width < 0 ? width() - area.x : area.width,
+                area.height < 0 ? height() - area.y : area.height};
+    }
+
+    /** Calls a function that makes an image. */
+    template<typename Call>
+    Image make(const char* what, Depths depths, const Area& area, const Call& call) const {
+        detail::Operation operation;
+        const Image other_depth = has_depth(depths) ? Image() : convert(24);
+        const HGLOBAL dib = other_depth ? other_depth.handle() : handle();
+        int32_t status = KIRVO_OK;
+        operation.begin();
+        Image result = made(call(dib, inside(area), &status));
+        operation.rethrow();
+        if (!result)
+            detail::check(status < 0 ? status : KIRVO_NO_MEMORY, what);
+        operation.finish();
+        return result;
+    }
+
+    /** Calls a function that works on what is there. */
+    template<typename Call>
+    void apply(const char* what, Depths depths, const Area& area, const Call& call) const {
+        detail::Operation operation;
+        const Image other_depth = has_depth(depths) ? Image() : convert(24);
+        const HGLOBAL dib = other_depth ? other_depth.handle() : handle();
+        operation.begin();
+        const int32_t status = call(dib, inside(area));
+        operation.rethrow();
+        detail::check(status, what);
+        operation.finish();
+    }
+
+    /** A copy on which a function has worked. */
+    template<typename Call>
+    Image changed(const char* what, Depths depths, const Area& area, const Call& call) const {
+        detail::Operation operation;
+        Image result = has_depth(depths) ? copy() : convert(24);
+        operation.begin();
+        const int32_t status = call(result.handle(), inside(area));
+        operation.rethrow();
+        detail::check(status, what);
+        operation.finish();
+        return result;
+    }
+
+    /** Becomes one of 24 bits when its depth is none of these. */
+    void ready(Depths depths) {
+        if (!has_depth(depths))
+            *this = convert(24);
+    }
+
+    Image as_deep_as(const Image& other) const { return convert(other.bits()); }
+
+    detail::Block dib_;
+    std::shared_ptr<void> file_; // what is known of the file that it came from
+};
+
+/** Decodes a JPEG stream that arrives in pieces. The library is this thread's until the decoder
+ *  ends: other threads wait. */
+class JpegDecoder {
+  public:
+    JpegDecoder() { operation_.begin(); }
+    ~JpegDecoder() {
+        HGLOBAL image = nullptr;
+        if (state_ == State::begun)
+            JpgDecNext(nullptr, 0, -1, &image);
+    }
+    JpegDecoder(const JpegDecoder&) = delete;
+    JpegDecoder& operator=(const JpegDecoder&) = delete;
+
+    /** Takes the next bytes. @param bytes,count they @return whether the picture is complete */
+    bool write(const void* bytes, size_t count) {
+        if (state_ == State::done)
+            return true;
+        if (count > INT32_MAX)
+            throw Error(KIRVO_BAD_PARAMETER, "JpegDecoder: 2 GB or more in one piece");
+        const detail::Block block = detail::block_of(bytes, count);
+        HGLOBAL image = nullptr;
+        const auto size = static_cast<int32_t>(count);
+        return take(state_ == State::begun ? JpgDecNext(block.get(), size, 0, &image)
+                                           : JpgDecFirst(block.get(), size, &image),
+                    image);
+    }
+
+    /** Ends. @return the picture, once all bytes are there */
+    Image finish() {
+        if (state_ == State::fresh)
+            detail::check(KIRVO_JPEG_NO_SOI, "JpegDecoder");
+        if (state_ == State::begun) {
+            HGLOBAL image = nullptr;
+            const int32_t result = JpgDecNext(nullptr, 0, 1, &image);
+            take(result ? result : KIRVO_JPEG_EARLY_EOI, image);
+        }
+        operation_.finish();
+        return std::move(image_);
+    }
+
+  private:
+    enum class State { fresh, begun, done };
+
+    bool take(int32_t result, HGLOBAL image) {
+        state_ = result == 0 ? State::begun : result == 1 ? State::done : State::fresh;
+        image_ = Image::adopt(result == 1 ? image : nullptr);
+        operation_.rethrow();
+        detail::check(result, "JpegDecoder");
+        return state_ == State::done;
+    }
+
+    detail::Operation operation_;
+    Image image_;
+    State state_ = State::fresh;
+};
+
+/** Encodes a picture as a JPEG stream in slices. The library is this thread's until the encoder ends:
+ *  other threads wait. The settings are those of JpgCodSetQEx and its kin. */
+class JpegEncoder {
+  public:
+    /** @param image of 8 or 24 bits, which outlives the encoder @param mcus blocks for a step */
+    explicit JpegEncoder(const Image& image, int32_t mcus = 100) {
+        int32_t status = KIRVO_OK;
+        operation_.begin();
+        block_ = JpgCodFirst(image.handle(), 0, 0, image.width(), image.height(), mcus, &status);
+        operation_.rethrow();
+        detail::check(status, "JpegEncoder");
+    }
+    ~JpegEncoder() {
+        if (done_)
+            GlobalFree(block_);
+        else if (block_)
+            JpgCodNext(-1, &count_);
+    }
+    JpegEncoder(const JpegEncoder&) = delete;
+    JpegEncoder& operator=(const JpegEncoder&) = delete;
+
+    /** Goes on. @return whether the stream is complete */
+    bool step() {
+        if (done_)
+            return true;
+        const int32_t result = JpgCodNext(0, &count_);
+        if (result < 0)
+            block_ = nullptr; // the encode has ended
+        operation_.rethrow();
+        detail::check(result, "JpegEncoder");
+        done_ = result == 1;
+        return done_;
+    }
+
+    /** Ends, after as many steps as are left. @return the stream */
+    std::vector<uint8_t> finish() {
+        while (!step()) {
+        }
+        const detail::Locked bytes(block_);
+        return std::vector<uint8_t>(bytes.address(), bytes.address() + count_);
+    }
+
+  private:
+    detail::Operation operation_;
+    HGLOBAL block_ = nullptr;
+    uint32_t count_ = 0;
+    bool done_ = false;
+};
+
+} // namespace kirvo
+
+#endif // KIRVO_HPP
