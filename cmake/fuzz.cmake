@@ -2,12 +2,19 @@
 # kirvo_fuzz_<name>; otherwise all are one program that replays the corpora and the regressions.
 
 include(${CMAKE_CURRENT_LIST_DIR}/export_list.cmake)
-set(fuzz_shared fuzz/support.cpp fuzz/jpeg.cpp fuzz/files.cpp)
+set(fuzz_shared fuzz/support.cpp fuzz/jpeg.cpp fuzz/files.cpp fuzz/structure.cpp)
+set(fuzz_worlds fuzz/world.cpp fuzz/world_wide.cpp)
 foreach(name IN ITEMS calls exports jpeg_reference temp_file temp_folder)
     list(APPEND fuzz_shared tests/support/${name}.cpp)
 endforeach()
 file(GLOB fuzz_targets CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} fuzz/*.cpp)
-list(REMOVE_ITEM fuzz_targets ${fuzz_shared} fuzz/libfuzzer.cpp fuzz/replay_test.cpp)
+list(REMOVE_ITEM fuzz_targets ${fuzz_shared} ${fuzz_worlds} fuzz/libfuzzer.cpp
+     fuzz/replay_test.cpp fuzz/worst_time.cpp)
+if(KIRVO_FUZZ_WIDE)
+    list(APPEND fuzz_shared fuzz/world_wide.cpp)
+else()
+    list(APPEND fuzz_shared fuzz/world.cpp)
+endif()
 
 # The stand-in for the external Photo CD library, found by the name that it was linked with.
 add_library(kirvo_fuzz_standin MODULE tests/formats/standin/photo_cd.cpp)
@@ -20,7 +27,19 @@ target_link_options(kirvo_fuzz_standin PRIVATE -Wl,-soname,PCDLIB32.DLL)
 add_library(kirvo_fuzz_support STATIC ${fuzz_shared})
 target_include_directories(kirvo_fuzz_support PUBLIC tests)
 target_link_libraries(kirvo_fuzz_support PUBLIC kirvo_objects kirvo_files_objects kirvo_export_list)
-target_compile_options(kirvo_fuzz_support PUBLIC -O1 -Wall -Wextra)
+target_compile_options(kirvo_fuzz_support PUBLIC -Wall -Wextra)
+if(KIRVO_FUZZ_WIDE)
+    # What is counted is the libraries' code.
+    target_compile_options(kirvo_fuzz_support PUBLIC
+        -fno-sanitize-coverage=inline-8bit-counters,pc-table)
+    # Everything that is linked in asks the world of fuzz/world_wide.cpp.
+    foreach(function IN ITEMS malloc calloc realloc free open fcntl fstat read lseek write close)
+        target_link_options(kirvo_fuzz_support INTERFACE -Wl,--wrap=${function})
+    endforeach()
+    target_link_options(kirvo_fuzz_support INTERFACE -Wl,--gc-sections)
+else()
+    target_compile_options(kirvo_fuzz_support PUBLIC -O1)
+endif()
 target_compile_definitions(kirvo_fuzz_support PUBLIC
     "KIRVO_FUZZ_PHOTO_CD=\"$<TARGET_FILE:kirvo_fuzz_standin>\"")
 add_dependencies(kirvo_fuzz_support kirvo_fuzz_standin)
@@ -34,6 +53,14 @@ if(NOT KIRVO_FUZZ)
              COMMAND kirvo_fuzz_replay --gtest_brief=1
                      --gtest_output=xml:reports/kirvo_fuzz_replay.xml
              WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
+    if(NOT KIRVO_SANITIZE AND NOT KIRVO_COVERAGE)
+        add_executable(kirvo_worst_time fuzz/worst_time.cpp)
+        target_compile_definitions(kirvo_worst_time PRIVATE
+            "KIRVO_FUZZ_FOLDER=\"${PROJECT_SOURCE_DIR}/fuzz\"")
+        target_link_libraries(kirvo_worst_time PRIVATE kirvo_fuzz_support)
+        add_test(NAME kirvo_worst_time COMMAND kirvo_worst_time)
+        set_tests_properties(kirvo_worst_time PROPERTIES RUN_SERIAL TRUE) # it measures
+    endif()
     return()
 endif()
 

@@ -32,6 +32,12 @@ endforeach()
 target_link_libraries(kirvo_public_test_support PUBLIC kirvo)
 target_link_libraries(kirvo_internal_test_support PUBLIC kirvo_objects)
 
+# Hostile and odd files.
+set(world ${PROJECT_BINARY_DIR}/world)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS tests/world/recipes.py)
+execute_process(COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/world/recipes.py ${world}
+                COMMAND_ERROR_IS_FATAL ANY)
+
 # Each folder with a *_test.cpp in it is one program and one CTest test.
 file(GLOB_RECURSE test_sources CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} tests/*_test.cpp)
 if(NOT TARGET kirvo_tool)
@@ -66,6 +72,8 @@ foreach(source IN LISTS test_sources)
     endif()
     target_sources(${program} PRIVATE ${source})
 endforeach()
+target_compile_definitions(kirvo_safety_tests PRIVATE KIRVO_WORLD="${world}")
+target_compile_definitions(kirvo_files_tests PRIVATE KIRVO_WORLD="${world}")
 if(TARGET kirvo_tool)
     add_dependencies(kirvo_tool_tests kirvo_tool) # which they run
 endif()
@@ -75,7 +83,8 @@ if(TARGET kirvo_view)
                                               tools/pictures/image.cpp tools/system/errors.cpp)
     target_include_directories(kirvo_viewer_tests PRIVATE viewer tools)
     target_link_libraries(kirvo_viewer_tests PRIVATE kirvo_files)
-    target_compile_definitions(kirvo_viewer_tests PRIVATE KIRVO_FUZZ="${PROJECT_SOURCE_DIR}/fuzz")
+    target_compile_definitions(kirvo_viewer_tests PRIVATE KIRVO_FUZZ="${PROJECT_SOURCE_DIR}/fuzz"
+                               KIRVO_WORLD="${world}")
     set_tests_properties(kirvo_viewer_tests PROPERTIES RUN_SERIAL ON) # one keyboard, one clipboard
     add_test(NAME kirvo_check_viewer
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/viewer/check.py
@@ -121,6 +130,18 @@ endif()
 add_test(NAME kirvo_soak COMMAND kirvo_soak ${soak_count} WORKING_DIRECTORY ${PROJECT_BINARY_DIR})
 set_tests_properties(kirvo_soak PROPERTIES
     TIMEOUT 900 ENVIRONMENT "ASAN_OPTIONS=allocator_may_return_null=1")
+
+# The same calls at every level of the processor, and on Windows as away from it.
+if(NOT KIRVO_SANITIZE)
+    add_executable(kirvo_agreement tests/agreement/agreement.cpp)
+    target_compile_options(kirvo_agreement PRIVATE ${KIRVO_TEST_FLAGS})
+    target_precompile_headers(kirvo_agreement REUSE_FROM kirvo_public_test_support)
+    target_link_libraries(kirvo_agreement PRIVATE kirvo_public_test_support)
+    add_test(NAME kirvo_agreement
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/agreement/compare.py 3000
+                     ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:kirvo_agreement>)
+    set_tests_properties(kirvo_agreement PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 900)
+endif()
 
 # Stand-ins for the external Photo CD library, one with a single function. Each lies in a folder of
 # its own, away from the programs, so that a test decides which one is there, if any.
@@ -253,6 +274,13 @@ elseif(TARGET kirvo_tool AND NOT KIRVO_SANITIZE)
     add_test(NAME kirvo_readme
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/readme.py
                      $<TARGET_FILE:kirvo_tool> $<TARGET_FILE:kirvo_sample>)
+endif()
+
+# Hostile and odd files by the command line and in Python.
+if(TARGET kirvo_tool AND NOT WIN32 AND NOT KIRVO_SANITIZE AND NOT KIRVO_COVERAGE)
+    add_test(NAME kirvo_world
+             COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/world/check.py
+                     $<TARGET_FILE:kirvo_tool> $<TARGET_FILE:kirvo> ${world})
 endif()
 
 # Thumbnails on a cluster of this machine.

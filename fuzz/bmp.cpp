@@ -1,5 +1,5 @@
 // A BMP file.
-#include "support.hpp"
+#include "structure.hpp"
 
 using namespace kirvo_fuzz;
 
@@ -13,4 +13,4 @@ static void run(Input& input) {
     check_answer(Dib24Read(file.name(), &width, &height, &status), status);
 }
 
-static const Target target("bmp", run);
+static const Target target("bmp", run, mutate_bmp);

@@ -1,5 +1,6 @@
 // KirvoFiles' EXIF: read, brought up to date, taken out of a TIFF file and put into one.
 #include "files.hpp"
+#include "structure.hpp"
 
 #include "exif.hpp"
 
@@ -31,4 +32,4 @@ static void run(Input& input) {
     kirvo_files::fail_allocation(0);
 }
 
-static const Target target("files_exif", run);
+static const Target target("files_exif", run, mutate_tiff);

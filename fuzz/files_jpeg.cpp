@@ -1,6 +1,7 @@
 // KirvoFiles' reading of a JPEG's segments, its walk along the entropy-coded data, its turns of the
 // coefficients, and its decoding of 12 bits a channel.
 #include "files.hpp"
+#include "structure.hpp"
 
 #include "jpeg_coefficients.hpp"
 #include "jpeg_deep.hpp"
@@ -48,4 +49,4 @@ static void run(Input& input) {
     require(!walk.complete || walk.whole_rows == headers.height, "all rows are whole");
 }
 
-static const Target target("files_jpeg", run);
+static const Target target("files_jpeg", run, mutate_jpeg);

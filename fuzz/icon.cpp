@@ -1,5 +1,5 @@
 // An icon or cursor file: its lists and one of its images.
-#include "support.hpp"
+#include "structure.hpp"
 
 #include <algorithm>
 
@@ -28,4 +28,4 @@ static void run(Input& input) {
     GlobalFree(mask);
 }
 
-static const Target target("icon", run);
+static const Target target("icon", run, mutate_icon);

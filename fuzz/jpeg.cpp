@@ -20,8 +20,8 @@ Bytes make_reset_stream() {
         quantisers.insert(quantisers.end(), 64, 1);
     }
     for (const uint8_t number : {0x00, 0x01, 0x02, 0x03, 0x10, 0x11, 0x12, 0x13}) {
-        codes.insert(codes.end(), {number, 0, 1}); // one code of two bits
-        codes.insert(codes.end(), 14 + 1, 0);
+        codes.insert(codes.end(), {number, 2}); // two codes of one bit
+        codes.insert(codes.end(), 15 + 2, 0);
     }
     Bytes stream = {0xFF, 0xD8};
     append_segment(stream, 0xDB, quantisers);

@@ -1,5 +1,6 @@
 // A JPEG file: what its header says, and its image.
 #include "jpeg.hpp"
+#include "structure.hpp"
 
 using namespace kirvo_fuzz;
 
@@ -20,4 +21,4 @@ static void run(Input& input) {
     look_at(image.get());
 }
 
-static const Target target("jpeg_file", run);
+static const Target target("jpeg_file", run, mutate_jpeg);

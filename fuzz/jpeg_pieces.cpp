@@ -2,6 +2,7 @@
 // stream gives what it gives whole, but for a progressive one, whose scans are decoded with
 // whatever input is there.
 #include "jpeg.hpp"
+#include "structure.hpp"
 #include "support/jpeg_reference.hpp"
 
 #include <algorithm>
@@ -109,4 +110,4 @@ static void run(Input& input) {
             "pieces give what the whole gives");
 }
 
-static const Target target("jpeg_pieces", run);
+static const Target target("jpeg_pieces", run, mutate_jpeg);

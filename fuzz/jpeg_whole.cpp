@@ -1,5 +1,6 @@
 // A JPEG stream in memory, under every circumstance.
 #include "jpeg.hpp"
+#include "structure.hpp"
 
 using namespace kirvo_fuzz;
 
@@ -20,4 +21,4 @@ static void run(Input& input) {
     }
 }
 
-static const Target target("jpeg_whole", run);
+static const Target target("jpeg_whole", run, mutate_jpeg);

@@ -1,8 +1,10 @@
 // Any exports in any order, with hostile images and arguments (support/calls.hpp). What they answer
-// is documented, and the same at every level of the processor.
+// is documented, and the same at a level of the processor as without.
 #include "jpeg.hpp"
 #include "simd/cpu.hpp"
+#include "structure.hpp"
 
+#include <algorithm>
 #include <cstdio>
 
 using namespace kirvo_fuzz;
@@ -48,7 +50,7 @@ void check(const Call& call) {
 }
 
 // May an allocation fail, the answers are none.
-Answers make_calls(Input input, kirvo::CpuLevel level) {
+Answers make_calls(Input input, bool scalar) {
     static const File in("in.jpg"), out("out");
     stand_as_at_first();
     reset_decoder();
@@ -64,7 +66,8 @@ Answers make_calls(Input input, kirvo::CpuLevel level) {
 
     const bool may_fail = draw_surroundings(input);
     kirvo::fail_allocation(0);
-    kirvo::lower_cpu_level(level);
+    if (scalar)
+        kirvo::lower_cpu_level(kirvo::CpuLevel::scalar);
     Answers answers;
     for (uint32_t left = input.below(6) + 1; left != 0; --left) {
         const auto all = kirvo_test::exports();
@@ -83,13 +86,43 @@ Answers make_calls(Input input, kirvo::CpuLevel level) {
     return may_fail ? Answers{} : answers;
 }
 
+// Calls are removed, doubled, exchanged, and other functions called with the same bytes. Where they
+// begin is found by drawing them; what earlier ones make is not there then, which matters rarely.
+void mutate_calls(Bytes& bytes, Random& random) {
+    Input input(bytes.data(), bytes.size());
+    draw_surroundings(input);
+    stand_as_at_first();
+    const auto all = kirvo_test::exports();
+    const auto all_count = static_cast<uint32_t>(all.size());
+    const size_t count_at = input.left() - std::min<size_t>(input.left(), 1);
+    const uint32_t count = input.below(6) + 1;
+    std::vector<size_t> places = {input.left()};
+    kirvo_test::Pool pool;
+    for (uint32_t left = count; left != 0 && input.left() != 0; --left) {
+        Call call(all[input.below(all_count)], pool);
+        call.draw(input);
+        places.push_back(input.left());
+    }
+    if (random.once_in(3)) {
+        const size_t function_at =
+            places[static_cast<size_t>(random.between(0, static_cast<int32_t>(places.size()) - 1))];
+        if (function_at != 0)
+            bytes[function_at - 1] =
+                static_cast<uint8_t>(random.between(0, static_cast<int32_t>(all_count) - 1));
+    } else if (random.once_in(4)) {
+        if (count_at < bytes.size())
+            bytes[count_at] = 5; // the most
+    } else {
+        std::reverse(places.begin(), places.end());
+        mutate_parts(bytes, places, random);
+    }
+}
+
 } // namespace
 
 static void run(Input& input) {
-    using enum kirvo::CpuLevel;
-    const Answers answers = make_calls(input, scalar);
-    for (const kirvo::CpuLevel level : {sse2, avx2, avx512})
-        require(answers == make_calls(input, level), "every level gives what scalar code gives");
+    require(make_calls(input, true) == make_calls(input, false),
+            "a level gives what scalar code gives");
 }
 
-static const Target target("operations", run);
+static const Target target("operations", run, mutate_calls);

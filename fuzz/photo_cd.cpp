@@ -2,7 +2,7 @@
 // block.
 #include "formats/standin/photo_cd.hpp"
 
-#include "support.hpp"
+#include "structure.hpp"
 
 #include <dlfcn.h>
 
@@ -47,4 +47,4 @@ static void run(Input& input) {
     answers = {};
 }
 
-static const Target target("photo_cd", run);
+static const Target target("photo_cd", run, mutate_dib);

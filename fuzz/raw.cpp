@@ -1,5 +1,5 @@
 // A RAW file.
-#include "support.hpp"
+#include "structure.hpp"
 
 using namespace kirvo_fuzz;
 
@@ -12,4 +12,4 @@ static void run(Input& input) {
     check_answer(RawRead(file.name(), &width, &height, &bits, &status), status);
 }
 
-static const Target target("raw", run);
+static const Target target("raw", run, mutate_raw);

@@ -3,13 +3,11 @@
 #include "image/dib.hpp"
 #include "jpeg/session.hpp"
 #include "simd/cpu.hpp"
-#include "support/temp_folder.hpp"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <unistd.h>
 
 // A block that cannot be had is an answer to be tested, not a finding.
 extern "C" __attribute__((visibility("default"))) const char* __asan_default_options() {
@@ -31,12 +29,6 @@ LRESULT receive_progress(HWND, UINT, WPARAM, LPARAM percent) {
     require(now == 0 || now == 100 || now >= last_percent + 5, "percentages rise by 5 and more");
     last_percent = now;
     return 0;
-}
-
-int lowest_free_descriptor() {
-    const int descriptor = dup(STDERR_FILENO);
-    close(descriptor);
-    return descriptor;
 }
 
 } // namespace
@@ -61,7 +53,9 @@ void stand_as_at_first() {
     JpgDecCommentFree();
 }
 
-Target::Target(const char* name, Run run) : name_(name), run_(run) { all().push_back(this); }
+Target::Target(const char* name, Run run, Mutate mutate) : name_(name), run_(run), mutate_(mutate) {
+    all().push_back(this);
+}
 
 std::vector<const Target*>& Target::all() {
     static std::vector<const Target*> targets;
@@ -77,7 +71,7 @@ void Target::run_case(const uint8_t* bytes, size_t size) const {
         return true;
     }();
     require(prepared, "the process is prepared");
-    const int free_descriptor = lowest_free_descriptor();
+    const int descriptors = open_descriptors();
 
     Input input(bytes, size);
     run_(input);
@@ -87,7 +81,7 @@ void Target::run_case(const uint8_t* bytes, size_t size) const {
     const kirvo::BlockCount left = kirvo::count_blocks();
     require(left.locks == 0, "no lock is left");
     require(left.blocks == 0, "no block is left");
-    require(lowest_free_descriptor() == free_descriptor, "no file is left open");
+    require(open_descriptors() == descriptors, "no file is left open");
 }
 
 const char* current_case = "the input";
@@ -142,19 +136,6 @@ void check_answer(HGLOBAL image, const int32_t& status) {
     const kirvo::OwnedBlock owner(image);
     require(owner ? status == KIRVO_OK : status < 0, "an image or a code");
     look_at(image);
-}
-
-File::File(const char* title) {
-    static const kirvo_test::TempFolder folder;
-    name_ = folder.path(title);
-}
-
-void File::write(const Bytes& bytes) const {
-    std::FILE* file = std::fopen(name(), "wb");
-    require(file != nullptr, "a file can be written");
-    if (!bytes.empty())
-        std::fwrite(bytes.data(), 1, bytes.size(), file);
-    std::fclose(file);
 }
 
 } // namespace kirvo_fuzz

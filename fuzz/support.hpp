@@ -1,7 +1,7 @@
 // What every fuzz target stands on. A target is a function over an input, registered by name:
 //
 //     static void run(Input& input) { ... require(condition, "what must hold"); }
-//     static const Target target("jpeg_whole", run);
+//     static const Target target("jpeg_whole", run, mutate_jpeg);
 //
 // Before each case the library stands as it does in a fresh process, or is told to; afterwards
 // nothing of the case may be left: no block, no lock, no operation under way, no open file.
@@ -23,9 +23,12 @@ using Input = kirvo_test::InputChoices;
 class Target {
   public:
     using Run = void (*)(Input& input);
+    // Changes an input by what is known of its structure (structure.hpp).
+    using Mutate = void (*)(Bytes& input, kirvo_test::Random& random);
 
-    Target(const char* name, Run run);
+    Target(const char* name, Run run, Mutate mutate = nullptr);
     const char* name() const { return name_; }
+    Mutate mutate() const { return mutate_; }
     // Ends the process when anything is wrong.
     void run_case(const uint8_t* bytes, size_t size) const;
 
@@ -35,6 +38,7 @@ class Target {
   private:
     const char* name_;
     Run run_;
+    Mutate mutate_;
 };
 
 // What the case is called in messages, where it has a name.
@@ -62,7 +66,10 @@ void look_at(HGLOBAL image);
 // What a reader answers: an image with success, or a code without one. Frees the image.
 void check_answer(HGLOBAL image, const int32_t& status);
 
-// A file in memory whose content is replaced at will.
+// The world around the library: the system's (world.cpp), or one that is part of the program, for
+// many executions (world_wide.cpp).
+
+// A file whose content is replaced at will.
 class File {
   public:
     // A title in a folder of the process's own.
@@ -73,5 +80,8 @@ class File {
   private:
     std::string name_;
 };
+
+// Differs when a file has been opened and not closed.
+int open_descriptors();
 
 } // namespace kirvo_fuzz

@@ -1,5 +1,5 @@
 // A Targa file.
-#include "support.hpp"
+#include "structure.hpp"
 
 using namespace kirvo_fuzz;
 
@@ -12,4 +12,4 @@ static void run(Input& input) {
     check_answer(Targa24Read(file.name(), &width, &height, &status), status);
 }
 
-static const Target target("targa", run);
+static const Target target("targa", run, mutate_targa);

@@ -157,6 +157,38 @@ TEST(Jpeg, saved_from_a_jpeg_keeps_its_tables_and_sampling) {
     }
 }
 
+// T.81, tables K.1 and K.2, row by row.
+TEST(Jpeg, quality_50_writes_the_tables_of_annex_k) {
+    static const uint8_t luma[8][8] = {
+        {16, 11, 10, 16, 24, 40, 51, 61},     {12, 12, 14, 19, 26, 58, 60, 55},
+        {14, 13, 16, 24, 40, 57, 69, 56},     {14, 17, 22, 29, 51, 87, 80, 62},
+        {18, 22, 37, 56, 68, 109, 103, 77},   {24, 35, 55, 64, 81, 104, 113, 92},
+        {49, 64, 78, 87, 103, 121, 120, 101}, {72, 92, 95, 98, 112, 100, 103, 99}};
+    static const uint8_t chroma_corner[4][4] = {
+        {17, 18, 24, 47}, {18, 21, 26, 66}, {24, 26, 56, 99}, {47, 66, 99, 99}}; // 99 beyond it
+    const Bytes stream = save(Picture(20, 20).dib, as(KIRVO_FILES_JPEG, 0, 50)).bytes;
+    int tables = 0;
+    for (size_t at = 2; at + 4 < stream.size() && stream[at + 1] != 0xDA;) {
+        const size_t end = at + 2 + stream[at + 2] * 256u + stream[at + 3];
+        for (size_t table = at + 4; stream[at + 1] == 0xDB && table < end; table += 65, ++tables) {
+            const bool is_luma = stream[table] == 0;
+            size_t i = 1;
+            for (int diagonal = 0; diagonal < 15; ++diagonal) // up and down by turns
+                for (int step = 0; step <= diagonal; ++step) {
+                    const int y = diagonal % 2 == 0 ? diagonal - step : step, x = diagonal - y;
+                    if (x > 7 || y > 7)
+                        continue;
+                    const int expected = is_luma          ? luma[y][x]
+                                         : x < 4 && y < 4 ? chroma_corner[y][x]
+                                                          : 99;
+                    EXPECT_EQ(stream[table + i++], expected) << x << ", " << y;
+                }
+        }
+        at = end;
+    }
+    EXPECT_EQ(tables, 2);
+}
+
 TEST(Jpeg, every_quality_writes_the_tables_of_that_quality) {
     const Picture picture(32, 32);
     for (uint32_t quality : {1u, 10u, 50u, 75u, 90u, 97u, 100u}) {

@@ -119,10 +119,11 @@ std::vector<uint8_t> hostile_image(Choices& choices) {
                            header.biHeight <= 65 && header.biBitCount <= 64;
     const size_t colour_part = PaletteSize(&header);
     const size_t rows_at = std::min<size_t>(header.biSize, 1024) + colour_part;
-    const size_t stride =
-        (size_t{header.biBitCount} * static_cast<uint32_t>(header.biWidth) + 31) / 32 * 4;
+    const uint64_t stride = // the same, and so the image, whatever the size of a word
+        (uint64_t{header.biBitCount} * static_cast<uint32_t>(header.biWidth) + 31) / 32 * 4;
     const size_t promised =
-        rows_at + (plausible ? stride * static_cast<uint32_t>(header.biHeight) : 256);
+        rows_at +
+        (plausible ? static_cast<size_t>(stride) * static_cast<uint32_t>(header.biHeight) : 256);
     size_t size = promised;
     if (choices.once_in(3)) {
         const size_t cuts[] = {0,
@@ -134,7 +135,7 @@ std::vector<uint8_t> hostile_image(Choices& choices) {
                                promised - 2,
                                promised - 3,
                                promised - 4,
-                               promised - std::min(stride, promised),
+                               promised - static_cast<size_t>(std::min<uint64_t>(stride, promised)),
                                promised + 1,
                                promised + 13};
         size = std::min(choices.pick(cuts), promised + 64);

@@ -60,7 +60,8 @@ class InputChoices final : public Choices {
   public:
     InputChoices(const uint8_t* bytes, size_t size) : first_(bytes), last_(bytes + size) {}
     uint32_t below(uint32_t n) override;
-    // What has not been used.
+    // What has not been used, and how many bytes that is.
+    size_t left() const { return static_cast<size_t>(last_ - first_); }
     std::vector<uint8_t> rest() const { return {first_, last_}; }
 
   private:
