@@ -14,6 +14,7 @@ import tempfile
 SCRIPTS = pathlib.Path(__file__).resolve().parents[2] / "script"
 # What each is given, and packages that it cannot do without.
 GIVEN = {
+    "agreement": ([], "g++-mingw-w64-i686-win32"), "mutants": ([], "libstb-dev"),
     "bench": ([], "libbenchmark-dev"), "coverage": ([], "gcovr"), "demo": ([], "cmake"), "docs": ([], "doxygen"),
     "format": (["--check"], "clang-format-14"), "fpc": (["32", "--prepare"], "fpc-source"), "fuzz": (["1"], "clang"),
     "package": ([], "debhelper"), "sign": (["key"], "minisign"), "soak": ([], "valgrind"),

@@ -99,6 +99,8 @@ HGLOBAL WINAPI Dib24Brightness(HGLOBAL dib, int32_t x, int32_t y, int32_t width,
                                int32_t level, int32_t* status) {
     RectOperation operation(dib, {x, y, width, height}, check_rect_24_32);
     operation.require(is_level(level));
+    if (!operation.passed(status))
+        return nullptr;
     const HGLOBAL result = operation.make(scaled(100, level * 255 / 100), status);
     if (result != nullptr && operation.source().bits() == 32)
         copy_mask_bytes(result, operation.source());
@@ -109,6 +111,8 @@ HGLOBAL WINAPI Dib24Contrast(HGLOBAL dib, int32_t x, int32_t y, int32_t width, i
                              int32_t level, int32_t* status) {
     RectOperation operation(dib, {x, y, width, height}, check_rect_24_32);
     operation.require(is_level(level));
+    if (!operation.passed(status))
+        return nullptr;
     return operation.make(scaled(level + 100, -128 * level / 100), status);
 }
 

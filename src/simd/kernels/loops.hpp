@@ -42,10 +42,8 @@ template<size_t step, typename F>
 [[gnu::always_inline]] inline bool each_step(size_t count, const F& block) {
     if (count < step)
         return false;
-    size_t i = 0;
-    for (; i + step < count; i += step)
-        block(i);
-    block(count - step);
+    for (size_t i = 0; i < count; i += step)
+        block(i + step <= count ? i : count - step);
     return true;
 }
 
