@@ -146,7 +146,7 @@ class Code(Case):
         self.assertEqual(made.returncode, 0, made.stdout + made.stderr)
 
     def test_c_compiles(self):
-        self.compile("code.c", "#include <kirvo.h>\n" + self.wrapped(
+        self.compile("code.c", "#include <kirvo_files.h>\n" + self.wrapped(
             "C", "int32_t step{}(HGLOBAL dib)\n{{", "return status;\n}"),
             "gcc", "-std=c99", "-fsyntax-only", f"-I{ROOT}/include")
 
@@ -155,16 +155,15 @@ class Code(Case):
             "C++", "void step{}(kirvo::Image dib)\n{{", "}"),
             "g++", "-std=c++17", "-fsyntax-only", f"-I{ROOT}/include")
 
-    # Where a comment names a second picture, the variable is the reader's to fill.
     def test_csharp_compiles(self):
         text = self.wrapped("C#", "static void Step{}(IntPtr dib) {{", "}")
-        text = re.sub(r"// (dib2) is the picture of .*", r"\1 = IntPtr.Zero;", text)
         self.compile("code.cs", f"using System;\nusing KirvoImaging;\nclass Steps {{\n{text}}}\n",
-                     "mcs", "-target:library", "-out:code.dll", f"{ROOT}/bindings/csharp/Kirvo.cs")
+                     "mcs", "-target:library", "-out:code.dll", f"{ROOT}/bindings/csharp/Kirvo.cs",
+                     f"{ROOT}/bindings/csharp/KirvoFiles.cs")
 
     def test_pascal_compiles(self):
         text = self.wrapped("Delphi", "procedure Step{}(dib: HGLOBAL);", "")
-        self.compile("code.pas", "{$MODE DELPHI}\nunit code;\ninterface\nuses Kirvo;\nimplementation\n"
+        self.compile("code.pas", "{$MODE DELPHI}\nunit code;\ninterface\nuses Kirvo, KirvoFiles;\nimplementation\n"
                      f"{text}end.\n", "fpc", "-Cn", f"-Fu{ROOT}/bindings/pascal", "-FU.", "-v0e")
 
     def test_python_makes_what_the_command_line_makes(self):
