@@ -3,6 +3,7 @@
 
 #include "simd/dct.hpp"
 #include "simd/kernel_types.hpp"
+#include "simd/weighted_sums.hpp"
 
 #include <cstring>
 #include <emmintrin.h>
@@ -176,29 +177,7 @@ struct Vector : VectorX86 {
     // A level without a byte shuffle has no table of 256 entries in registers.
     static constexpr bool has_table = false;
 
-    // Sums of three channels with weights from -128 to 127, as 16-bit numbers.
-    struct Weighted {
-        Halves blue, green, red;
-
-        explicit Weighted(const Planes& p)
-            : blue{widen_low8(p.blue), widen_high8(p.blue)},
-              green{widen_low8(p.green), widen_high8(p.green)}, red{widen_low8(p.red),
-                                                                    widen_high8(p.red)} {}
-        // Of luminance, 65,280 at most.
-        Halves luminance() const { return sums<29, 150, 77>(); }
-        template<int b, int g, int r>
-        Halves sums() const {
-            return {sum<b, g, r>(blue.low, green.low, red.low),
-                    sum<b, g, r>(blue.high, green.high, red.high)};
-        }
-
-      private:
-        template<int b, int g, int r>
-        static Register sum(Register blue, Register green, Register red) {
-            return add16(add16(multiply16(blue, all16(b)), multiply16(green, all16(g))),
-                         multiply16(red, all16(r)));
-        }
-    };
+    using Weighted = WeightedSums<Vector>;
 
     // Rows of blocks of 8 x 8 for the transforms: as many blocks as there are 16 bytes.
     static constexpr int blocks = 1;

@@ -4,6 +4,7 @@
 
 #include "simd/dct.hpp"
 #include "simd/kernel_types.hpp"
+#include "simd/weighted_sums.hpp"
 
 #include <array>
 #include <utility>
@@ -247,27 +248,7 @@ struct Vector {
     // Sixteen shuffles for a table of 256 bytes take as long as reading it.
     static constexpr bool has_table = false;
 
-    struct Weighted {
-        Halves blue, green, red;
-
-        explicit Weighted(const Planes& p)
-            : blue{widen_low8(p.blue), widen_high8(p.blue)},
-              green{widen_low8(p.green), widen_high8(p.green)}, red{widen_low8(p.red),
-                                                                    widen_high8(p.red)} {}
-        Halves luminance() const { return sums<29, 150, 77>(); }
-        template<int b, int g, int r>
-        Halves sums() const {
-            return {sum<b, g, r>(blue.low, green.low, red.low),
-                    sum<b, g, r>(blue.high, green.high, red.high)};
-        }
-
-      private:
-        template<int b, int g, int r>
-        static Register sum(Register blue, Register green, Register red) {
-            return add16(add16(multiply16(blue, all16(b)), multiply16(green, all16(g))),
-                         multiply16(red, all16(r)));
-        }
-    };
+    using Weighted = WeightedSums<Vector>;
 
     static constexpr int blocks = 1;
     static Register load_block_row(const int8_t* samples) { return wasm_i16x8_load8x8(samples); }
