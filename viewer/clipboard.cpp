@@ -84,9 +84,7 @@ std::wstring file_on(HWND window) {
 // What is selected, or all of it.
 void copy_picture(Viewer& viewer) {
     const SharedImage image = viewer.history.now();
-    const Worker::Turn turn(viewer.worker);
-    if (!turn)
-        return viewer.say("Still working");
+    const Worker::Turn turn(viewer.worker, Worker::Turn::Wait::yes);
     try {
         Image copy = duplicate(*image);
         if (const auto& part = viewer.view.selection()) {
