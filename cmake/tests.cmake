@@ -84,7 +84,7 @@ if(TARGET kirvo_view)
                                               tools/pictures/image.cpp tools/pictures/meaning.cpp
                                               tools/system/errors.cpp)
     target_include_directories(kirvo_viewer_tests PRIVATE viewer tools)
-    target_link_libraries(kirvo_viewer_tests PRIVATE kirvo_files)
+    target_link_libraries(kirvo_viewer_tests PRIVATE kirvo_files winspool)
     target_compile_definitions(kirvo_viewer_tests PRIVATE KIRVO_FUZZ="${PROJECT_SOURCE_DIR}/fuzz"
                                KIRVO_WORLD="${world}")
     set_tests_properties(kirvo_viewer_tests PROPERTIES RUN_SERIAL ON) # one keyboard, one clipboard
