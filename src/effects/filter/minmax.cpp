@@ -5,7 +5,7 @@
 // of them. Of larger squares these are joined from extremes of as many rows, made once for all
 // squares that contain them. Along the row runs grow fourfold until a few of them cover the square.
 //
-// Wide images are filtered in bands and strips, so that the rows of the squares stay in the cache.
+// An image is filtered in bands, after which the progress is told, and wide ones in strips.
 #include "image/rect_operation.hpp"
 #include "simd/kernels.hpp"
 
@@ -17,8 +17,8 @@ namespace {
 
 constexpr int32_t largest_radius = 64;
 constexpr int32_t most_abreast = 8; // squares
-constexpr int32_t kept_bytes = 512 << 10;
-constexpr int32_t strip_step = 64; // pixels: strips begin alike in the lines of the cache
+constexpr int32_t smallest_of_blocks =
+    32; // the side of a square that is worth the making of blocks
 
 // Rows of as many elements that start on cache lines.
 template<typename T>
@@ -94,7 +94,7 @@ struct Setting {
 class ChannelKind {
   public:
     using Element = uint8_t;
-    static constexpr int32_t widest_strip = 1 << 14, highest_reach = 384;
+    static constexpr int32_t strip = 1 << 14, highest_reach = 384;
     static size_t elements_of(const PixelFormat& format) {
         return format.has_byte_channels() ? format.bytes() : 3;
     }
@@ -153,7 +153,7 @@ class ChannelKind {
 class LuminanceKind {
   public:
     using Element = uint16_t; // score and row
-    static constexpr int32_t widest_strip = (1 << 11) - 2 * largest_radius, highest_reach = 256;
+    static constexpr int32_t strip = (1 << 11) - 2 * largest_radius, highest_reach = 256;
     static size_t elements_of(const PixelFormat&) { return 1; }
 
     LuminanceKind(const Setting& setting, size_t cells)
@@ -199,7 +199,7 @@ class LuminanceKind {
   private:
     static constexpr uint32_t column_bits = 11;
     static constexpr uint32_t column_mask = (1u << column_bits) - 1;
-    static_assert(widest_strip + 2 * largest_radius <= column_mask + 1);
+    static_assert(strip + 2 * largest_radius <= column_mask + 1);
 
     static uint32_t score(uint32_t key) { return key >> (8 + column_bits); }
 
@@ -251,11 +251,8 @@ class ExtremeFilter {
           reached_(side_ + abreast_ - 1), elements_(Kind::elements_of(setting.format)),
           band_(std::clamp(4 * side_, 64, Kind::highest_reach - 2 * setting.radius) / abreast_ *
                 abreast_),
-          strip_(
-              std::min(kept_bytes / (reached_ * static_cast<int32_t>(elements_ * sizeof(Element))),
-                       Kind::widest_strip) /
-              strip_step * strip_step),
-          cells_(static_cast<size_t>(std::min(setting.operation.rect().width, strip_) + side_ - 1)),
+          cells_(static_cast<size_t>(std::min(setting.operation.rect().width, Kind::strip) + side_ -
+                                     1)),
           kind_(setting, cells_), rows_(static_cast<uint64_t>(reached_), cells_ * elements_),
           blocks_(static_cast<uint64_t>(blocks()), cells_ * elements_),
           lines_(static_cast<uint64_t>(abreast_ + 1), cells_ * elements_) {}
@@ -269,7 +266,7 @@ class ExtremeFilter {
         PassProgress progress(rect.height);
         for (int64_t row = 0; row < rect.height; row += band_) {
             progress.reach(row);
-            for (int64_t column = 0; column < rect.width; column += strip_)
+            for (int64_t column = 0; column < rect.width; column += Kind::strip)
                 run_patch(patch_at(static_cast<int32_t>(row), static_cast<int32_t>(column)));
         }
         progress.reach(rect.height - 1);
@@ -284,7 +281,7 @@ class ExtremeFilter {
         patch.row = row;
         patch.rows = std::min(band_, rect.height - row);
         patch.column = column;
-        patch.columns = std::min(strip_, rect.width - column);
+        patch.columns = std::min(Kind::strip, rect.width - column);
         patch.first_row = bottom_row(image.height(), rect) + row - setting_.radius;
         patch.first_column = int64_t{rect.x} + column - setting_.radius;
         const int64_t cells = int64_t{patch.columns} + side_ - 1;
@@ -310,8 +307,8 @@ class ExtremeFilter {
         const Element* rows[2 * largest_radius + 2 * most_abreast];
         size_t n = 0;
         for (int32_t row = first; row < first + reached_;) {
-            const bool as_block = abreast_ == most_abreast && row % abreast_ == 0 && row != first &&
-                                  row + abreast_ <= first + side_;
+            const bool as_block = side_ >= smallest_of_blocks && row % abreast_ == 0 &&
+                                  row != first && row + abreast_ <= first + side_;
             rows[n++] = as_block ? block(patch, row) : cells(patch, row);
             row += as_block ? abreast_ : 1;
         }
@@ -358,7 +355,7 @@ class ExtremeFilter {
     int32_t abreast_; // squares taken together
     int32_t reached_; // rows that these contain
     size_t elements_; // of a cell
-    int32_t band_, strip_;
+    int32_t band_;
     size_t cells_; // in a row of a strip's reach
     Kind kind_;
     AlignedLines<Element> rows_, blocks_; // each in turn
