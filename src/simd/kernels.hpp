@@ -13,7 +13,8 @@ namespace kirvo {
 struct Kernels {
     // Rows of bytes, whatever they stand for. `to` may be `from` but in the first three, which
     // change `to` by `from`.
-    using BlendBytes = void (*)(uint8_t* to, const uint8_t* from, size_t bytes);
+    // Of what the first three make the bits stay that are set in kept, which repeats every 4 bytes.
+    using BlendBytes = void (*)(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept);
     BlendBytes add;      // at most 255
     BlendBytes average;  // rounded down
     BlendBytes subtract; // at least 0
