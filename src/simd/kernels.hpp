@@ -109,6 +109,7 @@ struct Kernels {
     using Means = void (*)(uint8_t* to, const uint8_t* from, ptrdiff_t row_step, size_t rows,
                            size_t count, int shift);
     Means means_of_2, means_of_4;
+    Means wide_means_of_2; // the same of pixels of 4 bytes
 
     // Pixels of 1, 2, 3 or 4 bytes rearranged; by the pixel's bytes less 1.
     // Pixel i of `to` becomes the one of `from` at byte offsets[i]. The byte before `from` may be

@@ -194,6 +194,9 @@ struct Vector : VectorAvx {
         Register part_[4];
     };
 
+    static Register even32(Register a, Register b) { return shuffle32<0x88>(a, b); }
+    static Register odd32(Register a, Register b) { return shuffle32<0xDD>(a, b); }
+
     static constexpr int blocks = 4;
     static Register load_block_row(const int8_t* samples) {
         return _mm512_cvtepi8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(samples)));
@@ -220,6 +223,12 @@ struct Vector : VectorAvx {
 
   private:
     static constexpr __mmask64 first_48 = 0x0000FFFFFFFFFFFF;
+
+    template<int places>
+    static Register shuffle32(Register a, Register b) {
+        return _mm512_castps_si512(
+            _mm512_shuffle_ps(_mm512_castsi512_ps(a), _mm512_castsi512_ps(b), places));
+    }
 
     // The permutes look at the low 7 and the low 6 bits of a place; its top bit says which holds.
     static Register moved_by(const Planes& p, const Places& places) {

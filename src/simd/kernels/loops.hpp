@@ -58,14 +58,14 @@ size_t elements_to_line(const uint8_t* to) {
     return bytes % size == 0 ? bytes / size : 0;
 }
 
-// As each_step, with all steps but the first and the last written to whole lines of the cache: a
-// vector as long as a line is otherwise written to two of them.
+// As each_step, with all steps but the first and the last written to whole lines of the cache, or to
+// whole vectors: one as long as a line would otherwise be written to two of them.
 template<size_t step, size_t size, typename F>
 [[gnu::always_inline]] inline bool each_aligned_step(const uint8_t* to, size_t count,
                                                      const F& block) {
     if (count < step)
         return false;
-    const size_t first = elements_to_line<size>(to);
+    const size_t first = elements_to_line<size>(to) % step;
     if (first != 0)
         block(0);
     for (size_t i = first; i < count; i += step)

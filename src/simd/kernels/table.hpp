@@ -79,6 +79,7 @@ constexpr Kernels table_of() {
         .add_to_sums32 = Sums::add_to_sums32,
         .means_of_2 = Sums::template means<2>,
         .means_of_4 = Sums::template means<4>,
+        .wide_means_of_2 = Sums::wide_means_of_2,
         .gather = {gather<1>, gather<2>, gather_24, gather<4>},
         .exchange_reversed = {Exchange::template exchange_reversed<1>,
                               Exchange::template exchange_reversed<2>,
