@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <opencv2/imgproc.hpp>
 #include <vector>
@@ -46,6 +47,18 @@ const std::vector<uint8_t>& photo_of_200_colours() {
         return made;
     }();
     return rows;
+}
+
+// The same bytes as a picture of half the width: rows of more than 65504 bits would overlap.
+HGLOBAL dib_of_200_colours() {
+    return kept([] {
+        const HGLOBAL dib =
+            DibMemAllocEx(static_cast<uint32_t>(photo_width / 2), 2 * photo_height, 24);
+        const std::vector<uint8_t>& rows = photo_of_200_colours();
+        std::memcpy(static_cast<uint8_t*>(GlobalLock(dib)) + 40, rows.data(), rows.size());
+        GlobalUnlock(dib);
+        return dib;
+    });
 }
 
 // A decoder that has got as far as to have its quantiser ready for rows of the photo's width: for a
@@ -114,8 +127,7 @@ const Row diffuse16_jpeg("reduce/diffuse16/libjpeg-turbo", libjpeg(JDITHER_FS));
 const Row ordered("reduce/ordered/ours", ours(Decrease256Fast));
 const Row ordered_jpeg("reduce/ordered/libjpeg-turbo", libjpeg(JDITHER_ORDERED));
 const Row palette200("reduce/200 colours/ours", [] {
-    const HGLOBAL dib = kept([] { return make_dib(photo_of_200_colours(), 24); });
-    return [dib] {
+    return [dib = dib_of_200_colours()] {
         int32_t status;
         GlobalFree(Decrease256PaletteEx(dib, 1, &status));
     };

@@ -28,6 +28,22 @@ namespace {
 
 size_t bgr_stride() { return size_t{3} * static_cast<size_t>(photo_width); }
 
+// Copies rows given from the top into a new packed DIB, bottom row first.
+HGLOBAL make_dib(const std::vector<uint8_t>& rows, int bits) {
+    HGLOBAL dib = DibMemAllocEx(photo_width, photo_height, static_cast<uint32_t>(bits));
+    auto* block = static_cast<uint8_t*>(GlobalLock(dib));
+    if (bits == 8)
+        for (int i = 0; i < 256; ++i)
+            std::memset(block + 40 + 4 * i, i, 3);
+    uint8_t* to = block + 40 + PaletteSize(block);
+    const auto height = static_cast<size_t>(photo_height);
+    const size_t stride = rows.size() / height;
+    for (size_t y = height; y-- > 0; to += stride)
+        std::memcpy(to, rows.data() + y * stride, stride);
+    GlobalUnlock(dib);
+    return dib;
+}
+
 // What libjpeg-turbo asks the environment for.
 void set_variable(const char* name, bool value) {
 #ifdef _WIN32
@@ -61,21 +77,6 @@ std::vector<uint8_t> encode(Jpeg kind, const JpegCoding& coding) {
 }
 
 } // namespace
-
-HGLOBAL make_dib(const std::vector<uint8_t>& rows, int bits) {
-    HGLOBAL dib = DibMemAllocEx(photo_width, photo_height, static_cast<uint32_t>(bits));
-    auto* block = static_cast<uint8_t*>(GlobalLock(dib));
-    if (bits == 8)
-        for (int i = 0; i < 256; ++i)
-            std::memset(block + 40 + 4 * i, i, 3);
-    uint8_t* to = block + 40 + PaletteSize(block);
-    const auto height = static_cast<size_t>(photo_height);
-    const size_t stride = rows.size() / height;
-    for (size_t y = height; y-- > 0; to += stride)
-        std::memcpy(to, rows.data() + y * stride, stride);
-    GlobalUnlock(dib);
-    return dib;
-}
 
 const std::vector<uint8_t>& photo_bgr() {
     static const std::vector<uint8_t> rows = [] {

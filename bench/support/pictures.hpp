@@ -21,9 +21,6 @@ HGLOBAL grey_dib(); // 8 bits, grey colour table
 HGLOBAL photo_of(int bits);
 HGLOBAL scratch_of(int bits);
 
-// A new packed DIB of rows given from the top, at 8 bits grey.
-HGLOBAL make_dib(const std::vector<uint8_t>& rows, int bits);
-
 // Rows from the top, without padding: blue, green, red, or grey.
 const std::vector<uint8_t>& photo_bgr();
 const std::vector<uint8_t>& photo_grey();
