@@ -13,7 +13,8 @@ namespace kirvo {
 struct Kernels {
     // Rows of bytes, whatever they stand for. `to` may be `from` but in the first three, which
     // change `to` by `from`.
-    using BlendBytes = void (*)(uint8_t* to, const uint8_t* from, size_t bytes);
+    // Of what the first three make the bits stay that are set in kept, which repeats every 4 bytes.
+    using BlendBytes = void (*)(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept);
     BlendBytes add;      // at most 255
     BlendBytes average;  // rounded down
     BlendBytes subtract; // at least 0
@@ -104,6 +105,7 @@ struct Kernels {
     using Means = void (*)(uint8_t* to, const uint8_t* from, ptrdiff_t row_step, size_t rows,
                            size_t count, int shift);
     Means means_of_2, means_of_4;
+    Means wide_means_of_2; // the same of pixels of 4 bytes
 
     // Pixels of 1, 2, 3 or 4 bytes rearranged; by the pixel's bytes less 1.
     // Pixel i of `to` becomes the one of `from` at byte offsets[i]. The byte before `from` may be

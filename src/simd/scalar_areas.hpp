@@ -98,16 +98,16 @@ void add_to_sums(Sum* sums, const uint8_t* row, size_t count) {
         sums[i] = static_cast<Sum>(sums[i] + row[i]);
 }
 
-template<size_t columns>
+template<size_t columns, size_t bytes>
 void means(uint8_t* to, const uint8_t* from, ptrdiff_t row_step, size_t rows, size_t count,
            int shift) {
-    for (size_t i = 0; i < count; ++i, to += 3, from += 3 * columns) {
-        uint32_t sums[3] = {};
+    for (size_t i = 0; i < count; ++i, to += bytes, from += bytes * columns) {
+        uint32_t sums[bytes] = {};
         const uint8_t* row = from;
         for (size_t k = 0; k < rows; ++k, row += row_step)
-            for (size_t at = 0; at < 3 * columns; ++at)
-                sums[at % 3] += row[at];
-        for (int c = 0; c < 3; ++c)
+            for (size_t at = 0; at < bytes * columns; ++at)
+                sums[at % bytes] += row[at];
+        for (size_t c = 0; c < bytes; ++c)
             to[c] = static_cast<uint8_t>(sums[c] >> shift);
     }
 }

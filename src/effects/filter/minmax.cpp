@@ -187,10 +187,7 @@ class LuminanceKind {
         const uint32_t* winners = keys_ + 2 * cells_;
         pick_along(keys_ + 2 * cells_, keys, columns, 1, side, kernels().highest32, keys_ + cells_,
                    keys_);
-        uint8_t* const result = setting_.result_pixels(patch, row);
-        uint8_t* const to = setting_.format.bits == 24 ? result : bgr_;
-        copy_winners(to, patch, winners, columns);
-        pack_row(setting_.format, to, result, columns);
+        copy_winners(setting_.result_pixels(patch, row), patch, winners, columns);
     }
 
     const Kernels::PickRows<uint16_t> (&pick_rows)[3];
@@ -201,9 +198,12 @@ class LuminanceKind {
     static constexpr uint32_t column_mask = (1u << column_bits) - 1;
     static_assert(strip + 2 * largest_radius <= column_mask + 1);
 
+    static constexpr Rgb black = {0, 0, 0}, white = {255, 255, 255};
+    static constexpr uint8_t ones[4] = {0xFF, 0xFF, 0xFF, 0xFF};
+
     static uint32_t score(uint32_t key) { return key >> (8 + column_bits); }
 
-    // The pixels wanted, from wherever they are, as 24-bit ones.
+    // The pixels wanted, from wherever they are.
     void copy_winners(uint8_t* to, const Patch& patch, const uint32_t* keys, size_t count) const {
         const LockedDib& source = setting_.operation.source();
         const Rows rows = setting_.from;
@@ -223,13 +223,17 @@ class LuminanceKind {
             offsets[i] = inside + ((first + row * stride + column * step - inside) & found);
             lacking |= unfound;
         }
-        auto* const pixels = reinterpret_cast<uint8_t*>(keys_ + cells_);
-        uint8_t* const gathered = setting_.format.bits == 24 ? to : pixels;
-        kernels().gather[bytes - 1](gathered, source.data(), offsets, count);
-        unpack_row(setting_.format, gathered, to, count);
+        kernels().gather[bytes - 1](to, source.data(), offsets, count);
+        if (bytes != 3)
+            kernels().keep_bits(to, to, bytes * count, channel_bits());
         for (size_t i = 0; lacking != 0 && i < count; ++i)
             if (score(keys[i]) == 0)
-                std::memset(to + 3 * i, setting_.maximum ? 0 : 255, 3);
+                setting_.format.store(to + bytes * i, setting_.maximum ? black : white);
+    }
+    // What of 4 bytes of pixels belongs to channels.
+    uint32_t channel_bits() const {
+        const uint32_t bits = setting_.format.pack(setting_.format.load(ones));
+        return setting_.format.bits == 16 ? bits * 0x10001u : bits;
     }
 
     const Setting& setting_;
