@@ -129,6 +129,11 @@ namespace KirvoImaging
     {
         const string Library = "KirvoFiles.dll";
 
+        static KirvoFilesCalls()
+        {
+            System.Runtime.CompilerServices.RuntimeHelpers.RunClassConstructor(typeof(Kirvo).TypeHandle); // finds libraries
+        }
+
         [DllImport(Library, ExactSpelling = true)]
         static extern uint KirvoFilesStatusText(KirvoStatus status, byte[] text, uint capacity);
         [DllImport(Library, ExactSpelling = true)]
@@ -255,12 +260,14 @@ namespace KirvoImaging
         {
             if (thrown != null)
                 return;
+            Kirvo.Watch(null); // what the report itself does is not reported
             try
             {
                 last = percent;
                 watch.Token.ThrowIfCancellationRequested();
                 if (watch.Progress != null)
                     watch.Progress.Report(percent);
+                Kirvo.Watch(Receive);
             }
             catch (Exception error)
             {
@@ -274,7 +281,6 @@ namespace KirvoImaging
         {
             IntPtr image;
             uint bytes;
-            Kirvo.KirvoSetProcess(IntPtr.Zero, 0, 0);
             Kirvo.JpgDecNext(IntPtr.Zero, 0, -1, out image);
             Kirvo.JpgCodNext(-1, out bytes);
             Kirvo.JpgCodNext_M(-1, out bytes);

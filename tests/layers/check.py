@@ -91,7 +91,7 @@ def check_cpp(folder):
     for compiler in compilers:
         for standard in ("c++17", "c++20"):
             program = folder / ("layer.exe" if WINDOWS else "layer")
-            run(compiler, f"-std={standard}", *flags, "-Wall", "-Wextra", "-Wconversion", "-pedantic", "-Werror",
+            run(compiler, f"-std={standard}", *flags, "-Wall", "-Wextra", "-Wconversion", "-Wshadow", "-pedantic", "-Werror",
                 f"-I{SOURCE}/include", SOURCE / "tests/layers/cpp.cpp", f"-L{FOLDER}", *libraries,
                 "-o", program)
             print(compiler, standard, run(program, folder))
