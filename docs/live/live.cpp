@@ -2,7 +2,7 @@
 // the calls of the library that they took as code.
 //
 // A page gives the first picture and, for effects of two pictures, the others by their names; then
-// it has steps done. Everything answers in plain C: live.js is the other side.
+// it has steps done. Everything answers in plain C: engine.js is the other side.
 
 #include "calls/code.hpp"
 #include "effects/effects.hpp"
