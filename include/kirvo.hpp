@@ -79,9 +79,11 @@ struct Range {
     int16_t lower = 0;          /**< the first value inside */
     int16_t upper = 0;          /**< the last value inside */
     Test test = Test::anything; /**< which values are kept */
-    /** As keep_channels takes it. */
+    /** As keep_channels takes it, whose values are 0 to 255. */
     operator uint32_t() const {
-        return static_cast<uint8_t>(lower) | uint32_t{static_cast<uint8_t>(upper)} << 8 |
+        if (lower < 0 || lower > 255 || upper < 0 || upper > 255)
+            throw Error(KIRVO_BAD_PARAMETER, "a range of channels is from 0 to 255");
+        return static_cast<uint32_t>(lower) | static_cast<uint32_t>(upper) << 8 |
                static_cast<uint32_t>(test) << 16;
     }
 };

@@ -118,6 +118,12 @@ namespace KirvoImaging
         /// <summary>TIFF: a KirvoFilesCompression.</summary>
         public int Compression;
         readonly uint reserved = 0;
+
+        internal KirvoSaveOptions Copy()
+        {
+            return (KirvoSaveOptions)MemberwiseClone();
+        }
+
         /// <summary>Dots an inch across.</summary>
         public double DpiAcross;
         /// <summary>Dots an inch down.</summary>
@@ -162,6 +168,8 @@ namespace KirvoImaging
         {
             if (name == null)
                 throw new ArgumentNullException("name");
+            if (name.IndexOf('\0') >= 0)
+                throw new ArgumentException("a name has no null character", "name");
             return Encoding.UTF8.GetBytes(name + "\0");
         }
 
@@ -444,7 +452,7 @@ namespace KirvoImaging
         /// <returns>the bytes</returns>
         public byte[] ToBytes(string format, KirvoSaveOptions options = null)
         {
-            KirvoSaveOptions how = options ?? new KirvoSaveOptions();
+            KirvoSaveOptions how = options != null ? options.Copy() : new KirvoSaveOptions();
             if (how.Format == 0)
                 how.Format = KirvoFilesCalls.KirvoFilesFormatOf(KirvoFilesCalls.Name(format));
             IntPtr made = IntPtr.Zero;

@@ -255,6 +255,9 @@ static void masks_and_ranges() {
     EXPECT(image.filter_3x3(from_above).get_pixel(1, 2) == kirvo::rgb(50, 100, 150));
     const kirvo::Range any{}, low{0, 120, kirvo::Test::inside};
     EXPECT(image.keep_channels(any, low, low).get_pixel(0, 0) == kirvo::rgb(50, 100, 0));
+    EXPECT(failure_of([&] {
+               image.keep_channels(kirvo::Range{0, 300}, low, low);
+           }).status() == KIRVO_BAD_PARAMETER);
     EXPECT(image.keep_colours(0x102, any, low, low).get_pixel(0, 0) == 0);
     EXPECT(image.separate()[2].get_pixel(0, 0) == kirvo::rgb(0, 0, 150));
     EXPECT(image.histogram().green[100] == 9 && image.count_colours() == 1);
