@@ -84,6 +84,7 @@ endif()
 if(TARGET kirvo_view)
     add_dependencies(kirvo_viewer_tests kirvo_view)
     target_sources(kirvo_viewer_tests PRIVATE tests/viewer/driver.cpp viewer/page.cpp viewer/locked.cpp
+                                              viewer/commands.cpp viewer/text.cpp
                                               tools/pictures/image.cpp tools/pictures/meaning.cpp
                                               tools/system/errors.cpp)
     target_include_directories(kirvo_viewer_tests PRIVATE viewer tools)
