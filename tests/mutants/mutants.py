@@ -15,6 +15,7 @@ import os
 import random
 import re
 import resource
+import shutil
 import signal
 import subprocess
 import sys
@@ -44,6 +45,7 @@ class Suite:
         self.build = self.tree / "build" / preset
         self.results = self.work / "results.json"
         self.ready = {}  # stages that pass without a change, with the digests of their programs
+        self.files = set()  # in the folder of the build
 
 
 # The first whose folder a path lies in. A stage is programs to be built and run, each with the tests
@@ -63,7 +65,7 @@ SUITES = (
     Suite("tools", "native", "kirvo_tool_tests",
           "ctest: kirvo_tool_[cimp]|kirvo_readme|kirvo_world: kirvo_tool kirvo_sample",
           "run: python3 ../../tests/tool/workers.py ./kirvo Workers: kirvo_tool"),
-    Suite("viewer", "win32", "kirvo_viewer_tests-*Hostile*:*World*", "kirvo_viewer_tests"),
+    Suite("viewer", "win32", "kirvo_viewer_tests-Viewer*", "kirvo_viewer_tests-*Hostile*:*World*"),
     Suite("bindings/python", "native", f"ctest: kirvo_layer_python|bindings_python: {BINDINGS}"),
     Suite("bindings/csharp", "native", f"ctest: kirvo_layer_csharp|bindings_csharp: {BINDINGS}"),
     Suite("bindings/pascal", "native", f"ctest: kirvo_layer_pascal|bindings_pascal: {BINDINGS}"),
@@ -204,6 +206,7 @@ def prepare(suite, stage):
     if (failure := failing_test(suite, stage, {})) is not None:
         sys.exit(f"without any change {failure} fails")
     suite.ready[stage] = {program: digest_of(suite, program) for program, _ in programs_of(stage)}
+    suite.files = set(suite.build.iterdir())
 
 
 def copy_tree(suite):
@@ -273,7 +276,8 @@ def main():
     for (file, number, line, changed), outcome in zip(chosen, outcomes):
         if passed(outcome):
             print(f"{file}:{number + 1}: no test notices\n  {line.strip()}\n  {changed.strip()}")
-    survivors, same = sum(map(passed, outcomes)), outcomes.count("the same programs")
+    survivors = sum(passed(outcome) > 0 for outcome in outcomes)
+    same = outcomes.count("the same programs")
     explained = outcomes.count("harmless")
     print(f"{name}: {len(chosen) - survivors - same - explained} noticed, {survivors} not noticed, "
           f"{same} make the same programs, {explained} known to change nothing")
@@ -322,6 +326,8 @@ def try_change(suite, stage, change):
         return failing_test(suite, stage, suite.ready[stage])
     finally:
         copy.write_bytes(original)
+        for left in set(suite.build.iterdir()) - suite.files:  # by a program that has gone astray
+            shutil.rmtree(left) if left.is_dir() else left.unlink()
 
 
 sys.exit(main())
