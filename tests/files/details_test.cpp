@@ -78,7 +78,7 @@ class TiffFile {
                   [](const Entry& a, const Entry& b) { return a.tag < b.tag; });
         Bytes all =
             little_ ? Bytes{'I', 'I', 42, 0, 8, 0, 0, 0} : Bytes{'M', 'M', 0, 42, 0, 0, 0, 8};
-        Bytes far = pixels;
+        Bytes behind = pixels;
         add(all, number_bytes(static_cast<uint32_t>(entries_.size()), 2));
         for (const Entry& entry : entries_) {
             add(all, number_bytes(entry.tag, 2));
@@ -86,15 +86,15 @@ class TiffFile {
             add(all, number_bytes(entry.count, 4));
             Bytes value = entry.value;
             if (value.size() > 4) {
-                far.resize((far.size() + 1) / 2 * 2);
-                value = number_bytes(static_cast<uint32_t>(pixels_at + far.size()), 4);
-                add(far, entry.value);
+                behind.resize((behind.size() + 1) / 2 * 2);
+                value = number_bytes(static_cast<uint32_t>(pixels_at + behind.size()), 4);
+                add(behind, entry.value);
             }
             value.resize(4);
             add(all, value);
         }
         add(all, {0, 0, 0, 0});
-        add(all, far);
+        add(all, behind);
         return all;
     }
     Bytes number_bytes(uint32_t value, uint32_t count) const {
@@ -329,6 +329,7 @@ TEST(MetadataDetails, numbers_of_every_kind_are_understood) {
     EXPECT_EQ(exposure_of(5, 1, {4, 0, 0, 0, 0, 0, 0, 0}), ""); // divided by 0
 }
 
+#ifndef _WIN32 // whose systems do not all know such pictures
 TEST(TiffDetails, pixels_of_two_bits_are_read) {
     TiffFile grey;
     grey.number(258, 3, 2);
@@ -338,7 +339,6 @@ TEST(TiffDetails, pixels_of_two_bits_are_read) {
     for (uint32_t y = 0; y < 2; ++y)
         for (uint32_t x = 0; x < 5; ++x)
             EXPECT_EQ(opened.pixel(x, y), levels[y][x] * 0x555555);
-#ifndef _WIN32 // the system has no such pictures
     EXPECT_EQ(opened.bits(), 4u);
     TiffFile colours;
     const Bytes twos = {2, 0, 2, 0, 2, 0};
@@ -348,8 +348,8 @@ TEST(TiffDetails, pixels_of_two_bits_are_read) {
     ASSERT_EQ(rgb.status, KIRVO_FILES_OK) << rgb.text(KIRVO_FILES_TEXT_REASON);
     EXPECT_EQ(rgb.pixel(0, 0), 0x0055AAu);
     EXPECT_EQ(rgb.pixel(1, 0), 0xFFAA55u);
-#endif
 }
+#endif
 
 TEST(TiffDetails, what_it_says_of_its_camera_becomes_exif_in_either_byte_order) {
     for (bool little : {true, false}) {
