@@ -14,12 +14,15 @@ else()
     list(FILTER kirvo_sources EXCLUDE REGEX "_wasm\\.cpp$")
 endif()
 
-# The 32-bit DLL is kept small where speed does not notice: files without loops over pixels.
+# The 32-bit DLL is kept small where that takes no time: in files that work once a call, at the speed
+# of a disk, or whose rows go to the kernels.
 if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
     set(kirvo_small_dll TRUE)
 endif()
-string(CONCAT kirvo_done_once_a_call "^src/(formats|platform)/|"
+string(CONCAT kirvo_small_files "^src/(formats|platform)/|"
        "^src/image/(dib|masks|palette|pixel_api|progress|rect_operation|window)\\.|"
+       "^src/effects/filter/(blur|sharpen)\\.|^src/effects/geometry/turn\\.|"
+       "^src/effects/tone/(gamma|hue|levels|point|range_filter)\\.|"
        "^src/jpeg/(de|en)code/(api|encoder|headers|info_api|markers|scan|settings|state)\\.")
 
 # The names of the levels' files decide which instructions they may use.
@@ -45,7 +48,7 @@ foreach(source IN LISTS kirvo_sources)
             list(APPEND source_flags -falign-loops=64)
         endif()
     endif()
-    if(kirvo_small_dll AND source MATCHES "${kirvo_done_once_a_call}")
+    if(kirvo_small_dll AND source MATCHES "${kirvo_small_files}")
         list(APPEND source_flags -Os)
     endif()
     set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${source_flags}")
