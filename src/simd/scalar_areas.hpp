@@ -74,24 +74,22 @@ T of(T a, T b) {
     return which == highest ? std::max(a, b) : std::min(a, b);
 }
 
-template<typename T, Extreme which>
-void pick(T* to, const T* a, const T* b, size_t count) {
-    for (size_t i = 0; i < count; ++i)
-        to[i] = of<which>(a[i], b[i]);
-}
-
-template<typename T, Extreme which>
-void pick_two(T* to, T* running, const T* row, const T* other, size_t count) {
+template<typename T, Extreme which, int rows>
+void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        running[i] = of<which>(running[i], row[i]);
-        to[i] = of<which>(running[i], other[i]);
+        const T third = rows > 2 ? c[i] : a[i], fourth = rows > 3 ? d[i] : b[i];
+        to[i] = of<which>(of<which>(a[i], b[i]), of<which>(third, fourth));
     }
 }
 
-template<typename T, Extreme which>
-void pick_four(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
-    for (size_t i = 0; i < count; ++i)
-        to[i] = of<which>(of<which>(a[i], b[i]), of<which>(c[i], d[i]));
+template<typename T, Extreme which, size_t windows>
+void pick_rows(T* const* to, const T* const* rows, size_t n, size_t count) {
+    for (size_t window = 0; window < windows; ++window, ++to, ++rows) {
+        std::copy_n(*rows, count, *to);
+        for (size_t k = 1; k < n; ++k)
+            for (size_t i = 0; i < count; ++i)
+                (*to)[i] = of<which>((*to)[i], rows[k][i]);
+    }
 }
 
 template<typename Sum>

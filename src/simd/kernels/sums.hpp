@@ -10,32 +10,46 @@ namespace {
 // does not change an extreme.
 template<typename V, typename T, auto of>
 struct ExtremeKernels {
+    using Register = typename V::Register;
     static constexpr size_t step = V::size / sizeof(T);
 
-    template<Kernels::Pick<T> Kernels::*rest>
-    static void pick(T* to, const T* a, const T* b, size_t count) {
-        const auto block = [&](size_t i) { V::store(to + i, of(V::load(a + i), V::load(b + i))); };
-        if (!each_step<step>(count, block))
-            (scalar::kernels.*rest)(to, a, b, count);
-    }
-    template<Kernels::PickTwo<T> Kernels::*rest>
-    static void pick_two(T* to, T* running, const T* row, const T* other, size_t count) {
+    template<int rows, Kernels::Pick<T> (Kernels::*rest)[3]>
+    static void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
         const auto block = [&](size_t i) {
-            const auto now = of(V::load(running + i), V::load(row + i));
-            V::store(running + i, now);
-            V::store(to + i, of(now, V::load(other + i)));
+            Register extreme = of(V::load(a + i), V::load(b + i));
+            if constexpr (rows == 3)
+                extreme = of(extreme, V::load(c + i));
+            if constexpr (rows == 4)
+                extreme = of(extreme, of(V::load(c + i), V::load(d + i)));
+            V::store(to + i, extreme);
         };
         if (!each_step<step>(count, block))
-            (scalar::kernels.*rest)(to, running, row, other, count);
+            (scalar::kernels.*rest)[rows - 2](to, a, b, c, d, count);
     }
-    template<Kernels::PickFour<T> Kernels::*rest>
-    static void pick_four(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
+
+    // All windows share the rows from where the last one begins to where the first one ends.
+    template<int windows, Kernels::PickRows<T> (Kernels::*rest)[3]>
+    [[gnu::flatten]] static void pick_rows(T* const* to, const T* const* rows, size_t n,
+                                           size_t count) {
         const auto block = [&](size_t i) {
-            V::store(to + i,
-                     of(of(V::load(a + i), V::load(b + i)), of(V::load(c + i), V::load(d + i))));
+            const auto at = [&](size_t k) { return V::load(rows[k] + i); };
+            Register to_shared[windows], shared = at(windows - 1), after = at(n);
+            for (size_t k = windows; k < n; ++k)
+                shared = of(shared, at(k));
+            to_shared[windows - 1] = shared;
+#pragma GCC unroll 8
+            for (size_t k = 1; k < windows; ++k)
+                to_shared[windows - 1 - k] = of(to_shared[windows - k], at(windows - 1 - k));
+            V::store(to[0] + i, to_shared[0]);
+            V::store(to[1] + i, of(to_shared[1], after));
+#pragma GCC unroll 8
+            for (size_t k = 2; k < windows; ++k) {
+                after = of(after, at(n + k - 1));
+                V::store(to[k] + i, of(to_shared[k], after));
+            }
         };
         if (!each_step<step>(count, block))
-            (scalar::kernels.*rest)(to, a, b, c, d, count);
+            (scalar::kernels.*rest)[windows / 4](to, rows, n, count);
     }
 };
 
