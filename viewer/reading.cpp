@@ -1,5 +1,6 @@
 #include "reading.hpp"
 
+#include "progress.hpp"
 #include "system/errors.hpp"
 #include "text.hpp"
 #include "trace.hpp"
@@ -146,9 +147,8 @@ Opened read_picture_file(const Reading& reading) {
     int32_t status = KIRVO_FILES_NOT_A_PICTURE;
     Opened result;
     if (!bytes.empty()) {
-        KirvoSetProcess(reading.progress, reading.command, 1);
+        const Progress progress(reading.progress, reading.command);
         result = opened(bytes, KIRVO_FILES_KEEP_GOING, status);
-        KirvoSetProcess(nullptr, 0, 0);
     }
     if (status == KIRVO_FILES_NOT_A_PICTURE) {
         KirvoFilesOpenOptions options = {};
