@@ -9,6 +9,7 @@ for those that tests/mutants/harmless.txt names with the reason why they change 
 when there is a survivor.
 """
 
+import fcntl
 import hashlib
 import json
 import os
@@ -33,6 +34,7 @@ LIBRARY = ("kirvo_kernel_tests kirvo_internal_simd_tests kirvo_internal_image_te
            "kirvo_effects_compose_tests kirvo_effects_draw_tests kirvo_reduce_tests "
            "kirvo_jpeg_tests kirvo_formats_tests kirvo_interface_tests kirvo_safety_tests")
 BINDINGS = "kirvo kirvo_files kirvo_tool"
+CURRENT = f"ctest: kirvo_bindings_current: {BINDINGS}"  # as the description of the interface has it
 
 
 class Suite:
@@ -66,11 +68,11 @@ SUITES = (
           "ctest: kirvo_tool_[cimp]|kirvo_readme|kirvo_world: kirvo_tool kirvo_sample",
           "run: python3 ../../tests/tool/workers.py ./kirvo Workers: kirvo_tool"),
     Suite("viewer", "win32", "kirvo_viewer_tests-Viewer*", "kirvo_viewer_tests-*Hostile*:*World*"),
-    Suite("bindings/python", "native", f"ctest: kirvo_layer_python|bindings_python: {BINDINGS}"),
-    Suite("bindings/csharp", "native", f"ctest: kirvo_layer_csharp|bindings_csharp: {BINDINGS}"),
-    Suite("bindings/pascal", "native", f"ctest: kirvo_layer_pascal|bindings_pascal: {BINDINGS}"),
-    Suite("bindings/vb", "native", f"ctest: kirvo_layer_effects|bindings_basic: {BINDINGS}"),
-    Suite("include", "native", f"ctest: kirvo_layer_cpp: {BINDINGS}"),
+    Suite("bindings/python", "native", f"ctest: kirvo_layer_python|bindings_python: {BINDINGS}", CURRENT),
+    Suite("bindings/csharp", "native", f"ctest: kirvo_layer_csharp|bindings_csharp: {BINDINGS}", CURRENT),
+    Suite("bindings/pascal", "native", f"ctest: kirvo_layer_pascal|bindings_pascal: {BINDINGS}", CURRENT),
+    Suite("bindings/vb", "native", f"ctest: kirvo_layer_effects|bindings_basic: {BINDINGS}", CURRENT),
+    Suite("include", "native", f"ctest: kirvo_layer_cpp: {BINDINGS}", CURRENT),
 )
 ENDINGS = (".cpp", ".hpp", ".py", ".cs", ".pas", ".cls", ".bas")
 
@@ -258,6 +260,11 @@ def main():
     random.Random(f"{name} {seed}").shuffle(candidates)
 
     suite.work.mkdir(parents=True, exist_ok=True)
+    lock = (suite.work / "lock").open("w")
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError:
+        sys.exit(f"another run is at work on {suite.folder}")
     copy_tree(suite)
     results = json.loads(suite.results.read_text()) if suite.results.exists() else {}
     results = {key: outcome for key, outcome in results.items() if not passed(outcome)}
