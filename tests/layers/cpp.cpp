@@ -163,6 +163,26 @@ static void depths_that_a_function_takes_stay() {
         }
 }
 
+static void changes_are_made_at_every_direct_depth() {
+    const uint32_t white = kirvo::rgb(255, 255, 255);
+    for (const int bits : {16, 24, 32}) {
+        const Image before = plain(bits);
+        const uint32_t old = before.get_pixel(5, 4);
+        for (const bool wide : {false, true}) {
+            Image image = plain(bits);
+            image.set_pixel(4, 4, white);
+            EXPECT(image.get_pixel(4, 4) != old);
+            wide ? image.mix_5x5(4, 4) : image.mix_3x3(4, 4);
+            EXPECT(image.get_pixel(5, 4) != old);
+        }
+        Image image = plain(bits);
+        image.set_line(2, 3, 1, white);
+        EXPECT(image.get_pixel(2, 1) != old && image.get_pixel(4, 1) == old);
+        image.paste(Image::solid(1, 1, white), {7, 7});
+        EXPECT(image.get_pixel(7, 7) != old && image.get_pixel(6, 7) == old);
+    }
+}
+
 static void defaults_are_those_of_the_documentation() {
     kirvo::SaveOptions jpeg;
     jpeg.format = KIRVO_FILES_JPEG;
@@ -345,6 +365,7 @@ int main(int argc, char** argv) {
         effects_take_areas_and_options();
         other_depths_become_24_bits_first();
         depths_that_a_function_takes_stay();
+        changes_are_made_at_every_direct_depth();
         defaults_are_those_of_the_documentation();
         errors_say_what_and_why();
         files_of_any_name_are_saved_and_opened(argc > 1 ? argv[1] : ".");
