@@ -34,6 +34,7 @@ LIBRARY = ("kirvo_kernel_tests kirvo_internal_simd_tests kirvo_internal_image_te
            "kirvo_effects_compose_tests kirvo_effects_draw_tests kirvo_reduce_tests "
            "kirvo_jpeg_tests kirvo_formats_tests kirvo_interface_tests kirvo_safety_tests")
 BINDINGS = "kirvo kirvo_files kirvo_tool"
+LAYERS = f"ctest: kirvo_layer_(depths|effects): {BINDINGS}"
 CURRENT = f"ctest: kirvo_bindings_current: {BINDINGS}"  # as the description of the interface has it
 
 
@@ -68,11 +69,15 @@ SUITES = (
           "ctest: kirvo_tool_[cimp]|kirvo_readme|kirvo_world: kirvo_tool kirvo_sample",
           "run: python3 ../../tests/tool/workers.py ./kirvo Workers: kirvo_tool"),
     Suite("viewer", "win32", "kirvo_viewer_tests-Viewer*", "kirvo_viewer_tests-*Hostile*:*World*"),
-    Suite("bindings/python", "native", f"ctest: kirvo_layer_python|bindings_python: {BINDINGS}", CURRENT),
-    Suite("bindings/csharp", "native", f"ctest: kirvo_layer_csharp|bindings_csharp: {BINDINGS}", CURRENT),
-    Suite("bindings/pascal", "native", f"ctest: kirvo_layer_pascal|bindings_pascal: {BINDINGS}", CURRENT),
-    Suite("bindings/vb", "native", f"ctest: kirvo_layer_effects|bindings_basic: {BINDINGS}", CURRENT),
-    Suite("include", "native", f"ctest: kirvo_layer_cpp: {BINDINGS}", CURRENT),
+    Suite("bindings/python", "native", LAYERS,
+          f"ctest: kirvo_layer_python|bindings_python: {BINDINGS}", CURRENT),
+    Suite("bindings/csharp", "native", LAYERS,
+          f"ctest: kirvo_layer_csharp|bindings_csharp: {BINDINGS}", CURRENT),
+    Suite("bindings/pascal", "native", LAYERS,
+          f"ctest: kirvo_layer_pascal|bindings_pascal: {BINDINGS}", CURRENT),
+    Suite("bindings/vb", "native", LAYERS,
+          f"ctest: bindings_basic: {BINDINGS}", CURRENT),
+    Suite("include", "native", LAYERS, f"ctest: kirvo_layer_cpp: {BINDINGS}", CURRENT),
 )
 ENDINGS = (".cpp", ".hpp", ".py", ".cs", ".pas", ".cls", ".bas")
 
