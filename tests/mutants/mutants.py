@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Changes one thing in the source at a time and looks whether a test fails: mutants.py PATH COUNT SEED
 
-Works on a copy of the tree in build/mutants, one for each suite of tests below, with a build of its
-own, so that two suites can be at work side by side. Which changes are made, and in which order,
+Works on a copy of the tree in build/mutants, one for each room (the object layers share theirs), with
+a build of its own, so that two rooms can be at work side by side. Which changes are made, and in which order,
 depends on the path and the seed alone; what became of each is kept beside the copy in results.json,
 and a change that a test has noticed is not made again. One that none has noticed is a survivor, but
 for those that tests/mutants/harmless.txt names with the reason why they change nothing. Ends with 1
@@ -43,7 +43,8 @@ class Suite:
 
     def __init__(self, folder, preset, *stages):
         self.folder, self.preset, self.stages = folder, preset, stages
-        self.work = SOURCE / "build" / "mutants" / folder.replace("/", "_")
+        room = folder.split("/")[0]
+        self.work = SOURCE / "build" / "mutants" / ("include" if room == "bindings" else room)
         self.tree = self.work / "tree"
         self.build = self.tree / "build" / preset
         self.results = self.work / "results.json"
