@@ -5,6 +5,8 @@
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
+#include <bit>
+
 namespace {
 
 using namespace kirvo_bench;
@@ -147,6 +149,21 @@ const Row colours_opencv("filter/colours/opencv", opencv([](const cv::Mat& photo
                              });
                              result = cv::Mat(1, 1, CV_32S, cv::Scalar(cv::countNonZero(seen)));
                          }));
+
+const Row colours_loop("filter/colours/plain loop", [] {
+    return [seen = std::vector<uint32_t>(1 << 19)]() mutable {
+        std::fill(seen.begin(), seen.end(), 0);
+        const std::vector<uint8_t>& bgr = photo_bgr();
+        for (size_t i = 0; i < bgr.size(); i += 3) {
+            const uint32_t colour = bgr[i] | uint32_t{bgr[i + 1]} << 8 | uint32_t{bgr[i + 2]} << 16;
+            seen[colour / 32] |= 1u << colour % 32;
+        }
+        int count = 0;
+        for (const uint32_t word : seen)
+            count += std::popcount(word);
+        __asm__ volatile("" : : "r"(count)); // it is wanted
+    };
+});
 
 const Row range("filter/range of hues/ours", ours([](HGLOBAL photo, int32_t* status) {
                     return Dib24FilterEx(photo, 0, 0, w, h, 20 << 16 | 0x202, 1 << 16 | 140, 0, 0,

@@ -67,7 +67,7 @@ endif()
 # A test of a fuzzer replays its corpora, the grown one too, and goes on for some seconds. Its seed
 # is fixed, so that no change is refused for what chance finds elsewhere; script/fuzz draws others.
 enable_testing()
-set(KIRVO_FUZZ_SECONDS 20 CACHE STRING "Seconds that a test fuzzes each target")
+set(KIRVO_FUZZ_SECONDS 8 CACHE STRING "Seconds that a test fuzzes each target")
 add_custom_target(kirvo_fuzzers ALL)
 foreach(source IN LISTS fuzz_targets)
     cmake_path(GET source STEM name)

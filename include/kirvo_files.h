@@ -226,9 +226,10 @@ typedef struct KirvoFilesOpenOptions {
  * of a channel are reduced to 8; CMYK becomes RGB without a profile. A note tells each of these.
  *
  *  A baseline JPEG that Kirvo's decoder is made for is decoded by it, one of 12 bits a channel by
- *  this library, every other by libjpeg-turbo or the system. A picture that ends early or is damaged is refused with
- *  #KIRVO_FILES_ENDS_EARLY or #KIRVO_FILES_DAMAGED; with #KIRVO_FILES_KEEP_GOING it opens with a
- *  note, and KirvoFilesDescription.wholeRows says how much of it is good.
+ *  this library, every other by libjpeg-turbo or the system. A picture that ends early or is
+ *  damaged is refused with #KIRVO_FILES_ENDS_EARLY or #KIRVO_FILES_DAMAGED; with
+ *  #KIRVO_FILES_KEEP_GOING it opens with a note, and KirvoFilesDescription.wholeRows says how much
+ *  of it is good.
  *
  *  A claim is too large when the picture would take more than 64 MB and more than 1500 bytes of it
  *  for each byte of the file, more than any of the formats packs real pictures into; or more than
@@ -554,8 +555,9 @@ typedef enum KirvoFilesEdges {
     KIRVO_FILES_EDGES_KEEP = 2  /**< they stay where they are, unturned; a note says so */
 } KirvoFilesEdges;
 
-/** Turns a JPEG without loss: a baseline one on every system, others (progressive, arithmetic
- *  coding) where the library is built with libjpeg-turbo. An orientation that the file has counts
+/** Turns a JPEG without loss: baseline, extended and progressive ones on every system, those with
+ *  arithmetic coding where the library is built with libjpeg-turbo. A progressive file stays one,
+ *  several scans of another become one. An orientation that the file has counts
  *  first: what people see is what is turned. Metadata stays, orientation becomes 1, sizes are
  *  updated and the thumbnail is dropped. Both names may be the same.
  *  @param source the file to turn

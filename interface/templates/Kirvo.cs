@@ -48,10 +48,19 @@ namespace KirvoImaging
 #if NET5_0_OR_GREATER
         static Kirvo()
         {
-            if (!OperatingSystem.IsWindows())
+            if (OperatingSystem.IsWindows())
+                return;
+            try
+            {
                 NativeLibrary.SetDllImportResolver(typeof(Kirvo).Assembly, (name, assembly, path) =>
                     NativeLibrary.Load(name == Library ? "libkirvo.so" : "libkirvofiles.so",
                         assembly, path));
+            }
+            catch (InvalidOperationException)
+            {
+                // The program has a resolver: its own, or that of KirvoFiles.cs, which knows both
+                // libraries.
+            }
         }
 #endif
     }

@@ -242,8 +242,17 @@ class Jpeg(Folder):
         picture().save(self.folder / "colour.ppm")
         turns = {1: "-rotate 90", 2: "-rotate 180", 3: "-rotate 270", 4: "-flip vertical",
                  5: "-flip horizontal"}
+        finer = self.folder / "finer"  # the first coefficient in four passes, bits one by one
+        finer.write_text("0: 0-0, 0, 3; 1 2: 0-0, 0, 0; 0: 0-0, 3, 2; 0: 0-0, 2, 1; 0: 0-0, 1, 0;"
+                         "0: 1-63, 0, 3; 0: 1-63, 3, 2; 0: 1-63, 2, 1; 0: 1-63, 1, 0;"
+                         "1: 1-63, 0, 0; 2: 1-1, 0, 0; 2: 2-63, 0, 0;")
+        each = self.folder / "each"
+        each.write_text("0; 1; 2;")
         options = ["", "-sample 1x1", "-sample 2x1", "-sample 1x2", "-sample 4x1", "-grayscale",
-                   "-restart 2B", "-optimize", "-progressive", "-arithmetic"]
+                   "-restart 2B", "-optimize", "-arithmetic", "-quality 3", "-progressive",
+                   "-progressive -grayscale", "-progressive -restart 1B -quality 98",
+                   "-progressive -sample 1x2,1x1,2x2", "-rgb -progressive", f"-scans {finer}",
+                   f"-scans {finer} -sample 1x1", f"-scans {each}", f"-scans {each} -restart 2B"]
         source, ours, theirs = (self.folder / name for name in ("s.jpg", "ours.jpg", "theirs.jpg"))
         for option, (turning, words), edges in itertools.product(options, turns.items(), (1, 2)):
             source.write_bytes(run("cjpeg", "-quality", "80", *option.split(),
@@ -254,6 +263,8 @@ class Jpeg(Folder):
             trim = ["-trim"] if edges == 1 else []
             theirs.write_bytes(run("jpegtran", *words.split(), *trim, source))
             self.assertEqual(run("djpeg", ours), run("djpeg", theirs), f"{option} {words} {trim}")
+            kinds = [b"\xff\xc2" in path.read_bytes() for path in (source, ours)]
+            self.assertEqual(*kinds, f"{option}: progressive files stay so, and no other becomes one")
 
     def test_cmyk(self):
         paths = self.write([("cmyk.jpg", "colour", "-colorspace", "CMYK", "-quality", "95")])

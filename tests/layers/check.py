@@ -52,6 +52,8 @@ def check_effects(folder):
         for function in layers.covered - {one for names in layers.same.values() for one in names}:
             if not re.search(rf"\b{function}\b", text):
                 missing.append(f"{path}: {function} is not called")
+    typed = (SOURCE / "tests/layers/typed.py").read_text() # which calls each of them
+    missing += [f"typed.py: no {name}" for name in layers.names if f".{name}(" not in typed]
     assert not missing, "\n".join(missing)
 
 
@@ -141,7 +143,7 @@ def check_cpp(folder):
     for compiler in compilers:
         for standard in ("c++17", "c++20"):
             program = folder / ("layer.exe" if WINDOWS else "layer")
-            run(compiler, f"-std={standard}", *flags, "-Wall", "-Wextra", "-Wconversion", "-pedantic", "-Werror",
+            run(compiler, f"-std={standard}", *flags, "-Wall", "-Wextra", "-Wconversion", "-Wshadow", "-pedantic", "-Werror",
                 f"-I{SOURCE}/include", SOURCE / "tests/layers/cpp.cpp", f"-L{FOLDER}", *libraries,
                 "-o", program)
             print(compiler, standard, run(program, folder))

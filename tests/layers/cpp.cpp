@@ -6,6 +6,7 @@
 #include <fstream>
 #include <functional>
 #include <thread>
+#include <type_traits>
 
 namespace fs = std::filesystem;
 using kirvo::Image;
@@ -15,6 +16,9 @@ using kirvo::Image;
 #else
 #define PHOTO fs::u8path("写真 ü.bmp")
 #endif
+
+static_assert(std::is_nothrow_move_constructible_v<Image> && !std::is_copy_constructible_v<Image>);
+static_assert(std::is_same_v<decltype(std::declval<const Image&>().rows()), kirvo::ConstRows>);
 
 static int failures = 0;
 
@@ -237,6 +241,41 @@ static void errors_say_what_and_why() {
            KIRVO_FILES_NOT_A_PICTURE);
 }
 
+static void what_is_no_picture_is_told() {
+    Image first = striped(4, 3);
+    Image second = std::move(first);
+    EXPECT(failure_of([&] { first.width(); }).status() == KIRVO_NULL_HANDLE);
+    EXPECT(failure_of([&] { first.sharpen(); }).status() == KIRVO_NULL_HANDLE);
+    EXPECT(failure_of([&] { first.save("never.bmp"); }).status() == KIRVO_NULL_HANDLE);
+    first = second.mirror();
+    EXPECT(first.width() == 4 && second.width() == 4);
+    const Image stub = Image::adopt(GlobalAlloc(GMEM_MOVEABLE, 20)); // half a header
+    EXPECT(failure_of([&] { stub.width(); }).status() == KIRVO_BAD_PARAMETER);
+    EXPECT(failure_of([&] { stub.rows(); }).status() == KIRVO_BAD_PARAMETER);
+    const kirvo::Area outside = {INT32_MIN, INT32_MIN};
+    EXPECT(failure_of([&] { second.brightness(1, outside); }).status() == KIRVO_BAD_PARAMETER);
+}
+
+static void files_tell_of_themselves(const fs::path& folder) {
+    const fs::path name = folder / PHOTO;
+    striped(7, 5).save(name);
+    const kirvo::File file = kirvo::File::read(name);
+    EXPECT(file.description().width == 7 && file.description().height == 5);
+    EXPECT(file.description().format == KIRVO_FILES_BMP && file.notes().empty());
+    EXPECT(!file.text(KIRVO_FILES_TEXT_VARIANT).empty() && file.text(-1).empty());
+    EXPECT(Image::open(name).file().description().fileBytes == fs::file_size(name));
+    EXPECT(Image(1, 1).file().handle() == nullptr);
+    EXPECT(failure_of([&] { kirvo::File::read(folder / "none.bmp"); }).status() ==
+           KIRVO_FILES_MISSING);
+    kirvo::File fresh;
+    EXPECT(fresh.description().width == 0 && fresh.data(KIRVO_FILES_DATA_EXIF).empty());
+    fresh.set_data(KIRVO_FILES_DATA_COMMENT, "said", 4);
+    EXPECT(fresh.data(KIRVO_FILES_DATA_COMMENT) == std::vector<uint8_t>({'s', 'a', 'i', 'd'}));
+    kirvo::File moved = std::move(fresh);
+    EXPECT(moved.data(KIRVO_FILES_DATA_COMMENT).size() == 4);
+    EXPECT(*moved.receiver() == nullptr && moved.data(KIRVO_FILES_DATA_COMMENT).empty());
+}
+
 static void files_of_any_name_are_saved_and_opened(const fs::path& folder) {
     const fs::path name = folder / PHOTO;
     const Image image = striped(7, 5);
@@ -270,6 +309,19 @@ static void progress_may_throw() {
     const size_t before = seen.size();
     image.blur();
     EXPECT(seen.size() == before); // the watch has ended
+
+    const kirvo::Watch silent{kirvo::Progress()};
+    EXPECT(image.blur().width() == 64);
+
+    int reports = 0;
+    {
+        const kirvo::Watch watch([&](int) {
+            image.mirror().crop(0, 0, 8, 8).blur(); // of which nothing is reported
+            ++reports;
+        });
+        image.sharpen();
+    }
+    EXPECT(reports > 2 && reports <= 21);
 
     struct Enough {};
     bool arrived = false;
@@ -319,6 +371,12 @@ static void jpeg_comes_and_goes_in_pieces() {
         EXPECT(failure_of([] { kirvo::JpegDecoder().finish(); }).status() == KIRVO_JPEG_NO_SOI);
     }
     EXPECT(Image::open(stream.data(), stream.size()).width() == 100);
+
+    auto earlier = std::make_unique<kirvo::JpegDecoder>(); // which ends before the later one
+    const auto later = std::make_unique<kirvo::JpegDecoder>();
+    earlier.reset();
+    later->write(stream.data(), stream.size());
+    EXPECT(later->finish().height() == 60);
 }
 
 static void masks_and_ranges() {
@@ -330,6 +388,9 @@ static void masks_and_ranges() {
     EXPECT(image.filter_3x3(from_above).get_pixel(1, 2) == kirvo::rgb(50, 100, 150));
     const kirvo::Range any{}, low{0, 120, kirvo::Test::inside};
     EXPECT(image.keep_channels(any, low, low).get_pixel(0, 0) == kirvo::rgb(50, 100, 0));
+    EXPECT(failure_of([&] {
+               image.keep_channels(kirvo::Range{0, 300}, low, low);
+           }).status() == KIRVO_BAD_PARAMETER);
     EXPECT(image.keep_colours(0x102, any, low, low).get_pixel(0, 0) == 0);
     EXPECT(image.separate()[2].get_pixel(0, 0) == kirvo::rgb(0, 0, 150));
     EXPECT(image.histogram().green[100] == 9 && image.count_colours() == 1);
@@ -368,9 +429,11 @@ int main(int argc, char** argv) {
         changes_are_made_at_every_direct_depth();
         defaults_are_those_of_the_documentation();
         errors_say_what_and_why();
+        what_is_no_picture_is_told();
         files_of_any_name_are_saved_and_opened(argc > 1 ? argv[1] : ".");
-        progress_may_throw();
+        files_tell_of_themselves(argc > 1 ? argv[1] : ".");
         jpeg_comes_and_goes_in_pieces();
+        progress_may_throw();
         masks_and_ranges();
 #ifndef _WIN32
         threads_take_turns();

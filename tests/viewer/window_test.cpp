@@ -235,7 +235,7 @@ BOOL CALLBACK add_child(HWND child, LPARAM list) {
 
 // A margin of 12 at the right and below, nothing outside, nothing over another.
 void expect_tidy(HWND dialog) {
-    const auto scaled = [&](int length) { return theme::scaled(dialog, length); };
+    const auto scaled = [&](int length) { return sizes::scaled(dialog, length); };
     std::vector<HWND> children;
     EnumChildWindows(dialog, add_child, reinterpret_cast<LPARAM>(&children));
     std::vector<RECT> places;
@@ -388,7 +388,7 @@ TEST(View, IsDraggedByTheMouseAndMovedByKeys) {
     program.mouse(WM_LBUTTONUP, 45, 65);
     program.mouse(WM_MOUSEMOVE, 90, 90);
     expect_rectangle(view.visible(), 205, 145, 605, 445);
-    const int step = theme::scaled(program.viewer.window, 48);
+    const int step = sizes::scaled(program.viewer.window, 48);
     program.key(WM_KEYDOWN, VK_RIGHT);
     program.key(WM_KEYDOWN, VK_DOWN);
     expect_rectangle(view.visible(), 205 + step, 145 + step, 605 + step, 445 + step);
@@ -527,7 +527,7 @@ TEST(Window, LaysItsPartsSideBySide) {
     const RECT list = in_window(viewer.code.list());
     expect_rectangle(in_window(viewer.view.window()), 0, 0, list.left, bar);
     EXPECT_EQ(list.left, // half of a narrow window
-              (std::max)(area.right / 2, area.right - theme::scaled(viewer.window, 420)));
+              (std::max)(area.right / 2, area.right - sizes::scaled(viewer.window, 420)));
     EXPECT_EQ(list.right, area.right);
     EXPECT_EQ(list.top, 0);
     program.does(command_full_screen);

@@ -137,7 +137,8 @@ bool are_even(const Zoom& zoom, const BoxColumns* spans) {
 bool average_even(const Zoom& zoom, const Rows& to) {
     const LockedDib& source = zoom.source();
     const PixelFormat format = PixelFormat::of(source);
-    const auto means = zoom.box_width() == 2 ? kernels().means_of_2 : kernels().means_of_4;
+    const Kernels& k = kernels();
+    const auto means = zoom.box_width() == 2 ? k.means_of_2 : k.means_of_4;
     const auto rows = static_cast<size_t>(zoom.box_height());
     const int shift =
         std::countr_zero(static_cast<uint32_t>(zoom.box_width()) * static_cast<uint32_t>(rows));
@@ -149,6 +150,13 @@ bool average_even(const Zoom& zoom, const Rows& to) {
     if (format.bits == 24) {
         zoom.each_row(to, [&](uint8_t* row, int32_t y) {
             means(row, source_row(y), -from.stride, rows, width, shift);
+        });
+        return true;
+    }
+    if (zoom.box_width() == 2 && format.has_byte_channels()) { // what is no channel becomes 0
+        zoom.each_row(to, [&](uint8_t* row, int32_t y) {
+            k.wide_means_of_2(row, source_row(y), -from.stride, rows, width, shift);
+            k.keep_bits(row, row, 4 * width, format.masks.sum());
         });
         return true;
     }
