@@ -1,5 +1,4 @@
-// The coefficients of a baseline JPEG: read, turned, written again. Nothing is transformed or
-// rounded.
+// The coefficients of a JPEG: read, turned, written again. Nothing is transformed or rounded.
 #pragma once
 
 #include "codec.hpp"
@@ -12,7 +11,8 @@ struct TurnPlan {
     uint32_t width = 0, height = 0;                                 // of the result
 };
 
-// #KIRVO_FILES_NO_CODEC for a file whose frame is not baseline with one scan.
+// A progressive file stays one, with scans of its own. #KIRVO_FILES_NO_CODEC for a file without
+// Huffman codes, or with quantisers that change on the way.
 Status turn_coefficients(Bytes in, const JpegHeaders& headers, const TurnPlan& plan, Buffer& out);
 
 } // namespace kirvo_files

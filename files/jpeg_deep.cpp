@@ -28,8 +28,10 @@ class Deep {
     Status decode() {
         if (!make_planes(headers_, planes_))
             return KIRVO_FILES_NO_MEMORY;
-        const Walk walk = read_coefficients(job_.bytes, headers_, &planes_);
+        const Walk walk = read_coefficients(job_.bytes, headers_, planes_);
         Status status = KIRVO_FILES_OK;
+        if (walk.unknown)
+            return job_.unsupported("a JPEG of 12 bits whose quantisers change on the way");
         if (!walk.complete)
             status = walk.out_of_data ? job_.ends_early(walk.whole_rows)
                                       : job_.damaged_below(walk.whole_rows);
@@ -123,7 +125,7 @@ class Deep {
 
     Job& job_;
     const JpegHeaders& headers_;
-    Plane planes_[3];
+    Plane planes_[4];
     Buffer bands_[3], line_;
     float cosines_[8][8]; // of sample and frequency, with the transform's factors
 };
@@ -131,10 +133,8 @@ class Deep {
 } // namespace
 
 bool is_deep(const JpegHeaders& headers) {
-    return headers.precision == 12 && (headers.frame == 0xC0 || headers.frame == 0xC1) &&
-           (headers.components == 1 || headers.components == 3) &&
-           headers.scan_components == headers.components && headers.spectral_start == 0 &&
-           headers.spectral_end == 63 && headers.approximation == 0;
+    return headers.precision == 12 && has_huffman_codes(headers) &&
+           (headers.components == 1 || headers.components == 3);
 }
 
 Status deep_decode(Job& job, const JpegHeaders& headers) { return Deep(job, headers).decode(); }

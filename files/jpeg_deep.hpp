@@ -5,7 +5,7 @@
 
 namespace kirvo_files {
 
-// A sequential file of one scan with grey or three colours.
+// A file in Huffman codes with grey or three colours.
 bool is_deep(const JpegHeaders& headers);
 // Decodes it, reduced to 8 bits.
 Status deep_decode(Job& job, const JpegHeaders& headers);

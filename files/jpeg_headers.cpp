@@ -62,43 +62,45 @@ class Parser {
         : bytes_(bytes), known_(known), headers_(headers) {}
 
     Status parse() {
-        uint64_t at = 2;
-        while (headers_.scan_at == 0) {
-            const Status status = next_segment(at);
-            if (status != KIRVO_FILES_OK)
-                return status;
-        }
+        const Status status = to_scan(2);
+        if (status != KIRVO_FILES_OK)
+            return status;
         join_profile();
         finish();
         return KIRVO_FILES_OK;
     }
 
+    // Metadata and quantisers have been read.
+    Status parse_further(uint64_t at) {
+        further_ = true;
+        headers_.scan_at = 0;
+        return to_scan(at);
+    }
+
   private:
+    Status to_scan(uint64_t at) {
+        Status status = KIRVO_FILES_OK;
+        while (status == KIRVO_FILES_OK && headers_.scan_at == 0)
+            status = next_segment(at);
+        return status;
+    }
+
     Status next_segment(uint64_t& at) {
-        const uint64_t start = at;
-        while (bytes_.has(at, 1) && bytes_[at] != 0xFF) // bytes between segments
-            ++at;
-        while (bytes_[at] == 0xFF && bytes_[at + 1] == 0xFF)
-            ++at;
-        headers_.odd_segments |= at != start;
-        if (!bytes_.has(at, 4))
+        const JpegSegment found = next_jpeg_segment(bytes_, at);
+        headers_.odd_segments |= found.odd;
+        if (found.marker == 0 || found.marker == 0xD9)
             return early();
-        const uint8_t marker = bytes_[at + 1];
-        if (marker == 0xD9)
-            return early();
-        if (marker == 0 || marker == 1 || (marker >= 0xD0 && marker <= 0xD8)) {
-            at += 2; // no segment follows
-            headers_.odd_segments = true;
-            return KIRVO_FILES_OK;
-        }
-        const uint32_t length = bytes_.be16(at + 2);
-        if (length < 2)
-            return known_.fail(KIRVO_FILES_DAMAGED, Text::format("a segment without a length"));
-        if (!bytes_.has(at + 2, length))
-            return early();
-        const Bytes body = bytes_.part(at + 4, length - 2);
-        at += 2 + length;
-        return segment(marker, body, at);
+        if (!found.is_whole)
+            return found.bytes.empty() ? early()
+                                       : known_.fail(KIRVO_FILES_DAMAGED,
+                                                     Text::format("a segment without a length"));
+        return segment(found.marker, found.body(), at);
+    }
+
+    // All of 0xC0 to 0xCF but the tables and what is reserved.
+    static bool is_frame(uint8_t marker) {
+        return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 &&
+               marker != 0xCC;
     }
 
     Status early() {
@@ -107,6 +109,10 @@ class Parser {
     }
 
     Status segment(uint8_t marker, Bytes body, uint64_t after) {
+        if (further_ && (marker == 0xDB || is_frame(marker)))
+            return KIRVO_FILES_UNSUPPORTED;
+        if (further_ && (marker >= 0xE0 || marker == 0xDC))
+            return KIRVO_FILES_OK;
         if (marker >= 0xE0 && marker <= 0xEF) {
             headers_.odd_segments |= body.empty();
             application(marker, body);
@@ -115,10 +121,6 @@ class Parser {
         switch (marker) {
         case 0xC4:
             return huffman(body);
-        case 0xC8:
-            return KIRVO_FILES_OK; // reserved
-        case 0xCC:
-            return KIRVO_FILES_OK; // conditioning of arithmetic coding
         case 0xDA:
             return scan(body, after);
         case 0xDB:
@@ -133,7 +135,7 @@ class Parser {
             }
             return KIRVO_FILES_OK;
         default:
-            return marker >= 0xC0 && marker <= 0xCF ? frame(marker, body) : KIRVO_FILES_OK;
+            return is_frame(marker) ? frame(marker, body) : KIRVO_FILES_OK;
         }
     }
 
@@ -236,9 +238,11 @@ class Parser {
         if (headers_.frame == 0)
             return known_.fail(KIRVO_FILES_DAMAGED, Text::format("a scan before the frame"));
         headers_.scan_components = body[0];
+        std::memset(headers_.scanned, 255, sizeof headers_.scanned);
         for (uint32_t i = 0; i < headers_.scan_components && i < 4; ++i)
             for (uint32_t k = 0; k < headers_.components; ++k)
                 if (headers_.component[k].id == body[1 + 2 * i]) {
+                    headers_.scanned[i] = static_cast<uint8_t>(k);
                     headers_.component[k].dc = body[2 + 2 * i] >> 4 & 3;
                     headers_.component[k].ac = body[2 + 2 * i] & 3;
                 }
@@ -335,7 +339,7 @@ class Parser {
     JpegHeaders& headers_;
     Bytes profile_[255];
     uint32_t profile_parts_ = 0;
-    bool extended_xmp_ = false;
+    bool extended_xmp_ = false, further_ = false;
 };
 
 // Samplings of luma with chroma of 1 x 1 or less, as kirvo.h lists them.
@@ -363,6 +367,40 @@ bool JpegHeaders::is_rgb() const {
 
 Status read_jpeg_headers(Bytes bytes, Known& known, JpegHeaders& headers) {
     return Parser(bytes, known, headers).parse();
+}
+
+Status read_next_scan(Bytes bytes, uint64_t at, JpegHeaders& headers) {
+    Known unheard;
+    return Parser(bytes, unheard, headers).parse_further(at);
+}
+
+JpegSegment next_jpeg_segment(Bytes bytes, uint64_t& at) {
+    JpegSegment found;
+    while (true) {
+        const uint64_t start = at;
+        while (bytes.has(at, 1) && bytes[at] != 0xFF)
+            ++at;
+        while (bytes[at] == 0xFF && bytes[at + 1] == 0xFF)
+            ++at;
+        found.odd |= at != start;
+        const uint8_t marker = bytes[at + 1];
+        if (!bytes.has(at, 2) || marker == 0xD9) {
+            found.marker = bytes.has(at, 2) ? marker : uint8_t{0};
+            return found;
+        }
+        if (marker != 0 && marker != 1 && (marker < 0xD0 || marker > 0xD8))
+            break;
+        at += 2; // no segment follows
+        found.odd = true;
+    }
+    found.marker = bytes[at + 1];
+    const uint64_t length = bytes.be16(at + 2);
+    if (bytes.has(at, 4) && bytes.has(at + 2, length)) {
+        found.bytes = bytes.part(at, 2 + length);
+        found.is_whole = length >= 2;
+    }
+    at += 2 + length;
+    return found;
 }
 
 const char* beyond_kirvo(const JpegHeaders& headers) {

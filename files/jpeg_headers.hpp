@@ -20,7 +20,10 @@ struct JpegHeaders {
     bool has_jfif = false, has_adobe = false, wide_quantisers = false, odd_segments = false;
     uint32_t adobe_transform = 0;
     uint32_t scan_components = 0, spectral_start = 0, spectral_end = 0, approximation = 0;
-    uint64_t scan_at = 0; // of the entropy-coded data
+    uint8_t scanned[4] = {}; // the components of the scan; 255 for one that there is not
+    uint64_t scan_at = 0;    // of the entropy-coded data
+
+    bool is_progressive() const { return frame == 0xC2; }
 
     // A single component has MCUs of one block, whatever its sampling says.
     uint32_t blocks_across(uint32_t i) const { return components == 1 ? 1 : component[i].across; }
@@ -29,23 +32,45 @@ struct JpegHeaders {
     uint32_t mcu_height() const { return 8 * (components == 1 ? 1 : most_down); }
     uint32_t mcus_across() const { return (width + mcu_width() - 1) / mcu_width(); }
     uint32_t mcus_down() const { return (height + mcu_height() - 1) / mcu_height(); }
+    // Blocks of a component that hold pixels; a scan of its own codes no others.
+    uint32_t own_across(uint32_t i) const {
+        return (width * component[i].across + 8 * most_across - 1) / (8 * most_across);
+    }
+    uint32_t own_down(uint32_t i) const {
+        return (height * component[i].down + 8 * most_down - 1) / (8 * most_down);
+    }
     // Colours as they are, not as brightness and two differences.
     bool is_rgb() const;
 };
 
 // Reads all segments up to the first scan, metadata into what is known.
 Status read_jpeg_headers(Bytes bytes, Known& known, JpegHeaders& headers);
+// Reads on from the end of a scan's data: tables and what the next scan says. #KIRVO_FILES_ENDS_EARLY
+// where no other follows; #KIRVO_FILES_UNSUPPORTED for quantisers that change on the way.
+Status read_next_scan(Bytes bytes, uint64_t at, JpegHeaders& headers);
+
+struct JpegSegment {
+    uint8_t marker = 0;    // 0: the data ends before it; 0xD9: no more follow
+    bool odd = false;      // bytes or markers without a segment stood before it
+    bool is_whole = false; // with a length that there is
+    Bytes bytes;           // with the marker and the length
+    Bytes body() const { return bytes.part(4); }
+};
+// The segment at a place or behind it; the place moves to its end.
+JpegSegment next_jpeg_segment(Bytes bytes, uint64_t& at);
 
 // Why Kirvo's decoder is not the one for this file; null when it is.
 const char* beyond_kirvo(const JpegHeaders& headers);
 
-// How far the one scan of a sequential file can be decoded.
+// How far the scans of a file can be decoded.
 struct Walk {
     uint32_t whole_rows = 0;  // of pixels
     bool complete = false;    // every MCU is there
     bool out_of_data = false; // what is missing was cut off
+    bool unknown = false;     // more than is known here would be needed
     uint64_t end = 0;         // where the data ends
 };
+// Of the one scan of a sequential file.
 Walk walk_scan(Bytes bytes, const JpegHeaders& headers);
 
 // The quality 1 to 100 whose tables are nearest; 0 without tables.

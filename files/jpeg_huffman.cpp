@@ -79,6 +79,67 @@ void HuffmanCode::make(Bytes table) {
     }
 }
 
+// ITU-T T.81, figures K.1 to K.4. One more symbol, the rarest, takes the code of ones alone, which no
+// table may have.
+Bytes SymbolCounts::best_table() {
+    constexpr uint32_t symbols = 257;
+    int32_t next[symbols]; // the symbols below one node, as a list
+    uint32_t length[symbols] = {}, of_length[symbols] = {};
+    uint64_t weight[symbols];
+    counts_[256] = 1;
+    for (uint32_t i = 0; i < symbols; ++i) {
+        next[i] = -1;
+        weight[i] = counts_[i];
+    }
+    while (true) {
+        int32_t least = -1, second = -1;
+        for (int32_t i = 0; i < static_cast<int32_t>(symbols); ++i) {
+            if (weight[i] == 0)
+                continue;
+            if (least < 0 || weight[i] <= weight[least]) {
+                second = least;
+                least = i;
+            } else if (second < 0 || weight[i] <= weight[second]) {
+                second = i;
+            }
+        }
+        if (second < 0)
+            break;
+        weight[second] += weight[least];
+        weight[least] = 0;
+        int32_t last = second;
+        for (int32_t i = second; i >= 0; last = i, i = next[i])
+            ++length[i];
+        next[last] = least;
+        for (int32_t i = least; i >= 0; i = next[i])
+            ++length[i];
+    }
+    for (uint32_t i = 0; i < symbols; ++i)
+        ++of_length[length[i]];
+    for (uint32_t i = symbols - 1; i > 16; --i)
+        while (of_length[i] > 0) { // a pair moves up, another one goes down with a shorter code
+            uint32_t j = i - 2;
+            while (of_length[j] == 0)
+                --j;
+            of_length[i] -= 2;
+            ++of_length[i - 1];
+            of_length[j + 1] += 2;
+            --of_length[j];
+        }
+    uint32_t longest = 16;
+    while (of_length[longest] == 0)
+        --longest;
+    --of_length[longest]; // of the symbol that is none
+    size_t count = 16;
+    for (uint32_t i = 1; i <= 16; ++i)
+        table_[i - 1] = static_cast<uint8_t>(of_length[i]);
+    for (uint32_t bits = 1; bits < symbols; ++bits)
+        for (uint32_t i = 0; i < 256; ++i)
+            if (length[i] == bits)
+                table_[count++] = static_cast<uint8_t>(i);
+    return {table_, count};
+}
+
 void HuffmanSteps::put(const HuffmanCode& code, uint32_t symbol, uint32_t value_bits,
                        uint32_t coefficients) {
     const uint32_t length = code.lengths[symbol];
@@ -173,6 +234,16 @@ int32_t EntropyBits::value(uint32_t size) {
     const auto raw = static_cast<int32_t>(bits_ >> (64 - size));
     drop(size);
     return raw < 1 << (size - 1) ? raw - (1 << size) + 1 : raw;
+}
+
+uint32_t EntropyBits::raw(uint32_t count) {
+    if (count == 0)
+        return 0;
+    if (count_ < 32)
+        fill();
+    const auto bits = static_cast<uint32_t>(bits_ >> (64 - count));
+    drop(count);
+    return bits;
 }
 
 // At most a byte of filling is left, then the next marker of the eight follows.

@@ -24,6 +24,17 @@ struct HuffmanCode {
     void make(Bytes table);
 };
 
+// The symbols' counts, and the best table for them: 16 counts of lengths and the symbols.
+class SymbolCounts {
+  public:
+    void add(uint32_t symbol) { ++counts_[symbol]; }
+    Bytes best_table();
+
+  private:
+    uint32_t counts_[257] = {};
+    uint8_t table_[16 + 256] = {};
+};
+
 // How far each code leads when its value is passed over: bits of the stream, and coefficients.
 class HuffmanSteps {
   public:
@@ -54,8 +65,10 @@ class EntropyBits {
 
     // The next symbol; -1 where there is no such code.
     int32_t symbol(const HuffmanTable& table);
-    // The number that so many bits stand for.
+    // The number that so many bits stand for, right behind its symbol.
     int32_t value(uint32_t size);
+    // Up to 16 bits as they are.
+    uint32_t raw(uint32_t count);
     // Passes over a code and its value; false, at the same place, where the table does not have it.
     bool step(const HuffmanSteps& steps, uint32_t& coefficient) {
         if (count_ < 32)

@@ -1,4 +1,4 @@
-// The coefficients of a sequential JPEG, component by component.
+// The coefficients of a JPEG, component by component.
 #pragma once
 
 #include "jpeg_headers.hpp"
@@ -25,7 +25,7 @@ struct Plane {
 };
 
 // Planes for every component, all values 0.
-inline bool make_planes(const JpegHeaders& headers, Plane (&planes)[3]) {
+inline bool make_planes(const JpegHeaders& headers, Plane (&planes)[4]) {
     bool made = true;
     for (uint32_t i = 0; i < headers.components; ++i)
         made = made && planes[i].make(headers.mcus_across(), headers.mcus_down(),
@@ -33,8 +33,10 @@ inline bool make_planes(const JpegHeaders& headers, Plane (&planes)[3]) {
     return made;
 }
 
-// Reads every block of the one scan of a sequential file, as far as it goes. Planes are made by the
-// caller; without them nothing is kept.
-Walk read_coefficients(Bytes bytes, const JpegHeaders& headers, Plane (*planes)[3]);
+// Whether a file has its coefficients in Huffman codes: baseline, extended sequential, progressive.
+bool has_huffman_codes(const JpegHeaders& headers);
+
+// Reads every block of all scans of such a file, as far as they go. Planes are made by the caller.
+Walk read_coefficients(Bytes bytes, const JpegHeaders& headers, Plane (&planes)[4]);
 
 } // namespace kirvo_files

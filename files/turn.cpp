@@ -35,14 +35,18 @@ uint32_t composed(uint32_t first, uint32_t second) {
 Status copy_segments(Bytes stream, const Buffer& exif, bool strip, Buffer& out) {
     uint64_t at = 2;
     bool good = out.append(stream.part(0, 2)), done = false;
-    while (good && stream[at] == 0xFF && stream[at + 1] != 0xDA && stream.has(at, 4)) {
-        const uint8_t marker = stream[at + 1];
-        const Bytes segment = stream.part(at, uint64_t{2} + stream.be16(at + 2));
-        const bool is_exif = marker == 0xE1 && segment.begins("Exif\0", 4);
+    while (good && stream.has(at, 4)) {
+        const uint64_t start = at;
+        const JpegSegment segment = next_jpeg_segment(stream, at);
+        const uint8_t marker = segment.marker;
+        if (marker == 0xDA || !segment.is_whole) {
+            at = start;
+            break;
+        }
+        const bool is_exif = marker == 0xE1 && segment.body().begins("Exif\0");
         const bool metadata =
             (marker >= 0xE1 && marker <= 0xEF && marker != 0xEE) || marker == 0xFE;
-        const bool thumbnail = marker == 0xE0 && segment.begins("JFXX", 4);
-        at += segment.size();
+        const bool thumbnail = marker == 0xE0 && segment.body().begins("JFXX");
         if (thumbnail || (strip && metadata) || (is_exif && done))
             continue;
         if (is_exif && exif.size() + 8 <= 65535) {
@@ -51,7 +55,7 @@ Status copy_segments(Bytes stream, const Buffer& exif, bool strip, Buffer& out) 
                    out.append("Exif\0", 6) && out.append(exif.bytes());
             done = true;
         } else {
-            good = out.append(segment);
+            good = out.append(segment.bytes);
         }
     }
     return good && out.append(stream.part(at)) ? KIRVO_FILES_OK : KIRVO_FILES_NO_MEMORY;
@@ -76,7 +80,7 @@ Loose loose_edges(const JpegHeaders& headers, uint32_t orientation) {
             down ? headers.height % (grey ? 8 : 8 * headers.most_down) : 0};
 }
 
-// A baseline file by the room itself, every other by a library.
+// A file in Huffman codes by the room itself, every other by a library.
 Status turned_stream(Bytes in, const JpegHeaders& headers, uint32_t orientation, bool trim,
                      const Loose& loose, Buffer& out, Known& known) {
     TurnPlan plan;
@@ -127,7 +131,8 @@ Status turned_file(Bytes in, const Turn& turn, Known& known, Buffer& out) {
     status = orientation == 1 ? (stream.append(in) ? KIRVO_FILES_OK : KIRVO_FILES_NO_MEMORY)
                               : turned_stream(in, headers, orientation, trim, loose, stream, known);
     if (status == KIRVO_FILES_NO_CODEC)
-        return known.fail(status, Text::format("this system turns baseline JPEG files only"));
+        return known.fail(status, Text::format("JPEG of this kind is not turned here: %s",
+                                               known.text(KIRVO_FILES_TEXT_VARIANT).c_str()));
     if (status != KIRVO_FILES_OK)
         return status;
     const bool across = orientation >= 5;

@@ -27,26 +27,37 @@ static void run(Input& input) {
             require(job.known.numbers.wholeRows <= headers.height, "no more rows than there are");
         return;
     }
-    if (kirvo_files::beyond_kirvo(headers) != nullptr)
-        return;
-    const kirvo_files::Walk walk = kirvo_files::walk_scan(bytes, headers);
-    require(walk.whole_rows <= headers.height, "no more rows than there are");
-    require(walk.end <= rest.size(), "the data ends in the file");
+    const bool plain = kirvo_files::beyond_kirvo(headers) == nullptr;
+    bool complete = true;
+    if (plain) {
+        const kirvo_files::Walk walk = kirvo_files::walk_scan(bytes, headers);
+        complete = walk.complete;
+        require(walk.whole_rows <= headers.height, "no more rows than there are");
+        require(walk.end <= rest.size(), "the data ends in the file");
+        require(!complete || walk.whole_rows == headers.height, "all rows are whole");
+    }
     plan.width = plan.transpose ? headers.height : headers.width;
     plan.height = plan.transpose ? headers.width : headers.height;
     kirvo_files::limit_allocation(1 << 20);
-    kirvo_files::Buffer out;
-    if (headers.width != 0 &&
-        kirvo_files::turn_coefficients(bytes, headers, plan, out) == KIRVO_FILES_OK) {
-        require(walk.complete, "only what is whole is turned");
-        kirvo_files::Known again;
-        kirvo_files::JpegHeaders turned;
-        require(kirvo_files::read_jpeg_headers(out.bytes(), again, turned) == KIRVO_FILES_OK &&
-                    turned.width == plan.width && turned.height == plan.height &&
-                    kirvo_files::walk_scan(out.bytes(), turned).complete,
-                "what is turned is whole");
-    }
-    require(!walk.complete || walk.whole_rows == headers.height, "all rows are whole");
+    kirvo_files::Buffer out, again;
+    if (headers.width == 0 || headers.height == 0 ||
+        kirvo_files::turn_coefficients(bytes, headers, plan, out) != KIRVO_FILES_OK)
+        return;
+    require(complete, "only what is whole is turned");
+    kirvo_files::Known known_then;
+    kirvo_files::JpegHeaders turned;
+    require(kirvo_files::read_jpeg_headers(out.bytes(), known_then, turned) == KIRVO_FILES_OK &&
+                turned.width == plan.width && turned.height == plan.height,
+            "what is turned has headers");
+    kirvo_files::TurnPlan none;
+    none.width = turned.width;
+    none.height = turned.height;
+    require(kirvo_files::turn_coefficients(out.bytes(), turned, none, again) == KIRVO_FILES_OK,
+            "what is turned is whole");
+    const kirvo_files::Bytes first = out.bytes(), second = again.bytes();
+    require(first.size() == second.size() &&
+                std::memcmp(first.data(), second.data(), first.size()) == 0,
+            "not turned at all it stays as it is");
 }
 
 static const Target target("files_jpeg", run, mutate_jpeg);

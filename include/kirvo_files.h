@@ -226,9 +226,10 @@ typedef struct KirvoFilesOpenOptions {
  * of a channel are reduced to 8; CMYK becomes RGB without a profile. A note tells each of these.
  *
  *  A baseline JPEG that Kirvo's decoder is made for is decoded by it, one of 12 bits a channel by
- *  this library, every other by libjpeg-turbo or the system. A picture that ends early or is damaged is refused with
- *  #KIRVO_FILES_ENDS_EARLY or #KIRVO_FILES_DAMAGED; with #KIRVO_FILES_KEEP_GOING it opens with a
- *  note, and KirvoFilesDescription.wholeRows says how much of it is good.
+ *  this library, every other by libjpeg-turbo or the system. A picture that ends early or is
+ *  damaged is refused with #KIRVO_FILES_ENDS_EARLY or #KIRVO_FILES_DAMAGED; with
+ *  #KIRVO_FILES_KEEP_GOING it opens with a note, and KirvoFilesDescription.wholeRows says how much
+ *  of it is good.
  *
  *  A claim is too large when the picture would take more than 64 MB and more than 1500 bytes of it
  *  for each byte of the file, more than any of the formats packs real pictures into; or more than
@@ -243,7 +244,8 @@ typedef struct KirvoFilesOpenOptions {
  *          #KIRVO_FILES_CANNOT_OPEN; #KIRVO_FILES_READ_ERROR; #KIRVO_FILES_EMPTY;
  *          #KIRVO_FILES_NOT_A_PICTURE; #KIRVO_FILES_ENDS_EARLY; #KIRVO_FILES_DAMAGED;
  *          #KIRVO_FILES_UNSUPPORTED; #KIRVO_FILES_NO_CODEC; #KIRVO_FILES_CLAIM_TOO_LARGE;
- *          #KIRVO_FILES_NO_FRAME; #KIRVO_FILES_TOO_LARGE for a file of 2 GB and more;
+ *          #KIRVO_FILES_NO_FRAME; #KIRVO_FILES_TOO_LARGE for a file of 2 GB and more, or one
+ *          with a profile or text of much more than a picture needs;
  *          #KIRVO_FILES_ABANDONED */
 KIRVO_FILES_API int32_t WINAPI KirvoFilesOpen(const char* name,
                                               const KirvoFilesOpenOptions* options, HGLOBAL* dib,
@@ -554,8 +556,9 @@ typedef enum KirvoFilesEdges {
     KIRVO_FILES_EDGES_KEEP = 2  /**< they stay where they are, unturned; a note says so */
 } KirvoFilesEdges;
 
-/** Turns a JPEG without loss: a baseline one on every system, others (progressive, arithmetic
- *  coding) where the library is built with libjpeg-turbo. An orientation that the file has counts
+/** Turns a JPEG without loss: baseline, extended and progressive ones on every system, those with
+ *  arithmetic coding where the library is built with libjpeg-turbo. A progressive file stays one,
+ *  several scans of another become one. An orientation that the file has counts
  *  first: what people see is what is turned. Metadata stays, orientation becomes 1, sizes are
  *  updated and the thumbnail is dropped. Both names may be the same.
  *  @param source the file to turn

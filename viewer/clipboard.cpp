@@ -95,7 +95,7 @@ void copy_picture(Viewer& viewer) {
     const SharedImage image = viewer.history.now();
     const Worker::Turn turn(viewer.worker, Worker::Turn::Wait::yes);
     try {
-        Image copy = duplicate(*image);
+        Image copy = image->copy();
         if (const auto& part = viewer.view.selection()) {
             const Image whole = to_24_bits(std::move(copy));
             int32_t status = 0;
@@ -130,7 +130,7 @@ void paste_picture(Viewer& viewer) {
             const int32_t status =
                 KirvoFilesOpenMemory(file.data(), static_cast<uint32_t>(file.size()), nullptr,
                                      &handle, known->receiver());
-            *image = shared(Image(handle));
+            *image = shared(Image::adopt(handle));
             expect(status, *known, "the clipboard's picture");
         },
         [=, &viewer] { begin_picture(viewer, *image, nullptr, L"", L"pasted picture"); });

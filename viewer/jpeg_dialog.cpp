@@ -67,7 +67,7 @@ class JpegDialog : public Dialog {
                 GlobalUnlock(block);
                 GlobalFree(block);
                 if (dib != nullptr)
-                    trial->image = shared(Image(dib));
+                    trial->image = shared(Image::adopt(dib));
             },
             [=, this, alive = std::weak_ptr<int>(alive_)](const std::string& error) {
                 if (alive.expired())

@@ -34,7 +34,7 @@ std::wstring filters() {
 
 std::string notes_of(const Known& known) {
     std::string text;
-    for (const std::string& note : known.notes())
+    for (const std::string& note : told_notes(known))
         text += (text.empty() ? "" : "; ") + note;
     return text;
 }

@@ -65,7 +65,7 @@ Opened opened(const std::vector<uint8_t>& bytes, uint32_t flags, int32_t& status
     status = KirvoFilesOpenMemory(bytes.data(), static_cast<uint32_t>(bytes.size()), &options,
                                   &handle, result.known->receiver());
     if (handle != nullptr)
-        result.image = shared(Image(handle));
+        result.image = shared(Image::adopt(handle));
     return result;
 }
 
@@ -158,7 +158,7 @@ Opened read_picture_file(const Reading& reading) {
         result.known = std::make_shared<Known>();
         status = KirvoFilesOpenW(reading.name.c_str(), &options, &handle, result.known->receiver());
         if (handle != nullptr)
-            result.image = shared(Image(handle));
+            result.image = shared(Image::adopt(handle));
     }
     if (status == KIRVO_FILES_ABANDONED)
         throw abandoned;

@@ -23,7 +23,7 @@ class SelectDialog : public Dialog {
             add_name(names[i], x, y + 4, 52);
             add(L"EDIT", digits(values[i]), WS_TABSTOP | ES_NUMBER, left + i, x + 56, y, 76, 24);
         }
-        add(L"STATIC", L"", 0, words, 12, 84, 290, 18);
+        add(L"STATIC", L"", 0, words, 12, 84, 282, 18);
         add_buttons(306, 110);
     }
 

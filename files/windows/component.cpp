@@ -68,7 +68,7 @@ bool has_decoder(int32_t format) {
 
 bool has_encoder(int32_t format) {
     static std::atomic<int> known[KIRVO_FILES_FORMATS];
-    if (format != KIRVO_FILES_PNG && format != KIRVO_FILES_TIFF)
+    if (format != KIRVO_FILES_PNG && format != KIRVO_FILES_TIFF && format != KIRVO_FILES_WEBP)
         return false;
     return asked_once(known, format, [](const Imaging& imaging, const GUID& container) {
         Com<IWICBitmapEncoder> encoder;

@@ -1,4 +1,4 @@
-// PNG and TIFF by the system.
+// PNG and TIFF by the system, and WebP where somebody has given it an encoder.
 #include "windows/component.hpp"
 
 namespace kirvo_files {
@@ -6,7 +6,8 @@ namespace {
 
 class Encoder {
   public:
-    Encoder(int32_t format, Saving& saving) : format_(format), saving_(saving) {}
+    Encoder(int32_t format, Saving& saving, uint32_t quality)
+        : format_(format), saving_(saving), quality_(quality) {}
 
     Status run() {
         if (!imaging_)
@@ -21,6 +22,10 @@ class Encoder {
             result = encoder_->CreateNewFrame(frame_.receive(), properties.receive());
         if (SUCCEEDED(result) && format_ == KIRVO_FILES_TIFF)
             set_compression(properties.get());
+        if (SUCCEEDED(result) && format_ == KIRVO_FILES_WEBP && !set_loss(properties.get()))
+            return saving_.known.fail(
+                KIRVO_FILES_UNSUPPORTED,
+                Text::format("the system's encoder does not write WebP without loss"));
         if (SUCCEEDED(result))
             result = frame_->Initialize(properties.get());
         if (SUCCEEDED(result))
@@ -47,14 +52,32 @@ class Encoder {
         static const uint8_t methods[] = {WICTiffCompressionLZW, WICTiffCompressionNone,
                                           WICTiffCompressionLZW, WICTiffCompressionZIP,
                                           WICTiffCompressionRLE};
-        wchar_t name[] = L"TiffCompressionMethod";
-        PROPBAG2 option = {};
-        option.pstrName = name;
         VARIANT value = {};
         value.vt = VT_UI1;
         value.bVal = methods[saving_.options.compression];
-        if (properties != nullptr)
-            properties->Write(1, &option, &value);
+        set(properties, L"TiffCompressionMethod", value);
+    }
+
+    // False where loss is forbidden and cannot be avoided.
+    bool set_loss(IPropertyBag2* properties) const {
+        VARIANT value = {};
+        if (saving_.options.has(KIRVO_FILES_WEBP_LOSSLESS)) {
+            value.vt = VT_BOOL;
+            value.boolVal = VARIANT_TRUE;
+            return set(properties, L"Lossless", value);
+        }
+        value.vt = VT_R4;
+        value.fltVal = static_cast<float>(quality_) / 100;
+        if (!set(properties, L"ImageQuality", value))
+            saving_.known.note(KIRVO_FILES_NOTE_ENCODER,
+                               Text::format("the system's encoder chooses the quality itself"));
+        return true;
+    }
+
+    static bool set(IPropertyBag2* properties, const wchar_t* name, VARIANT& value) {
+        PROPBAG2 option = {};
+        option.pstrName = const_cast<wchar_t*>(name);
+        return properties != nullptr && SUCCEEDED(properties->Write(1, &option, &value));
     }
 
     HRESULT set_palette() const {
@@ -75,20 +98,22 @@ class Encoder {
 
     HRESULT pixels() {
         const View& view = saving_.view;
-        const bool indexed = view.bits() <= 8, grey = view.is_grey_ramp();
-        GUID wanted = grey               ? GUID_WICPixelFormat8bppGray
-                      : view.bits() == 1 ? GUID_WICPixelFormat1bppIndexed
-                      : view.bits() == 4 ? GUID_WICPixelFormat4bppIndexed
-                      : indexed          ? GUID_WICPixelFormat8bppIndexed
-                      : saving_.alpha()  ? GUID_WICPixelFormat32bppBGRA
-                                         : GUID_WICPixelFormat24bppBGR;
+        const bool coloured = view.bits() > 8 || format_ == KIRVO_FILES_WEBP;
+        const bool indexed = !coloured, grey = indexed && view.is_grey_ramp();
+        const GUID wanted = grey                          ? GUID_WICPixelFormat8bppGray
+                            : indexed && view.bits() == 1 ? GUID_WICPixelFormat1bppIndexed
+                            : indexed && view.bits() == 4 ? GUID_WICPixelFormat4bppIndexed
+                            : indexed                     ? GUID_WICPixelFormat8bppIndexed
+                            : saving_.alpha()             ? GUID_WICPixelFormat32bppBGRA
+                                                          : GUID_WICPixelFormat24bppBGR;
         GUID given = wanted;
         HRESULT result = frame_->SetPixelFormat(&given);
-        if (SUCCEEDED(result) && !IsEqualGUID(given, wanted))
+        const bool wide = coloured && IsEqualGUID(given, GUID_WICPixelFormat32bppBGRA);
+        if (SUCCEEDED(result) && !wide && !IsEqualGUID(given, wanted))
             result = WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT;
         if (SUCCEEDED(result) && indexed && !grey)
             result = set_palette();
-        const uint32_t bits = indexed ? view.bits() : saving_.alpha() ? 32 : 24;
+        const uint32_t bits = indexed ? view.bits() : wide ? 32 : 24;
         const auto stride = static_cast<UINT>((uint64_t{view.width()} * bits + 7) / 8);
         Buffer line;
         if (!line.resize(uint64_t{4} * view.width()))
@@ -97,9 +122,11 @@ class Encoder {
             if (indexed) {
                 std::memcpy(line.data(), view.row(y), stride);
             } else {
-                saving_.alpha() ? view.rgba_row(y, line.data()) : view.rgb_row(y, line.data());
+                wide ? view.rgba_row(y, line.data()) : view.rgb_row(y, line.data());
                 for (uint32_t x = 0; x < view.width(); ++x)
                     std::swap(line[bits / 8 * x], line[bits / 8 * x + 2]);
+                for (uint32_t x = 0; x < view.width() && wide && !saving_.alpha(); ++x)
+                    line[4 * x + 3] = 255;
             }
             result = frame_->WritePixels(1, stride, stride, line.data());
         }
@@ -124,6 +151,7 @@ class Encoder {
 
     int32_t format_;
     Saving& saving_;
+    uint32_t quality_;
     const Imaging imaging_;
     Com<IStream> stream_;
     Com<IWICBitmapEncoder> encoder_;
@@ -132,8 +160,8 @@ class Encoder {
 
 } // namespace
 
-Status encode(int32_t format, Saving& saving, uint32_t) {
-    return has_encoder(format) ? Encoder(format, saving).run() : KIRVO_FILES_NO_CODEC;
+Status encode(int32_t format, Saving& saving, uint32_t quality) {
+    return has_encoder(format) ? Encoder(format, saving, quality).run() : KIRVO_FILES_NO_CODEC;
 }
 
 } // namespace kirvo_files

@@ -3,6 +3,7 @@
 
 #include "files/opened.hpp"
 
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -18,7 +19,8 @@ class DeepJpeg {
     // Level 0 to 4095 of a component at a place of the whole picture.
     template<typename Level>
     Bytes write(Level level, uint32_t restart = 0) {
-        header(restart);
+        header(0xC1, restart);
+        scan(0, components_, 0, 63, 0);
         const uint32_t mcu_width = 8 * across_, mcu_height = 8 * down_;
         uint32_t mcus = 0;
         for (uint32_t y = 0; y < height_; y += mcu_height)
@@ -34,18 +36,75 @@ class DeepJpeg {
                         });
                     }
             }
-        put(0x7F, 7);
+        return ended();
+    }
+
+    // The same as a progressive file: each component's first bits and what refines them, bands with
+    // runs of blocks that end, one of them in two passes. Without sampling.
+    template<typename Level>
+    Bytes write_progressive(Level level) {
+        header(0xC2, 0);
+        std::vector<Block> blocks[3];
+        for (uint32_t i = 0; i < components_; ++i)
+            for (uint32_t y = 0; y < height_; y += 8)
+                for (uint32_t x = 0; x < width_; x += 8)
+                    blocks[i].push_back(quantised([&](uint32_t column, uint32_t row) {
+                        return level(i, x + column, y + row);
+                    }));
+        scan(0, components_, 0, 0, 0x01);
+        for (size_t n = 0; n < blocks[0].size(); ++n)
+            for (uint32_t i = 0; i < components_; ++i)
+                first(i, blocks[i][n][0] >> 1);
+        for (uint32_t i = 0; i < components_; ++i) {
+            scan(i, 1, 1, 5, 0);
+            band(blocks[i], 1, 5, 0);
+            scan(i, 1, 6, 63, 0x02);
+            band(blocks[i], 6, 63, 2);
+            scan(i, 1, 6, 63, 0x21);
+            finer_band(blocks[i], 6, 63, 1);
+        }
+        scan(0, components_, 0, 0, 0x10);
+        for (size_t n = 0; n < blocks[0].size(); ++n)
+            for (uint32_t i = 0; i < components_; ++i)
+                put(blocks[i][n][0] & 1, 1);
+        for (uint32_t i = 0; i < components_; ++i) {
+            scan(i, 1, 6, 63, 0x10);
+            finer_band(blocks[i], 6, 63, 0);
+        }
+        return ended();
+    }
+
+  private:
+    using Block = std::array<int32_t, 64>; // in the order of the stream
+
+    Bytes ended() {
+        fill_byte();
         out_.insert(out_.end(), {0xFF, 0xD9});
         return out_;
     }
 
-  private:
-    void header(uint32_t restart) {
+    void fill_byte() {
+        while (held_count_ != 0)
+            put(1, 1);
+    }
+
+    // Components from one on.
+    void scan(uint32_t component, uint32_t count, uint8_t first, uint8_t last, uint8_t bits) {
+        fill_byte();
+        std::fill(last_, last_ + 3, 0);
+        const auto byte = [](uint32_t value) { return static_cast<uint8_t>(value); };
+        out_.insert(out_.end(), {0xFF, 0xDA, 0, byte(6 + 2 * count), byte(count)});
+        for (uint32_t i = component; i < component + count; ++i)
+            out_.insert(out_.end(), {byte(i + 1), 0});
+        out_.insert(out_.end(), {first, last, bits});
+    }
+
+    void header(uint8_t frame, uint32_t restart) {
         out_ = {0xFF, 0xD8, 0xFF, 0xDB, 0, 67, 0};
         out_.insert(out_.end(), 64, step);
         const auto byte = [](uint32_t value) { return static_cast<uint8_t>(value); };
         out_.insert(out_.end(),
-                    {0xFF, 0xC1, 0, byte(8 + 3 * components_), 12, byte(height_ >> 8),
+                    {0xFF, frame, 0, byte(8 + 3 * components_), 12, byte(height_ >> 8),
                      byte(height_), byte(width_ >> 8), byte(width_), byte(components_)});
         for (uint32_t i = 0; i < components_; ++i)
             out_.insert(out_.end(), {byte(i + 1), byte(i == 0 ? across_ << 4 | down_ : 0x11), 0});
@@ -53,10 +112,6 @@ class DeepJpeg {
         table(0x10, 8, 256);
         if (restart != 0)
             out_.insert(out_.end(), {0xFF, 0xDD, 0, 4, 0, byte(restart)});
-        out_.insert(out_.end(), {0xFF, 0xDA, 0, byte(6 + 2 * components_), byte(components_)});
-        for (uint32_t i = 0; i < components_; ++i)
-            out_.insert(out_.end(), {byte(i + 1), 0});
-        out_.insert(out_.end(), {0, 63, 0});
     }
 
     // All symbols from 0 on, with codes of the same length. A count has 8 bits: 256 symbols are 255
@@ -73,38 +128,116 @@ class DeepJpeg {
     }
 
     template<typename Sample>
-    void block(uint32_t i, Sample sample) {
-        int32_t values[64];
-        for (uint32_t v = 0; v < 8; ++v)
-            for (uint32_t u = 0; u < 8; ++u) {
-                double sum = 0;
-                for (uint32_t y = 0; y < 8; ++y)
-                    for (uint32_t x = 0; x < 8; ++x)
-                        sum += (sample(x, y) - 2048) *
-                               std::cos((2 * x + 1) * u * std::numbers::pi / 16) *
-                               std::cos((2 * y + 1) * v * std::numbers::pi / 16);
-                const double scale = (u == 0 ? std::numbers::sqrt2 / 2 : 1) *
-                                     (v == 0 ? std::numbers::sqrt2 / 2 : 1) / 4;
-                values[8 * v + u] = static_cast<int32_t>(std::lround(sum * scale / step));
-            }
-        number(values[0] - last_[i], 0, 5);
-        last_[i] = values[0];
-        uint32_t run = 0;
+    static Block quantised(Sample sample) {
+        Block values;
         int32_t row = 0, column = 0;
-        for (uint32_t k = 1; k < 64; ++k) {
+        for (int32_t& value : values) {
+            double sum = 0;
+            for (uint32_t y = 0; y < 8; ++y)
+                for (uint32_t x = 0; x < 8; ++x)
+                    sum += (sample(x, y) - 2048) *
+                           std::cos((2 * x + 1) * column * std::numbers::pi / 16) *
+                           std::cos((2 * y + 1) * row * std::numbers::pi / 16);
+            const double scale = (column == 0 ? std::numbers::sqrt2 / 2 : 1) *
+                                 (row == 0 ? std::numbers::sqrt2 / 2 : 1) / 4;
+            value = static_cast<int32_t>(std::lround(sum * scale / step));
             next_place(row, column);
-            const int32_t value = values[8 * row + column];
-            if (value == 0) {
+        }
+        return values;
+    }
+
+    template<typename Sample>
+    void block(uint32_t i, Sample sample) {
+        const Block values = quantised(sample);
+        first(i, values[0]);
+        uint32_t run = 0;
+        for (uint32_t k = 1; k < 64; ++k) {
+            if (values[k] == 0) {
                 ++run;
                 continue;
             }
             for (; run > 15; run -= 16)
                 put(0xF0, 9);
-            number(value, run << 4, 9);
+            number(values[k], run << 4, 9);
             run = 0;
         }
         if (run != 0)
             put(0, 9);
+    }
+
+    void first(uint32_t i, int32_t value) {
+        number(value - last_[i], 0, 5);
+        last_[i] = value;
+    }
+
+    // What a value is before its last bits come: nearer to 0.
+    static int32_t without(int32_t value, uint32_t bits) {
+        return value < 0 ? -(-value >> bits) : value >> bits;
+    }
+
+    void band(const std::vector<Block>& blocks, uint32_t from, uint32_t to, uint32_t bits) {
+        uint32_t ended = 0;
+        for (const Block& values : blocks) {
+            uint32_t run = 0;
+            for (uint32_t k = from; k <= to; ++k) {
+                const int32_t value = without(values[k], bits);
+                if (value == 0) {
+                    ++run;
+                    continue;
+                }
+                put_ended(ended);
+                for (; run > 15; run -= 16)
+                    put(0xF0, 9);
+                number(value, run << 4, 9);
+                run = 0;
+            }
+            ended += run != 0 ? 1 : 0;
+        }
+        put_ended(ended);
+    }
+
+    void put_ended(uint32_t& blocks) {
+        if (blocks == 0)
+            return;
+        uint32_t bits = 0;
+        while (blocks >> (bits + 1) != 0)
+            ++bits;
+        put(bits << 4, 9);
+        put(blocks & ((1u << bits) - 1), bits);
+        blocks = 0;
+    }
+
+    // One bit more of what there is, and what becomes 1 or -1 by it.
+    void finer_band(const std::vector<Block>& blocks, uint32_t from, uint32_t to, uint32_t bits) {
+        for (const Block& values : blocks) {
+            uint32_t run = 0, newest = 0;
+            std::vector<uint32_t> corrections;
+            const auto put_corrections = [&] {
+                for (uint32_t bit : corrections)
+                    put(bit, 1);
+                corrections.clear();
+                run = 0;
+            };
+            for (uint32_t k = from; k <= to; ++k)
+                newest = std::abs(without(values[k], bits)) == 1 ? k : newest;
+            for (uint32_t k = from; k <= to; ++k) {
+                const int32_t value = without(values[k], bits);
+                if (std::abs(value) > 1) {
+                    corrections.push_back(static_cast<uint32_t>(std::abs(value)) & 1);
+                } else if (value != 0) {
+                    put(run << 4 | 1, 9);
+                    put(value > 0 ? 1 : 0, 1);
+                    put_corrections();
+                } else if (++run == 16 && k < newest) {
+                    put(0xF0, 9);
+                    put_corrections();
+                }
+            }
+            if (run != 0 || !corrections.empty()) {
+                put(0, 9);
+                put_corrections();
+            }
+        }
     }
 
     // Diagonals, one up and one down.
@@ -145,8 +278,7 @@ class DeepJpeg {
     }
 
     void put_restart(uint32_t number) {
-        while (held_count_ != 0)
-            put(1, 1);
+        fill_byte();
         out_.insert(out_.end(), {0xFF, static_cast<uint8_t>(0xD0 | (number & 7))});
         std::fill(last_, last_ + 3, 0);
     }

@@ -85,13 +85,49 @@ TEST(DeepJpeg, one_that_ends_early_tells_its_last_whole_row) {
     EXPECT_TRUE(opened.has_note(KIRVO_FILES_NOTE_ENDS_EARLY));
 }
 
-TEST(DeepJpeg, a_progressive_one_is_refused_in_words) {
-    Bytes bytes = DeepJpeg(16, 16, 1, 1, 1).write(ramp);
-    for (size_t at = 0; at + 1 < bytes.size(); ++at)
-        if (bytes[at] == 0xFF && bytes[at + 1] == 0xC1)
-            bytes[at + 1] = 0xC2;
-    const Opened refused(bytes);
-    EXPECT_EQ(refused.status, KIRVO_FILES_UNSUPPORTED);
-    EXPECT_EQ(refused.text(KIRVO_FILES_TEXT_REASON),
-              "this kind of JPEG is not read: progressive, grey, 12 bits a channel");
+TEST(DeepJpeg, a_progressive_one_is_the_same_as_its_sequential_brother) {
+    for (const uint32_t components : {1u, 3u}) {
+        const auto level = [](uint32_t i, uint32_t x, uint32_t y) {
+            return std::fmod(900.0 + 20.0 * x + 11.0 * y * i + (x * y % 7) * 130.0, 4095.0);
+        };
+        const Opened one(DeepJpeg(61, 37, components, 1, 1).write(level));
+        const Opened other(DeepJpeg(61, 37, components, 1, 1).write_progressive(level));
+        ASSERT_EQ(other.status, KIRVO_FILES_OK) << other.text(KIRVO_FILES_TEXT_REASON);
+        EXPECT_NE(other.about.flags & KIRVO_FILES_PROGRESSIVE, 0u);
+        for (uint32_t y = 0; y < 37; ++y)
+            for (uint32_t x = 0; x < 61; ++x)
+                ASSERT_EQ(other.pixel(x, y), one.pixel(x, y)) << x << " " << y;
+    }
+}
+
+TEST(DeepJpeg, a_progressive_one_that_lacks_its_last_passes_is_refused) {
+    Bytes bytes = DeepJpeg(40, 40, 1, 1, 1).write_progressive(ramp);
+    size_t last_scan = bytes.size();
+    while (bytes[last_scan] != 0xFF || bytes[last_scan + 1] != 0xDA)
+        --last_scan;
+    bytes.resize(last_scan);
+    const Bytes cut = bytes;
+    bytes.insert(bytes.end(), {0xFF, 0xD9});
+    for (const Bytes& each : {cut, bytes}) {
+        EXPECT_EQ(Opened(each).status, KIRVO_FILES_ENDS_EARLY);
+        EXPECT_EQ(Opened(each, KIRVO_FILES_KEEP_GOING).status, KIRVO_FILES_OK);
+    }
+}
+
+TEST(DeepJpeg, passes_that_do_not_follow_each_other_are_damage) {
+    const Bytes good = DeepJpeg(24, 24, 1, 1, 1).write_progressive(ramp);
+    std::vector<size_t> scans;
+    for (size_t at = 0; at + 1 < good.size(); ++at)
+        if (good[at] == 0xFF && good[at + 1] == 0xDA)
+            scans.push_back(at);
+    ASSERT_EQ(scans.size(), 6u);
+    Bytes twice(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(scans[1]));
+    twice.insert(twice.end(), good.begin() + static_cast<std::ptrdiff_t>(scans[0]), good.end());
+    EXPECT_EQ(Opened(twice).status, KIRVO_FILES_DAMAGED);
+    for (const auto& [place, value] :
+         {std::pair{7u, 70}, {6u, 9}, {8u, 0x0F}, {8u, 0x42}, {5u, 7}}) {
+        Bytes bad = good;
+        bad[scans[1] + place] = static_cast<uint8_t>(value); // of the band from 1 to 5
+        EXPECT_EQ(Opened(bad).status, KIRVO_FILES_DAMAGED) << place;
+    }
 }

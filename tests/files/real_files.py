@@ -144,6 +144,19 @@ class Written(Folder):
                  for kind in ("RGB565", "RGB555")]
         self.assertEqual(self.check(self.write(jobs)), [])
 
+    def test_half_a_png_is_told_by_its_last_row(self):
+        path = self.folder / "half.png"
+        picture().save(path)
+        data = path.read_bytes()
+        for size, words in ((33, "ends early: within its headers"),
+                            (len(data) * 2 // 3, "ends early: whole to row ")):
+            path.write_bytes(data[:size])
+            self.assertIn(words, LIBRARY.open(path).texts["reason"])
+        going = LIBRARY.open(path, KEEP_GOING)
+        self.assertGreater(going.about.wholeRows, HEIGHT // 4)
+        top = (0, 0, WIDTH, going.about.wholeRows)
+        self.assertEqual(distance(going.image().crop(top), picture().crop(top)), 0)
+
     def test_png(self):
         kinds = ["Bilevel", "Grayscale", "GrayscaleAlpha", "Palette", "PaletteAlpha", "TrueColor",
                  "TrueColorAlpha"]
@@ -151,6 +164,9 @@ class Written(Folder):
                  "-depth", depth, "-interlace", rows)
                 for kind in kinds for depth in "1 2 4 8 16".split() for rows in ("None", "PNG")]
         self.assertEqual(self.check(self.write(jobs)), [])
+
+    def test_tiff_of_printing_colours_with_alpha(self):
+        self.assertEqual(self.check(self.write([("cmyk.tif", "alpha", "-colorspace", "CMYK")])), [])
 
     def test_targa(self):
         kinds = {"colour": ["colour"], "palette": ["colour", "-colors", "200", "-type", "Palette"],
@@ -229,12 +245,30 @@ class Jpeg(Folder):
             self.assertIn("ends early: whole to row", LIBRARY.open(path).texts["reason"])
             self.assertTrue(LIBRARY.open(path, KEEP_GOING).ok)
 
+    def test_the_last_scans_of_a_progressive_file_may_be_missing(self):
+        path, = self.write([("x.jpg", "colour", "-interlace", "JPEG")])
+        data = path.read_bytes()
+        path.write_bytes(data[:data.rindex(b"\xff\xda")] + b"\xff\xd9")
+        self.assertIn("ends early", LIBRARY.open(path).texts["reason"])
+        going_on = LIBRARY.open(path, KEEP_GOING)
+        self.assertTrue(going_on.ok)
+        self.assertTrue(any("ends early" in note for note in going_on.notes), going_on.notes)
+
     def test_turns_are_those_of_jpegtran(self):
         picture().save(self.folder / "colour.ppm")
         turns = {1: "-rotate 90", 2: "-rotate 180", 3: "-rotate 270", 4: "-flip vertical",
                  5: "-flip horizontal"}
+        finer = self.folder / "finer"  # the first coefficient in four passes, bits one by one
+        finer.write_text("0: 0-0, 0, 3; 1 2: 0-0, 0, 0; 0: 0-0, 3, 2; 0: 0-0, 2, 1; 0: 0-0, 1, 0;"
+                         "0: 1-63, 0, 3; 0: 1-63, 3, 2; 0: 1-63, 2, 1; 0: 1-63, 1, 0;"
+                         "1: 1-63, 0, 0; 2: 1-1, 0, 0; 2: 2-63, 0, 0;")
+        each = self.folder / "each"
+        each.write_text("0; 1; 2;")
         options = ["", "-sample 1x1", "-sample 2x1", "-sample 1x2", "-sample 4x1", "-grayscale",
-                   "-restart 2B", "-optimize", "-progressive", "-arithmetic"]
+                   "-restart 2B", "-optimize", "-arithmetic", "-quality 3", "-progressive",
+                   "-progressive -grayscale", "-progressive -restart 1B -quality 98",
+                   "-progressive -sample 1x2,1x1,2x2", "-rgb -progressive", f"-scans {finer}",
+                   f"-scans {finer} -sample 1x1", f"-scans {each}", f"-scans {each} -restart 2B"]
         source, ours, theirs = (self.folder / name for name in ("s.jpg", "ours.jpg", "theirs.jpg"))
         for option, (turning, words), edges in itertools.product(options, turns.items(), (1, 2)):
             source.write_bytes(run("cjpeg", "-quality", "80", *option.split(),
@@ -245,6 +279,8 @@ class Jpeg(Folder):
             trim = ["-trim"] if edges == 1 else []
             theirs.write_bytes(run("jpegtran", *words.split(), *trim, source))
             self.assertEqual(run("djpeg", ours), run("djpeg", theirs), f"{option} {words} {trim}")
+            kinds = [b"\xff\xc2" in path.read_bytes() for path in (source, ours)]
+            self.assertEqual(*kinds, f"{option}: progressive files stay so, and no other becomes one")
 
     def test_cmyk(self):
         paths = self.write([("cmyk.jpg", "colour", "-colorspace", "CMYK", "-quality", "95")])
