@@ -6,6 +6,7 @@
 #include "commands.hpp"
 #include "effect.hpp"
 #include "effects_menu.hpp"
+#include "sizes.hpp"
 #include "text.hpp"
 #include "viewer.hpp"
 
@@ -82,7 +83,7 @@ class Window {
         if (viewer.options.code)
             act(viewer, command_code);
         viewer.histogram.close();
-        choose_theme(viewer, Theme::system);
+        act(viewer, command_theme_system);
         viewer.options = Options();
         viewer.history = History();
         viewer.history.set_budget(viewer.options.undo_megabytes << 20);
@@ -132,7 +133,7 @@ class Program {
     Program& operator=(const Program&) = delete;
 
     void show(Dib picture, const std::wstring& path = L"") {
-        begin_picture(viewer, ::shared(Image(picture.release())), nullptr, path, L"picture");
+        begin_picture(viewer, ::shared(Image::adopt(picture.release())), nullptr, path, L"picture");
     }
     // Does a command, and waits for what it does to the picture.
     void does(WORD command) {
@@ -447,7 +448,7 @@ TEST(View, ShowsAPreviewInItsPlace) {
     view.zoom_to(10); // 400 x 300: all of the window
     Dib dark = make_dib({5, 2, 24});
     dark.set_pixel(4, 1, 0x112233);
-    view.preview({shared(Image(dark.release())), 20, 12, 10, 4, false});
+    view.preview({shared(Image::adopt(dark.release())), 20, 12, 10, 4, false});
     EXPECT_TRUE(view.has_preview());
     EXPECT_EQ(program.seen(199, 125), colour_at(19, 12));
     EXPECT_EQ(program.seen(201, 121), RGB(0, 0, 0));
@@ -906,7 +907,9 @@ TEST(Histogram, DrawsAColumnForEachValueUpToTheHighest) {
 }
 
 TEST(History, KeepsToItsBudgetAndItsSteps) {
-    const auto image = [] { return shared(Image(picture_of(100, 100).release())); }; // 30,040 bytes
+    const auto image = [] {
+        return shared(Image::adopt(picture_of(100, 100).release()));
+    }; // 30,040 bytes
     History history;
     EXPECT_FALSE(history.changed());
     history.set_budget(70000);
