@@ -264,8 +264,7 @@ class ExtremeFilter {
           cells_(static_cast<size_t>(std::min(setting.operation.rect().width, Kind::strip) + side_ -
                                      1)),
           kind_(setting, cells_), rows_(reached_, cells_ * elements_),
-          blocks_(blocks(), cells_ * elements_),
-          lines_(abreast_ + 1, cells_ * elements_) {}
+          blocks_(blocks(), cells_ * elements_), lines_(abreast_ + 1, cells_ * elements_) {}
 
     explicit operator bool() const { return kind_ && rows_ && blocks_ && lines_; }
 
