@@ -269,11 +269,13 @@ TEST(Jpeg, data_that_belongs_to_nothing_is_damage_but_filling_is_not) {
     EXPECT_EQ(going.status, KIRVO_FILES_OK);
     EXPECT_TRUE(going.has_note(KIRVO_FILES_NOTE_DAMAGED));
     const Opened good(whole);
+    int64_t different = 0; // another decoder may have taken it
     for (uint32_t y = 0; y < 48; ++y)
         for (uint32_t x = 0; x < 64; ++x)
-            for (const uint32_t shift : {0u, 8u, 16u}) // another decoder may have taken it
-                ASSERT_NEAR(static_cast<int>(going.pixel(x, y) >> shift & 255),
-                            static_cast<int>(good.pixel(x, y) >> shift & 255), 3);
+            for (const uint32_t shift : {0u, 8u, 16u})
+                different += std::abs(static_cast<int>(going.pixel(x, y) >> shift & 255) -
+                                      static_cast<int>(good.pixel(x, y) >> shift & 255));
+    EXPECT_LT(different, 2 * 3 * 64 * 48);
 }
 
 TEST(Jpeg, a_quantiser_that_is_missing_is_damage) {
