@@ -41,6 +41,31 @@ template<int percent, int interpolation>
 void zoomed(const cv::Mat& photo, const cv::Mat&, cv::Mat& result) {
     cv::resize(photo, result, {}, percent / 100.0, percent / 100.0, interpolation);
 }
+// As OpenCV knows pixels of 5-6-5 bits: by way of 24-bit ones.
+template<int percent>
+void zoomed_565(const cv::Mat& photo, const cv::Mat&, cv::Mat& result) {
+    static cv::Mat wide, small;
+    cv::cvtColor(cv::Mat(photo.size(), CV_8UC2, photo.data), wide, cv::COLOR_BGR5652BGR);
+    zoomed<percent, cv::INTER_AREA>(wide, photo, small);
+    cv::cvtColor(small, result, cv::COLOR_BGR2BGR565);
+}
+template<int channel_count>
+void mapped(const cv::Mat& photo, const cv::Mat&, cv::Mat& result) {
+    static const cv::Mat table = [] {
+        cv::Mat made(1, 256, CV_8UC(channel_count));
+        cv::randu(made, 0, 256);
+        return made;
+    }();
+    cv::LUT(photo, table, result);
+}
+// In place.
+void inverted(const cv::Mat& photo, const cv::Mat&, cv::Mat&) {
+    cv::bitwise_not(photo, const_cast<cv::Mat&>(photo));
+}
+template<int thousandths, int offset>
+void scaled(const cv::Mat& photo, const cv::Mat&, cv::Mat& result) {
+    photo.convertTo(result, -1, thousandths / 1000.0, offset);
+}
 void copied(const cv::Mat& photo, const cv::Mat&, cv::Mat& result) {
     // Of as many bytes as the rows of ours; the result is written into memory used before.
     result.create(photo.size(), photo.type());
@@ -63,23 +88,31 @@ const Operation operations[] = {
      [](const cv::Mat& photo, const cv::Mat& other, cv::Mat&) {
          cv::subtract(photo, other, const_cast<cv::Mat&>(photo));
      }},
-    {"tone/brightness, 32 bits", 32,
-     [](const cv::Mat& photo, const cv::Mat&, cv::Mat& result) {
-         photo.convertTo(result, -1, 1, 51);
+    {"compose/average, 32 bits", 32,
+     [](const cv::Mat& photo, const cv::Mat& other, cv::Mat&) {
+         cv::addWeighted(photo, 0.5, other, 0.5, 0, const_cast<cv::Mat&>(photo));
      }},
-    {"tone/contrast, 32 bits", 32,
-     [](const cv::Mat& photo, const cv::Mat&, cv::Mat& result) {
-         photo.convertTo(result, -1, 1.3, -38);
+    {"tone/brightness, 32 bits", 32, scaled<1000, 51>},
+    {"tone/contrast, 32 bits", 32, scaled<1300, -38>},
+    {"tone/half, 32 bits", 32, scaled<500, 0>},
+    {"tone/fraction, 32 bits", 32, scaled<1333, 0>},
+    {"tone/gamma_channels, 32 bits", 32, mapped<4>},
+    {"tone/negative, 16 bits", 16, inverted},
+    {"tone/negative, 32 bits", 32, inverted},
+    {"tone/exchange, 32 bits", 32,
+     [](const cv::Mat& photo, const cv::Mat&, cv::Mat&) {
+         cv::cvtColor(photo, const_cast<cv::Mat&>(photo), cv::COLOR_BGRA2RGBA);
      }},
     {"tone/monochrome, 32 bits", 32,
      [](const cv::Mat& photo, const cv::Mat& grey, cv::Mat& result) {
          cv::cvtColor(photo, const_cast<cv::Mat&>(grey), cv::COLOR_BGRA2GRAY);
          cv::cvtColor(grey, result, cv::COLOR_GRAY2BGR);
      }},
-    {"tone/map, 32 bits", 32,
+    {"tone/map, 24 bits", 24, mapped<1>},
+    {"tone/map, 32 bits", 32, mapped<1>},
+    {"reduce/grey, 32 bits", 32,
      [](const cv::Mat& photo, const cv::Mat&, cv::Mat& result) {
-         static const cv::Mat table = picture(8, 0).reshape(1, 1).colRange(0, 256).clone();
-         cv::LUT(photo, table, result);
+         cv::cvtColor(photo, result, cv::COLOR_BGRA2GRAY);
      }},
     {"filter/darkest-2, 32 bits", 32,
      [](const cv::Mat& photo, const cv::Mat&, cv::Mat& result) {
@@ -89,6 +122,8 @@ const Operation operations[] = {
      [](const cv::Mat& photo, const cv::Mat&, cv::Mat& result) {
          cv::erode(photo, result, cv::Mat::ones(7, 7, CV_8U));
      }},
+    {"zoom/box x0.5, 16 bits", 16, zoomed_565<50>},
+    {"zoom/box x0.25, 16 bits", 16, zoomed_565<25>},
     {"zoom/box x0.5, 32 bits", 32, zoomed<50, cv::INTER_AREA>},
     {"zoom/box x0.25, 32 bits", 32, zoomed<25, cv::INTER_AREA>},
     {"zoom/nearest x0.5, 32 bits", 32, zoomed<50, cv::INTER_NEAREST>},

@@ -1,13 +1,15 @@
 // Colour reduction beside peers that do comparable work: libjpeg-turbo's one-pass quantiser maps
-// to a colour cube of its own choice, with or without Floyd-Steinberg diffusion or an ordered
-// dither; GraphicsMagick maps to the colours of another picture.
+// to a colour cube of its own choice, with Floyd-Steinberg diffusion or an ordered dither, and its
+// two-pass quantiser to colours given; GraphicsMagick maps to the colours of another picture.
 #include "support/library.hpp"
 #include "support/pictures.hpp"
 #include "support/row.hpp"
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
+#include <opencv2/imgproc.hpp>
 #include <vector>
 
 #define JPEG_INTERNALS // for the quantiser alone, without the decoder before it
@@ -30,10 +32,41 @@ auto ours(Reduce reduce) {
     };
 }
 
-// A decoder that has got as far as to have its quantiser ready for rows of the photo's width.
+// Five, eight and five levels of red, green and blue.
+constexpr int levels[] = {5, 8, 5};
+uint8_t at_level(int value, int channel) {
+    const int highest = levels[channel] - 1;
+    return static_cast<uint8_t>((value * highest + 127) / 255 * 255 / highest);
+}
+// The photo in 200 colours, rows from the top.
+const std::vector<uint8_t>& photo_of_200_colours() {
+    static const std::vector<uint8_t> rows = [] {
+        std::vector<uint8_t> made = photo_bgr();
+        for (size_t i = 0; i < made.size(); ++i)
+            made[i] = at_level(made[i], i % 3 == 1 ? 1 : 0);
+        return made;
+    }();
+    return rows;
+}
+
+// The same bytes as a picture of half the width: rows of more than 65504 bits would overlap.
+HGLOBAL dib_of_200_colours() {
+    return kept([] {
+        const HGLOBAL dib =
+            DibMemAllocEx(static_cast<uint32_t>(photo_width / 2), 2 * photo_height, 24);
+        const std::vector<uint8_t>& rows = photo_of_200_colours();
+        std::memcpy(static_cast<uint8_t*>(GlobalLock(dib)) + 40, rows.data(), rows.size());
+        GlobalUnlock(dib);
+        return dib;
+    });
+}
+
+// A decoder that has got as far as to have its quantiser ready for rows of the photo's width: for a
+// cube of its own, or for the 200 colours given.
+enum class Colours { own, given };
 class Quantiser {
   public:
-    explicit Quantiser(J_DITHER_MODE dither) {
+    explicit Quantiser(J_DITHER_MODE dither, Colours colours = Colours::own) {
         decoder_.err = jpeg_std_error(&errors_);
         jpeg_create_decompress(&decoder_);
         const std::vector<uint8_t>& stream = photo_jpeg(Jpeg::s444);
@@ -44,12 +77,17 @@ class Quantiser {
         decoder_.two_pass_quantize = FALSE;
         decoder_.dither_mode = dither;
         decoder_.desired_number_of_colors = 256;
+        if (colours == Colours::given)
+            give_colours();
         jpeg_start_decompress(&decoder_);
     }
     ~Quantiser() { jpeg_destroy_decompress(&decoder_); }
 
     void run(const std::vector<uint8_t>& rows) {
         auto* to = static_cast<uint8_t*>(std::malloc(photo_grey().size()));
+        if (decoder_.two_pass_quantize)
+            decoder_.cquantize->new_color_map(
+                &decoder_); // each picture is the first of its colours
         decoder_.cquantize->start_pass(&decoder_, FALSE);
         for (int y = 0; y < photo_height; ++y) {
             JSAMPROW in = const_cast<uint8_t*>(rows.data()) + ptrdiff_t{3} * photo_width * y;
@@ -60,6 +98,18 @@ class Quantiser {
     }
 
   private:
+    void give_colours() {
+        decoder_.two_pass_quantize = TRUE;
+        decoder_.actual_number_of_colors = 200;
+        decoder_.colormap = decoder_.mem->alloc_sarray(reinterpret_cast<j_common_ptr>(&decoder_),
+                                                       JPOOL_IMAGE, 200, 3);
+        for (int i = 0; i < 200; ++i) {
+            const int level[] = {i % 5, i / 5 % 8, i / 40};
+            for (int c = 0; c < 3; ++c)
+                decoder_.colormap[c][i] = static_cast<uint8_t>(level[c] * 255 / (levels[c] - 1));
+        }
+    }
+
     jpeg_decompress_struct decoder_ = {};
     jpeg_error_mgr errors_ = {};
 };
@@ -76,8 +126,25 @@ const Row diffuse16("reduce/diffuse16/ours", ours(DecreaseColor16));
 const Row diffuse16_jpeg("reduce/diffuse16/libjpeg-turbo", libjpeg(JDITHER_FS));
 const Row ordered("reduce/ordered/ours", ours(Decrease256Fast));
 const Row ordered_jpeg("reduce/ordered/libjpeg-turbo", libjpeg(JDITHER_ORDERED));
+const Row palette200("reduce/200 colours/ours", [] {
+    return [dib = dib_of_200_colours()] {
+        int32_t status;
+        GlobalFree(Decrease256PaletteEx(dib, 1, &status));
+    };
+});
+const Row palette200_jpeg("reduce/200 colours/libjpeg-turbo", [] {
+    return [quantiser = std::make_shared<Quantiser>(JDITHER_NONE, Colours::given)] {
+        quantiser->run(photo_of_200_colours());
+    };
+});
 const Row grey("reduce/grey/ours", ours(DecreaseColorMono256));
-const Row grey_jpeg("reduce/grey/libjpeg-turbo", libjpeg(JDITHER_NONE));
+const Row grey_opencv("reduce/grey/opencv", [] {
+    return [photo = cv::Mat(photo_height, photo_width, CV_8UC3,
+                            const_cast<uint8_t*>(photo_bgr().data()))] {
+        cv::Mat grey;
+        cv::cvtColor(photo, grey, cv::COLOR_BGR2GRAY);
+    };
+});
 
 // A picture of at most 256 colours, small enough for a peer that takes its time.
 constexpr int part_width = 1000, part_height = 1000;

@@ -55,6 +55,7 @@ if(tool_sources)
     target_include_directories(kirvo_tool SYSTEM PRIVATE ${PROJECT_BINARY_DIR}/include)
     target_include_directories(kirvo_tool PRIVATE tools)
     target_compile_options(kirvo_tool PRIVATE -Wall -Wextra)
+    target_precompile_headers(kirvo_tool PRIVATE <CLI/CLI.hpp>) # half of its build
     target_link_libraries(kirvo_tool PRIVATE kirvo kirvo_files)
     kirvo_program_resources(kirvo_tool "Kirvo's command line")
     # An installed tool finds the library beside it, wherever that is.

@@ -7,7 +7,7 @@
 
 // Full light in the centre, a quarter of it in the corners, by the square of the distance. A pixel
 // of 24 bits is three bytes: blue, green, red.
-static void darken_corners(const kirvo::Image& image)
+static void darken_corners(kirvo::Image& image)
 {
     const kirvo::Rows rows = image.rows();
     const int64_t right = rows.width() - 1, bottom = rows.height() - 1;
@@ -30,7 +30,7 @@ int main(int argc, char** argv)
         return 2;
     }
     try {
-        const kirvo::Image image = kirvo::Image::open(argv[1]).convert(24);
+        kirvo::Image image = kirvo::Image::open(argv[1]).convert(24);
         darken_corners(image);
         image.save(argv[2]);
     } catch (const kirvo::Error& error) {

@@ -79,9 +79,11 @@ struct Range {
     int16_t lower = 0;          /**< the first value inside */
     int16_t upper = 0;          /**< the last value inside */
     Test test = Test::anything; /**< which values are kept */
-    /** As keep_channels takes it. */
+    /** As keep_channels takes it, whose values are 0 to 255. */
     operator uint32_t() const {
-        return static_cast<uint8_t>(lower) | uint32_t{static_cast<uint8_t>(upper)} << 8 |
+        if (lower < 0 || lower > 255 || upper < 0 || upper > 255)
+            throw Error(KIRVO_BAD_PARAMETER, "a range of channels is from 0 to 255");
+        return static_cast<uint32_t>(lower) | static_cast<uint32_t>(upper) << 8 |
                static_cast<uint32_t>(test) << 16;
     }
 };
@@ -216,25 +218,73 @@ struct Histogram {
     uint32_t blue[256];  /**< counts of blue */
 };
 
+/** @cond */
 #if __cplusplus >= 202002L
-using Row = std::span<uint8_t>; /**< the bytes of a row, without padding */
+template<typename Byte>
+using Bytes = std::span<Byte>;
 #else
-/** @cond The same before there are spans. */
-class Row {
+/** The same before there are spans. */
+template<typename Byte>
+class Bytes {
   public:
-    Row(uint8_t* data, size_t size) : data_(data), size_(size) {}
-    uint8_t* data() const { return data_; }
+    Bytes(Byte* data, size_t size) : data_(data), size_(size) {}
+    Byte* data() const { return data_; }
     size_t size() const { return size_; }
-    uint8_t* begin() const { return data_; }
-    uint8_t* end() const { return data_ + size_; }
-    uint8_t& operator[](size_t index) const { return data_[index]; }
+    Byte* begin() const { return data_; }
+    Byte* end() const { return data_ + size_; }
+    Byte& operator[](size_t index) const { return data_[index]; }
 
   private:
-    uint8_t* data_;
+    Byte* data_;
     size_t size_;
 };
-/** @endcond */
 #endif
+/** @endcond */
+using Row = Bytes<uint8_t>;            /**< the bytes of a row, without padding */
+using ConstRow = Bytes<const uint8_t>; /**< the bytes of a constant image's row */
+
+/** @cond */
+struct Freer {
+    void operator()(void* block) const { GlobalFree(block); }
+};
+/** @endcond */
+
+/** A block of memory that frees itself: an image, or the bytes of a file. */
+using Block = std::unique_ptr<void, Freer>;
+
+/** A block's bytes, in memory for as long as this lives. */
+class Locked {
+  public:
+    /** @param block not null */
+    explicit Locked(HGLOBAL block)
+        : block_(block), address_(static_cast<uint8_t*>(GlobalLock(block))) {
+        if (!address_)
+            throw Error(KIRVO_NULL_HANDLE, kirvo_status_text(KIRVO_NULL_HANDLE));
+    }
+    /** @cond */
+    Locked(Locked&& other) noexcept
+        : block_(std::exchange(other.block_, nullptr)), address_(other.address_) {}
+    Locked& operator=(Locked&&) = delete;
+    ~Locked() {
+        if (block_)
+            GlobalUnlock(block_);
+    }
+    /** @endcond */
+    /** @return the first byte */
+    uint8_t* address() const { return address_; }
+    /** @return how many bytes the block has */
+    size_t size() const { return GlobalSize(block_); }
+    /** @return what an image begins with */
+    const BITMAPINFOHEADER& header() const {
+        if (size() < sizeof(BITMAPINFOHEADER))
+            throw Error(KIRVO_BAD_PARAMETER, "the block is smaller than an image's header");
+        return *reinterpret_cast<const BITMAPINFOHEADER*>(address_);
+    }
+
+  private:
+    HGLOBAL block_;
+    uint8_t* address_;
+};
 
 /** What holds inside this header. */
 namespace detail {
@@ -272,13 +322,16 @@ class Operation {
   public:
     Operation() {
         library().lock();
-        outer_ = current();
-        current() = this;
+        if (++depth() == 2)
+            mute();
     }
     ~Operation() {
-        if (progress_)
-            KirvoSetProcess(nullptr, command, 0);
-        current() = outer_;
+        if (progress_) {
+            mute();
+            reporting() = nullptr;
+        }
+        if (--depth() == 1)
+            speak();
         library().unlock();
     }
     Operation(const Operation&) = delete;
@@ -286,9 +339,11 @@ class Operation {
 
     /** The next call of the library is what reports; operations inside another do not. */
     void begin() {
-        progress_ = outer_ ? nullptr : listener();
-        if (progress_)
-            KirvoSetProcess(window(), command, 1);
+        if (depth() > 1 || !listener() || !*listener())
+            return;
+        progress_ = listener();
+        reporting() = this;
+        speak();
     }
     /** Throws what a report has thrown; otherwise says that all is done. */
     void finish() {
@@ -305,14 +360,31 @@ class Operation {
   private:
     static constexpr uint32_t command = 1;
 
-    static Operation*& current() {
-        static Operation* operation = nullptr; // the library's lock keeps it
+    // Both are kept by the library's lock.
+    static int& depth() {
+        static int operations = 0;
+        return operations;
+    }
+    static Operation*& reporting() {
+        static Operation* operation = nullptr;
         return operation;
     }
 
+    static void mute() {
+        if (reporting())
+            KirvoSetProcess(nullptr, command, 0);
+    }
+    static void speak() {
+        if (reporting() && !reporting()->is_telling_ && !reporting()->thrown_)
+            KirvoSetProcess(window(), command, 1);
+    }
+
+    /** What the report itself has done is not reported. */
     void receive(int percent) {
         if (thrown_)
             return;
+        mute();
+        is_telling_ = true;
         try {
             last_ = percent;
             (*progress_)(percent);
@@ -320,11 +392,12 @@ class Operation {
             thrown_ = std::current_exception();
             abandon();
         }
+        is_telling_ = false;
+        speak();
     }
 
     /** A codec stops; an effect runs to its end without further reports. */
-    void abandon() {
-        KirvoSetProcess(nullptr, command, 0);
+    static void abandon() {
         HGLOBAL image = nullptr;
         uint32_t bytes = 0;
         JpgDecNext(nullptr, 0, -1, &image);
@@ -333,8 +406,8 @@ class Operation {
     }
 
     static LRESULT report(WPARAM wparam, LPARAM percent) {
-        if (wparam == command && current() && current()->progress_)
-            current()->receive(static_cast<int>(percent));
+        if (wparam == command && reporting())
+            reporting()->receive(static_cast<int>(percent));
         return 0;
     }
 
@@ -366,8 +439,8 @@ class Operation {
     }
 #endif
 
-    Operation* outer_;
     const Progress* progress_ = nullptr;
+    bool is_telling_ = false;
     std::exception_ptr thrown_;
     int last_ = -1;
 };
@@ -377,56 +450,34 @@ inline void check(int32_t status, const char* what) {
         throw Error(status, std::string(what) + ": " + kirvo_status_text(status));
 }
 
-inline std::string words(KirvoFile file, int32_t kind, uint32_t index = 0) {
-    std::string text(KirvoFilesText(file, kind, index, nullptr, 0), '\0');
-    KirvoFilesText(file, kind, index, text.data(), static_cast<uint32_t>(text.size()));
-    text.resize(text.size() - 1); // the zero byte
+/** A text of a function that answers how much room it wants, the zero byte with it. */
+template<typename Call>
+std::string words(const Call& call) {
+    std::string text(call(nullptr, 0), '\0');
+    if (!text.empty())
+        text.resize(call(text.data(), static_cast<uint32_t>(text.size())) - 1);
     return text;
 }
 
-/** An error of a file carries the library's own words, which name the file. */
-inline void check(int32_t status, KirvoFile file) {
-    if (status == KIRVO_FILES_OK)
-        return;
-    std::string text = file ? words(file, KIRVO_FILES_TEXT_REASON) : std::string();
-    if (text.empty()) {
-        text.resize(KirvoFilesStatusText(status, nullptr, 0));
-        KirvoFilesStatusText(status, text.data(), static_cast<uint32_t>(text.size()));
-        text.resize(text.size() - 1);
-    }
-    throw Error(status, text);
+inline KirvoFilesOpenOptions filled(const OpenOptions& options) {
+    return {sizeof(KirvoFilesOpenOptions), options.flags, options.background, options.frame};
 }
 
-/** A block of memory that frees itself. */
-struct Freer {
-    void operator()(void* block) const { GlobalFree(block); }
-};
-using Block = std::unique_ptr<void, Freer>;
-
-/** A block locked in memory for as long as this lives. */
-class Locked {
-  public:
-    explicit Locked(HGLOBAL block)
-        : block_(block), address_(static_cast<uint8_t*>(GlobalLock(block))) {
-        if (!address_)
-            throw Error(KIRVO_NULL_HANDLE, kirvo_status_text(KIRVO_NULL_HANDLE));
-    }
-    Locked(Locked&& other) noexcept
-        : block_(std::exchange(other.block_, nullptr)), address_(other.address_) {}
-    Locked& operator=(Locked&&) = delete;
-    ~Locked() {
-        if (block_)
-            GlobalUnlock(block_);
-    }
-    uint8_t* address() const { return address_; }
-    const BITMAPINFOHEADER& header() const {
-        return *reinterpret_cast<const BITMAPINFOHEADER*>(address_);
-    }
-
-  private:
-    HGLOBAL block_;
-    uint8_t* address_;
-};
+inline KirvoFilesSaveOptions filled(const SaveOptions& options) {
+    KirvoFilesSaveOptions how{};
+    how.size = sizeof how;
+    how.format = options.format;
+    how.flags = options.flags;
+    how.quality = options.quality;
+    how.level = options.level;
+    how.subsample = options.subsample;
+    how.sizeLimit = options.size_limit;
+    how.bits = options.bits;
+    how.compression = options.compression;
+    how.dpiAcross = options.dpi_across;
+    how.dpiDown = options.dpi_down;
+    return how;
+}
 
 inline Block block_of(const void* bytes, size_t count) {
     Block block(GlobalAlloc(GMEM_MOVEABLE, count));
@@ -443,7 +494,7 @@ inline Block block_of(const void* bytes, size_t count) {
  *  sets the window host of kirvo.h. */
 class Watch {
   public:
-    /** @param progress receives percentages */
+    /** @param progress receives percentages; an empty one keeps operations silent */
     explicit Watch(Progress progress)
         : progress_(std::move(progress)), outer_(std::exchange(detail::listener(), &progress_)) {}
     ~Watch() { detail::listener() = outer_; }
@@ -455,26 +506,115 @@ class Watch {
     const Progress* outer_;
 };
 
+/** What is known of a file besides its pixels. */
+class File {
+  public:
+    /** Nothing is known. */
+    File() = default;
+    /** Moves. */
+    File(File&& other) noexcept : file_(std::exchange(other.file_, nullptr)) {}
+    /** Moves. @return this */
+    File& operator=(File&& other) noexcept {
+        std::swap(file_, other.file_);
+        return *this;
+    }
+    ~File() { KirvoFilesClose(file_); }
+
+    /** Reads what a file says of itself, its pixels not.
+     *  @param name the file @param options how @return what is known of it */
+    static File read(const std::filesystem::path& name, const OpenOptions& options = {}) {
+        const detail::Operation operation;
+        const KirvoFilesOpenOptions how = detail::filled(options);
+        File file;
+#ifdef _WIN32
+        const int32_t status = KirvoFilesInfoW(name.c_str(), &how, file.receiver());
+#else
+        const int32_t status = KirvoFilesInfo(name.c_str(), &how, file.receiver());
+#endif
+        file.check(status);
+        return file;
+    }
+
+    /** For the functions of kirvo_files.h. @return what they know a file by; it stays owned */
+    KirvoFile handle() const { return file_; }
+    /** For functions of kirvo_files.h that give a file: nothing is known until they have.
+     *  @return where they put it */
+    KirvoFile* receiver() {
+        KirvoFilesClose(std::exchange(file_, nullptr));
+        return &file_;
+    }
+    /** @return numbers and properties; all zero of nothing */
+    KirvoFilesDescription description() const {
+        KirvoFilesDescription said{};
+        said.size = sizeof said;
+        KirvoFilesDescribe(file_, &said);
+        return said;
+    }
+    /** @param kind a KirvoFilesTextKind @param index of several @return the text, empty for none */
+    std::string text(int32_t kind, uint32_t index = 0) const {
+        return detail::words([&](char* text, uint32_t room) {
+            return KirvoFilesText(file_, kind, index, text, room);
+        });
+    }
+    /** @param kind a KirvoFilesDataKind @return the bytes, empty for none */
+    std::vector<uint8_t> data(int32_t kind) const {
+        std::vector<uint8_t> bytes(KirvoFilesData(file_, kind, nullptr, 0));
+        KirvoFilesData(file_, kind, bytes.data(), static_cast<uint32_t>(bytes.size()));
+        return bytes;
+    }
+    /** Gives what is saved along with a picture. @param kind a KirvoFilesDataKind that can be set
+     *  @param bytes,count they; none of them: without */
+    void set_data(int32_t kind, const void* bytes, size_t count) {
+        if (count > UINT32_MAX)
+            throw Error(KIRVO_FILES_TOO_LARGE, "set_data: 4 GB or more");
+        check(KirvoFilesSetData(&file_, kind, bytes, static_cast<uint32_t>(count)));
+    }
+    /** @return what had to be left out or repaired */
+    std::vector<std::string> notes() const {
+        std::vector<std::string> notes;
+        for (uint32_t index = 0; index < description().notes; ++index)
+            notes.push_back(text(KIRVO_FILES_TEXT_NOTE, index));
+        return notes;
+    }
+    /** Throws what a function has answered, unless it is success, in the words that name the file.
+     *  @param status the answer */
+    void check(int32_t status) const {
+        if (status == KIRVO_FILES_OK)
+            return;
+        const auto meaning = [=](char* text, uint32_t room) {
+            return KirvoFilesStatusText(status, text, room);
+        };
+        const std::string reason = text(KIRVO_FILES_TEXT_REASON);
+        throw Error(status, reason.empty() ? detail::words(meaning) : reason);
+    }
+
+  private:
+    KirvoFile file_ = nullptr;
+};
+
 /** The pixels of an image, in memory for as long as this lives, row by row from the top. A pixel of
  *  24 bits is three bytes: blue, green, red. */
-class Rows {
+template<typename Byte>
+class BasicRows {
   public:
     int32_t width() const { return width_; }   /**< @return pixels across */
     int32_t height() const { return height_; } /**< @return how many rows there are */
     int32_t bits() const { return bits_; }     /**< @return bits of a pixel */
     /** A row. @param y how many lie above it @return its bytes */
-    Row operator[](int32_t y) const {
+    Bytes<Byte> operator[](int32_t y) const {
         const size_t bytes = (static_cast<size_t>(width_) * static_cast<size_t>(bits_) + 7) / 8;
-        return Row(bottom_ + stride_ * static_cast<size_t>(height_ - 1 - y), bytes);
+        return Bytes<Byte>(bottom_ + stride_ * static_cast<size_t>(height_ - 1 - y), bytes);
     }
     /** All pixels in one piece. @return the bytes of the rows, the bottom one first, each padded to a
      *  multiple of four */
-    Row pixels() const { return Row(bottom_, stride_ * static_cast<size_t>(height_)); }
+    Bytes<Byte> pixels() const {
+        return Bytes<Byte>(bottom_, stride_ * static_cast<size_t>(height_));
+    }
     /** @cond */
     class Iterator {
       public:
-        Iterator(const Rows* rows, int32_t y) : rows_(rows), y_(y) {}
-        Row operator*() const { return (*rows_)[y_]; }
+        Iterator(const BasicRows* rows, int32_t y) : rows_(rows), y_(y) {}
+        Bytes<Byte> operator*() const { return (*rows_)[y_]; }
         Iterator& operator++() {
             ++y_;
             return *this;
@@ -482,7 +622,7 @@ class Rows {
         bool operator!=(const Iterator& other) const { return y_ != other.y_; }
 
       private:
-        const Rows* rows_;
+        const BasicRows* rows_;
         int32_t y_;
     };
     Iterator begin() const { return Iterator(this, 0); }
@@ -491,10 +631,9 @@ class Rows {
 
   private:
     friend class Image;
-    explicit Rows(HGLOBAL dib) : block_(dib) {
+    explicit BasicRows(HGLOBAL dib) : block_(dib) {
         const BITMAPINFOHEADER& header = block_.header();
-        const uint64_t size = GlobalSize(dib),
-                       start = uint64_t{header.biSize} + PaletteSize(&header);
+        const uint64_t size = block_.size(), start = uint64_t{header.biSize} + PaletteSize(&header);
         width_ = header.biWidth;
         height_ = header.biHeight;
         bits_ = header.biBitCount;
@@ -506,11 +645,13 @@ class Rows {
         stride_ = static_cast<size_t>(stride);
     }
 
-    detail::Locked block_;
-    uint8_t* bottom_;
+    Locked block_;
+    Byte* bottom_;
     size_t stride_;
     int32_t width_, height_, bits_;
 };
+using Rows = BasicRows<uint8_t>;            /**< the pixels of an image */
+using ConstRows = BasicRows<const uint8_t>; /**< the pixels of a constant image */
 
 /** A picture: a packed DIB that this object owns. It moves; copies are made by copy(). */
 class Image {
@@ -526,8 +667,8 @@ class Image {
         static const uint32_t masks[2][3] = {{0xF800, 0x07E0, 0x001F},
                                              {0x00FF0000, 0x0000FF00, 0x000000FF}};
         if (bits == 16 || bits == 32)
-            std::memcpy(detail::Locked(dib_.get()).address() + sizeof(BITMAPINFOHEADER),
-                        masks[bits == 32], sizeof masks[0]);
+            std::memcpy(Locked(dib_.get()).address() + sizeof(BITMAPINFOHEADER), masks[bits == 32],
+                        sizeof masks[0]);
     }
 
     /** Takes a packed DIB over. @param dib which is freed with the image @return its image */
@@ -566,16 +707,17 @@ class Image {
     void save(const std::filesystem::path& name, const SaveOptions& options = {}) const {
         detail::Operation operation;
         operation.begin();
-        const KirvoFilesSaveOptions how = filled(options);
-        KirvoFile file = nullptr;
+        const KirvoFilesSaveOptions how = detail::filled(options);
+        const KirvoFile from = file().handle();
+        File known;
 #ifdef _WIN32
-        const int32_t status = KirvoFilesSaveW(name.c_str(), handle(), file_.get(), &how, &file);
+        const int32_t status =
+            KirvoFilesSaveW(name.c_str(), handle(), from, &how, known.receiver());
 #else
-        const int32_t status = KirvoFilesSave(name.c_str(), handle(), file_.get(), &how, &file);
+        const int32_t status = KirvoFilesSave(name.c_str(), handle(), from, &how, known.receiver());
 #endif
-        const std::unique_ptr<void, Closer> known(file);
         operation.rethrow();
-        detail::check(status, file);
+        known.check(status);
         operation.finish();
     }
 
@@ -583,38 +725,30 @@ class Image {
     std::vector<uint8_t> encode(const SaveOptions& options) const {
         detail::Operation operation;
         operation.begin();
-        const KirvoFilesSaveOptions how = filled(options);
-        KirvoFile file = nullptr;
+        const KirvoFilesSaveOptions how = detail::filled(options);
+        File known;
         HGLOBAL made = nullptr;
         uint32_t count = 0;
         const int32_t status =
-            KirvoFilesSaveMemory(handle(), file_.get(), &how, &made, &count, &file);
-        const std::unique_ptr<void, Closer> known(file);
-        const detail::Block block(made);
+            KirvoFilesSaveMemory(handle(), file().handle(), &how, &made, &count, known.receiver());
+        const Block block(made);
         operation.rethrow();
-        detail::check(status, file);
+        known.check(status);
         operation.finish();
-        const detail::Locked bytes(made);
+        const Locked bytes(made);
         return std::vector<uint8_t>(bytes.address(), bytes.address() + count);
     }
 
     /** What is known besides the pixels.
-     *  @return what the file that the picture came from says; all zero for other pictures */
-    KirvoFilesDescription description() const {
-        KirvoFilesDescription said{};
-        said.size = sizeof said;
-        if (file_)
-            KirvoFilesDescribe(file_.get(), &said);
-        return said;
+     *  @return the file that the picture came from; of other pictures nothing is known */
+    const File& file() const {
+        static const File& none = *new File; // outlives every image
+        return file_ ? *file_ : none;
     }
-
+    /** The numbers of file(). @return what it says; all zero for other pictures */
+    KirvoFilesDescription description() const { return file().description(); }
     /** How opening went. @return what had to be left out or repaired */
-    std::vector<std::string> notes() const {
-        std::vector<std::string> notes;
-        for (uint32_t index = 0; index < description().notes; ++index)
-            notes.push_back(detail::words(file_.get(), KIRVO_FILES_TEXT_NOTE, index));
-        return notes;
-    }
+    std::vector<std::string> notes() const { return file().notes(); }
 
     /** @return whether there is a picture */
     explicit operator bool() const { return dib_ != nullptr; }
@@ -628,17 +762,21 @@ class Image {
     HGLOBAL release() { return dib_.release(); }
 
     /** @return pixels across */
-    int32_t width() const { return detail::Locked(handle()).header().biWidth; }
+    int32_t width() const { return Locked(handle()).header().biWidth; }
     /** @return pixels from top to bottom */
-    int32_t height() const { return detail::Locked(handle()).header().biHeight; }
+    int32_t height() const { return Locked(handle()).header().biHeight; }
     /** @return bits of a pixel: 1, 4, 8, 16, 24 or 32 */
-    int32_t bits() const { return detail::Locked(handle()).header().biBitCount; }
+    int32_t bits() const { return Locked(handle()).header().biBitCount; }
     /** The pixels in memory. @return their rows from the top */
-    Rows rows() const { return Rows(handle()); }
+    Rows rows() & { return Rows(handle()); }
+    /** The pixels in memory. @return their rows from the top, to be read */
+    ConstRows rows() const& { return ConstRows(handle()); }
+    /** An image that ends at once has no rows that could be used. */
+    void rows() const&& = delete;
 
     /** @return another image of the same pixels */
     Image copy() const {
-        const detail::Locked from(handle());
+        const Locked from(handle());
         return made(detail::block_of(from.address(), GlobalSize(dib_.get())).release());
     }
 
@@ -682,8 +820,8 @@ class Image {
      *  @return the new image */
     Image resize(int32_t new_width, int32_t new_height, const ResizeOptions& options = {},
         const Area& area = {}) const {
-        return make("resize", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return Dib24ZoomEx2(dib, area.x, area.y, area.width, area.height, new_width, new_height, status, options.smooth ? 1 : 0);
+        return make("resize", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return Dib24ZoomEx2(dib, a.x, a.y, a.width, a.height, new_width, new_height, status, options.smooth ? 1 : 0);
         });
     }
 
@@ -691,8 +829,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image flip(const Area& area = {}) const {
-        return changed("flip", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& area) {
-            return Dib24Flip(dib, area.x, area.y, area.width, area.height);
+        return changed("flip", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& a) {
+            return Dib24Flip(dib, a.x, a.y, a.width, a.height);
         });
     }
 
@@ -700,8 +838,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image mirror(const Area& area = {}) const {
-        return changed("mirror", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& area) {
-            return Dib24Mirror(dib, area.x, area.y, area.width, area.height);
+        return changed("mirror", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& a) {
+            return Dib24Mirror(dib, a.x, a.y, a.width, a.height);
         });
     }
 
@@ -709,8 +847,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image rotate_180(const Area& area = {}) const {
-        return changed("rotate_180", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& area) {
-            return Dib24FlipMirror(dib, area.x, area.y, area.width, area.height);
+        return changed("rotate_180", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& a) {
+            return Dib24FlipMirror(dib, a.x, a.y, a.width, a.height);
         });
     }
 
@@ -720,8 +858,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image rotate_90(const Rotate90Options& options = {}, const Area& area = {}) const {
-        return make("rotate_90", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return Dib24Rotate(dib, area.x, area.y, area.width, area.height, options.direction, status);
+        return make("rotate_90", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return Dib24Rotate(dib, a.x, a.y, a.width, a.height, options.direction, status);
         });
     }
 
@@ -730,8 +868,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image brightness(int32_t level, const Area& area = {}) const {
-        return make("brightness", {24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return Dib24Brightness(dib, area.x, area.y, area.width, area.height, level, status);
+        return make("brightness", {24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return Dib24Brightness(dib, a.x, a.y, a.width, a.height, level, status);
         });
     }
 
@@ -741,8 +879,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image contrast(int32_t level, const Area& area = {}) const {
-        return make("contrast", {24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return Dib24Contrast(dib, area.x, area.y, area.width, area.height, level, status);
+        return make("contrast", {24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return Dib24Contrast(dib, a.x, a.y, a.width, a.height, level, status);
         });
     }
 
@@ -751,8 +889,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image gamma(double gamma, const Area& area = {}) const {
-        return make("gamma", {24}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return Dib24Gamma(dib, area.x, area.y, area.width, area.height, gamma, status);
+        return make("gamma", {24}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return Dib24Gamma(dib, a.x, a.y, a.width, a.height, gamma, status);
         });
     }
 
@@ -761,8 +899,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image gamma_channels(const GammaChannelsOptions& options = {}, const Area& area = {}) const {
-        return make("gamma_channels", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return DibGammaEx(dib, area.x, area.y, area.width, area.height, options.red, options.green, options.blue, status);
+        return make("gamma_channels", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return DibGammaEx(dib, a.x, a.y, a.width, a.height, options.red, options.green, options.blue, status);
         });
     }
 
@@ -773,8 +911,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image tone(int32_t numerator, int32_t denominator, const Area& area = {}) const {
-        return make("tone", {24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return Dib24ToneCtrl(dib, area.x, area.y, area.width, area.height, numerator, denominator, status);
+        return make("tone", {24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return Dib24ToneCtrl(dib, a.x, a.y, a.width, a.height, numerator, denominator, status);
         });
     }
 
@@ -784,8 +922,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image tone_channels(const ToneChannelsOptions& options = {}, const Area& area = {}) const {
-        return make("tone_channels", {24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return Dib24ToneCtrlEx(dib, area.x, area.y, area.width, area.height, options.red, options.green, options.blue, status);
+        return make("tone_channels", {24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return Dib24ToneCtrlEx(dib, a.x, a.y, a.width, a.height, options.red, options.green, options.blue, status);
         });
     }
 
@@ -793,8 +931,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image negative(const Area& area = {}) const {
-        return changed("negative", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& area) {
-            return Dib24Negative(dib, area.x, area.y, area.width, area.height);
+        return changed("negative", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& a) {
+            return Dib24Negative(dib, a.x, a.y, a.width, a.height);
         });
     }
 
@@ -802,8 +940,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image monochrome(const Area& area = {}) const {
-        return make("monochrome", {24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return Dib24Monochrome(dib, area.x, area.y, area.width, area.height, status);
+        return make("monochrome", {24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return Dib24Monochrome(dib, a.x, a.y, a.width, a.height, status);
         });
     }
 
@@ -811,8 +949,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image half_tone(const Area& area = {}) const {
-        return make("half_tone", {24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return Dib24HalfTone(dib, area.x, area.y, area.width, area.height, status);
+        return make("half_tone", {24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return Dib24HalfTone(dib, a.x, a.y, a.width, a.height, status);
         });
     }
 
@@ -823,8 +961,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image swap_channels(int32_t mode, const Area& area = {}) const {
-        return changed("swap_channels", {24, 32}, area, [&](HGLOBAL dib, const Area& area) {
-            return Dib24RGBChange(dib, mode, area.x, area.y, area.width, area.height);
+        return changed("swap_channels", {24, 32}, area, [&](HGLOBAL dib, const Area& a) {
+            return Dib24RGBChange(dib, mode, a.x, a.y, a.width, a.height);
         });
     }
 
@@ -833,8 +971,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image map_channels(const uint8_t (&table)[256], const Area& area = {}) const {
-        return make("map_channels", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return DibColorMapEx(dib, area.x, area.y, area.width, area.height, table, status);
+        return make("map_channels", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return DibColorMapEx(dib, a.x, a.y, a.width, a.height, table, status);
         });
     }
 
@@ -844,8 +982,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image change_hue(int32_t mode, int32_t value, const Area& area = {}) const {
-        return make("change_hue", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return DibModifyHueEx(dib, area.x, area.y, area.width, area.height, mode, value, status);
+        return make("change_hue", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return DibModifyHueEx(dib, a.x, a.y, a.width, a.height, mode, value, status);
         });
     }
 
@@ -854,8 +992,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image exclusive_or(uint32_t colour, const Area& area = {}) const {
-        return changed("exclusive_or", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& area) {
-            return Dib24XOR(dib, area.x, area.y, area.width, area.height, colour);
+        return changed("exclusive_or", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& a) {
+            return Dib24XOR(dib, a.x, a.y, a.width, a.height, colour);
         });
     }
 
@@ -863,8 +1001,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image blur(const Area& area = {}) const {
-        return make("blur", {24}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return Dib24Gausian(dib, area.x, area.y, area.width, area.height, status);
+        return make("blur", {24}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return Dib24Gausian(dib, a.x, a.y, a.width, a.height, status);
         });
     }
 
@@ -874,8 +1012,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image sharpen(const SharpenOptions& options = {}, const Area& area = {}) const {
-        return make("sharpen", {24}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return Dib24SharpenEx(dib, area.x, area.y, area.width, area.height, options.strength, status);
+        return make("sharpen", {24}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return Dib24SharpenEx(dib, a.x, a.y, a.width, a.height, options.strength, status);
         });
     }
 
@@ -884,8 +1022,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image relief(const ReliefOptions& options = {}, const Area& area = {}) const {
-        return make("relief", {24}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return Dib24Sharpen(dib, area.x, area.y, area.width, area.height, options.mode, status);
+        return make("relief", {24}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return Dib24Sharpen(dib, a.x, a.y, a.width, a.height, options.mode, status);
         });
     }
 
@@ -895,8 +1033,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image colour_edges(const ColourEdgesOptions& options = {}, const Area& area = {}) const {
-        return make("colour_edges", {24}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return Dib24ColorEdge(dib, area.x, area.y, area.width, area.height, options.threshold, options.mode, status);
+        return make("colour_edges", {24}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return Dib24ColorEdge(dib, a.x, a.y, a.width, a.height, options.threshold, options.mode, status);
         });
     }
 
@@ -906,8 +1044,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image dilate(const DilateOptions& options = {}, const Area& area = {}) const {
-        return make("dilate", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return DibBlockMxM(dib, area.x, area.y, area.width, area.height, options.radius, 1, options.luminance ? 1 : 0, status);
+        return make("dilate", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return DibBlockMxM(dib, a.x, a.y, a.width, a.height, options.radius, 1, options.luminance ? 1 : 0, status);
         });
     }
 
@@ -917,8 +1055,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image erode(const ErodeOptions& options = {}, const Area& area = {}) const {
-        return make("erode", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return DibBlockMxM(dib, area.x, area.y, area.width, area.height, options.radius, 0, options.luminance ? 1 : 0, status);
+        return make("erode", {16, 24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return DibBlockMxM(dib, a.x, a.y, a.width, a.height, options.radius, 0, options.luminance ? 1 : 0, status);
         });
     }
 
@@ -929,8 +1067,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image keep_channels(uint32_t red, uint32_t green, uint32_t blue, const Area& area = {}) const {
-        return make("keep_channels", {24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return Dib24Filter(dib, area.x, area.y, area.width, area.height, red, green, blue, status);
+        return make("keep_channels", {24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return Dib24Filter(dib, a.x, a.y, a.width, a.height, red, green, blue, status);
         });
     }
 
@@ -940,8 +1078,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image mosaic(int32_t block, const Area& area = {}) const {
-        return make("mosaic", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return DibMosaicEx(dib, area.x, area.y, area.width, area.height, block, status);
+        return make("mosaic", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return DibMosaicEx(dib, a.x, a.y, a.width, a.height, block, status);
         });
     }
 
@@ -951,8 +1089,8 @@ class Image {
      *  @param area the part that is worked on
      *  @return the new image */
     Image mosaic_average(int32_t block, const Area& area = {}) const {
-        return make("mosaic_average", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& area, int32_t* status) {
-            return DibMosaicEx2(dib, area.x, area.y, area.width, area.height, block, status);
+        return make("mosaic_average", {8, 16, 24, 32}, area, [&](HGLOBAL dib, const Area& a, int32_t* status) {
+            return DibMosaicEx2(dib, a.x, a.y, a.width, a.height, block, status);
         });
     }
 
@@ -1262,9 +1400,6 @@ class Image {
     }
 
   private:
-    struct Closer {
-        void operator()(void* file) const { KirvoFilesClose(file); }
-    };
     using Depths = std::initializer_list<int32_t>;
 
     template<typename Call>
@@ -1274,33 +1409,16 @@ class Image {
             watch.emplace(std::move(progress));
         detail::Operation operation;
         operation.begin();
-        const KirvoFilesOpenOptions how = {sizeof(KirvoFilesOpenOptions), options.flags,
-                                           options.background, options.frame};
-        KirvoFile file = nullptr;
+        const KirvoFilesOpenOptions how = detail::filled(options);
+        const auto file = std::make_shared<File>();
         HGLOBAL dib = nullptr;
-        const int32_t status = call(&how, &dib, &file);
+        const int32_t status = call(&how, &dib, file->receiver());
         Image image = adopt(dib);
-        image.file_ = std::shared_ptr<void>(file, Closer());
+        image.file_ = file;
         operation.rethrow();
-        detail::check(status, file);
+        file->check(status);
         operation.finish();
         return image;
-    }
-
-    static KirvoFilesSaveOptions filled(const SaveOptions& options) {
-        KirvoFilesSaveOptions how{};
-        how.size = sizeof how;
-        how.format = options.format;
-        how.flags = options.flags;
-        how.quality = options.quality;
-        how.level = options.level;
-        how.subsample = options.subsample;
-        how.sizeLimit = options.size_limit;
-        how.bits = options.bits;
-        how.compression = options.compression;
-        how.dpiAcross = options.dpi_across;
-        how.dpiDown = options.dpi_down;
-        return how;
     }
 
     /** An image that remembers where this one came from. */
@@ -1318,8 +1436,10 @@ class Image {
     }
 
     Area inside(const Area& area) const {
-        return {area.x, area.y, area.width < 0 ? width() - area.x : area.width,
-                area.height < 0 ? height() - area.y : area.height};
+        const bool is_wide = area.width < 0 && area.x >= 0,
+                   is_high = area.height < 0 && area.y >= 0;
+        return {area.x, area.y, is_wide ? width() - area.x : area.width,
+                is_high ? height() - area.y : area.height};
     }
 
     /** Calls a function that makes an image. */
@@ -1372,8 +1492,8 @@ class Image {
 
     Image as_deep_as(const Image& other) const { return convert(other.bits()); }
 
-    detail::Block dib_;
-    std::shared_ptr<void> file_; // what is known of the file that it came from
+    Block dib_;
+    std::shared_ptr<const File> file_; // that it came from
 };
 
 /** Decodes a JPEG stream that arrives in pieces. The library is this thread's until the decoder
@@ -1395,7 +1515,7 @@ class JpegDecoder {
             return true;
         if (count > INT32_MAX)
             throw Error(KIRVO_BAD_PARAMETER, "JpegDecoder: 2 GB or more in one piece");
-        const detail::Block block = detail::block_of(bytes, count);
+        const Block block = detail::block_of(bytes, count);
         HGLOBAL image = nullptr;
         const auto size = static_cast<int32_t>(count);
         return take(state_ == State::begun ? JpgDecNext(block.get(), size, 0, &image)
@@ -1470,7 +1590,7 @@ class JpegEncoder {
     std::vector<uint8_t> finish() {
         while (!step()) {
         }
-        const detail::Locked bytes(block_);
+        const Locked bytes(block_);
         return std::vector<uint8_t>(bytes.address(), bytes.address() + count_);
     }
 

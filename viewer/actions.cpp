@@ -35,7 +35,7 @@ void toggle_code(Viewer& viewer) {
 }
 
 void copy_command_line(Viewer& viewer) {
-    const std::string name = viewer.path.empty() ? "picture.bmp" : narrow(viewer.path);
+    const std::string name = viewer.origin.empty() ? "picture.bmp" : narrow(viewer.origin);
     try {
         const std::string line = command_line_of(viewer.history.steps(), name);
         if (copy_text(viewer.window, wide(line)))
@@ -43,21 +43,6 @@ void copy_command_line(Viewer& viewer) {
     } catch (const Failure& failure) {
         viewer.say(failure.what());
     }
-}
-
-void show_keys(Viewer& viewer) {
-    show_text(viewer.window, L"Keys and mouse",
-              L"Left, Right (Page Up, Page Down)\tpictures of the folder\r\n"
-              L"Wheel, + and -\tzoom\r\n"
-              L"Double click\tfit, or one to one\r\n"
-              L"Drag; Up, Down, Shift+arrows\tmove the picture\r\n"
-              L"Shift+drag, Ctrl+R\tselect a rectangle\r\n"
-              L"B, held\tthe picture before the last effect\r\n"
-              L"Ctrl+Z, Ctrl+Y, F4\tundo, redo, repeat the last effect\r\n"
-              L"F6\tto the code and back\r\n"
-              L"F9, Ctrl+H\tcode, histogram\r\n"
-              L"F11\tfull screen\r\n"
-              L"Esc\tabandon reading; leave full screen; select nothing\r\n");
 }
 
 void show_about(Viewer& viewer) {
@@ -77,20 +62,15 @@ void act_on_history(Viewer& viewer, WORD command) {
     viewer.picture_changed();
 }
 
-} // namespace
-
 void choose_theme(Viewer& viewer, Theme theme) {
-    const bool was_dark = theme::is_dark();
     viewer.options.theme = theme;
     theme::choose(theme);
     theme::apply(viewer.window);
+    theme::apply(viewer.histogram.window());
     colour_menu_bar(viewer);
-    viewer.view.set_dark(theme::is_dark());
-    if (viewer.histogram.is_open() && was_dark != theme::is_dark()) {
-        viewer.histogram.close();
-        toggle_histogram(viewer);
-    }
 }
+
+} // namespace
 
 void act(Viewer& viewer, WORD command) {
     if (!can_act(viewer, command))

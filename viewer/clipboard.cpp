@@ -4,6 +4,7 @@
 
 #include <shellapi.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -32,11 +33,21 @@ bool put(HWND window, UINT format, HGLOBAL block) {
     return false;
 }
 
-uint64_t pixel_offset(const BITMAPINFOHEADER& header) {
+uint64_t all_colours(WORD bits) { return bits <= 8 ? uint64_t{1} << bits : 0; }
+
+uint64_t pixel_offset(const void* block, size_t size) {
+    BITMAPINFOHEADER header = {};
+    std::memcpy(&header, block, std::min(size, sizeof header));
+    if (header.biSize == sizeof(BITMAPCOREHEADER)) {
+        BITMAPCOREHEADER core;
+        std::memcpy(&core, block, sizeof core);
+        return sizeof core + all_colours(core.bcBitCount) * sizeof(RGBTRIPLE);
+    }
     const uint64_t masks =
         header.biSize == sizeof header && header.biCompression == BI_BITFIELDS ? 12 : 0;
-    const uint64_t all = header.biBitCount <= 8 ? uint64_t{1} << header.biBitCount : 0;
-    return header.biSize + masks + (header.biClrUsed != 0 ? header.biClrUsed : all) * 4;
+    const uint64_t colours =
+        header.biClrUsed != 0 ? header.biClrUsed : all_colours(header.biBitCount);
+    return header.biSize + masks + colours * sizeof(RGBQUAD);
 }
 
 // Another program's block may be anything: with a file's header before it, it is read as carefully as
@@ -45,10 +56,8 @@ std::vector<uint8_t> as_file(HGLOBAL block) {
     const SIZE_T size = GlobalSize(block);
     const void* data = GlobalLock(block);
     std::vector<uint8_t> file;
-    BITMAPINFOHEADER header;
-    if (data != nullptr && size >= sizeof header && size < 1u << 30) {
-        std::memcpy(&header, data, sizeof header);
-        const uint64_t offset = 14 + pixel_offset(header);
+    if (data != nullptr && size >= sizeof(BITMAPCOREHEADER) && size < 1u << 30) {
+        const uint64_t offset = 14 + pixel_offset(data, size);
         const auto whole = static_cast<uint32_t>(14 + size);
         const uint32_t start = offset < whole ? static_cast<uint32_t>(offset) : whole;
         file.resize(whole);
@@ -84,11 +93,9 @@ std::wstring file_on(HWND window) {
 // What is selected, or all of it.
 void copy_picture(Viewer& viewer) {
     const SharedImage image = viewer.history.now();
-    const Worker::Turn turn(viewer.worker);
-    if (!turn)
-        return viewer.say("Still working");
+    const Worker::Turn turn(viewer.worker, Worker::Turn::Wait::yes);
     try {
-        Image copy = duplicate(*image);
+        Image copy = image->copy();
         if (const auto& part = viewer.view.selection()) {
             const Image whole = to_24_bits(std::move(copy));
             int32_t status = 0;
@@ -123,7 +130,7 @@ void paste_picture(Viewer& viewer) {
             const int32_t status =
                 KirvoFilesOpenMemory(file.data(), static_cast<uint32_t>(file.size()), nullptr,
                                      &handle, known->receiver());
-            *image = shared(Image(handle));
+            *image = shared(Image::adopt(handle));
             expect(status, *known, "the clipboard's picture");
         },
         [=, &viewer] { begin_picture(viewer, *image, nullptr, L"", L"pasted picture"); });

@@ -1,8 +1,8 @@
 #include "code_pane.hpp"
 
 #include "calls/code.hpp"
+#include "sizes.hpp"
 #include "text.hpp"
-#include "theme.hpp"
 
 namespace {
 
@@ -30,13 +30,13 @@ void CodePane::create(HWND parent, int language, HFONT font) {
         SendMessageW(
             list_, CB_ADDSTRING, 0,
             reinterpret_cast<LPARAM>(wide(language_name(static_cast<Language>(i))).c_str()));
-    set_fonts(font, theme::dpi_of(parent));
+    set_fonts(font);
     choose(language);
 }
 
-void CodePane::set_fonts(HFONT message, int dpi) {
+void CodePane::set_fonts(HFONT message) {
     HFONT before = font_;
-    font_ = theme::code_font(dpi);
+    font_ = sizes::code_font(list_);
     SendMessageW(list_, WM_SETFONT, reinterpret_cast<WPARAM>(message), TRUE);
     SendMessageW(edit_, WM_SETFONT, reinterpret_cast<WPARAM>(font_), TRUE);
     DeleteObject(before);

@@ -10,7 +10,7 @@ class CodePane {
     void set_visible(bool visible);
     bool is_visible() const { return visible_; }
     void place(const RECT& area);
-    void set_fonts(HFONT message, int dpi);
+    void set_fonts(HFONT message);
     int language() const { return language_; }
     void choose(int language);
     std::wstring text() const;

@@ -1,5 +1,7 @@
 #include "dialog.hpp"
 
+#include "newer.hpp"
+#include "sizes.hpp"
 #include "text.hpp"
 #include "theme.hpp"
 
@@ -23,14 +25,16 @@ bool Dialog::run(HWND owner, const std::wstring& title, int width, int height) {
 
 HWND Dialog::add(const wchar_t* window_class, const std::wstring& text, DWORD style, int id,
                  int left, int top, int width, int height) {
-    const auto scaled = [&](int length) { return theme::scaled(window_, length); };
     const DWORD border = window_class == std::wstring(L"EDIT") ? WS_EX_CLIENTEDGE : 0;
     HWND control = CreateWindowExW(
-        border, window_class, text.c_str(), WS_CHILD | WS_VISIBLE | style, scaled(left),
-        scaled(top), scaled(width), scaled(height), window_,
+        border, window_class, text.c_str(), WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0, window_,
         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
-    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font_), TRUE);
+    parts_.push_back({control, left, top, width, height});
     return control;
+}
+
+void Dialog::add_name(const std::wstring& text, int left, int top, int width) {
+    add(L"STATIC", with_key(text, taken_keys_), 0, -1, left, top, width, 18);
 }
 
 void Dialog::add_buttons(int width, int top) {
@@ -44,19 +48,65 @@ void Dialog::set_text(int id, const std::wstring& text) const {
     SetWindowTextW(control(id), text.c_str());
 }
 
-// At the owner's lower right corner, where it hides least of the picture.
-void Dialog::place() {
-    RECT size = {0, 0, theme::scaled(window_, width_), theme::scaled(window_, height_)};
-    AdjustWindowRect(&size, static_cast<DWORD>(GetWindowLongPtrW(window_, GWL_STYLE)), FALSE);
-    const LONG width = size.right - size.left, height = size.bottom - size.top;
-    RECT owner;
-    GetWindowRect(GetParent(window_), &owner);
+RECT Dialog::work_area() const {
     MONITORINFO monitor = {};
     monitor.cbSize = sizeof monitor;
     GetMonitorInfoW(MonitorFromWindow(GetParent(window_), MONITOR_DEFAULTTONEAREST), &monitor);
-    const LONG left = std::max(monitor.rcWork.left, owner.right - width - 24);
-    const LONG top = std::max(monitor.rcWork.top, owner.bottom - height - 48);
-    SetWindowPos(window_, nullptr, left, top, width, height, SWP_NOZORDER);
+    return monitor.rcWork;
+}
+
+// As large as the person wants texts, but no larger than the screen.
+void Dialog::lay_out() {
+    const RECT work = work_area();
+    RECT outside = {0, 0, sizes::scaled(window_, width_), sizes::scaled(window_, height_)};
+    const RECT inside = outside;
+    AdjustWindowRect(&outside, static_cast<DWORD>(GetWindowLongPtrW(window_, GWL_STYLE)), FALSE);
+    const LONG across = inside.right - (outside.right - outside.left) + work.right - work.left;
+    const LONG down = inside.bottom - (outside.bottom - outside.top) + work.bottom - work.top;
+    const double smaller = std::min({1.0, static_cast<double>(across) / inside.right,
+                                     static_cast<double>(down) / inside.bottom});
+    const auto scaled = [&](int length) {
+        return static_cast<int>(sizes::scaled(window_, length) * smaller);
+    };
+    HFONT before = font_;
+    font_ = sizes::message_font(window_, smaller);
+    for (const Part& part : parts_) {
+        SendMessageW(part.control, WM_SETFONT, reinterpret_cast<WPARAM>(font_), TRUE);
+        MoveWindow(part.control, scaled(part.left), scaled(part.top), scaled(part.width),
+                   scaled(part.height), TRUE);
+    }
+    DeleteObject(before);
+    SetWindowPos(window_, nullptr, 0, 0,
+                 scaled(width_) + outside.right - outside.left - inside.right,
+                 scaled(height_) + outside.bottom - outside.top - inside.bottom,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+// At the owner's lower right corner, where it hides least of the picture.
+void Dialog::place() {
+    RECT owner, self;
+    GetWindowRect(GetParent(window_), &owner);
+    GetWindowRect(window_, &self);
+    const RECT work = work_area();
+    const LONG width = self.right - self.left, height = self.bottom - self.top;
+    const LONG left = std::max(work.left, std::min(owner.right - 24, work.right) - width);
+    const LONG top = std::max(work.top, std::min(owner.bottom - 48, work.bottom) - height);
+    SetWindowPos(window_, nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+}
+
+void Dialog::begin() {
+    // This program scales its dialogs itself.
+    using SetBehaviour = BOOL(WINAPI*)(HWND, int, int);
+    static const auto set =
+        newer_function<SetBehaviour>(L"user32.dll", "SetDialogDpiChangeBehavior");
+    constexpr int disable_all = 1;
+    if (set != nullptr)
+        set(window_, disable_all, disable_all);
+    SetWindowTextW(window_, title_.c_str());
+    fill();
+    lay_out();
+    place();
+    theme::apply(window_);
 }
 
 INT_PTR CALLBACK Dialog::on_message(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -64,28 +114,31 @@ INT_PTR CALLBACK Dialog::on_message(HWND window, UINT message, WPARAM wparam, LP
         auto* dialog = reinterpret_cast<Dialog*>(lparam);
         dialog->window_ = window;
         SetWindowLongPtrW(window, DWLP_USER, lparam);
-        SetWindowTextW(window, dialog->title_.c_str());
-        dialog->font_ = theme::message_font(theme::dpi_of(window));
-        dialog->place();
-        dialog->fill();
-        theme::apply(window);
+        dialog->begin();
         return TRUE; // the first control gets the focus
     }
     auto* dialog = reinterpret_cast<Dialog*>(GetWindowLongPtrW(window, DWLP_USER));
-    if (dialog == nullptr)
-        return FALSE;
+    return dialog != nullptr ? dialog->answer(message, wparam, lparam) : FALSE;
+}
+
+INT_PTR Dialog::answer(UINT message, WPARAM wparam, LPARAM lparam) {
+    theme::change_by(window_, message);
+    if (sizes::change_by(window_, message, wparam, lparam)) {
+        lay_out();
+        return TRUE;
+    }
     switch (message) {
     case WM_COMMAND:
-        if (LOWORD(wparam) == IDCANCEL || (LOWORD(wparam) == IDOK && dialog->on_ok()))
-            EndDialog(window, LOWORD(wparam));
+        if (LOWORD(wparam) == IDCANCEL || (LOWORD(wparam) == IDOK && on_ok()))
+            EndDialog(window_, LOWORD(wparam));
         else if (LOWORD(wparam) != IDOK)
-            dialog->on_control(LOWORD(wparam), HIWORD(wparam));
+            on_control(LOWORD(wparam), HIWORD(wparam));
         return TRUE;
     case WM_HSCROLL:
-        dialog->on_scroll(reinterpret_cast<HWND>(lparam));
+        on_scroll(reinterpret_cast<HWND>(lparam));
         return TRUE;
     case WM_TIMER:
-        dialog->on_timer();
+        on_timer();
         return TRUE;
     case WM_CTLCOLORDLG:
     case WM_CTLCOLORSTATIC:

@@ -5,6 +5,7 @@
 #include "effects/presentation.hpp"
 #include "effects_menu.hpp"
 #include "look.hpp"
+#include "progress.hpp"
 #include "system/errors.hpp"
 #include "text.hpp"
 #include "viewer.hpp"
@@ -50,7 +51,7 @@ class EffectDialog : public Dialog {
     }
 
     void add_row(int i, const Parameter& parameter, const std::wstring& value, int top) {
-        add(L"STATIC", L"&" + label(i), 0, -1, 12, top + 4, 90, 18);
+        add_name(label(i), 12, top + 4, 90);
         if (has_words(parameter)) {
             HWND list = add(L"COMBOBOX", L"", WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST,
                             value_id + i, 106, top, width - 118, 240);
@@ -90,10 +91,12 @@ class EffectDialog : public Dialog {
     // The slider stands where its number says.
     void follow(int i) {
         const auto range = slider(i);
-        if (range)
-            SendMessageW(
-                control(slider_id + i), TBM_SETPOS, TRUE,
-                static_cast<LPARAM>(wcstod(text(value_id + i).c_str(), nullptr) * range->steps));
+        if (!range)
+            return;
+        const double place = wcstod(text(value_id + i).c_str(), nullptr) * range->steps;
+        const double within = place > range->least ? std::min<double>(place, range->most)
+                                                   : range->least; // also of what is no number
+        SendMessageW(control(slider_id + i), TBM_SETPOS, TRUE, static_cast<LPARAM>(within));
     }
 
     void on_control(int id, int code) override {
@@ -225,9 +228,8 @@ void apply_step(Viewer& viewer, Step step) {
     viewer.work(
         title_of(done->option),
         [=] {
-            KirvoSetProcess(window, command_progress, 1);
+            const Progress progress(window, command_progress);
             *result = shared(applied(*image, *done));
-            KirvoSetProcess(nullptr, 0, 0);
         },
         [=, &viewer] {
             viewer.history.add(*result, *done);

@@ -5,22 +5,6 @@
 #include "text.hpp"
 #include "trace.hpp"
 
-namespace {
-
-// Marks the first letter that no other title of the menu has for its key.
-std::wstring with_key(const std::wstring& title, std::wstring& taken) {
-    for (size_t i = 0; i < title.size(); ++i) {
-        const wchar_t letter = title[i] | 32; // small
-        if (letter >= L'a' && letter <= L'z' && taken.find(letter) == std::wstring::npos) {
-            taken += letter;
-            return title.substr(0, i) + L"&" + title.substr(i);
-        }
-    }
-    return title;
-}
-
-} // namespace
-
 // A menu a group.
 HMENU make_effects_menu() {
     const size_t count = effect_groups().size();

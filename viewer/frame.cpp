@@ -1,5 +1,6 @@
 // The main window: its messages, and where its parts lie.
 #include "commands.hpp"
+#include "sizes.hpp"
 #include "text.hpp"
 #include "trace.hpp"
 #include "viewer.hpp"
@@ -13,9 +14,9 @@ constexpr wchar_t class_name[] = L"KirvoView";
 
 void make_fonts(Viewer& viewer) {
     HFONT before = viewer.font;
-    viewer.font = theme::message_font(theme::dpi_of(viewer.window));
+    viewer.font = sizes::message_font(viewer.window);
     SendMessageW(viewer.status, WM_SETFONT, reinterpret_cast<WPARAM>(viewer.font), TRUE);
-    viewer.code.set_fonts(viewer.font, theme::dpi_of(viewer.window));
+    viewer.code.set_fonts(viewer.font);
     DeleteObject(before);
 }
 
@@ -40,7 +41,6 @@ void on_create(Viewer& viewer) {
     viewer.view.create(viewer.window, std::move(events));
     viewer.code.create(viewer.window, viewer.options.language, viewer.font);
     viewer.code.set_visible(viewer.options.code);
-    viewer.view.set_dark(theme::is_dark());
     make_fonts(viewer);
     theme::apply(viewer.window);
     colour_menu_bar(viewer);
@@ -66,17 +66,19 @@ void on_destroy(Viewer& viewer) {
     viewer.options.histogram = histogram;
     write_options(viewer.options);
     viewer.abandoned = true;
-    CancelSynchronousIo(viewer.worker.thread());
     viewer.worker.stop();
     PostQuitMessage(0);
 }
+
+// Not while a dialog is open, whose picture would be another one all at once.
+bool is_free(const Viewer& viewer) { return IsWindowEnabled(viewer.window); }
 
 void on_drop(Viewer& viewer, HDROP drop) {
     std::wstring name(DragQueryFileW(drop, 0, nullptr, 0), L'\0');
     DragQueryFileW(drop, 0, name.data(), static_cast<UINT>(name.size()) + 1);
     DragFinish(drop);
     SetForegroundWindow(viewer.window);
-    if (!name.empty() && !viewer.working && may_leave_picture(viewer))
+    if (!name.empty() && is_free(viewer) && !viewer.working && may_leave_picture(viewer))
         open_file(viewer, name);
 }
 
@@ -88,7 +90,7 @@ void show_before(Viewer& viewer, bool before) {
 }
 
 void on_key(Viewer& viewer, WPARAM key) {
-    const int step = theme::scaled(viewer.window, 48);
+    const int step = sizes::scaled(viewer.window, 48);
     switch (key) {
     case VK_LEFT:
         return viewer.view.move_by(step, 0);
@@ -124,7 +126,7 @@ void on_progress(Viewer& viewer, LPARAM percent) {
 LRESULT on_command(Viewer& viewer, WPARAM wparam, LPARAM lparam) {
     if (LOWORD(wparam) == command_progress)
         on_progress(viewer, lparam);
-    else if (lparam == 0)
+    else if (lparam == 0 && is_free(viewer))
         act(viewer, LOWORD(wparam));
     else if (reinterpret_cast<HWND>(lparam) == viewer.code.list() &&
              HIWORD(wparam) == CBN_SELCHANGE)
@@ -132,16 +134,14 @@ LRESULT on_command(Viewer& viewer, WPARAM wparam, LPARAM lparam) {
     return 0;
 }
 
-void on_dpi(Viewer& viewer, const RECT& place) {
-    SetWindowPos(viewer.window, nullptr, place.left, place.top, place.right - place.left,
-                 place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
-    make_fonts(viewer);
-    lay_out(viewer);
-}
-
 LRESULT answer(Viewer& viewer, UINT message, WPARAM wparam, LPARAM lparam) {
-    constexpr UINT dpi_changed = 0x02E0; // newer than the oldest system that this runs on
     LRESULT answered = 0;
+    if (theme::change_by(viewer.window, message))
+        colour_menu_bar(viewer);
+    if (sizes::change_by(viewer.window, message, wparam, lparam)) {
+        make_fonts(viewer);
+        lay_out(viewer);
+    }
     if (answer_menu_bar(viewer, message, wparam, lparam, answered))
         return answered;
     switch (message) {
@@ -182,17 +182,10 @@ LRESULT answer(Viewer& viewer, UINT message, WPARAM wparam, LPARAM lparam) {
         break;
     case WM_GETFONT:
         return reinterpret_cast<LRESULT>(viewer.font);
-    case WM_SETTINGCHANGE:
-    case WM_SYSCOLORCHANGE: // of high contrast, to which a chosen theme gives way
-        choose_theme(viewer, viewer.options.theme);
-        make_fonts(viewer);
-        lay_out(viewer);
-        break;
-    case dpi_changed:
-        on_dpi(viewer, *reinterpret_cast<RECT*>(lparam));
-        return 0;
+    case WM_QUERYENDSESSION:
+        return may_leave_picture(viewer);
     case WM_CLOSE:
-        if (may_leave_picture(viewer))
+        if (is_free(viewer) && may_leave_picture(viewer))
             DestroyWindow(viewer.window);
         return 0;
     case WM_DESTROY:

@@ -1,5 +1,6 @@
 #include "histogram.hpp"
 
+#include "sizes.hpp"
 #include "text.hpp"
 #include "theme.hpp"
 #include "trace.hpp"
@@ -47,11 +48,10 @@ void draw_column(HDC dc, const Counts& counts, int value, const RECT& bar, doubl
     }
 }
 
-void draw(HDC dc, const RECT& area, const Counts* counts) {
+void draw(HDC dc, const RECT& area, int line, const Counts* counts) {
     FillRect(dc, &area, theme::brush());
     if (counts == nullptr)
         return;
-    const int line = 22;
     uint32_t highest = 1;
     for (int value = 0; value < 256; ++value)
         highest =
@@ -84,7 +84,7 @@ void HistogramWindow::open(HWND owner, Worker& worker, std::function<void()> clo
     RegisterClassExW(&description);
     RECT place;
     GetWindowRect(owner, &place);
-    const int width = theme::scaled(owner, 360), height = theme::scaled(owner, 240);
+    const int width = sizes::scaled(owner, 360), height = sizes::scaled(owner, 240);
     window_ = CreateWindowExW(WS_EX_TOOLWINDOW, class_name, L"Histogram",
                               WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_SIZEBOX, place.left + 24,
                               place.bottom - height - 48, width, height, owner, nullptr,
@@ -102,6 +102,7 @@ void HistogramWindow::close() {
 void HistogramWindow::show(const SharedImage& image) {
     if (window_ == nullptr)
         return;
+    image_ = image;
     if (!image) {
         counts_ = nullptr;
         InvalidateRect(window_, nullptr, FALSE);
@@ -111,10 +112,12 @@ void HistogramWindow::show(const SharedImage& image) {
     worker_->post(
         Worker::Kind::counts, [=] { *counts = counted(*image); },
         [=, this](const std::string& error) {
+            if (window_ == nullptr || image != image_)
+                return;
             counts_ = error.empty() ? counts : nullptr;
-            trace("histogram of " + std::to_string(counts->colours) + " colours");
-            if (window_ != nullptr)
-                InvalidateRect(window_, nullptr, FALSE);
+            trace(error.empty() ? "histogram of " + std::to_string(counts->colours) + " colours"
+                                : "no histogram: " + error);
+            InvalidateRect(window_, nullptr, FALSE);
         });
 }
 
@@ -126,9 +129,9 @@ void HistogramWindow::paint() {
     HDC memory = CreateCompatibleDC(screen);
     HBITMAP bitmap = CreateCompatibleBitmap(screen, area.right, area.bottom);
     HGDIOBJ before = SelectObject(memory, bitmap);
-    const HFONT font = theme::message_font(theme::dpi_of(window_));
+    const HFONT font = sizes::message_font(window_);
     HGDIOBJ font_before = SelectObject(memory, font);
-    draw(memory, area, counts_.get());
+    draw(memory, area, sizes::scaled(window_, 22), counts_.get());
     BitBlt(screen, 0, 0, area.right, area.bottom, memory, 0, 0, SRCCOPY);
     SelectObject(memory, font_before);
     DeleteObject(font);
@@ -143,6 +146,9 @@ LRESULT CALLBACK HistogramWindow::on_message(HWND window, UINT message, WPARAM w
     auto* self = reinterpret_cast<HistogramWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (self == nullptr)
         return DefWindowProcW(window, message, wparam, lparam);
+    theme::change_by(window, message);
+    if (sizes::change_by(window, message, wparam, lparam))
+        InvalidateRect(window, nullptr, FALSE);
     switch (message) {
     case WM_PAINT:
         self->paint();
@@ -153,9 +159,11 @@ LRESULT CALLBACK HistogramWindow::on_message(HWND window, UINT message, WPARAM w
         if (wparam == VK_ESCAPE)
             DestroyWindow(window);
         return 0;
-    case WM_DESTROY:
+    case WM_NCDESTROY:
         SetWindowLongPtrW(window, GWLP_USERDATA, 0);
         self->window_ = nullptr;
+        self->image_ = nullptr;
+        self->counts_ = nullptr;
         self->closed_();
         return 0;
     default:

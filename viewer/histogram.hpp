@@ -17,6 +17,7 @@ class HistogramWindow {
     void close();
     bool is_open() const { return window_ != nullptr; }
     void show(const SharedImage& image);
+    HWND window() const { return window_; }
 
   private:
     static LRESULT CALLBACK on_message(HWND window, UINT message, WPARAM, LPARAM);
@@ -25,5 +26,6 @@ class HistogramWindow {
     HWND window_ = nullptr;
     Worker* worker_ = nullptr;
     std::function<void()> closed_;
+    SharedImage image_;
     std::shared_ptr<const Counts> counts_;
 };

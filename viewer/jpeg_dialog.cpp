@@ -18,7 +18,7 @@ class JpegDialog : public Dialog {
     enum { slider = 100, number, words };
 
     void fill() override {
-        add(L"STATIC", L"&Quality", 0, -1, 12, 16, 60, 18);
+        add_name(L"Quality", 12, 16, 60);
         HWND bar =
             add(TRACKBAR_CLASSW, L"Quality", WS_TABSTOP | TBS_AUTOTICKS, slider, 76, 10, 220, 30);
         SendMessageW(bar, TBM_SETRANGE, FALSE, MAKELPARAM(1, 100));
@@ -46,7 +46,7 @@ class JpegDialog : public Dialog {
         };
         const auto trial = std::make_shared<Trial>();
         const SharedImage image = viewer_.history.now();
-        const auto known = viewer_.known;
+        const auto source = viewer_.source;
         const uint32_t quality = quality_;
         viewer_.worker.post(
             Worker::Kind::preview,
@@ -57,7 +57,7 @@ class JpegDialog : public Dialog {
                 options.quality = quality;
                 HGLOBAL block = nullptr, dib = nullptr;
                 Known written;
-                expect(KirvoFilesSaveMemory(image->handle(), known ? known->handle() : nullptr,
+                expect(KirvoFilesSaveMemory(image->handle(), source ? source->handle() : nullptr,
                                             &options, &block, &trial->bytes, written.receiver()),
                        written, "JPEG");
                 KirvoFilesOpenOptions how = {};
@@ -67,7 +67,7 @@ class JpegDialog : public Dialog {
                 GlobalUnlock(block);
                 GlobalFree(block);
                 if (dib != nullptr)
-                    trial->image = shared(Image(dib));
+                    trial->image = shared(Image::adopt(dib));
             },
             [=, this, alive = std::weak_ptr<int>(alive_)](const std::string& error) {
                 if (alive.expired())

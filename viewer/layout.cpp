@@ -1,7 +1,14 @@
 // Where the parts of the main window lie, and its two special sizes.
+#include "sizes.hpp"
 #include "viewer.hpp"
 
 #include <algorithm>
+
+namespace {
+
+constexpr int code_width = 420; // but never more than the picture has
+
+} // namespace
 
 void lay_out(Viewer& viewer) {
     lay_out_status(viewer.status);
@@ -12,7 +19,7 @@ void lay_out(Viewer& viewer) {
     area.bottom -= bar.bottom - bar.top;
     if (viewer.code.is_visible() && !viewer.full_screen) {
         RECT pane = area;
-        pane.left = std::max(area.right - theme::scaled(viewer.window, 420), area.right / 2);
+        pane.left = std::max(area.right - sizes::scaled(viewer.window, code_width), area.right / 2);
         area.right = pane.left;
         viewer.code.place(pane);
     }
@@ -49,17 +56,18 @@ void toggle_full_screen(Viewer& viewer) {
 // The library makes the window's inside as large as the picture; what lies beside the picture in
 // there is added.
 void fit_window(Viewer& viewer) {
-    const Worker::Turn turn(viewer.worker);
-    if (!turn)
-        return viewer.say("Still working");
+    const Worker::Turn turn(viewer.worker, Worker::Turn::Wait::yes);
     ShowWindow(viewer.window, SW_RESTORE);
     FitWindowToImage(viewer.window, viewer.history.now()->handle());
     RECT window, client, view;
     GetWindowRect(viewer.window, &window);
     GetClientRect(viewer.window, &client);
     GetClientRect(viewer.view.window(), &view);
-    SetWindowPos(
-        viewer.window, nullptr, 0, 0, window.right - window.left + client.right - view.right,
-        window.bottom - window.top + client.bottom - view.bottom, SWP_NOMOVE | SWP_NOZORDER);
+    const LONG code = viewer.code.is_visible()
+                          ? std::min<LONG>(sizes::scaled(viewer.window, code_width), client.right)
+                          : 0;
+    SetWindowPos(viewer.window, nullptr, 0, 0, window.right - window.left + code,
+                 window.bottom - window.top + client.bottom - view.bottom,
+                 SWP_NOMOVE | SWP_NOZORDER);
     viewer.view.fit();
 }

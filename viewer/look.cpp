@@ -38,7 +38,7 @@ RECT scaled(const RECT& place, double x, double y, const Image& image) {
 }
 
 Image cut_out(const Image& image, const RECT& part) {
-    const Image whole = to_24_bits(duplicate(image));
+    const Image whole = to_24_bits(image.copy());
     int32_t status = 0;
     HGLOBAL cut = Dib24DupEx(whole.handle(), part.left, part.top, part.right - part.left,
                              part.bottom - part.top, &status);

@@ -32,6 +32,7 @@ bool is_possible(const Viewer& viewer, WORD command) {
     case command_save:
     case command_save_as:
     case command_print:
+    case command_copy:
     case command_select:
         return free && picture;
     case command_next:
@@ -45,7 +46,6 @@ bool is_possible(const Viewer& viewer, WORD command) {
     case command_copy_code:
     case command_copy_line:
         return free && !viewer.history.steps().empty();
-    case command_copy:
     case command_select_all:
     case command_fit:
     case command_one_to_one:

@@ -1,6 +1,7 @@
 // The menu bar in dark colours, which the system has for what drops down from it only: its titles
 // are painted here. In light colours, and in high contrast, all of it is the system's.
 #include "commands.hpp"
+#include "sizes.hpp"
 #include "viewer.hpp"
 
 namespace {
@@ -11,7 +12,7 @@ constexpr COLORREF dark_highlight = RGB(70, 70, 70);
 const wchar_t* title_at(ULONG_PTR place) { return menu_titles()[place]; }
 
 HFONT select_menu_font(HDC dc, HWND window) {
-    return static_cast<HFONT>(SelectObject(dc, theme::menu_font(theme::dpi_of(window))));
+    return static_cast<HFONT>(SelectObject(dc, sizes::menu_font(window)));
 }
 
 void measure(HWND window, MEASUREITEMSTRUCT& item) {

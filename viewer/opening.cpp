@@ -34,7 +34,7 @@ std::wstring filters() {
 
 std::string notes_of(const Known& known) {
     std::string text;
-    for (const std::string& note : known.notes())
+    for (const std::string& note : told_notes(known))
         text += (text.empty() ? "" : "; ") + note;
     return text;
 }
@@ -48,15 +48,22 @@ void show_opened(Viewer& viewer, const std::wstring& path, const Opened& opened)
         viewer.say(notes);
 }
 
+// Devices are not asked: that would be the one look which a pipe allows.
+DWORD attributes_of(const std::wstring& path) {
+    return path.starts_with(L"\\\\.\\") ? 0 : GetFileAttributesW(path.c_str());
+}
+
 // In the window instead of in its way: a folder is walked over broken files too.
 void show_failure(Viewer& viewer, const std::wstring& path, const std::string& error) {
     if (viewer.abandoned) {
         viewer.view.show(viewer.history.now());
     } else {
+        if (attributes_of(path) == INVALID_FILE_ATTRIBUTES)
+            forget_recent(viewer.options, path);
         viewer.history = History();
         viewer.history.set_budget(viewer.options.undo_megabytes << 20);
-        viewer.known = nullptr;
-        viewer.path = path;
+        viewer.known = viewer.source = nullptr;
+        viewer.path = viewer.origin = path;
         viewer.title = name_in(path);
         viewer.picture_changed();
         viewer.view.show_words(wide(error));
@@ -69,6 +76,14 @@ std::wstring full_name(const std::wstring& name) {
     const DWORD length =
         GetFullPathNameW(name.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
     return length > 0 && length < full.size() ? full.substr(0, length) : name;
+}
+
+// Of a folder, its first picture; empty where it has none.
+std::wstring picture_of(const std::wstring& path) {
+    const DWORD attributes = attributes_of(path);
+    if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_DIRECTORY))
+        return path;
+    return neighbour(path.back() == L'\\' ? path : path + L"\\", 1);
 }
 
 } // namespace
@@ -107,7 +122,9 @@ void ask_and_open(Viewer& viewer) {
 }
 
 void open_file(Viewer& viewer, const std::wstring& name) {
-    const std::wstring path = full_name(name);
+    const std::wstring path = picture_of(full_name(name));
+    if (path.empty())
+        return viewer.say("There is no picture in " + narrow(name));
     const auto opened = std::make_shared<Opened>();
     viewer.begin_work("Opening " + narrow(name_in(path)));
     RECT room;
@@ -148,8 +165,8 @@ void begin_picture(Viewer& viewer, SharedImage image, std::shared_ptr<Known> kno
                    const std::wstring& path, const std::wstring& title) {
     const bool same = viewer.view.image() == image;
     viewer.history.begin(std::move(image));
-    viewer.known = std::move(known);
-    viewer.path = path;
+    viewer.known = viewer.source = std::move(known);
+    viewer.path = viewer.origin = path;
     viewer.title = title;
     viewer.say("");
     if (!same)

@@ -15,10 +15,11 @@ bool print_page(HDC printer, const Image& image) {
     return EndPage(printer) > 0 && drawn;
 }
 
-bool print(HDC printer, const std::wstring& title, const Image& image) {
+bool print(HDC printer, const std::wstring& title, const wchar_t* target, const Image& image) {
     DOCINFOW document = {};
     document.cbSize = sizeof document;
     document.lpszDocName = title.c_str();
+    document.lpszOutput = target;
     if (StartDocW(printer, &document) <= 0)
         return false;
     if (print_page(printer, image))
@@ -40,7 +41,9 @@ void print_picture(Viewer& viewer) {
             viewer.say("There is no printer");
         return;
     }
-    const bool done = print(dialog.hDC, viewer.title, *viewer.history.now());
+    // The system then asks for the file's name.
+    const wchar_t* target = dialog.Flags & PD_PRINTTOFILE ? L"FILE:" : nullptr;
+    const bool done = print(dialog.hDC, viewer.title, target, *viewer.history.now());
     viewer.say(done ? "Printed" : "The printer has refused the picture");
     DeleteDC(dialog.hDC);
     GlobalFree(dialog.hDevMode);

@@ -1,5 +1,6 @@
 #include "reading.hpp"
 
+#include "progress.hpp"
 #include "system/errors.hpp"
 #include "text.hpp"
 #include "trace.hpp"
@@ -64,7 +65,7 @@ Opened opened(const std::vector<uint8_t>& bytes, uint32_t flags, int32_t& status
     status = KirvoFilesOpenMemory(bytes.data(), static_cast<uint32_t>(bytes.size()), &options,
                                   &handle, result.known->receiver());
     if (handle != nullptr)
-        result.image = shared(Image(handle));
+        result.image = shared(Image::adopt(handle));
     return result;
 }
 
@@ -146,9 +147,8 @@ Opened read_picture_file(const Reading& reading) {
     int32_t status = KIRVO_FILES_NOT_A_PICTURE;
     Opened result;
     if (!bytes.empty()) {
-        KirvoSetProcess(reading.progress, reading.command, 1);
+        const Progress progress(reading.progress, reading.command);
         result = opened(bytes, KIRVO_FILES_KEEP_GOING, status);
-        KirvoSetProcess(nullptr, 0, 0);
     }
     if (status == KIRVO_FILES_NOT_A_PICTURE) {
         KirvoFilesOpenOptions options = {};
@@ -158,7 +158,7 @@ Opened read_picture_file(const Reading& reading) {
         result.known = std::make_shared<Known>();
         status = KirvoFilesOpenW(reading.name.c_str(), &options, &handle, result.known->receiver());
         if (handle != nullptr)
-            result.image = shared(Image(handle));
+            result.image = shared(Image::adopt(handle));
     }
     if (status == KIRVO_FILES_ABANDONED)
         throw abandoned;

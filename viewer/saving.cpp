@@ -44,16 +44,16 @@ bool complain(Viewer& viewer, const std::string& what) {
 
 // The person waits for it: a file that is being written is none to leave the program in.
 bool write(Viewer& viewer, const std::wstring& path, uint32_t quality) {
-    const Worker::Turn turn(viewer.worker);
-    if (!turn)
+    if (viewer.working)
         return complain(viewer, "The program is still working; save when it is done");
+    const Worker::Turn turn(viewer.worker, Worker::Turn::Wait::yes);
     const Stopwatch clock;
     KirvoFilesSaveOptions options = {};
     options.size = sizeof options;
     options.quality = quality;
     Known written;
     const int32_t status = KirvoFilesSaveW(path.c_str(), viewer.history.now()->handle(),
-                                           viewer.known ? viewer.known->handle() : nullptr,
+                                           viewer.source ? viewer.source->handle() : nullptr,
                                            &options, written.receiver());
     try {
         expect(status, written, narrow(name_in(path)));
@@ -61,6 +61,8 @@ bool write(Viewer& viewer, const std::wstring& path, uint32_t quality) {
         return complain(viewer, failure.what());
     }
     viewer.history.saved();
+    viewer.known = std::make_shared<Known>();
+    KirvoFilesInfoW(path.c_str(), nullptr, viewer.known->receiver());
     viewer.path = path;
     viewer.title = name_in(path);
     remember_recent(viewer.options, path);
@@ -94,7 +96,8 @@ bool save(Viewer& viewer) {
 
 bool save_as(Viewer& viewer) {
     const std::wstring filter = filters();
-    std::wstring name = viewer.path.substr(0, viewer.path.find_last_of(L'.'));
+    std::wstring name = name_in(viewer.path);
+    name = folder_of(viewer.path) + name.substr(0, name.find_last_of(L'.'));
     name.resize(32768);
     OPENFILENAMEW dialog = {};
     dialog.lStructSize = sizeof dialog;

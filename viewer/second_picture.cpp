@@ -8,7 +8,7 @@ Image read_image(const std::string& name) {
     Known known;
     HGLOBAL handle = nullptr;
     const int32_t status = KirvoFilesOpen(name.c_str(), nullptr, &handle, known.receiver());
-    Image image(handle);
+    Image image = Image::adopt(handle);
     expect(status, known, name);
     if (calls::noted != nullptr) {
         calls::Call call = {"KirvoFilesOpen", {}, calls::Answer::image};

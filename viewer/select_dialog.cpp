@@ -15,15 +15,15 @@ class SelectDialog : public Dialog {
     enum { left = 100, top, across, down, words };
 
     void fill() override {
-        const wchar_t* names[] = {L"&Left", L"&Top", L"&Width", L"&Height"};
+        const wchar_t* names[] = {L"Left", L"Top", L"Width", L"Height"};
         const LONG values[] = {rectangle_.left, rectangle_.top, rectangle_.right - rectangle_.left,
                                rectangle_.bottom - rectangle_.top};
         for (int i = 0; i < 4; ++i) {
             const int x = 12 + i % 2 * 150, y = 14 + i / 2 * 34;
-            add(L"STATIC", names[i], 0, -1, x, y + 4, 52, 18);
+            add_name(names[i], x, y + 4, 52);
             add(L"EDIT", digits(values[i]), WS_TABSTOP | ES_NUMBER, left + i, x + 56, y, 76, 24);
         }
-        add(L"STATIC", L"", 0, words, 12, 84, 290, 18);
+        add(L"STATIC", L"", 0, words, 12, 84, 282, 18);
         add_buttons(306, 110);
     }
 

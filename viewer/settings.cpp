@@ -72,10 +72,13 @@ Options read_options() {
     options.code = number(L"Code", 0) != 0;
     options.histogram = number(L"Histogram", 0) != 0;
     options.maximised = number(L"Maximised", 0) != 0;
-    options.window.left = number(L"Left", 0);
-    options.window.top = number(L"Top", 0);
-    options.window.right = options.window.left + number(L"Width", 0);
-    options.window.bottom = options.window.top + number(L"Height", 0);
+    const auto length = [](const wchar_t* key) {
+        return std::clamp(number(key, 0), -32768, 32767);
+    };
+    options.window.left = length(L"Left");
+    options.window.top = length(L"Top");
+    options.window.right = options.window.left + length(L"Width");
+    options.window.bottom = options.window.top + length(L"Height");
     constexpr int most = sizeof(void*) == 4 ? 1024 : 1 << 20; // of a program's addresses
     options.undo_megabytes = static_cast<size_t>(
         std::clamp(number(L"UndoMegabytes", static_cast<int>(options.undo_megabytes)), 0, most));
@@ -103,10 +106,14 @@ void write_options(const Options& options) {
         put(recent_key(i), i < options.recent.size() ? options.recent[i] : L"");
 }
 
-void remember_recent(Options& options, const std::wstring& name) {
+void forget_recent(Options& options, const std::wstring& name) {
     std::erase_if(options.recent, [&](const std::wstring& other) {
         return CompareStringOrdinal(other.c_str(), -1, name.c_str(), -1, TRUE) == CSTR_EQUAL;
     });
+}
+
+void remember_recent(Options& options, const std::wstring& name) {
+    forget_recent(options, name);
     options.recent.insert(options.recent.begin(), name);
     if (options.recent.size() > recent_count)
         options.recent.resize(recent_count);

@@ -19,3 +19,4 @@ struct Options {
 Options read_options();
 void write_options(const Options& options);
 void remember_recent(Options& options, const std::wstring& name);
+void forget_recent(Options& options, const std::wstring& name);

@@ -1,4 +1,5 @@
 // The status bar: words, size, scale, the pixel under the cursor, what can be undone.
+#include "sizes.hpp"
 #include "viewer.hpp"
 
 #include <commctrl.h>
@@ -55,10 +56,13 @@ void lay_out_status(HWND status) {
     SendMessageW(status, WM_SIZE, 0, 0);
     RECT area;
     GetClientRect(status, &area);
-    const int widths[] = {190, 80, 220, 190}; // from the second on
-    int edges[5];
-    edges[4] = area.right;
-    for (int part = 3; part >= 0; --part)
-        edges[part] = edges[part + 1] - theme::scaled(status, widths[part]);
+    const int widths[] = {230, 80, 220, 190}; // from the second on
+    // Where there is little room, the words keep a quarter of it, and the last parts go.
+    int edges[5], room = area.right * 3 / 4, shown = 0;
+    for (; shown < 4 && room >= sizes::scaled(status, widths[shown]); ++shown)
+        room -= sizes::scaled(status, widths[shown]);
+    for (int part = 4; part >= 0; --part)
+        edges[part] = part >= shown ? static_cast<int>(area.right)
+                                    : edges[part + 1] - sizes::scaled(status, widths[part]);
     SendMessageW(status, SB_SETPARTS, 5, reinterpret_cast<LPARAM>(edges));
 }

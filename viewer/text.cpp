@@ -33,3 +33,14 @@ std::wstring name_in(const std::wstring& path) {
 std::wstring folder_of(const std::wstring& path) {
     return path.substr(0, path.find_last_of(L"\\/") + 1);
 }
+
+std::wstring with_key(const std::wstring& title, std::wstring& taken) {
+    for (size_t i = 0; i < title.size(); ++i) {
+        const wchar_t letter = title[i] | 32; // small
+        if (letter >= L'a' && letter <= L'z' && taken.find(letter) == std::wstring::npos) {
+            taken += letter;
+            return title.substr(0, i) + L"&" + title.substr(i);
+        }
+    }
+    return title;
+}

@@ -12,6 +12,9 @@ std::wstring digits(Number number) {
     return wide(std::to_string(number));
 }
 
+// Marks the first letter that is not taken yet as the one that is typed: "E&dges".
+std::wstring with_key(const std::wstring& title, std::wstring& taken);
+
 std::wstring text_of(struct HWND__* window);
 // "photo.jpg" of "C:\pictures\photo.jpg", and the folder before it with its backslash.
 std::wstring name_in(const std::wstring& path);

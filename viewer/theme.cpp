@@ -1,34 +1,28 @@
 #include "theme.hpp"
 
-#include <commctrl.h>
+#include "newer.hpp"
+
 #include <uxtheme.h>
 
-#include <algorithm>
-#include <cstring>
-#include <string>
+#include <cwchar>
 
 namespace theme {
 namespace {
 
-bool dark = false;
+Theme chosen = Theme::system;
+bool dark = false, high_contrast = false;
 
-// Newer systems' functions, where they are: the program runs on Windows 7 too.
-template<typename Function>
-Function found(const wchar_t* library, const char* name) {
-    HMODULE module = LoadLibraryW(library);
-    const FARPROC address = module != nullptr ? GetProcAddress(module, name) : nullptr;
-    Function function = nullptr;
-    static_assert(sizeof function == sizeof address);
-    std::memcpy(&function, &address, sizeof function);
-    return function;
-}
-
-// The person's own colours, which no theme replaces.
+// The person's own colours, which no theme replaces. Where the system answers nothing, what has been
+// set is asked for.
 bool is_high_contrast() {
     HIGHCONTRASTW contrast = {};
     contrast.cbSize = sizeof contrast;
+    wchar_t flags[16] = {};
+    DWORD size = sizeof flags;
     SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof contrast, &contrast, 0);
-    return (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
+    RegGetValueW(HKEY_CURRENT_USER, L"Control Panel\\Accessibility\\HighContrast", L"Flags",
+                 RRF_RT_REG_SZ, nullptr, flags, &size);
+    return ((contrast.dwFlags | wcstoul(flags, nullptr, 10)) & HCF_HIGHCONTRASTON) != 0;
 }
 
 bool system_is_dark() {
@@ -45,10 +39,10 @@ void let_menus_follow(Theme theme) {
     using SetMode = int(WINAPI*)(int);
     OSVERSIONINFOW version = {};
     version.dwOSVersionInfoSize = sizeof version;
-    const auto get_version = found<Version>(L"ntdll.dll", "RtlGetVersion");
+    const auto get_version = newer_function<Version>(L"ntdll.dll", "RtlGetVersion");
     if (get_version == nullptr || get_version(&version) != 0 || version.dwBuildNumber < 18362)
         return;
-    const auto set_mode = found<SetMode>(L"uxtheme.dll", MAKEINTRESOURCEA(135));
+    const auto set_mode = newer_function<SetMode>(L"uxtheme.dll", MAKEINTRESOURCEA(135));
     if (set_mode != nullptr)
         set_mode(theme == Theme::system ? 1 : theme == Theme::dark ? 2 : 3);
 }
@@ -58,26 +52,13 @@ BOOL CALLBACK apply_to_control(HWND control, LPARAM) {
     return TRUE;
 }
 
-NONCLIENTMETRICSW metrics() {
-    NONCLIENTMETRICSW all = {};
-    all.cbSize = sizeof all;
-    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof all, &all, 0);
-    return all;
-}
-
-int system_dpi() {
-    HDC screen = GetDC(nullptr);
-    const int dpi = GetDeviceCaps(screen, LOGPIXELSY);
-    ReleaseDC(nullptr, screen);
-    return dpi;
-}
-
 } // namespace
 
 void choose(Theme theme) {
-    const bool own = is_high_contrast();
-    dark = !own && (theme == Theme::dark || (theme == Theme::system && system_is_dark()));
-    let_menus_follow(own ? Theme::system : theme);
+    chosen = theme;
+    high_contrast = is_high_contrast();
+    dark = !high_contrast && (theme == Theme::dark || (theme == Theme::system && system_is_dark()));
+    let_menus_follow(high_contrast ? Theme::system : theme);
 }
 
 bool is_dark() { return dark; }
@@ -91,9 +72,17 @@ HBRUSH brush() {
     return dark ? dark_brush : GetSysColorBrush(COLOR_BTNFACE);
 }
 
+COLORREF canvas() {
+    if (dark)
+        return RGB(32, 32, 32);
+    return GetSysColor(high_contrast ? COLOR_WINDOW : COLOR_APPWORKSPACE);
+}
+
+COLORREF canvas_text() { return dark ? RGB(200, 200, 200) : GetSysColor(COLOR_WINDOWTEXT); }
+
 void apply(HWND window) {
     using SetAttribute = HRESULT(WINAPI*)(HWND, DWORD, const void*, DWORD);
-    static const auto set = found<SetAttribute>(L"dwmapi.dll", "DwmSetWindowAttribute");
+    static const auto set = newer_function<SetAttribute>(L"dwmapi.dll", "DwmSetWindowAttribute");
     const BOOL value = dark;
     constexpr DWORD dark_title = 20, dark_title_before_2004 = 19;
     if (set != nullptr && FAILED(set(window, dark_title, &value, sizeof value)))
@@ -103,40 +92,21 @@ void apply(HWND window) {
                  RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_FRAME);
 }
 
+// Each window asks anew, since nobody knows which of them hears of it first.
+bool change_by(HWND window, UINT message) {
+    if (message != WM_SETTINGCHANGE && message != WM_SYSCOLORCHANGE)
+        return false;
+    choose(chosen);
+    apply(window);
+    return true;
+}
+
 HBRUSH control_colours(HDC dc) {
     if (!dark)
         return nullptr;
     SetTextColor(dc, text());
     SetBkColor(dc, background());
     return brush();
-}
-
-int dpi_of(HWND window) {
-    using Get = UINT(WINAPI*)(HWND);
-    static const auto get = found<Get>(L"user32.dll", "GetDpiForWindow");
-    return get != nullptr ? static_cast<int>(get(window)) : system_dpi();
-}
-
-int scaled(HWND window, int length) { return MulDiv(length, dpi_of(window), 96); }
-
-HFONT message_font(int dpi) {
-    LOGFONTW font = metrics().lfMessageFont;
-    font.lfHeight = MulDiv(font.lfHeight, dpi, system_dpi());
-    return CreateFontIndirectW(&font);
-}
-
-HFONT menu_font(int dpi) {
-    LOGFONTW font = metrics().lfMenuFont;
-    font.lfHeight = MulDiv(font.lfHeight, dpi, system_dpi());
-    return CreateFontIndirectW(&font);
-}
-
-HFONT code_font(int dpi) {
-    LOGFONTW font = metrics().lfMessageFont;
-    font.lfHeight = MulDiv(font.lfHeight, dpi, system_dpi());
-    font.lfPitchAndFamily = FIXED_PITCH | FF_MODERN;
-    wcscpy(font.lfFaceName, L"Consolas");
-    return CreateFontIndirectW(&font);
 }
 
 } // namespace theme

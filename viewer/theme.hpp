@@ -1,4 +1,4 @@
-// Colours, sizes and fonts as the person has set them: dark or light, dots an inch, text size.
+// Colours as the person has set them: dark, light, or those of high contrast.
 #pragma once
 
 #include <windows.h>
@@ -13,15 +13,15 @@ bool is_dark();
 COLORREF background();
 COLORREF text();
 HBRUSH brush(); // of the background
+// Beside the picture, and words in its place.
+COLORREF canvas();
+COLORREF canvas_text();
 // A window's title bar and its controls.
 void apply(HWND window);
+// For every message of a window of the program's own: whether the colours may be others now, which
+// have then been applied.
+bool change_by(HWND window, UINT message);
 // For WM_CTLCOLOR... messages: a brush, or null where the system's colours hold.
 HBRUSH control_colours(HDC dc);
-
-int dpi_of(HWND window);
-int scaled(HWND window, int length); // from 96 dots an inch
-HFONT message_font(int dpi);         // owned by the caller
-HFONT menu_font(int dpi);            // likewise
-HFONT code_font(int dpi);            // likewise
 
 } // namespace theme

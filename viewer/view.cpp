@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr double least_scale = 1.0 / 64, most_scale = 64;
+constexpr double least_scale = 1.0 / 1024, most_scale = 64;
 constexpr wchar_t class_name[] = L"KirvoView.Picture";
 
 LONG nearest(double number) { return static_cast<LONG>(std::lround(number)); }
@@ -64,11 +64,6 @@ void View::end_preview() {
 void View::smooth(const SharedImage& of, SharedImage image) {
     smooth_of_ = of;
     smooth_ = std::move(image);
-    InvalidateRect(window_, nullptr, FALSE);
-}
-
-void View::set_dark(bool dark) {
-    dark_ = dark;
     InvalidateRect(window_, nullptr, FALSE);
 }
 

@@ -40,7 +40,6 @@ class View {
     bool has_preview() const { return preview_.image != nullptr; }
     // The picture averaged to the size at which it is shown.
     void smooth(const SharedImage& of, SharedImage image);
-    void set_dark(bool dark);
 
     void fit();
     void zoom_to(double scale); // about the middle
@@ -77,7 +76,7 @@ class View {
     SharedImage image_, smooth_, smooth_of_;
     Preview preview_;
     std::wstring words_ = L"Open a picture with Ctrl+O, drop one here, or paste one with Ctrl+V";
-    bool fitted_ = true, dark_ = false;
+    bool fitted_ = true;
     double scale_ = 1, left_ = 0, top_ = 0; // of the picture's corner on the screen
     std::optional<RECT> selection_;
 

@@ -1,5 +1,6 @@
 // How the view is painted: into memory, then onto the screen at once, so that nothing flickers.
 #include "locked.hpp"
+#include "theme.hpp"
 #include "view.hpp"
 
 #include <algorithm>
@@ -55,7 +56,7 @@ void View::paint() {
 }
 
 void View::draw(HDC dc, const RECT& area) const {
-    fill(dc, area, dark_ ? RGB(32, 32, 32) : GetSysColor(COLOR_APPWORKSPACE));
+    fill(dc, area, theme::canvas());
     if (image_) {
         draw_picture(dc, area);
         draw_selection(dc);
@@ -63,7 +64,7 @@ void View::draw(HDC dc, const RECT& area) const {
     }
     RECT place = area;
     SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, dark_ ? RGB(200, 200, 200) : GetSysColor(COLOR_WINDOWTEXT));
+    SetTextColor(dc, theme::canvas_text());
     HGDIOBJ before = SelectObject(
         dc, reinterpret_cast<HGDIOBJ>(SendMessageW(GetParent(window_), WM_GETFONT, 0, 0)));
     DrawTextW(dc, words_.c_str(), -1, &place, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);

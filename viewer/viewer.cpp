@@ -26,6 +26,8 @@ void Viewer::work(const std::string& what, Worker::Work work, std::function<void
     worker.post(Worker::Kind::picture, std::move(work),
                 [=, this, done = std::move(done)](const std::string& error) {
                     end_work();
+                    if (abandoned && error.empty())
+                        return say(what + ": abandoned");
                     trace(what + (error.empty() ? ": " + clock->text() : " failed: " + error));
                     if (!error.empty())
                         return say(error);

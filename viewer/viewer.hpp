@@ -7,6 +7,7 @@
 #include "history.hpp"
 #include "pictures/known.hpp"
 #include "settings.hpp"
+#include "theme.hpp"
 #include "view.hpp"
 #include "worker.hpp"
 
@@ -23,14 +24,17 @@ struct Viewer {
     HistogramWindow histogram;
     HFONT font = nullptr;
 
-    std::wstring path;            // of the picture; empty for one without a file
-    std::shared_ptr<Known> known; // of its file
-    std::wstring title;           // what the picture is called
-    bool working = false;         // on the picture: it cannot be changed meanwhile
+    std::wstring path;             // of the picture; empty for one without a file
+    std::shared_ptr<Known> known;  // of its file
+    std::wstring origin;           // the file that it came from: another one once it is saved as
+    std::shared_ptr<Known> source; // what goes along from there
+    std::wstring title;            // what the picture is called
+    bool working = false;          // on the picture: it cannot be changed meanwhile
     std::atomic<bool> abandoned = false;
     bool full_screen = false;
 
-    // Work on the picture; `done` follows success only, what failed is told in the status bar.
+    // Work on the picture; `done` follows success only, what failed or was abandoned is told in the
+    // status bar.
     void work(const std::string& what, Worker::Work work, std::function<void()> done);
     void begin_work(const std::string& what);
     void end_work();
@@ -56,7 +60,6 @@ void colour_menu_bar(Viewer& viewer);
 bool answer_menu_bar(Viewer& viewer, UINT message, WPARAM wparam, LPARAM lparam, LRESULT& answer);
 // actions.cpp
 void act(Viewer& viewer, WORD command);
-void choose_theme(Viewer& viewer, Theme theme);
 // opening.cpp: false where the picture that is there shall be kept
 bool may_leave_picture(Viewer& viewer);
 void ask_and_open(Viewer& viewer);
@@ -82,6 +85,8 @@ void apply_step(Viewer& viewer, Step step);
 void repeat_last(Viewer& viewer);
 // select_dialog.cpp
 void ask_selection(Viewer& viewer);
+// keys.cpp
+void show_keys(Viewer& viewer);
 // information.cpp
 void show_information(Viewer& viewer);
 void show_text(HWND parent, const std::wstring& title, const std::wstring& text);

@@ -38,9 +38,11 @@ void Worker::stop() {
     waiting_.clear();
     ReleaseSRWLockExclusive(&lock_);
     WakeConditionVariable(&changed_);
-    // Work may be telling the window how far it is, and would wait for an answer.
-    while (MsgWaitForMultipleObjects(1, &thread_, FALSE, INFINITE, QS_SENDMESSAGE) ==
-           WAIT_OBJECT_0 + 1) {
+    // Work may be telling the window how far it is, and would wait for an answer; or it may begin to
+    // wait for a file just after it has been told not to.
+    constexpr DWORD pause = 50;
+    while (MsgWaitForMultipleObjects(1, &thread_, FALSE, pause, QS_SENDMESSAGE) != WAIT_OBJECT_0) {
+        CancelSynchronousIo(thread_);
         MSG message;
         PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
     }
@@ -96,8 +98,13 @@ void Worker::send_back(Done done, const std::string& error) {
         result.release(); // which finish() takes
 }
 
-Worker::Turn::Turn(Worker& worker)
-    : worker_(worker), mine_(TryAcquireSRWLockExclusive(&worker.library_)) {}
+Worker::Turn::Turn(Worker& worker, Wait wait)
+    : worker_(worker), mine_(TryAcquireSRWLockExclusive(&worker.library_)) {
+    if (mine_ || wait == Wait::no)
+        return;
+    AcquireSRWLockExclusive(&worker.library_);
+    mine_ = true;
+}
 
 Worker::Turn::~Turn() {
     if (mine_)

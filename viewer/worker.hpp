@@ -17,6 +17,7 @@ class Worker {
 
     // The window gets `message` for each piece of work that is over, and answers with finish().
     void start(HWND window, UINT message);
+    // Abandons what waits for a file.
     void stop();
 
     // Calls `work` in the thread, then `done` in the window's. What waits and is of the same kind
@@ -26,10 +27,12 @@ class Worker {
     void tell(std::function<void()> what);
     static void finish(LPARAM parameter);
 
-    // For calls of the window's own thread, while no work is running.
+    // For calls of the window's own thread, while no work is running. Who waits for it does so for a
+    // preview or the like: work on the picture tells the window how far it is, and would wait too.
     class Turn {
       public:
-        explicit Turn(Worker& worker);
+        enum class Wait { no, yes };
+        explicit Turn(Worker& worker, Wait wait = Wait::no);
         ~Turn();
         Turn(const Turn&) = delete;
         Turn& operator=(const Turn&) = delete;

@@ -118,6 +118,12 @@ namespace KirvoImaging
         /// <summary>TIFF: a KirvoFilesCompression.</summary>
         public int Compression;
         readonly uint reserved = 0;
+
+        internal KirvoSaveOptions Copy()
+        {
+            return (KirvoSaveOptions)MemberwiseClone();
+        }
+
         /// <summary>Dots an inch across.</summary>
         public double DpiAcross;
         /// <summary>Dots an inch down.</summary>
@@ -128,6 +134,13 @@ namespace KirvoImaging
     static class KirvoFilesCalls
     {
         const string Library = "KirvoFiles.dll";
+
+#if NET5_0_OR_GREATER
+        static KirvoFilesCalls()
+        {
+            KirvoLibraries.Find();
+        }
+#endif
 
         [DllImport(Library, ExactSpelling = true)]
         static extern uint KirvoFilesStatusText(KirvoStatus status, byte[] text, uint capacity);
@@ -157,6 +170,8 @@ namespace KirvoImaging
         {
             if (name == null)
                 throw new ArgumentNullException("name");
+            if (name.IndexOf('\0') >= 0)
+                throw new ArgumentException("a name has no null character", "name");
             return Encoding.UTF8.GetBytes(name + "\0");
         }
 
@@ -255,12 +270,14 @@ namespace KirvoImaging
         {
             if (thrown != null)
                 return;
+            Kirvo.Watch(null); // what the report itself does is not reported
             try
             {
                 last = percent;
                 watch.Token.ThrowIfCancellationRequested();
                 if (watch.Progress != null)
                     watch.Progress.Report(percent);
+                Kirvo.Watch(Receive);
             }
             catch (Exception error)
             {
@@ -274,7 +291,6 @@ namespace KirvoImaging
         {
             IntPtr image;
             uint bytes;
-            Kirvo.KirvoSetProcess(IntPtr.Zero, 0, 0);
             Kirvo.JpgDecNext(IntPtr.Zero, 0, -1, out image);
             Kirvo.JpgCodNext(-1, out bytes);
             Kirvo.JpgCodNext_M(-1, out bytes);
@@ -438,7 +454,7 @@ namespace KirvoImaging
         /// <returns>the bytes</returns>
         public byte[] ToBytes(string format, KirvoSaveOptions options = null)
         {
-            KirvoSaveOptions how = options ?? new KirvoSaveOptions();
+            KirvoSaveOptions how = options != null ? options.Copy() : new KirvoSaveOptions();
             if (how.Format == 0)
                 how.Format = KirvoFilesCalls.KirvoFilesFormatOf(KirvoFilesCalls.Name(format));
             IntPtr made = IntPtr.Zero;
@@ -577,12 +593,15 @@ namespace KirvoImaging
             for (int y = 0; y < Height; ++y)
                 WithBytes(address =>
                 {
-                    ref byte first = ref System.Runtime.CompilerServices.Unsafe.AddByteOffset(
-                        ref System.Runtime.CompilerServices.Unsafe.NullRef<byte>(),
-                        RowAddress(address, y));
-                    call(y, MemoryMarshal.CreateSpan(ref first, bytes));
+                    call(y, SpanOf(RowAddress(address, y), bytes));
                     return 0;
                 });
+        }
+
+        static Span<byte> SpanOf(IntPtr address, int bytes)
+        {
+            return MemoryMarshal.CreateSpan(ref System.Runtime.CompilerServices.Unsafe.AddByteOffset(
+                ref System.Runtime.CompilerServices.Unsafe.NullRef<byte>(), address), bytes);
         }
 #endif
 

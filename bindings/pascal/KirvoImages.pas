@@ -399,7 +399,6 @@ var
   Image: HGLOBAL;
   Bytes: LongWord;
 begin
-  KirvoSetProcess(0, 0, 0);
   JpgDecNext(0, 0, -1, Image);
   JpgCodNext(-1, Bytes);
   JpgCodNext_M(-1, Bytes);
@@ -409,9 +408,11 @@ procedure Receive(Percent: LongInt);
 begin
   if (Raised <> nil) or not Assigned(Receiver) then
     Exit;
+  KirvoWatch(nil); // what the report itself does is not reported
   try
     Last := Percent;
     Receiver(Percent);
+    KirvoWatch(@Receive);
   except
     Raised := TObject(AcquireExceptionObject);
     Abandon;

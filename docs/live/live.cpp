@@ -2,7 +2,7 @@
 // the calls of the library that they took as code.
 //
 // A page gives the first picture and, for effects of two pictures, the others by their names; then
-// it has steps done. Everything answers in plain C: live.js is the other side.
+// it has steps done. Everything answers in plain C: engine.js is the other side.
 
 #include "calls/code.hpp"
 #include "effects/effects.hpp"
@@ -34,9 +34,8 @@ struct Pixel {
 Image from_canvas(const Pixel* pixels, int32_t width, int32_t height) {
     int32_t status = 0;
     Image image = checked(Dib24Solid(width, height, 24, 0, &status), "the picture", status);
-    const Rows rows(image);
-    for (int32_t y = height - 1; y >= 0; --y) {
-        uint8_t* at = rows.row(y);
+    for (const kirvo::Row row : image.rows()) {
+        uint8_t* at = row.data();
         for (int32_t x = 0; x < width; ++x, ++pixels, at += 3) {
             at[0] = pixels->blue;
             at[1] = pixels->green;
@@ -48,10 +47,10 @@ Image from_canvas(const Pixel* pixels, int32_t width, int32_t height) {
 
 void to_canvas(const Image& image, Pixel* pixels) {
     const Image copy = copy_at_24_bits(image);
-    const Rows rows(copy);
-    for (int32_t y = copy.height() - 1; y >= 0; --y) {
-        const uint8_t* at = rows.row(y);
-        for (int32_t x = 0; x < copy.width(); ++x, ++pixels, at += 3)
+    const int32_t width = copy.width();
+    for (const kirvo::ConstRow row : copy.rows()) {
+        const uint8_t* at = row.data();
+        for (int32_t x = 0; x < width; ++x, ++pixels, at += 3)
             *pixels = {at[2], at[1], at[0], 255};
     }
 }
@@ -77,7 +76,7 @@ Image read_image(const std::string& name) {
     const auto found = others.find(name);
     if (found == others.end())
         throw Failure(name, "there is no such picture");
-    Image image = duplicate(found->second);
+    Image image = found->second.copy();
     if (calls::noted != nullptr) {
         calls::Call call = {"", {}, calls::Answer::image};
         call.image = image.handle();
@@ -100,11 +99,12 @@ EXPORTED const char* live_picture(const char* name, const Pixel* pixels, int32_t
 EXPORTED Pixel* live_decoded(const uint8_t* stream, uint32_t size, int32_t* width,
                              int32_t* height) {
     int32_t status = 0;
-    Image block(GlobalAlloc(GMEM_MOVEABLE, size));
-    std::memcpy(GlobalLock(block.handle()), stream, size);
-    GlobalUnlock(block.handle());
-    const Image image(
-        JpgDecMainHGLOBAL(block.handle(), static_cast<int32_t>(size), nullptr, nullptr, &status));
+    const kirvo::Block block(GlobalAlloc(GMEM_MOVEABLE, size));
+    if (!block)
+        return nullptr;
+    std::memcpy(kirvo::Locked(block.get()).address(), stream, size);
+    const Image image = Image::adopt(
+        JpgDecMainHGLOBAL(block.get(), static_cast<int32_t>(size), nullptr, nullptr, &status));
     if (!image)
         return nullptr;
     *width = image.width();

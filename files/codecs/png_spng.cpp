@@ -21,6 +21,9 @@ class Context {
     spng_ctx* context_;
 };
 
+// Of a profile, or a text, which may be a thousandth of that in the file.
+constexpr size_t largest_chunk = 16 << 20;
+
 bool is_short(int error) { return error == SPNG_IO_EOF || error == SPNG_IO_ERROR; }
 
 Status failed(Job& job, int error) {
@@ -42,6 +45,7 @@ class Decoder {
         if (context_ == nullptr)
             return KIRVO_FILES_NO_MEMORY;
         spng_set_crc_action(context_, SPNG_CRC_USE, SPNG_CRC_USE); // a wrong sum spoils no pixel
+        spng_set_chunk_limits(context_, largest_chunk, 2 * largest_chunk);
         if (!close_cut_chunk())
             return KIRVO_FILES_NO_MEMORY;
         const Bytes all = closed_.empty() ? job_.bytes : closed_.bytes();
@@ -50,14 +54,18 @@ class Decoder {
         if (error != 0)
             return failed(job_, error);
         spng_set_image_limits(context_, 0x7FFFFFFF, 0x7FFFFFFF);
+        spng_iccp profile = {};
+        error = spng_get_iccp(context_, &profile); // reads all that comes before the rows
+        if (error == SPNG_ECHUNK_LIMITS)
+            return job_.known.fail(KIRVO_FILES_TOO_LARGE,
+                                   Text::format("a profile or text above 16 MB"));
+        if (error == 0)
+            job_.known.icc.append(profile.profile, profile.profile_len);
         const bool palette = header_.color_type == SPNG_COLOR_TYPE_INDEXED;
         spng_trns transparency = {};
         const bool alpha = (header_.color_type & 4) != 0 ||
                            (!palette && spng_get_trns(context_, &transparency) == 0);
         grey_ = (header_.color_type & 2) == 0;
-        spng_iccp profile = {};
-        if (spng_get_iccp(context_, &profile) == 0)
-            job_.known.icc.append(profile.profile, profile.profile_len);
         // The library does not make 8 bits of grey with alpha: such rows come as true colour.
         if (palette || (grey_ && !alpha && header_.bit_depth <= 8))
             return indexed();

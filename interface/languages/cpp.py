@@ -51,7 +51,7 @@ def declared(one):
 def value(argument, method):
     match argument.role:
         case "own": return "dib"
-        case "x" | "y" | "width" | "height": return f"area.{argument.role}"
+        case "x" | "y" | "width" | "height": return f"a.{argument.role}"
         case "status": return "status" if method.way != "static" else "&status"
         case "fixed": return argument.value.replace("own.", "this->").replace(
             ".width", ".width()").replace(".height", ".height()").replace(

@@ -115,10 +115,11 @@ def value(one, method):
     if one.role == "fixed":
         return one.value.replace("own.", "self.")
     if one.parameter.count:
-        return f"(c_uint8 * {one.parameter.count})(*{one.name})"
+        return f"_numbers(c_uint8, {one.parameter.count}, {one.name})"
     if method.name == "keep_channels":
         return f"_packed({one.name})"
-    return one.name
+    bounds = {"int": "", "colour": ", 0, 2**32 - 1", "uint": ", 0, 2**32 - 1"}
+    return f"_whole({one.name}{bounds[one.kind]})" if one.kind in bounds else one.name
 
 
 def head(method):

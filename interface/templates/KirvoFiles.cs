@@ -52,10 +52,7 @@ namespace KirvoImaging
 #if NET5_0_OR_GREATER
         static KirvoFiles()
         {
-            if (!OperatingSystem.IsWindows())
-                NativeLibrary.SetDllImportResolver(typeof(KirvoFiles).Assembly,
-                    (name, assembly, path) => NativeLibrary.Load(
-                        name == Library ? "libkirvofiles.so" : "libkirvo.so", assembly, path));
+            KirvoLibraries.Find();
         }
 #endif
     }

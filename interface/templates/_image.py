@@ -3,6 +3,7 @@ from __future__ import annotations
 
 import ctypes
 import importlib
+import operator
 import os
 import weakref
 from ctypes import byref, c_int32, c_uint8, c_uint32, c_void_p
@@ -40,8 +41,26 @@ class Histogram(NamedTuple):
     blue: tuple[int, ...]
 
 
+def _whole(value: int, least: int = -2**31, most: int = 2**31 - 1) -> int:
+    """A number as the library's functions take it, which would otherwise lose its upper bits."""
+    number = operator.index(value)
+    if not least <= number <= most:
+        raise Error(flat.KIRVO_BAD_PARAMETER, f"{number} is not from {least} to {most}")
+    return number
+
+
 def _packed(values: Range) -> int:
-    return values[0] & 0xFF | (values[1] & 0xFF) << 8 | values[2] << 16
+    return _whole(values[0], 0, 255) | _whole(values[1], 0, 255) << 8 | _whole(values[2], 0, 2) << 16
+
+
+def _numbers(kind: Any, count: int, values: Sequence[int]) -> Any:
+    """An array of numbers, all of which are given."""
+    if len(values) != count:
+        raise ValueError(f"{count} numbers are needed, not {len(values)}")
+    bits = 8 * ctypes.sizeof(kind)
+    signed = bits > 8
+    return (kind * count)(*(_whole(value, -2**(bits - 1) if signed else 0, 2**(bits - signed) - 1)
+                            for value in values))
 
 
 def _free(dib: int) -> None:
@@ -67,7 +86,8 @@ class Image:
 
     def __init__(self, width: int, height: int, bits: int = 24) -> None:
         """A new picture, black."""
-        dib = flat.DibMemAllocEx(width, height, bits) if width > 0 and height > 0 else None
+        fits = 0 < width < 2**31 and 0 < height < 2**31 and 0 < bits <= 32
+        dib = flat.DibMemAllocEx(width, height, bits) if fits else None
         if not dib:
             raise Error(flat.KIRVO_BAD_PARAMETER,
                         "Image: no such size or depth, or not enough memory")
@@ -134,7 +154,7 @@ class Image:
         return image
 
     def save(self, path: Path, *, quality: int = 0, strip: bool = False, new_only: bool = False,
-             size_limit: int = 0, **options: int) -> None:
+             size_limit: int = 0, **options: float) -> None:
         """Saves the picture in the format that the name tells, complete or not at all. What the file
         that it came from knew besides its pixels goes along.
 
@@ -157,7 +177,7 @@ class Image:
             flat_files.KirvoFilesClose(file)
 
     def to_bytes(self, format: str, *, quality: int = 0, strip: bool = False, size_limit: int = 0,
-                 **options: int) -> bytes:
+                 **options: float) -> bytes:
         """The picture as the bytes of a file; format: "png", "jpg", ...; the rest as save."""
         number = int(flat_files.KirvoFilesFormatOf(format.encode()))
         how = _save_options(quality, strip, False, size_limit, {"format": number, **options})
@@ -297,15 +317,26 @@ class Image:
         pillow: Any = importlib.import_module("PIL.Image")
         return pillow.frombytes("RGB", self.size, self.to_rgb())
 
-    def copy(self) -> Image:
-        """Another picture of the same pixels."""
-        size = int(flat.GlobalSize(self._dib))
-        dib = flat.GlobalAlloc(flat.GHND, size)
+    @classmethod
+    def _of_block(cls, block: bytes, file: Optional[_File] = None) -> Image:
+        dib = flat.GlobalAlloc(flat.GHND, len(block))
         if not dib:
             raise Error(flat.KIRVO_NO_MEMORY, f"copy: {_files.meaning(flat.KIRVO_NO_MEMORY)}")
-        ctypes.memmove(flat.GlobalLock(dib), self._address, size)
+        ctypes.memmove(flat.GlobalLock(dib), block, len(block))
         flat.GlobalUnlock(dib)
-        return self._of(dib, self._file)
+        return cls._of(dib, file)
+
+    @property
+    def _block(self) -> bytes:
+        return ctypes.string_at(self._address, int(flat.GlobalSize(self._dib)))
+
+    def copy(self) -> Image:
+        """Another picture of the same pixels."""
+        return self._of_block(self._block, self._file)
+
+    def __reduce__(self) -> tuple[Any, ...]:
+        """Pickled are the pixels, not what is known of a file."""
+        return self._of_block, (self._block,)
 
     __copy__ = copy
 
@@ -365,10 +396,11 @@ class Image:
         divisor: divides the sums; 0: the sum of the weights, or 1
         area: the part that is worked on
         """
-        a, b, c, d, e, f, g, h, i = weights
+        a, b, c, d, e, f, g, h, i = map(_whole, weights)
+        divided = _whole(divisor or sum(weights))
 
         def call(dib: int, area: Area, status: Any) -> Any:
-            flat.SetFilter3x3(g, h, i, d, e, f, a, b, c, divisor or sum(weights))
+            flat.SetFilter3x3(g, h, i, d, e, f, a, b, c, divided)
             return flat.DibFilter3x3(dib, *area, status)
         return self._make("filter_3x3", (16, 24, 32), area, call)
 
@@ -380,7 +412,7 @@ class Image:
         first, second, third: ranges
         area: the part that is worked on
         """
-        fields = [flags, *first, *second, *third]
+        fields = [_whole(field, -2**15, 2**15 - 1) for field in (flags, *first, *second, *third)]
         words = [low & 0xFFFF | (high & 0xFFFF) << 16 for low, high in zip(fields[::2], fields[1::2])]
         return self._make("keep_colours", (24, 32), area,
                           lambda dib, a, status: flat.Dib24FilterEx(dib, *a, *words, status))
@@ -410,28 +442,30 @@ class Image:
     def get_pixel(self, x: int, y: int) -> int:
         """A pixel's colour, 0x00BBGGRR."""
         colour = c_uint32()
-        _check(flat.DibGetPixelColor(self._dib, x, y, byref(colour)), "get_pixel")
+        _check(flat.DibGetPixelColor(self._dib, _whole(x), _whole(y), byref(colour)), "get_pixel")
         return colour.value
 
     @staticmethod
     def key_colour(colour: int) -> None:
         """The colour that compose leaves out in mode 4, for the whole process."""
         with Operation():
-            flat.SetKeyColorDib24Add(colour)
+            flat.SetKeyColorDib24Add(_whole(colour, 0, 2**32 - 1))
 
     @staticmethod
     def mix_masks(three: Sequence[int], five: Sequence[int]) -> None:
         """The weights of mix_3x3 and mix_5x5 in tenths, row by row from the top left neighbour, for
         the whole process."""
+        small, large = _numbers(c_int32, 9, three), _numbers(c_int32, 25, five)
         with Operation():
-            flat.Dib24Mix3X3SetMask((c_int32 * 9)(*three))
-            flat.Dib24Mix5X5SetMask((c_int32 * 25)(*five))
+            flat.Dib24Mix3X3SetMask(small)
+            flat.Dib24Mix5X5SetMask(large)
 
     # How a function of the library is called
 
     def _inside(self, area: Optional[Area]) -> Area:
-        x, y, width, height = area or (0, 0, -1, -1)
-        return (x, y, self.width - x if width < 0 else width, self.height - y if height < 0 else height)
+        x, y, width, height = map(_whole, (0, 0, -1, -1) if area is None else area)
+        return (x, y, _whole(self.width - x) if width < 0 else width,
+                _whole(self.height - y) if height < 0 else height)
 
     def _at(self, depths: Sequence[int]) -> Image:
         return self if self.bits in depths else self.convert(24)
@@ -490,7 +524,7 @@ def _options(frame: int, background: Optional[int], turn: bool, keep_alpha: bool
 
 
 def _save_options(quality: int, strip: bool, new_only: bool, size_limit: int,
-                  options: dict[str, int]) -> Any:
+                  options: dict[str, float]) -> Any:
     how = _files.SaveOptions(size=ctypes.sizeof(_files.SaveOptions), quality=quality,
                              sizeLimit=size_limit)
     for name, value in options.items():

@@ -71,13 +71,19 @@ class ColourSlots {
 };
 
 bool map_row(ColourSlots& slots, const uint8_t* bgr, uint8_t* indices, size_t width) {
-    for (size_t x = 0; x < width; ++x, bgr += 3) {
-        const int32_t slot = slots[static_cast<uint32_t>(bgr[2] << 16 | bgr[1] << 8 | bgr[0])];
-        if (slot < 0)
-            return false;
+    const auto map = [&](size_t x, uint32_t colour) {
+        const int32_t slot = slots[colour];
         indices[x] = static_cast<uint8_t>(slot);
+        return slot >= 0;
+    };
+    // All pixels but the last are loaded with a byte of the one that follows.
+    for (size_t x = 0; x + 1 < width; ++x, bgr += 3) {
+        uint32_t word;
+        std::memcpy(&word, bgr, sizeof word);
+        if (!map(x, word & 0xFFFFFF))
+            return false;
     }
-    return true;
+    return map(width - 1, load_word(bgr, 3));
 }
 
 ColourSlots slots_256(int32_t mode) {

@@ -13,7 +13,8 @@ namespace kirvo {
 struct Kernels {
     // Rows of bytes, whatever they stand for. `to` may be `from` but in the first three, which
     // change `to` by `from`.
-    using BlendBytes = void (*)(uint8_t* to, const uint8_t* from, size_t bytes);
+    // Of what the first three make the bits stay that are set in kept, which repeats every 4 bytes.
+    using BlendBytes = void (*)(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept);
     BlendBytes add;      // at most 255
     BlendBytes average;  // rounded down
     BlendBytes subtract; // at least 0
@@ -82,21 +83,17 @@ struct Kernels {
     // 255 where v lies from low to high, else 0; nothing does where low is above high
     void (*between)(uint8_t* to, const int16_t* v, size_t count, int16_t low, int16_t high);
 
-    // Extremes, element by element: of two rows; of a row and the running extreme, which is updated
-    // in place, and `to` becomes the extreme of that and a further row; of four rows, which may
-    // overlap each other.
+    // Extremes, element by element: of the first 2, 3 or 4 rows, which may overlap each other.
     template<typename T>
-    using Pick = void (*)(T* to, const T* a, const T* b, size_t count);
+    using Pick = void (*)(T* to, const T* a, const T* b, const T* c, const T* d, size_t count);
+    Pick<uint8_t> highest8[3], lowest8[3];
+    Pick<uint32_t> highest32[3]; // of numbers below 2^31
+    // Of windows of n rows that begin one row after another: to[k] becomes the extreme of rows[k] to
+    // rows[k + n - 1]. For 2, 4 or 8 windows; n is at least their number.
     template<typename T>
-    using PickTwo = void (*)(T* to, T* running, const T* row, const T* other, size_t count);
-    template<typename T>
-    using PickFour = void (*)(T* to, const T* a, const T* b, const T* c, const T* d, size_t count);
-    Pick<uint8_t> highest8, lowest8;
-    PickTwo<uint8_t> highest_two8, lowest_two8;
-    PickFour<uint8_t> highest_four8, lowest_four8;
-    Pick<uint16_t> highest16;
-    PickTwo<uint16_t> highest_two16;
-    PickFour<uint32_t> highest_four32; // of numbers below 2^31
+    using PickRows = void (*)(T* const* to, const T* const* rows, size_t n, size_t count);
+    PickRows<uint8_t> highest_rows8[3], lowest_rows8[3];
+    PickRows<uint16_t> highest_rows16[3];
 
     // Sums.
     // sums[i] += row[i], wrapping
@@ -108,6 +105,7 @@ struct Kernels {
     using Means = void (*)(uint8_t* to, const uint8_t* from, ptrdiff_t row_step, size_t rows,
                            size_t count, int shift);
     Means means_of_2, means_of_4;
+    Means wide_means_of_2; // the same of pixels of 4 bytes
 
     // Pixels of 1, 2, 3 or 4 bytes rearranged; by the pixel's bytes less 1.
     // Pixel i of `to` becomes the one of `from` at byte offsets[i]. The byte before `from` may be

@@ -74,24 +74,22 @@ T of(T a, T b) {
     return which == highest ? std::max(a, b) : std::min(a, b);
 }
 
-template<typename T, Extreme which>
-void pick(T* to, const T* a, const T* b, size_t count) {
-    for (size_t i = 0; i < count; ++i)
-        to[i] = of<which>(a[i], b[i]);
-}
-
-template<typename T, Extreme which>
-void pick_two(T* to, T* running, const T* row, const T* other, size_t count) {
+template<typename T, Extreme which, int rows>
+void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
     for (size_t i = 0; i < count; ++i) {
-        running[i] = of<which>(running[i], row[i]);
-        to[i] = of<which>(running[i], other[i]);
+        const T third = rows > 2 ? c[i] : a[i], fourth = rows > 3 ? d[i] : b[i];
+        to[i] = of<which>(of<which>(a[i], b[i]), of<which>(third, fourth));
     }
 }
 
-template<typename T, Extreme which>
-void pick_four(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
-    for (size_t i = 0; i < count; ++i)
-        to[i] = of<which>(of<which>(a[i], b[i]), of<which>(c[i], d[i]));
+template<typename T, Extreme which, size_t windows>
+void pick_rows(T* const* to, const T* const* rows, size_t n, size_t count) {
+    for (size_t window = 0; window < windows; ++window, ++to, ++rows) {
+        std::copy_n(*rows, count, *to);
+        for (size_t k = 1; k < n; ++k)
+            for (size_t i = 0; i < count; ++i)
+                (*to)[i] = of<which>((*to)[i], rows[k][i]);
+    }
 }
 
 template<typename Sum>
@@ -100,16 +98,16 @@ void add_to_sums(Sum* sums, const uint8_t* row, size_t count) {
         sums[i] = static_cast<Sum>(sums[i] + row[i]);
 }
 
-template<size_t columns>
+template<size_t columns, size_t bytes>
 void means(uint8_t* to, const uint8_t* from, ptrdiff_t row_step, size_t rows, size_t count,
            int shift) {
-    for (size_t i = 0; i < count; ++i, to += 3, from += 3 * columns) {
-        uint32_t sums[3] = {};
+    for (size_t i = 0; i < count; ++i, to += bytes, from += bytes * columns) {
+        uint32_t sums[bytes] = {};
         const uint8_t* row = from;
         for (size_t k = 0; k < rows; ++k, row += row_step)
-            for (size_t at = 0; at < 3 * columns; ++at)
-                sums[at % 3] += row[at];
-        for (int c = 0; c < 3; ++c)
+            for (size_t at = 0; at < bytes * columns; ++at)
+                sums[at % bytes] += row[at];
+        for (size_t c = 0; c < bytes; ++c)
             to[c] = static_cast<uint8_t>(sums[c] >> shift);
     }
 }

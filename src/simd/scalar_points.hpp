@@ -10,19 +10,19 @@
 namespace kirvo::scalar {
 namespace {
 
-void add(uint8_t* to, const uint8_t* from, size_t bytes) {
+void add(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept) {
     for (size_t i = 0; i < bytes; ++i)
-        to[i] = static_cast<uint8_t>(std::min(to[i] + from[i], 255));
+        to[i] = static_cast<uint8_t>(std::min(to[i] + from[i], 255) & kept >> 8 * (i % 4));
 }
 
-void average(uint8_t* to, const uint8_t* from, size_t bytes) {
+void average(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept) {
     for (size_t i = 0; i < bytes; ++i)
-        to[i] = static_cast<uint8_t>((to[i] + from[i]) >> 1);
+        to[i] = static_cast<uint8_t>(((to[i] + from[i]) >> 1) & kept >> 8 * (i % 4));
 }
 
-void subtract(uint8_t* to, const uint8_t* from, size_t bytes) {
+void subtract(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept) {
     for (size_t i = 0; i < bytes; ++i)
-        to[i] = static_cast<uint8_t>(std::max(to[i] - from[i], 0));
+        to[i] = static_cast<uint8_t>(std::max(to[i] - from[i], 0) & kept >> 8 * (i % 4));
 }
 
 void scale(uint8_t* to, const uint8_t* from, size_t bytes, int32_t factor, int32_t offset) {

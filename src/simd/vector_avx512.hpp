@@ -4,6 +4,7 @@
 
 #include "simd/dct.hpp"
 #include "simd/kernel_types.hpp"
+#include "simd/shared_operations.hpp"
 
 #include <immintrin.h>
 
@@ -83,6 +84,20 @@ struct Vector : VectorAvx {
     }
 
     static constexpr size_t words = size / 4;
+    static void transpose(Register (&v)[words]) {
+        transpose_parts<Vector>(v);
+#pragma GCC unroll 4
+        for (size_t i = 0; i < 4; ++i) {
+            const Register even0 = _mm512_shuffle_i32x4(v[i], v[i + 4], 0x88);
+            const Register odd0 = _mm512_shuffle_i32x4(v[i], v[i + 4], 0xDD);
+            const Register even1 = _mm512_shuffle_i32x4(v[i + 8], v[i + 12], 0x88);
+            const Register odd1 = _mm512_shuffle_i32x4(v[i + 8], v[i + 12], 0xDD);
+            v[i] = _mm512_shuffle_i32x4(even0, even1, 0x88);
+            v[i + 4] = _mm512_shuffle_i32x4(odd0, odd1, 0x88);
+            v[i + 8] = _mm512_shuffle_i32x4(even0, even1, 0xDD);
+            v[i + 12] = _mm512_shuffle_i32x4(odd0, odd1, 0xDD);
+        }
+    }
     template<int bytes>
     static Register load_row(const uint8_t* from) {
         if constexpr (bytes == 1) {
@@ -112,19 +127,26 @@ struct Vector : VectorAvx {
             store(to, v);
         }
     }
-    static void transpose(Register (&v)[words]) {
-        transpose_parts(v);
-#pragma GCC unroll 4
-        for (size_t i = 0; i < 4; ++i) {
-            const Register even0 = _mm512_shuffle_i32x4(v[i], v[i + 4], 0x88);
-            const Register odd0 = _mm512_shuffle_i32x4(v[i], v[i + 4], 0xDD);
-            const Register even1 = _mm512_shuffle_i32x4(v[i + 8], v[i + 12], 0x88);
-            const Register odd1 = _mm512_shuffle_i32x4(v[i + 8], v[i + 12], 0xDD);
-            v[i] = _mm512_shuffle_i32x4(even0, even1, 0x88);
-            v[i + 4] = _mm512_shuffle_i32x4(odd0, odd1, 0x88);
-            v[i + 8] = _mm512_shuffle_i32x4(even0, even1, 0xDD);
-            v[i + 12] = _mm512_shuffle_i32x4(odd0, odd1, 0xDD);
-        }
+    // Four rows of 24-bit pixels from three vectors, and back.
+    static void load_rows24(Register (&v)[4], const uint8_t* bgr) {
+        static constexpr auto spread = [](int first) {
+            return Places([=](int i) { return first + i / 4 * 3 + (i % 4 == 3 ? 0 : i % 4); });
+        };
+        static constexpr Places places[] = {spread(0), spread(48), spread(32), spread(16)};
+        const Planes p = {load_once(bgr), load_once(bgr + 64), load_once(bgr + 128)};
+        v[0] = _mm512_permutexvar_epi8(places[0].vector(), p.blue);
+        v[1] = _mm512_permutex2var_epi8(p.blue, places[1].vector(), p.green);
+        v[2] = _mm512_permutex2var_epi8(p.green, places[2].vector(), p.red);
+        v[3] = _mm512_permutexvar_epi8(places[3].vector(), p.red);
+    }
+    static void store_rows24(uint8_t* bgr, const Register (&v)[4]) {
+        static constexpr auto close_up = [](int first) {
+            return Places([=](int i) { return (first + i) / 3 * 4 + (first + i) % 3; });
+        };
+        static constexpr Places places[] = {close_up(0), close_up(16), close_up(32)};
+#pragma GCC unroll 3
+        for (int i = 0; i < 3; ++i)
+            store(bgr + 64 * i, _mm512_permutex2var_epi8(v[i], places[i].vector(), v[i + 1]));
     }
 
     static constexpr size_t run = 21;
@@ -173,6 +195,9 @@ struct Vector : VectorAvx {
         Register part_[4];
     };
 
+    static Register even32(Register a, Register b) { return shuffle32<0x88>(a, b); }
+    static Register odd32(Register a, Register b) { return shuffle32<0xDD>(a, b); }
+
     static constexpr int blocks = 4;
     static Register load_block_row(const int8_t* samples) {
         return _mm512_cvtepi8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(samples)));
@@ -199,6 +224,12 @@ struct Vector : VectorAvx {
 
   private:
     static constexpr __mmask64 first_48 = 0x0000FFFFFFFFFFFF;
+
+    template<int places>
+    static Register shuffle32(Register a, Register b) {
+        return _mm512_castps_si512(
+            _mm512_shuffle_ps(_mm512_castsi512_ps(a), _mm512_castsi512_ps(b), places));
+    }
 
     // The permutes look at the low 7 and the low 6 bits of a place; its top bit says which holds.
     static Register moved_by(const Planes& p, const Places& places) {

@@ -245,6 +245,15 @@ class Jpeg(Folder):
             self.assertIn("ends early: whole to row", LIBRARY.open(path).texts["reason"])
             self.assertTrue(LIBRARY.open(path, KEEP_GOING).ok)
 
+    def test_the_last_scans_of_a_progressive_file_may_be_missing(self):
+        path, = self.write([("x.jpg", "colour", "-interlace", "JPEG")])
+        data = path.read_bytes()
+        path.write_bytes(data[:data.rindex(b"\xff\xda")] + b"\xff\xd9")
+        self.assertIn("ends early", LIBRARY.open(path).texts["reason"])
+        going_on = LIBRARY.open(path, KEEP_GOING)
+        self.assertTrue(going_on.ok)
+        self.assertTrue(any("ends early" in note for note in going_on.notes), going_on.notes)
+
     def test_turns_are_those_of_jpegtran(self):
         picture().save(self.folder / "colour.ppm")
         turns = {1: "-rotate 90", 2: "-rotate 180", 3: "-rotate 270", 4: "-flip vertical",

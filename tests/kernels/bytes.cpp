@@ -18,7 +18,7 @@ void every_pair(Blend kernel, Trial& trial) {
     uint8_t* from = trial.values<uint8_t>(256, trial.round, trial.round);
     for (int i = 0; i < 256; ++i)
         to[i] = static_cast<uint8_t>(i);
-    trial.run([=] { kernel(to, from, 256); });
+    trial.run([=] { kernel(to, from, 256, ~0u); });
 }
 
 constexpr Case<Blend> blend(Blend oracle) {
@@ -26,7 +26,8 @@ constexpr Case<Blend> blend(Blend oracle) {
             [](Blend kernel, Trial& trial) {
                 uint8_t* to = trial.values<uint8_t>(trial.count);
                 const uint8_t* from = trial.values<uint8_t>(trial.count);
-                trial.run([=, &trial] { kernel(to, from, trial.count); });
+                const uint32_t kept = trial.random.next();
+                trial.run([=, &trial] { kernel(to, from, trial.count, kept); });
             },
             "byte",
             4093,
@@ -40,18 +41,20 @@ constexpr int32_t offsets[] = {-255, -254, -128, -1, 0, 1, 77, 128, 255};
 
 namespace cases {
 
-const Case<Blend> add = blend([](uint8_t* to, const uint8_t* from, size_t bytes) {
+const Case<Blend> add = blend([](uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept) {
     for (size_t i = 0; i < bytes; ++i)
-        to[i] = static_cast<uint8_t>(std::min(to[i] + from[i], 255));
+        to[i] = static_cast<uint8_t>(std::min(to[i] + from[i], 255) & kept >> i % 4 * 8);
 });
-const Case<Blend> average = blend([](uint8_t* to, const uint8_t* from, size_t bytes) {
-    for (size_t i = 0; i < bytes; ++i)
-        to[i] = static_cast<uint8_t>((to[i] + from[i]) / 2);
-});
-const Case<Blend> subtract = blend([](uint8_t* to, const uint8_t* from, size_t bytes) {
-    for (size_t i = 0; i < bytes; ++i)
-        to[i] = static_cast<uint8_t>(std::max(to[i] - from[i], 0));
-});
+const Case<Blend> average =
+    blend([](uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept) {
+        for (size_t i = 0; i < bytes; ++i)
+            to[i] = static_cast<uint8_t>(((to[i] + from[i]) / 2) & kept >> i % 4 * 8);
+    });
+const Case<Blend> subtract =
+    blend([](uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept) {
+        for (size_t i = 0; i < bytes; ++i)
+            to[i] = static_cast<uint8_t>(std::max(to[i] - from[i], 0) & kept >> i % 4 * 8);
+    });
 
 const Case<decltype(Kernels::scale)> scale = {
     [](uint8_t* to, const uint8_t* from, size_t bytes, int32_t factor, int32_t offset) {

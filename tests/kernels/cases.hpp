@@ -10,10 +10,10 @@
     X(copy_past_caches) X(map_channels) X(permute) X(grey) X(set_hue) X(turn_hue) X(keep_rgb)      \
     X(keep_hsv) X(replace) X(luminance) X(from16to24) X(from32to24) X(from24to16) X(from32to16)    \
     X(from24to32) X(from16to32) X(blur) X(convolve16) X(convolve32) X(laplacian) X(gradient)       \
-    X(correction) X(dark_edges) X(relief) X(between) X(highest8) X(lowest8) X(highest_two8)        \
-    X(lowest_two8) X(highest_four8) X(lowest_four8) X(highest16) X(highest_two16)                  \
-    X(highest_four32) X(add_to_sums16) X(add_to_sums32) X(means_of_2) X(means_of_4) X(gather)      \
-    X(exchange_reversed) X(transpose) X(inverse_dct) X(chroma_terms) X(decoded_grey)               \
+    X(correction) X(dark_edges) X(relief) X(between) X(highest8) X(lowest8) X(highest32)           \
+    X(highest_rows8) X(lowest_rows8) X(highest_rows16) X(add_to_sums16) X(add_to_sums32)           \
+    X(means_of_2) X(means_of_4) X(wide_means_of_2) X(gather) X(exchange_reversed) X(transpose)     \
+    X(inverse_dct) X(chroma_terms) X(decoded_grey)                                                 \
     X(decoded_colour) X(decoded_colour_wide) X(samples_of) X(halve_across) X(halve_both)           \
     X(code_groups)
 // clang-format on

@@ -24,21 +24,21 @@ constexpr Case<void (*)(T* sums, const uint8_t* row, size_t count)> add_to_sums 
     "byte"};
 
 // Exact in doubles: a sum below 2^16 over a power of two.
-template<size_t columns>
+template<size_t columns, size_t bytes>
 void average_plainly(uint8_t* to, const uint8_t* from, ptrdiff_t row_step, size_t rows,
                      size_t count, int shift) {
-    for (size_t i = 0; i < 3 * count; ++i) {
+    for (size_t i = 0; i < bytes * count; ++i) {
         double sum = 0;
         for (size_t k = 0; k < rows; ++k)
             for (size_t x = 0; x < columns; ++x)
                 sum += from[static_cast<ptrdiff_t>(k) * row_step +
-                            static_cast<ptrdiff_t>(3 * (i / 3 * columns + x) + i % 3)];
+                            static_cast<ptrdiff_t>(bytes * (i / bytes * columns + x) + i % bytes)];
         to[i] = static_cast<uint8_t>(sum / static_cast<double>(1 << shift));
     }
 }
 
 // Boxes of 2^shift pixels at most 256, and others whose mean is still a byte. Steps go up or down.
-template<size_t columns>
+template<size_t columns, size_t bytes>
 void take_means(Kernels::Means kernel, Trial& trial) {
     const size_t height_limit = 256 / columns;
     const auto height_log = trial.between(0, std::countr_zero(height_limit), columns == 2 ? 1 : 2);
@@ -46,10 +46,10 @@ void take_means(Kernels::Means kernel, Trial& trial) {
     if (rows > 2 && trial.between(0, 5, 1) == 0)
         rows -= 1;
     const int shift = std::countr_zero(columns) + height_log;
-    const size_t width = 3 * columns * trial.count;
+    const size_t width = bytes * columns * trial.count;
     const size_t step = width + static_cast<size_t>(trial.between(0, 3, 0));
     const bool upward = trial.between(0, 1, 1) == 0;
-    uint8_t* to = trial.room<uint8_t>(3 * trial.count);
+    uint8_t* to = trial.room<uint8_t>(bytes * trial.count);
     const uint8_t* from = trial.values<uint8_t>(step * (rows - 1) + width);
     const auto signed_step = static_cast<ptrdiff_t>(step);
     trial.items = trial.count * rows * columns;
@@ -65,8 +65,10 @@ namespace cases {
 
 const Case<decltype(Kernels::add_to_sums16)> add_to_sums16 = add_to_sums<uint16_t>;
 const Case<decltype(Kernels::add_to_sums32)> add_to_sums32 = add_to_sums<uint32_t>;
-const Case<Kernels::Means> means_of_2 = {average_plainly<2>, take_means<2>, "pixel", 1000};
-const Case<Kernels::Means> means_of_4 = {average_plainly<4>, take_means<4>, "pixel", 1000};
+const Case<Kernels::Means> means_of_2 = {average_plainly<2, 3>, take_means<2, 3>, "pixel", 1000};
+const Case<Kernels::Means> means_of_4 = {average_plainly<4, 3>, take_means<4, 3>, "pixel", 1000};
+const Case<Kernels::Means> wide_means_of_2 = {average_plainly<2, 4>, take_means<2, 4>, "pixel",
+                                              1000};
 
 } // namespace cases
 

@@ -10,7 +10,7 @@ namespace kirvo_test {
 
 namespace {
 
-constexpr size_t most_buffers = 8, room_for_each = size_t{2} << 20;
+constexpr size_t most_buffers = 48, room_for_each = size_t{2} << 20;
 constexpr size_t guard = 128;
 constexpr uint8_t guard_byte = 0xA5;
 

@@ -122,6 +122,9 @@ static class CSharpLayer
         byte[] png = image.ToBytes("png");
         Expect(png[0] == 0x89 && png[1] == 'P');
         Expect(KirvoImage.Open(new MemoryStream(png)).GetPixel(6, 4) == image.GetPixel(6, 4));
+        var options = new KirvoSaveOptions { Quality = 30 };
+        Expect(image.ToBytes("jpg", options)[0] == 0xFF && image.ToBytes("png", options)[0] == 0x89);
+        Expect(FailureOf<ArgumentException>(() => KirvoImage.Open(name + "\0.png")) != null);
         var stream = new MemoryStream();
         image.Save(stream, "jpg", new KirvoSaveOptions { Quality = 30 });
         Expect(stream.ToArray()[0] == 0xFF && KirvoImage.Open(stream.ToArray()).Width == 7);
@@ -140,6 +143,13 @@ static class CSharpLayer
         using (new KirvoWatch(listener))
             image.Blur();
         Expect(listener.Seen[0] == 0 && listener.Seen[listener.Seen.Count - 1] == 100);
+        listener.Seen.Clear();
+        listener.Then = percent => image.Crop(0, 0, 9, 9).Blur(); // of which nothing is reported
+        using (new KirvoWatch(listener))
+            image.Sharpen();
+        Expect(listener.Seen.Count > 5 && listener.Seen[1] == 5 &&
+               listener.Seen[listener.Seen.Count - 1] == 100);
+        listener.Then = percent => { };
         int before = listener.Seen.Count;
         image.Blur();
         Expect(listener.Seen.Count == before);

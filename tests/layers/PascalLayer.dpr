@@ -10,6 +10,7 @@ uses
 type
   TListener = class
     First, Last, Count, Limit: Integer;
+    Preview: TKirvoImage;
     procedure Report(Percent: Integer);
   end;
 
@@ -36,6 +37,8 @@ end;
 
 procedure TListener.Report(Percent: Integer);
 begin
+  if Preview <> nil then
+    Preview.Crop(0, 0, 9, 9).Free; // of which nothing is reported
   if Count = 0 then
     First := Percent;
   Last := Percent;
@@ -148,6 +151,11 @@ begin
   KirvoListen(Listener.Report);
   Image.Blur.Free;
   Expect((Listener.First = 0) and (Listener.Last = 100) and (Listener.Count > 2), 'progress');
+  Listener.Preview := Image;
+  Listener.Count := 0;
+  Image.Sharpen.Free;
+  Expect((Listener.Count > 5) and (Listener.Count <= 21), 'what a report does is not reported');
+  Listener.Preview := nil;
   Listener.Limit := 20;
   for Round := 1 to 2 do
   begin

@@ -17,6 +17,7 @@ import kirvo
 from kirvo import Image, Range, flat
 
 EXAMPLES = pathlib.Path(sys.argv.pop(1))
+TYPED = pathlib.Path(__file__).with_name("typed.py")
 
 
 def striped(width, height):
@@ -63,6 +64,32 @@ class Pixels(unittest.TestCase):
         self.assertEqual(image.to_pillow().tobytes(), picture.tobytes())
         clear = PIL.Image.new("RGBA", (2, 1), (200, 0, 0, 0))
         self.assertEqual(Image.from_pillow(clear).get_pixel(0, 0), kirvo.rgb(255, 255, 255))
+
+    def test_a_pickled_picture_is_another(self):
+        eight = Image.from_array(striped(5, 3)).exact_256()
+        self.assertEqual(pickle.loads(pickle.dumps(eight)).to_rgb(), striped(5, 3).tobytes())
+        image = eight.convert(24)
+        other = pickle.loads(pickle.dumps(image))
+        other.set_pixel(0, 0, kirvo.rgb(1, 1, 1))
+        self.assertNotEqual(other.handle, image.handle)
+        self.assertEqual(image.to_rgb(), striped(5, 3).tobytes())
+
+    def test_pictures_of_odd_and_least_sizes_come_back(self):
+        for width, height in ((1, 1), (1, 7), (7, 1), (3, 2), (5, 5)):
+            array = striped(width, height)
+            for bits in (24, 32):
+                image = Image.from_array(array).convert(bits)
+                numpy.testing.assert_array_equal(numpy.asarray(image), array)
+                self.assertEqual(numpy.asarray(PIL.Image.fromarray(array)).tolist(),
+                                 numpy.asarray(image.to_pillow()).tolist())
+
+    def test_every_mode_of_pillow_is_taken(self):
+        colours = PIL.Image.fromarray(striped(9, 4))
+        for mode in ("1", "L", "P", "RGB", "RGBX", "CMYK", "YCbCr", "HSV", "LA", "RGBA", "PA", "I", "F"):
+            picture = (colours.convert("L").convert("LA").convert("PA") if mode == "PA" else colours.convert(mode))
+            with self.subTest(mode):
+                self.assertEqual(Image.from_pillow(picture).to_pillow().tobytes(),
+                                 picture.convert("RGB").tobytes())
 
     def test_copies_are_others(self):
         image = Image.solid(2, 2, 5)
@@ -111,6 +138,25 @@ class Effects(unittest.TestCase):
         with self.assertRaises(kirvo.Error):
             Image(0, 2)
 
+    def test_numbers_that_do_not_fit_are_refused(self):
+        image = Image.solid(4, 4, 7)
+        large = 2**32
+        for call in (lambda: Image(large + 3, 2), lambda: Image(3, large + 2), lambda: Image(3, 2, large + 24),
+                     lambda: image.brightness(large + 5), lambda: image.crop(large, 0, 1, 1),
+                     lambda: image.blur(area=(large, 0, 1, 1)), lambda: image.blur(area=(-2**31, 0, -1, -1)),
+                     lambda: image.get_pixel(0, large), lambda: image.set_pixel(0, 0, large),
+                     lambda: image.keep_channels(Range(0, 300, 1), Range(), Range()),
+                     lambda: image.keep_colours(0x101, Range(0, 70000, 1)),
+                     lambda: image.map_channels([256] * 256), lambda: image.filter_3x3([large] * 9)):
+            with self.subTest(), self.assertRaises(kirvo.Error) as caught:
+                call()
+            self.assertEqual(caught.exception.status, flat.KIRVO_BAD_PARAMETER)
+        self.assertEqual(image.resize(numpy.int64(2), numpy.uint8(3)).size, (2, 3))
+        for call in (lambda: image.crop(0, 0, 1.5, 1), lambda: image.brightness("5")):
+            self.assertRaises(TypeError, call)
+        for call in (lambda: image.map_channels([0] * 255), lambda: Image.mix_masks([1], [1])):
+            self.assertRaises(ValueError, call)
+
 
 class Files(unittest.TestCase):
     def setUp(self):
@@ -140,6 +186,11 @@ class Files(unittest.TestCase):
         with self.assertRaises(kirvo.Error):
             Image(1, 1).save(self.photo.with_name("picture.nothing"))
 
+    def test_a_name_ends_where_it_ends(self):
+        for call in (Image.open, Image(1, 1).save):
+            with self.assertRaises(ValueError):
+                call(f"{self.photo}\0.png")
+
     def test_bytes_of_files(self):
         image = Image.open(self.photo)
         self.assertEqual(image.to_bytes("png")[:8], b"\x89PNG\r\n\x1a\n")
@@ -155,6 +206,15 @@ class Files(unittest.TestCase):
             image.blur()
         self.assertEqual((seen[0], seen[-1]), (0, 100))
         self.assertEqual(seen, sorted(set(seen)))
+
+        def preview(percent):
+            seen.append(percent)
+            image.crop(0, 0, 9, 9).blur() # of which nothing is reported
+        seen.clear()
+        with kirvo.progress(preview):
+            image.sharpen()
+        self.assertEqual(seen, sorted(set(seen)))
+        self.assertGreater(len(seen), 5)
 
         def enough(percent):
             if percent >= 30:
@@ -207,9 +267,13 @@ class Many(unittest.TestCase):
 
 class Types(unittest.TestCase):
     def test_programs_pass_mypy_strict(self):
-        done = subprocess.run([sys.executable, "-m", "mypy", "--strict", "--cache-dir=/dev/null",
-                               EXAMPLES / "photo.py"], text=True, stdout=subprocess.PIPE)
-        self.assertEqual(done.returncode, 0, done.stdout)
+        for program in (EXAMPLES / "photo.py", TYPED):
+            done = subprocess.run([sys.executable, "-m", "mypy", "--strict", "--cache-dir=/dev/null", program],
+                                  text=True, stdout=subprocess.PIPE)
+            self.assertEqual(done.returncode, 0, done.stdout)
+
+    def test_every_effect_can_be_called(self):
+        subprocess.run([sys.executable, TYPED], check=True)
 
 
 if __name__ == "__main__":

@@ -1,27 +1,31 @@
 #!/usr/bin/env python3
 """Changes one thing in the source at a time and looks whether a test fails: mutants.py PATH COUNT SEED
 
-Works on a copy of the tree in build/mutants, which has a build of its own. Which changes are made,
-and in which order, depends on the path and the seed alone; what became of each is kept in
-build/mutants/results.json, and a change that a test has noticed is not made again. One that none has
-noticed is a survivor, but for those that tests/mutants/harmless.txt names with the reason why they
-change nothing. Ends with 1 when there is a survivor.
+Works on a copy of the tree in build/mutants, one for each room (the object layers share theirs), with
+a build of its own, so that two rooms can be at work side by side. Which changes are made, and in which order,
+depends on the path and the seed alone; what became of each is kept beside the copy in results.json,
+and a change that a test has noticed is not made again. One that none has noticed is a survivor, but
+for those that tests/mutants/harmless.txt names with the reason why they change nothing. Ends with 1
+when there is a survivor.
 """
 
+import fcntl
 import hashlib
 import json
+import os
 import random
 import re
+import resource
+import shutil
+import signal
 import subprocess
 import sys
 from pathlib import Path
 
 SOURCE = Path(__file__).resolve().parents[2]
-WORK = SOURCE / "build" / "mutants"
-TREE = WORK / "tree"
-RESULTS = WORK / "results.json"
 HARMLESS = Path(__file__).with_name("harmless.txt")
-TEST_SECONDS, BUILD_SECONDS = 300, 1800
+# What hangs is ended after so much time of the processor, or of the clock.
+PROCESSOR_SECONDS, SECONDS = 120, 1800
 
 LIBRARY = ("kirvo_kernel_tests kirvo_internal_simd_tests kirvo_internal_image_tests "
            "kirvo_internal_effects_tests kirvo_internal_jpeg_tests kirvo_internal_reduce_tests "
@@ -29,17 +33,28 @@ LIBRARY = ("kirvo_kernel_tests kirvo_internal_simd_tests kirvo_internal_image_te
            "kirvo_effects_tone_tests kirvo_effects_filter_tests kirvo_effects_geometry_tests "
            "kirvo_effects_compose_tests kirvo_effects_draw_tests kirvo_reduce_tests "
            "kirvo_jpeg_tests kirvo_formats_tests kirvo_interface_tests kirvo_safety_tests")
+BINDINGS = "kirvo kirvo_files kirvo_tool"
+LAYERS = f"ctest: kirvo_layer_(depths|effects): {BINDINGS}"
+CURRENT = f"ctest: kirvo_bindings_current: {BINDINGS}"  # as the description of the interface has it
 
 
 class Suite:
     """The tests of a part of the source: first those that fail most likely, then the others."""
 
-    def __init__(self, folder, preset, first, *others):
-        self.folder, self.preset, self.stages = folder, preset, (first, *others)
+    def __init__(self, folder, preset, *stages):
+        self.folder, self.preset, self.stages = folder, preset, stages
+        room = folder.split("/")[0]
+        self.work = SOURCE / "build" / "mutants" / ("include" if room == "bindings" else room)
+        self.tree = self.work / "tree"
+        self.build = self.tree / "build" / preset
+        self.results = self.work / "results.json"
+        self.ready = {}  # stages that pass without a change, with the digests of their programs
+        self.files = set()  # in the folder of the build
 
 
-# The first whose folder a path lies in. A stage is programs to be built and run, or tests of CTest by
-# a pattern with what has to be built for them.
+# The first whose folder a path lies in. A stage is programs to be built and run, each with the tests
+# to be left out, if any; or tests of CTest by a pattern, or a command in the folder of the build,
+# with what has to be built for them.
 SUITES = (
     Suite("src/simd", "native", "kirvo_kernel_tests", LIBRARY),
     Suite("src/jpeg", "native", "kirvo_internal_jpeg_tests kirvo_jpeg_tests", LIBRARY),
@@ -48,45 +63,67 @@ SUITES = (
     Suite("src/image", "native", "kirvo_internal_image_tests kirvo_image_tests", LIBRARY),
     Suite("src", "native", LIBRARY),
     Suite("files/windows", "win32", "kirvo_files_tests"),
-    Suite("files", "native", "kirvo_internal_pictures_tests kirvo_files_tests",
+    Suite("files", "native", "kirvo_files_tests-*World*", "kirvo_internal_pictures_tests kirvo_files_tests",
           "ctest: kirvo_files_real|kirvo_world: kirvo_files kirvo_tool kirvo_sample"),
+    Suite("tools/calls", "native", "ctest: kirvo_view_code: kirvo kirvo_files kirvo_view_code"),
     Suite("tools", "native", "kirvo_tool_tests",
-          "ctest: kirvo_tool|kirvo_readme|kirvo_world: kirvo_tool kirvo_sample kirvo_tool_tests"),
-    Suite("viewer", "win32", "kirvo_viewer_tests"),
-    Suite("bindings/python", "native", "ctest: kirvo_layer_(python|effects)|bindings_python: kirvo kirvo_files"),
-    Suite("bindings/csharp", "native", "ctest: kirvo_layer_(csharp|effects)|bindings_csharp: kirvo kirvo_files"),
-    Suite("bindings/pascal", "native", "ctest: kirvo_layer_(pascal|effects)|bindings_pascal: kirvo kirvo_files"),
-    Suite("include", "native", "ctest: kirvo_layer_(cpp|effects): kirvo kirvo_files"),
+          "ctest: kirvo_tool_[cimp]|kirvo_readme|kirvo_world: kirvo_tool kirvo_sample",
+          "run: python3 ../../tests/tool/workers.py ./kirvo Workers: kirvo_tool"),
+    Suite("viewer", "win32", "kirvo_viewer_tests-Viewer*", "kirvo_viewer_tests-*Hostile*:*World*"),
+    Suite("bindings/python", "native", LAYERS,
+          f"ctest: kirvo_layer_python|bindings_python: {BINDINGS}", CURRENT),
+    Suite("bindings/csharp", "native", LAYERS,
+          f"ctest: kirvo_layer_csharp|bindings_csharp: {BINDINGS}", CURRENT),
+    Suite("bindings/pascal", "native", LAYERS,
+          f"ctest: kirvo_layer_pascal|bindings_pascal: {BINDINGS}", CURRENT),
+    Suite("bindings/vb", "native", LAYERS,
+          f"ctest: bindings_basic: {BINDINGS}", CURRENT),
+    Suite("include", "native", LAYERS, f"ctest: kirvo_layer_cpp: {BINDINGS}", CURRENT),
 )
-ENDINGS = (".cpp", ".hpp", ".py", ".cs", ".pas")
+ENDINGS = (".cpp", ".hpp", ".py", ".cs", ".pas", ".cls", ".bas")
+
+# What a build does not have, and what paints the sample pictures, where nothing is right or wrong.
+ELSEWHERE = {"native": re.compile("_win32$|/windows/|/tools/sample/"),
+             "win32": re.compile("_posix$|/codecs/|/tools/sample/")}
 
 # What is changed into what. Spaces tell operators from templates and pointers.
 CHANGES = [(re.compile(pattern), replacements) for pattern, replacements in (
     (r"(?<= )<(?= )", ["<="]), (r"(?<= )<=(?= )", ["<"]),
     (r"(?<= )>(?= )", [">="]), (r"(?<= )>=(?= )", [">"]),
-    (r"(?<= )==(?= )", ["!="]), (r"(?<= )!=(?= )", ["=="]),
+    (r"(?<= )==(?= )", ["!="]), (r"(?<= )!=(?= )", ["=="]), (r"(?<= )<>(?= )", ["="]),
     (r"(?<= )&&(?= )", ["||"]), (r"(?<= )\|\|(?= )", ["&&"]),
     (r"(?<= )and(?= )", ["or"]), (r"(?<= )or(?= )", ["and"]),
+    (r"(?<= )And(?= )", ["Or"]), (r"(?<= )Or(?= )", ["And"]),
     (r"(?<= )\+(?= )", ["-"]), (r"(?<= )-(?= )", ["+"]), (r"(?<= )\*(?= )", ["+"]),
     (r"(?<= )<<(?= )", [">>"]), (r"(?<= )>>(?= )", ["<<"]),
     (r"(?<= )\+=(?= )", ["-="]), (r"(?<= )-=(?= )", ["+="]),
     (r"\btrue\b", ["false"]), (r"\bfalse\b", ["true"]),
+    (r"\bTrue\b", ["False"]), (r"\bFalse\b", ["True"]),
     (r"(?<![\w.\"'])\d+(?![\w.\"'])", ["+1", "-1"]),
 )]
-NO_CODE = re.compile(r"\s*(//|#|\*|\(\*|static_assert|template|using |namespace |import |from |\"\"\")")
+NO_CODE = re.compile(r"\s*(//|#|\*|static_assert|template|using |namespace |import |from |@)")
+
+# Comments and texts, which are no code, by the ending of a file.
+TEXT = r"\"(?:\\.|[^\"\\\n])*\"|'(?:\\.|[^'\\\n])*'"
+NOT_CODE = {ending: re.compile(pattern, re.DOTALL) for ending, pattern in {
+    ".py": rf"\"\"\".*?\"\"\"|{TEXT}|\#[^\n]*",
+    ".pas": r"\{.*?\}|\(\*.*?\*\)|'[^'\n]*'|//[^\n]*",
+    ".cls": r"\"[^\"\n]*\"|'[^\n]*|^(?:VERSION|BEGIN|END|Attribute|  MultiUse)[^\n]*",
+    ".bas": r"\"[^\"\n]*\"|'[^\n]*|^Attribute[^\n]*",
+}.items()}
+IN_C = re.compile(rf"R\"(\w*)\(.*?\)\1\"|/\*.*?\*/|//[^\n]*|{TEXT}", re.DOTALL)
 
 
-def code_of(line):
-    """The line with texts and its comment blanked out, of the same length."""
-    line = re.sub(r"\"(\\.|[^\"\\])*\"|'(\\.|[^'\\])*'", lambda m: " " * len(m[0]), line)
-    return re.sub(r"//.*", lambda m: " " * len(m[0]), line)
+def code_of(path):
+    """The text with what is no code blanked out, of the same length."""
+    return NOT_CODE.get(path.suffix, IN_C).sub(lambda m: re.sub(r"[^\n]", " ", m[0]), path.read_text())
 
 
 def changes_of(path):
-    for number, line in enumerate(path.read_text().split("\n")):
+    lines = path.read_text().split("\n")
+    for number, (line, code) in enumerate(zip(lines, code_of(path).split("\n"))):
         if NO_CODE.match(line):
             continue
-        code = code_of(line)
         for pattern, replacements in CHANGES:
             for match in pattern.finditer(code):
                 for replacement in replacements:
@@ -99,71 +136,101 @@ def changes_of(path):
                     yield number, line, line[:match.start()] + text + line[match.end():]
 
 
-def run(command, seconds, **options):
-    try:
-        return subprocess.run(command, timeout=seconds, cwd=TREE, stdout=subprocess.PIPE,
-                              stderr=subprocess.STDOUT, text=True, errors="replace", **options)
-    except subprocess.TimeoutExpired as late:
-        return subprocess.CompletedProcess(command, -1, "took too long\n" + str(late.stdout or ""))
+def run(suite, command, emulated=False):
+    """A command in the copy, with what it starts; one that hangs is ended with all of it."""
+    def apart():
+        os.setpgid(0, 0)
+        if not emulated:  # what serves Windows programs may go on to serve others
+            resource.setrlimit(resource.RLIMIT_CPU, (PROCESSOR_SECONDS, PROCESSOR_SECONDS))
+
+    folder = suite.build if suite.build.exists() else suite.tree
+    with subprocess.Popen(list(map(str, command)), cwd=folder, stdin=subprocess.DEVNULL,
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT, preexec_fn=apart) as process:
+        try:
+            text = process.communicate(timeout=SECONDS)[0]
+        except subprocess.TimeoutExpired:
+            os.killpg(process.pid, signal.SIGKILL)
+            return "took too long"
+    return None if process.returncode == 0 else text.decode(errors="replace")[-3000:]
 
 
-def build_folder(suite):
-    return TREE / "build" / suite.preset
+def built(suite, targets):
+    return run(suite, ["cmake", "--build", suite.build, "--target", *targets]) is None
 
 
-def ninja(suite, programs):
-    return run(["cmake", "--build", build_folder(suite), "--target", *programs], BUILD_SECONDS)
+def programs_of(stage):
+    """The programs of a stage, each with the tests to be left out."""
+    return [] if ": " in stage else [word.partition("-")[::2] for word in stage.split()]
 
 
-def runs(suite, program):
-    emulator = ["script/wine", "32"] if suite.preset == "win32" else []
-    ending = ".exe" if suite.preset == "win32" else ""
-    path = build_folder(suite) / (program + ending)
-    command = [*emulator, str(path), "--gtest_brief=1", "--gtest_fail_fast"]
-    return run(["timeout", str(TEST_SECONDS), *command], TEST_SECONDS + 30)
+def command_of(suite, program, but):
+    emulated = suite.preset != "native"
+    return [*([suite.tree / "script/wine", "32"] if emulated else []),
+            suite.build / (program + (".exe" if emulated else "")), "--gtest_brief=1",
+            "--gtest_fail_fast", f"--gtest_filter=-{but}"]
+
+
+def fails(suite, command):
+    """Twice in a row: a machine with much to do may be late once."""
+    emulated = suite.preset != "native"
+    return all(run(suite, command, emulated) is not None for _ in range(2))
 
 
 def failing_test(suite, stage, expected):
     """The first test of a stage that fails, or what does not build; None when all pass. Programs
     that came out byte for byte as before need no run."""
-    if stage.startswith("ctest: "):
-        _, pattern, targets = stage.split(": ")
-        if ninja(suite, targets.split()).returncode != 0:
+    if ": " in stage:
+        how, what, targets = stage.split(": ")
+        if not built(suite, targets.split()):
             return "the compiler"
-        result = run(["ctest", "--test-dir", build_folder(suite), "-R", pattern,
-                      "--stop-on-failure"], BUILD_SECONDS)
-        return None if result.returncode == 0 else pattern
-    programs = stage.split()
-    if ninja(suite, programs).returncode != 0:
+        command = ["ctest", "--stop-on-failure", "-R", what] if how == "ctest" else what.split()
+        return what if fails(suite, command) else None
+    if not built(suite, [program for program, _ in programs_of(stage)]):
         return "the compiler"
-    for program in programs:
-        if expected is None or digest_of(suite, program) != expected.get(program):
-            if runs(suite, program).returncode != 0:
-                return program
-    return None
+    changed = [(program, but) for program, but in programs_of(stage)
+               if digest_of(suite, program) != expected.get(program)]
+    if not changed and stage == suite.stages[0]:
+        return "the same programs"
+    return next((program for program, but in changed
+                 if fails(suite, command_of(suite, program, but))), None)
 
 
 def digest_of(suite, program):
-    """Of the program and the libraries that it loads."""
+    """Of the program and of the libraries and programs that it makes use of."""
     digest = hashlib.sha256()
     for name in (program, program + ".exe", "libkirvo.so", "libkirvofiles.so", "Kirvo.dll",
-                 "KirvoFiles.dll", "kirvo"):
-        file = build_folder(suite) / name
+                 "KirvoFiles.dll", "kirvo", "kirvo.exe", "KirvoView.exe"):
+        file = suite.build / name
         if file.is_file():
             digest.update(file.read_bytes())
     return digest.hexdigest()
 
 
-def copy_tree():
+def prepare(suite, stage):
+    """Builds and runs a stage without any change, once."""
+    if stage in suite.ready:
+        return
+    print(f"building and testing the source as it is: {stage}", flush=True)
+    if (failure := failing_test(suite, stage, {})) is not None:
+        sys.exit(f"without any change {failure} fails")
+    suite.ready[stage] = {program: digest_of(suite, program) for program, _ in programs_of(stage)}
+    suite.files = set(suite.build.iterdir())
+
+
+def copy_tree(suite):
     """Files of the project, those that have changed only, so that little is built again."""
     names = subprocess.run(["git", "ls-files", "-co", "--exclude-standard", "-z"], cwd=SOURCE,
                            stdout=subprocess.PIPE, check=True).stdout.decode().split("\0")
     for name in filter(None, names):
-        source, copy = SOURCE / name, TREE / name
+        source, copy = SOURCE / name, suite.tree / name
         if source.is_file() and (not copy.exists() or copy.read_bytes() != source.read_bytes()):
             copy.parent.mkdir(parents=True, exist_ok=True)
             copy.write_bytes(source.read_bytes())
             copy.chmod(source.stat().st_mode)
+    if not (suite.build / "build.ninja").exists():
+        print("configuring", flush=True)
+        if run(suite, ["cmake", "-S", suite.tree, "--preset", suite.preset]) is not None:
+            sys.exit("the copy cannot be configured")
 
 
 def harmless():
@@ -181,77 +248,99 @@ def squeezed(line):
     return re.sub(r"\s+", "", line)
 
 
+def suite_of(name):
+    return next((suite for suite in SUITES if name.startswith(suite.folder)), None)
+
+
 def main():
     path, count, seed = SOURCE / sys.argv[1], int(sys.argv[2]), sys.argv[3]
     name = str(path.relative_to(SOURCE))
-    suite = next((suite for suite in SUITES if name.startswith(suite.folder)), None)
+    suite = suite_of(name)
     if suite is None or not path.exists():
         sys.exit(f"no tests are known for {name}; there are {' '.join(s.folder for s in SUITES)}")
     files = sorted(path.rglob("*")) if path.is_dir() else [path]
-    elsewhere = re.compile("_win32$|/windows/" if suite.preset == "native" else "_posix$|/codecs/")
     candidates = [(file.relative_to(SOURCE), *change) for file in files
-                  if file.suffix in ENDINGS and not elsewhere.search(str(file.with_suffix("")))
+                  if file.suffix in ENDINGS and not ELSEWHERE[suite.preset].search(str(file.with_suffix("")))
+                  and suite is suite_of(str(file.relative_to(SOURCE)))
                   for change in changes_of(file)]
     random.Random(f"{name} {seed}").shuffle(candidates)
 
-    copy_tree()
-    if not (build_folder(suite) / "build.ninja").exists():
-        print("configuring", flush=True)
-        if run(["cmake", "--preset", suite.preset], BUILD_SECONDS).returncode != 0:
-            sys.exit("the copy cannot be configured")
-    print("building and testing the source as it is", flush=True)
-    expected = {}
-    for stage in suite.stages:
-        if (failure := failing_test(suite, stage, None)) is not None:
-            sys.exit(f"without any change {failure} fails")
-        if not stage.startswith("ctest: "):
-            expected.update({program: digest_of(suite, program) for program in stage.split()})
-
-    results = json.loads(RESULTS.read_text()) if RESULTS.exists() else {}
+    suite.work.mkdir(parents=True, exist_ok=True)
+    lock = (suite.work / "lock").open("w")
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError:
+        sys.exit(f"another run is at work on {suite.folder}")
+    copy_tree(suite)
+    results = json.loads(suite.results.read_text()) if suite.results.exists() else {}
+    results = {key: outcome for key, outcome in results.items() if not passed(outcome)}
     reasons = harmless()
-    survivors = killed = same = explained = 0
-    for file, number, line, changed in candidates[:count]:
-        key = f"{file}|{squeezed(line)}|{squeezed(changed)}|{number + 1}"
-        if results.get(key, "survives") == "survives" and (
-                str(file), squeezed(line), squeezed(changed)) in reasons:
-            explained += 1
-            continue
-        outcome = results.get(key)
-        if outcome in (None, "survives"):
-            outcome = try_change(suite, TREE / file, number, changed, expected)
-            results[key] = outcome
-            RESULTS.write_text(json.dumps(results, indent=0))
-        if outcome == "survives":
-            survivors += 1
-            print(f"{file}:{number + 1}: no test notices\n  {line.strip()}\n  {changed.strip()}",
-                  flush=True)
-        elif outcome == "the same programs":
-            same += 1
-        else:
-            killed += 1
-    print(f"{name}: {killed} noticed, {survivors} not noticed, {same} make the same programs, "
-          f"{explained} known to change nothing")
+    chosen = []
+    for change in candidates:
+        if len(chosen) == count:
+            break
+        if try_stage(suite, 0, change, results, reasons) != "the compiler":  # else none to be tried
+            chosen.append(change)
+    for stage in range(1, len(suite.stages)):
+        for change in chosen:
+            try_stage(suite, stage, change, results, reasons)
+
+    outcomes = [outcome_of(change, results, reasons) for change in chosen]
+    for (file, number, line, changed), outcome in zip(chosen, outcomes):
+        if passed(outcome):
+            print(f"{file}:{number + 1}: no test notices\n  {line.strip()}\n  {changed.strip()}")
+    survivors = sum(passed(outcome) > 0 for outcome in outcomes)
+    same = outcomes.count("the same programs")
+    explained = outcomes.count("harmless")
+    print(f"{name}: {len(chosen) - survivors - same - explained} noticed, {survivors} not noticed, "
+          f"{same} make the same programs, {explained} known to change nothing")
     return 1 if survivors else 0
 
 
-def try_change(suite, file, number, changed, expected):
-    original = file.read_text()
-    lines = original.split("\n")
-    lines[number] = changed
+def key_of(change):
+    file, number, line, changed = change
+    return f"{file}|{squeezed(line)}|{squeezed(changed)}|{number + 1}"
+
+
+def passed(outcome):
+    """How many stages a change has passed that none has noticed."""
+    return int(outcome.removeprefix("passed ")) if outcome.startswith("passed ") else 0
+
+
+def outcome_of(change, results, reasons):
+    """What notices a change, or how many stages it has passed; empty where it was not tried yet."""
+    file, _, line, changed = change
+    outcome = results.get(key_of(change), "")
+    known = (str(file), squeezed(line), squeezed(changed)) in reasons
+    return "harmless" if known and (passed(outcome) or not outcome) else outcome
+
+
+def try_stage(suite, stage, change, results, reasons):
+    """The outcome of a change after a stage, for which those that have passed the one before are tried."""
+    outcome = outcome_of(change, results, reasons)
+    if not outcome or passed(outcome) == stage > 0:
+        outcome = try_change(suite, suite.stages[stage], change) or f"passed {stage + 1}"
+        results[key_of(change)] = outcome
+        suite.results.write_text(json.dumps(results, indent=0))
+        print(f"{change[0]}:{change[1] + 1}: {outcome}", flush=True)
+    return outcome
+
+
+def try_change(suite, stage, change):
+    """The test of a stage that notices a change, which is undone again; None when none does."""
+    file, number, _, changed = change
+    prepare(suite, stage)
+    copy = suite.tree / file
+    original = copy.read_bytes()
+    lines = original.decode().split("\n")
+    lines[number] = changed + ("\r" if lines[number].endswith("\r") else "")
     try:
-        file.write_text("\n".join(lines))
-        programs = [program for program in suite.stages[0].split()
-                    if not suite.stages[0].startswith("ctest: ")]
-        if programs and ninja(suite, programs).returncode == 0 and all(
-                digest_of(suite, program) == expected.get(program) for program in programs):
-            if not any(stage.startswith("ctest: ") for stage in suite.stages):
-                return "the same programs"
-        for stage in suite.stages:
-            if (failure := failing_test(suite, stage, expected)) is not None:
-                return failure
-        return "survives"
+        copy.write_bytes("\n".join(lines).encode())
+        return failing_test(suite, stage, suite.ready[stage])
     finally:
-        file.write_text(original)
+        copy.write_bytes(original)
+        for left in set(suite.build.iterdir()) - suite.files:  # by a program that has gone astray
+            shutil.rmtree(left) if left.is_dir() else left.unlink()
 
 
 sys.exit(main())

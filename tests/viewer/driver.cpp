@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <kirvo_files.h>
 #include <shlobj.h>
 #include <sstream>
 
@@ -107,6 +108,14 @@ void Viewer::key(WPARAM key) const {
 }
 
 // A drop comes as a block in the program's own memory.
+void Viewer::send(HWND window, UINT message, WPARAM wparam, const RECT& rectangle) const {
+    void* there = VirtualAllocEx(process_.hProcess, nullptr, sizeof rectangle,
+                                 MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+    WriteProcessMemory(process_.hProcess, there, &rectangle, sizeof rectangle, nullptr);
+    SendMessageA(window, message, wparam, reinterpret_cast<LPARAM>(there));
+    VirtualFreeEx(process_.hProcess, there, 0, MEM_RELEASE);
+}
+
 void Viewer::drop(const std::string& name) const {
     std::vector<char> block(sizeof(DROPFILES));
     const DROPFILES head = {sizeof head, {}, FALSE, FALSE};
@@ -136,19 +145,23 @@ int Viewer::effect_count() const {
     return count;
 }
 
-bool Viewer::wait_for(const std::string& words) {
-    return eventually([&] {
-        const std::string text = log();
-        const size_t at = text.find(words, seen_);
-        const size_t end = at == std::string::npos ? at : text.find('\n', at);
-        if (end == std::string::npos)
-            return false;
-        const size_t start = text.rfind('\n', at) + 1; // 0 where there is none
-        line_ = text.substr(start, end - start);
-        seen_ = end;
-        return true;
-    });
+bool Viewer::wrote(const std::string& words) {
+    const std::string text = log();
+    const size_t at = text.find(words, seen_);
+    const size_t end = at == std::string::npos ? at : text.find('\n', at);
+    if (end == std::string::npos)
+        return false;
+    const size_t start = text.rfind('\n', at) + 1; // 0 where there is none
+    line_ = text.substr(start, end - start);
+    seen_ = end;
+    return true;
 }
+
+bool Viewer::wait_for(const std::string& words) {
+    return eventually([&] { return wrote(words); });
+}
+
+HWND Viewer::dialog_now() const { return window_of(process_.dwProcessId, "#32770", ""); }
 
 HWND Viewer::dialog(const std::string& title) const {
     HWND found = nullptr;
@@ -157,6 +170,10 @@ HWND Viewer::dialog(const std::string& title) const {
         return found != nullptr;
     });
     return found;
+}
+
+bool Viewer::gone(HWND dialog) const {
+    return eventually([&] { return !IsWindow(dialog); });
 }
 
 std::string Viewer::title() const {
@@ -193,6 +210,16 @@ std::vector<uint8_t> clipboard_picture() {
         bytes = picture_bytes(block);
     CloseClipboard();
     return bytes;
+}
+
+void set_text(HWND control, const std::string& text) {
+    SendMessageA(control, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+std::string saved(const TempFolder& folder, const std::string& name, const Dib& picture) {
+    const std::string path = folder.path(name);
+    EXPECT_EQ(KirvoFilesSave(path.c_str(), picture, nullptr, nullptr, nullptr), KIRVO_FILES_OK);
+    return path;
 }
 
 std::string clipboard_text() {

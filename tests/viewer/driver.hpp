@@ -19,17 +19,23 @@ class Viewer {
     Viewer& operator=(const Viewer&) = delete;
 
     HWND window() const { return window_; }
+    HANDLE process() const { return process_.hProcess; }
     void command(int id) const; // without waiting
     void key(WPARAM key) const;
     void drop(const std::string& name) const;
+    // Sends a message that points to a rectangle.
+    void send(HWND window, UINT message, WPARAM wparam, const RECT& rectangle) const;
     // A command in the log: "command 412 is --flip".
     int effect(const std::string& option) const;
     int effect_count() const;
 
     // Waits until a line with these words has been written since the last wait; false after a while.
     bool wait_for(const std::string& words);
+    bool wrote(const std::string& words);             // since then, without waiting
     const std::string& line() const { return line_; } // which was waited for
     HWND dialog(const std::string& title) const;      // null when none comes
+    HWND dialog_now() const;                          // any that is open
+    bool gone(HWND dialog) const;                     // false when it stays
     std::string title() const;
     bool ends(); // closes the window; false when the program goes on
 
@@ -52,6 +58,11 @@ std::vector<uint8_t> picture_bytes(HGLOBAL dib);
 std::vector<uint8_t> clipboard_picture();
 std::string clipboard_text();
 void put_on_clipboard(UINT format, const std::vector<uint8_t>& bytes);
+
+// Typed into a control.
+void set_text(HWND control, const std::string& text);
+// A file of the picture.
+std::string saved(const TempFolder& folder, const std::string& name, const Dib& picture);
 
 bool eventually(bool (*holds)(void*), void* context);
 template<typename Condition>

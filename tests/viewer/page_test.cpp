@@ -88,7 +88,7 @@ TEST(Page, TellsWhatThePrinterSays) {
 TEST(Page, HasEveryPartOfThePictureInItsPlace) {
     for (const int bits : {24, 32}) {
         const Dib picture = chequered(bits);
-        const Image image(copy_of(picture).release());
+        const Image image = Image::adopt(copy_of(picture).release());
         HDC recording = CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr);
         ASSERT_TRUE(draw_on(recording, {30, 20, 30 + 6 * 20, 20 + 4 * 20}, image));
         HENHMETAFILE file = CloseEnhMetaFile(recording);

@@ -1,10 +1,11 @@
 // Notes which functions of the library are called, and with what.
 //
 // The catalogue's sources are compiled with calls/recorded.hpp before them, so that each of their
-// calls passes through called(). What is shown as code is hence what was done.
+// calls passes through called(). What is shown as code is hence what was done. The owner of images
+// comes before that: its own calls are the same in every source, and are not noted.
 #pragma once
 
-#include "kirvo.h"
+#include "kirvo.hpp"
 
 #include <cstdint>
 #include <initializer_list>

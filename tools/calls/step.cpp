@@ -46,7 +46,7 @@ Image in_part(Image image, const Effect& effect, const Step& step) {
 
 Image applied(const Image& image, Step& step) {
     const Effect& effect = *effect_called(step.option);
-    Image copy = duplicate(image);
+    Image copy = image.copy();
     step.calls.first = copy.handle();
     const Recording recording(step.calls);
     Image result = step.place ? in_part(std::move(copy), effect, step)

@@ -135,7 +135,7 @@ void convert_picture(const Conversion& conversion, const Job& job, Outcome& outc
         outcome.text += in_words(counts);
     });
     Picture picture = read(conversion, job, outcome);
-    tell(outcome, job, picture.known.notes());
+    tell(outcome, job, told_notes(picture.known));
     WriteOptions writing = conversion.writing;
     writing.replace = job.in_place;
     if (job.in_place)
@@ -175,7 +175,7 @@ void turn(const Conversion& conversion, const Job& job, Outcome& outcome) {
     outcome.record["width"] = turned.width;
     outcome.record["height"] = turned.height;
     outcome.record["bytes"] = turned.fileBytes;
-    tell(outcome, job, known.notes());
+    tell(outcome, job, told_notes(known));
 }
 
 } // namespace

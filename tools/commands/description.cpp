@@ -82,7 +82,7 @@ void add_data(Json& out, const Known& known) {
         out["palette"] = palette(bytes);
     if (const auto bytes = known.data(KIRVO_FILES_DATA_QUANTISERS); !bytes.empty())
         out["quantisation_tables"] = quantisers(bytes);
-    for (const std::string& note : known.notes())
+    for (const std::string& note : told_notes(known))
         out["notes"].push_back(note);
 }
 

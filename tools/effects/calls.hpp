@@ -14,7 +14,7 @@ template<typename Call>
 Image make(Image image, const char* what, Call call) {
     for (int attempt = 0;; ++attempt) {
         int32_t status = 0;
-        Image result(call(image.handle(), image.width(), image.height(), &status));
+        Image result = Image::adopt(call(image.handle(), image.width(), image.height(), &status));
         if (result)
             return result;
         if (attempt > 0 || !is_depth_error(status))

@@ -15,7 +15,7 @@ std::function<void(const Histogram&)> histogram_receiver;
 
 } // namespace
 
-Image gamma(Image image, const Values& values) {
+Image change_gamma(Image image, const Values& values) {
     const double red = values.real(0);
     const double green = values.count() > 1 ? values.real(1) : red;
     const double blue = values.count() > 2 ? values.real(2) : green;
@@ -39,7 +39,9 @@ Image one_channel(Image image, const Values& values) {
     change(std::move(image), "--channel", [&](HGLOBAL h, int32_t w, int32_t hh) {
         return Dib24Separate(h, 0, 0, w, hh, &channels[0], &channels[1], &channels[2]);
     });
-    Image all[3] = {Image(channels[0]), Image(channels[1]), Image(channels[2])};
+    Image all[3];
+    for (size_t i = 0; i < 3; ++i)
+        all[i] = Image::adopt(channels[i]);
     return std::move(all[wanted == "red" ? 0 : wanted == "green" ? 1 : 2]);
 }
 

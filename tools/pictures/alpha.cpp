@@ -11,13 +11,14 @@ Image new_image(int32_t width, int32_t height, int32_t bits) {
 }
 
 template<typename Call>
-void each_pixel(const Image& image, const Image& alpha, Call call) {
+void each_pixel(Image& image, const Image& alpha, Call call) {
     const int32_t width = image.width(), height = image.height();
-    const Rows pixels(image), levels(alpha);
+    const kirvo::Rows pixels = image.rows();
+    const kirvo::ConstRows levels = alpha.rows();
     const int32_t step = image.bits() / 8;
     for (int32_t y = 0; y < height; ++y) {
-        uint8_t* pixel = pixels.row(y);
-        const uint8_t* level = levels.row(y);
+        uint8_t* pixel = pixels[y].data();
+        const uint8_t* level = levels[y].data();
         for (int32_t x = 0; x < width; ++x, pixel += step, level += 3)
             call(pixel, *level);
     }
@@ -32,10 +33,10 @@ void split_alpha(Picture& picture) {
     Image alpha = new_image(width, height, 24);
     uint8_t least = 255;
     {
-        const Rows pixels(picture.image), levels(alpha);
+        const kirvo::Rows pixels = picture.image.rows(), levels = alpha.rows();
         for (int32_t y = 0; y < height; ++y) {
-            const uint8_t* pixel = pixels.row(y);
-            uint8_t* level = levels.row(y);
+            const uint8_t* pixel = pixels[y].data();
+            uint8_t* level = levels[y].data();
             for (int32_t x = 0; x < width; ++x, pixel += 4, level += 3) {
                 std::fill_n(level, 3, pixel[3]);
                 least = std::min(least, pixel[3]);
@@ -55,14 +56,14 @@ Image with_alpha(Image image, const Image& alpha) {
     return result;
 }
 
-void multiply(const Image& image, const Image& alpha) {
+void multiply(Image& image, const Image& alpha) {
     each_pixel(image, alpha, [](uint8_t* pixel, uint8_t level) {
         for (int channel = 0; channel < 3; ++channel)
             pixel[channel] = static_cast<uint8_t>((pixel[channel] * level + 127) / 255);
     });
 }
 
-void divide(const Image& image, const Image& alpha) {
+void divide(Image& image, const Image& alpha) {
     each_pixel(image, alpha, [](uint8_t* pixel, uint8_t level) {
         for (int channel = 0; channel < 3 && level != 0; ++channel)
             pixel[channel] =
@@ -73,17 +74,16 @@ void divide(const Image& image, const Image& alpha) {
 Image mask_of(const Image& alpha) {
     const int32_t width = alpha.width(), height = alpha.height();
     Image mask = new_image(width, height, 1);
-    const Rows levels(alpha);
-    auto* block = static_cast<uint8_t*>(GlobalLock(mask.handle()));
-    std::fill_n(block + 44, 3, uint8_t{255}); // the second colour is white
-    const size_t stride = (static_cast<size_t>(width) + 31) / 32 * 4;
+    XPaletteQuad(mask.handle(), 1, kirvo::rgb(255, 255, 255));
+    const kirvo::ConstRows levels = alpha.rows();
+    const kirvo::Rows marks = mask.rows();
     for (int32_t y = 0; y < height; ++y) {
-        uint8_t* row = block + 48 + stride * static_cast<size_t>(y);
-        for (int32_t x = 0; x < width; ++x) {
-            if (levels.row(y)[3 * x] == 0)
+        const uint8_t* level = levels[y].data();
+        uint8_t* row = marks[y].data();
+        for (int32_t x = 0; x < width; ++x, level += 3) {
+            if (*level == 0)
                 row[x / 8] = static_cast<uint8_t>(row[x / 8] | 0x80 >> x % 8);
         }
     }
-    GlobalUnlock(mask.handle());
     return mask;
 }

@@ -9,7 +9,7 @@ void split_alpha(Picture& picture);
 // Puts it back: 32 bits with alpha on top.
 Image with_alpha(Image image, const Image& alpha);
 // Colours times alpha, so that what is not seen does not shine through averages, and back.
-void multiply(const Image& image, const Image& alpha);
-void divide(const Image& image, const Image& alpha);
+void multiply(Image& image, const Image& alpha);
+void divide(Image& image, const Image& alpha);
 // One bit a pixel, 1 where the picture is transparent.
 Image mask_of(const Image& alpha);

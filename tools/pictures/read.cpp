@@ -28,7 +28,7 @@ Picture read_picture(const std::string& name, const ReadOptions& options) {
     } else {
         status = KirvoFilesOpen(name.c_str(), &how, &handle, picture.known.receiver());
     }
-    picture.image = Image(handle);
+    picture.image = Image::adopt(handle);
     expect(status, picture.known, shown(name, "standard input"));
     if (how.flags & KIRVO_FILES_KEEP_ALPHA)
         split_alpha(picture);

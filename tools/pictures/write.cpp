@@ -55,23 +55,19 @@ class Encoded {
         HGLOBAL block = nullptr;
         const int32_t status = KirvoFilesSaveMemory(picture.image.handle(), picture.known.handle(),
                                                     &how, &block, &count_, known_.receiver());
-        block_ = Image(block);
+        block_.reset(block);
         expect(status, known_, name);
-        bytes_ = GlobalLock(block);
-    }
-    ~Encoded() {
-        if (block_)
-            GlobalUnlock(block_.handle());
+        bytes_.emplace(block);
     }
 
-    const char* bytes() const { return static_cast<const char*>(bytes_); }
+    const uint8_t* bytes() const { return bytes_->address(); }
     size_t count() const { return count_; }
-    std::vector<std::string> notes() const { return known_.notes(); }
+    std::vector<std::string> notes() const { return told_notes(known_); }
 
   private:
-    Image block_;
+    kirvo::Block block_;
+    std::optional<kirvo::Locked> bytes_;
     uint32_t count_ = 0;
-    const void* bytes_ = nullptr;
     Known known_;
 };
 
@@ -99,7 +95,8 @@ Written write_picture(const std::string& name, Picture picture, const WriteOptio
         how.flags |= KIRVO_FILES_WITH_ALPHA;
     }
     if (!options.comment.empty())
-        picture.known.set_comment(options.comment);
+        picture.known.set_data(KIRVO_FILES_DATA_COMMENT, options.comment.data(),
+                               options.comment.size());
     const Encoded encoded(picture, how, shown(name, "standard output"));
     Output output(name, options.replace || settings.force);
     output.write(encoded.bytes(), encoded.count());

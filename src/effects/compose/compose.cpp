@@ -20,19 +20,19 @@ bool keeps_pixels(Blend blend) {
 
 const uint8_t* key_of(Blend blend) { return blend == Blend::key_colour ? key_colour : black; }
 
-void blend_bytes(Blend blend, uint8_t* to, const uint8_t* from, size_t bytes) {
+void blend_bytes(Blend blend, uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept) {
     const Kernels& k = kernels();
     const auto blended = blend == Blend::add       ? k.add
                          : blend == Blend::average ? k.average
                                                    : k.subtract;
-    blended(to, from, bytes);
+    blended(to, from, bytes, kept);
 }
 
 void compose_24(Blend blend, uint8_t* to, const uint8_t* from, size_t count) {
     if (keeps_pixels(blend))
         kernels().replace(to, from, count, key_of(blend));
     else
-        blend_bytes(blend, to, from, 3 * count);
+        blend_bytes(blend, to, from, 3 * count, ~0u);
 }
 
 // Result channels go to their shifts with all 8 bits: a sum that a narrow mask cannot hold reaches
@@ -43,13 +43,16 @@ PixelFormat whole_channels(PixelFormat format) {
     return format;
 }
 
+bool works_on_bytes(Blend blend, const PixelFormat& format) {
+    return format.bits == 24 || (format.has_byte_channels() && !keeps_pixels(blend));
+}
+
 // Pixels whose bytes are channels, from another place than they go to.
 void compose_bytes(Blend blend, const PixelFormat& format, uint8_t* to, const uint8_t* from,
                    size_t count) {
     if (format.bits == 24)
         return compose_24(blend, to, from, count);
-    blend_bytes(blend, to, from, 4 * count);
-    kernels().keep_bits(to, to, 4 * count, format.masks.sum());
+    blend_bytes(blend, to, from, 4 * count, format.masks.sum());
 }
 
 // In one image the source pixels are read before any of the destination is written, since both may
@@ -57,7 +60,7 @@ void compose_bytes(Blend blend, const PixelFormat& format, uint8_t* to, const ui
 void compose_chunk(Blend blend, const PixelFormat& format, uint8_t* to, const uint8_t* from,
                    size_t count, bool same_image) {
     uint8_t source[3 * pixels_at_once], words[4 * pixels_at_once];
-    if (format.bits == 24 || (format.has_byte_channels() && !keeps_pixels(blend))) {
+    if (works_on_bytes(blend, format)) {
         if (same_image)
             from = static_cast<const uint8_t*>(std::memcpy(words, from, format.bytes() * count));
         return compose_bytes(blend, format, to, from, count);
@@ -80,6 +83,8 @@ void compose_chunk(Blend blend, const PixelFormat& format, uint8_t* to, const ui
 // read, as if the row were copied first.
 void compose_row(Blend blend, const PixelFormat& format, uint8_t* to, const uint8_t* from,
                  size_t count, bool same_image) {
+    if (!same_image && works_on_bytes(blend, format))
+        return compose_bytes(blend, format, to, from, count);
     const bool from_right = same_image && from < to;
     for (size_t done = 0; done < count;) {
         const size_t now = std::min(pixels_at_once, count - done);

@@ -68,12 +68,22 @@ struct Corners {
     Rgb top_left, top_right, bottom_left, bottom_right;
 };
 
+Status check(int32_t width, int32_t height, int32_t bits) {
+    const bool valid = width >= 1 && height >= 1 && (bits == 16 || bits == 24 || bits == 32);
+    return valid ? Status::ok : Status::bad_parameter;
+}
+
+OwnedBlock new_image(int32_t width, int32_t height, int32_t bits) {
+    return new_dib(width, height, bits, bits == 24 ? Content::any : Content::zero);
+}
+
 // A bilinear gradient. Rows that are all the same are copied.
 Status gradient(int32_t width, int32_t height, int32_t bits, const Corners& corners,
                 OwnedBlock& result) {
-    if (width < 1 || height < 1 || (bits != 16 && bits != 24 && bits != 32))
-        return Status::bad_parameter;
-    result = new_dib(width, height, bits, bits == 24 ? Content::any : Content::zero);
+    const Status status = check(width, height, bits);
+    if (status != Status::ok)
+        return status;
+    result = new_image(width, height, bits);
     const LockedDib dib(result.get());
     if (!dib)
         return Status::no_memory;
@@ -96,10 +106,44 @@ Status gradient(int32_t width, int32_t height, int32_t bits, const Corners& corn
     return Status::ok;
 }
 
+// Writes a row of 24-bit pixels of one colour: what is written is copied, each time as much again.
+void fill_row(uint8_t* row, const Rgb& colour, size_t bytes) {
+    row[0] = colour.blue;
+    row[1] = colour.green;
+    row[2] = colour.red;
+    for (size_t done = 3; done < bytes; done *= 2)
+        std::memcpy(row + done, row, std::min(done, bytes - done));
+}
+
 Status horizontal_gradient(int32_t width, int32_t height, int32_t bits, uint32_t start,
                            uint32_t end, OwnedBlock& result) {
     const Rgb left = rgb_of(start), right = rgb_of(end);
     return gradient(width, height, bits, {left, right, left, right}, result);
+}
+
+// What turning a gradient from left to right gives, in its memory and with its messages, which count
+// the rows of the image that is turned.
+Status vertical_gradient(int32_t width, int32_t height, int32_t bits, const Rgb& top,
+                         const Rgb& bottom, OwnedBlock& result) {
+    const Status status = check(width, height, bits);
+    if (status != Status::ok)
+        return status;
+    const OwnedBlock lying = new_image(height, width, bits);
+    OwnedBlock made = lying ? new_image(width, height, bits) : OwnedBlock();
+    const LockedDib dib(made.get());
+    if (!dib)
+        return Status::no_memory;
+    const Rows rows = dib.rows(RowStart::after_header);
+    PassProgress progress(width);
+    ColourRamp ramp(top, bottom, height);
+    for (int32_t row = 0; row < height; ++row, ramp.step()) {
+        progress.reach(int64_t{width} * (row + 1) / height - 1);
+        if (bits == 24)
+            fill_row(rows[height - 1 - row], ramp.value(), 3 * static_cast<size_t>(width));
+    }
+    progress.finish();
+    result = std::move(made);
+    return Status::ok;
 }
 
 } // namespace
@@ -118,12 +162,9 @@ HGLOBAL WINAPI Dib24Gradation1(int32_t width, int32_t height, int32_t bits, uint
 
 HGLOBAL WINAPI Dib24Gradation2(int32_t width, int32_t height, int32_t bits, uint32_t start,
                                uint32_t end, int32_t* status) {
-    OwnedBlock lying;
-    const Status made = horizontal_gradient(height, width, bits, start, end, lying);
-    report(status, made);
-    if (made != Status::ok)
-        return nullptr;
-    return Dib24Rotate(lying.get(), 0, 0, height, width, 0, status);
+    OwnedBlock result;
+    report(status, vertical_gradient(width, height, bits, rgb_of(start), rgb_of(end), result));
+    return result.release();
 }
 
 HGLOBAL WINAPI Dib24Gradation3(int32_t width, int32_t height, int32_t bits, uint32_t top_left,

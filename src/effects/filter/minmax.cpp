@@ -1,14 +1,11 @@
-// The maximum or minimum filter over a square of pixels, at a cost that does not grow with it.
+// The maximum or minimum filter over a square of pixels, at a cost that hardly grows with it.
 //
-// A square's extreme is found in two steps: up the columns, then along the row. Up the columns (van
-// Herk, Gil and Werman) the squares of a band of result rows all contain one image row. Each square
-// joins the extreme of its rows up to that one, kept from a walk down, and of its rows after it,
-// which grow by one a result row. Along the row runs grow fourfold until a few of them cover the
-// square.
+// A square's extreme is found in two steps: up the columns, then along the row. Up the columns
+// several squares that begin one row after another are taken together: most of their rows are in all
+// of them. Of larger squares these are joined from extremes of as many rows, made once for all
+// squares that contain them. Along the row runs grow fourfold until a few of them cover the square.
 //
-// The bands of wide images are filtered in strips, so that what is kept of one and the image
-// beneath it stay in the caches. The columns that a strip shares with the one before it are taken
-// over. (Narrow strips lose more by reading the image in short pieces than they win.)
+// An image is filtered in bands, after which the progress is told, and wide ones in strips.
 #include "image/rect_operation.hpp"
 #include "simd/kernels.hpp"
 
@@ -19,29 +16,35 @@ using namespace kirvo;
 namespace {
 
 constexpr int32_t largest_radius = 64;
-constexpr int32_t highest_band = 128;
-constexpr int32_t kept_bytes = 384 << 10;
-constexpr int32_t strip_step = 64; // pixels: strips begin alike in the lines of the cache
+constexpr int32_t most_abreast = 8; // squares
+constexpr int32_t smallest_of_blocks =
+    32; // the side of a square that is worth the making of blocks
 
 // Rows of as many elements that start on cache lines.
 template<typename T>
 class AlignedLines {
   public:
-    AlignedLines(uint64_t rows, size_t count)
-        : row_((count + in_line - 1) / in_line * in_line),
-          memory_(rows * row_ * sizeof(T) + line_bytes) {}
-
-    explicit operator bool() const { return static_cast<bool>(memory_); }
-    T* operator[](int32_t i) const {
-        const auto address = reinterpret_cast<uintptr_t>(memory_.data());
-        uint8_t* first = memory_.data() + (line_bytes - address % line_bytes) % line_bytes;
-        return reinterpret_cast<T*>(first) + static_cast<size_t>(i) * row_;
+    AlignedLines(int32_t rows, size_t count)
+        : elements_(static_cast<uint64_t>(rows) * in_lines(count)), row_(in_lines(count)),
+          memory_(elements_ * sizeof(T) + line_bytes), first_(memory_.as<T>()) {
+        first_ += -reinterpret_cast<uintptr_t>(first_) % line_bytes / sizeof(T);
     }
 
+    explicit operator bool() const { return static_cast<bool>(memory_); }
+    T* operator[](int32_t i) const { return first_ + static_cast<size_t>(i) * row_; }
+    void fill(T value) const { std::fill_n(first_, static_cast<size_t>(elements_), value); }
+
   private:
-    static constexpr size_t line_bytes = 64, in_line = line_bytes / sizeof(T);
+    static constexpr size_t line_bytes = 64;
+    static constexpr size_t in_lines(size_t count) {
+        constexpr size_t in_line = line_bytes / sizeof(T);
+        return (count + in_line - 1) / in_line * in_line;
+    }
+
+    uint64_t elements_;
     size_t row_;
     Scratch memory_;
+    T* first_;
 };
 
 // A part of the result, and the image around it that its squares reach. Cells and rows of the reach
@@ -49,101 +52,102 @@ class AlignedLines {
 struct Patch {
     int32_t row, rows, column, columns; // of the result
     int64_t first_row, first_column;    // of the image, in the patch's first square
-    size_t begin, end;                  // cells inside the image, but those taken over
-    size_t taken_over;                  // cells, the first of the reach
+    size_t begin, end;                  // cells inside the image
+
+    size_t cells() const { return end - begin; }
 };
 
 // The extreme of `side` cells from each of count cells on. A cell has `step` elements; a and b are
-// working rows as long as the line.
+// working rows as long as the line. `pick` are those of 2, 3 and 4 rows.
 template<typename T>
 void pick_along(T* to, const T* line, size_t count, size_t step, size_t side,
-                Kernels::PickFour<T> pick_four, T* a, T* b) {
+                const Kernels::Pick<T> (&pick)[3], T* a, T* b) {
     size_t run = 1;
-    for (; 4 * run <= side; run *= 4) {
+    for (; 4 * run < side; run *= 4) {
         T* next = line == a ? b : a;
         const size_t one = step * run;
-        pick_four(next, line, line + one, line + 2 * one, line + 3 * one,
-                  step * (count + side - 4 * run));
+        pick[2](next, line, line + one, line + 2 * one, line + 3 * one,
+                step * (count + side - 4 * run));
         line = next;
     }
-    // At most four runs cover the side.
-    const size_t last = side - run;
-    pick_four(to, line, line + step * std::min(run, last), line + step * std::min(2 * run, last),
-              line + step * last, step * count);
+    // Two to four runs cover the side; the last one ends where it does.
+    const size_t runs = (side + run - 1) / run, last = side - run;
+    pick[runs - 2](to, line, line + step * std::min(run, last),
+                   line + step * std::min(2 * run, last), line + step * last, step * count);
 }
 
 // What both kinds of the filter work on.
 struct Setting {
     const RectOperation& operation;
-    const RectResult& result;
+    Rows from, to;
     PixelFormat format;
     int32_t radius;
     bool maximum;
 
     int32_t side() const { return 2 * radius + 1; }
-    const uint8_t* pixel(int64_t row, int64_t column) const {
-        return operation.source().rows(RowStart::after_header)[row] +
-               static_cast<size_t>(column) * format.bytes();
+    // Of a row of the reach that lies in the image.
+    const uint8_t* pixels(const Patch& patch, int32_t row) const {
+        const int64_t column = patch.first_column + static_cast<int64_t>(patch.begin);
+        return from[patch.first_row + row] + static_cast<size_t>(column) * format.bytes();
     }
-    // Pixels of the image as 24-bit ones: in place, or in the buffer.
-    const uint8_t* bgr(int64_t row, int64_t column, size_t count, uint8_t* buffer) const {
-        const uint8_t* from = pixel(row, column);
-        if (format.bits == 24)
-            return from;
-        unpack_row(format, from, buffer, count);
-        return buffer;
-    }
-    // Where 24-bit pixels for a row of the patch are put: in place, or into the buffer.
-    uint8_t* target(const Patch& patch, int32_t row, uint8_t* buffer) const {
-        return format.bits == 24 ? result_pixels(patch, row) : buffer;
-    }
-    // All of them have been written to target.
-    void store(const Patch& patch, int32_t row, const uint8_t* target) const {
-        if (format.bits != 24)
-            pack_row(format, target, result_pixels(patch, row), static_cast<size_t>(patch.columns));
-    }
-
     uint8_t* result_pixels(const Patch& patch, int32_t row) const {
-        return result.row(patch.row + row) + static_cast<size_t>(patch.column) * format.bytes();
+        return to[patch.row + row] + static_cast<size_t>(patch.column) * format.bytes();
     }
 };
 
-// Largest or smallest value of each channel on its own.
+// Largest or smallest value of each channel on its own. Pixels whose channels are bytes are cells as
+// they lie in the image, others are unpacked.
 class ChannelKind {
   public:
     using Element = uint8_t;
-    static constexpr int32_t elements = 3; // of a cell
-    static constexpr int32_t widest_strip = 1 << 14;
+    static constexpr int32_t strip = 1 << 14, highest_reach = 384;
+    static size_t elements_of(const PixelFormat& format) {
+        return format.has_byte_channels() ? format.bytes() : 3;
+    }
 
     ChannelKind(const Setting& setting, size_t cells)
-        : pick(setting.maximum ? kernels().highest8 : kernels().lowest8),
-          pick_two(setting.maximum ? kernels().highest_two8 : kernels().lowest_two8),
-          pick_four(setting.maximum ? kernels().highest_four8 : kernels().lowest_four8),
-          neutral(setting.maximum ? 0 : 255), setting_(setting), buffers_(4, elements * cells) {}
+        : pick_rows(setting.maximum ? kernels().highest_rows8 : kernels().lowest_rows8),
+          neutral(setting.maximum ? 0 : 255), setting_(setting),
+          elements_(elements_of(setting.format)), in_place_(setting.format.has_byte_channels()),
+          copy_(copy_for(setting.operation.width() * setting.format.bytes(),
+                         static_cast<uint64_t>(setting.operation.rect().height))),
+          pick_(setting.maximum ? kernels().highest8 : kernels().lowest8),
+          buffers_(3, elements_ * cells) {}
 
     explicit operator bool() const { return static_cast<bool>(buffers_); }
 
-    // The cells of a row of the reach that lie in the image.
-    const uint8_t* load(const Patch& patch, int32_t row) const {
-        return setting_.bgr(patch.first_row + row,
-                            patch.first_column + static_cast<int64_t>(patch.begin),
-                            patch.end - patch.begin, buffers_[0]);
+    // The cells of a row of the reach, as far as it lies in the image, if that has them.
+    const uint8_t* in_place(const Patch& patch, int32_t row) const {
+        return in_place_ ? setting_.pixels(patch, row) : nullptr;
+    }
+    void load(const Patch& patch, int32_t row, uint8_t* cells) const {
+        unpack_row(setting_.format, setting_.pixels(patch, row), cells, patch.cells());
     }
     // Ends a row of the patch from the extremes of its columns.
     void finish(const Patch& patch, int32_t row, const uint8_t* line) const {
-        uint8_t* to = setting_.target(patch, row, buffers_[3]);
-        pick_along(to, line, static_cast<size_t>(patch.columns), elements,
-                   static_cast<size_t>(setting_.side()), pick_four, buffers_[1], buffers_[2]);
-        setting_.store(patch, row, to);
+        const auto columns = static_cast<size_t>(patch.columns);
+        uint8_t* const result = setting_.result_pixels(patch, row);
+        uint8_t* const to = in_place_ && copy_ == move_bytes ? result : buffers_[2];
+        pick_along(to, line, columns, elements_, static_cast<size_t>(setting_.side()), pick_,
+                   buffers_[0], buffers_[1]);
+        if (!in_place_)
+            return pack_row(setting_.format, to, result, columns);
+        const size_t bytes = columns * elements_;
+        if (elements_ == 4)
+            kernels().keep_bits(to, to, bytes, setting_.format.masks.sum());
+        if (to != result)
+            copy_(result, to, bytes);
     }
 
-    const Kernels::Pick<uint8_t> pick;
-    const Kernels::PickTwo<uint8_t> pick_two;
-    const Kernels::PickFour<uint8_t> pick_four;
+    const Kernels::PickRows<uint8_t> (&pick_rows)[3];
     const uint8_t neutral;
 
   private:
     const Setting& setting_;
+    size_t elements_; // of a cell
+    bool in_place_;
+    CopyBytes copy_;
+    const Kernels::Pick<uint8_t> (&pick_)[3];
     AlignedLines<uint8_t> buffers_;
 };
 
@@ -155,29 +159,29 @@ class ChannelKind {
 class LuminanceKind {
   public:
     using Element = uint16_t; // score and row
-    static constexpr int32_t elements = 1;
-    static constexpr int32_t widest_strip = (1 << 11) - 2 * largest_radius;
+    static constexpr int32_t strip = (1 << 11) - 2 * largest_radius, highest_reach = 256;
+    static size_t elements_of(const PixelFormat&) { return 1; }
 
     LuminanceKind(const Setting& setting, size_t cells)
-        : pick(kernels().highest16), pick_two(kernels().highest_two16), neutral(0),
-          setting_(setting),
-          memory_((3 * sizeof(uint32_t) + sizeof(uint16_t) + 3 + 1) * uint64_t{cells}),
-          keys_(memory_.part<uint32_t>(0)), row_keys_(memory_.part<uint16_t>(12 * cells)),
-          bgr_(memory_.part<uint8_t>(14 * cells)), luminance_(memory_.part<uint8_t>(17 * cells)),
-          cells_(cells) {}
+        : pick_rows(kernels().highest_rows16), setting_(setting),
+          memory_((3 * sizeof(uint32_t) + 3 + 1) * uint64_t{cells}),
+          keys_(memory_.part<uint32_t>(0)), bgr_(memory_.part<uint8_t>(12 * cells)),
+          luminance_(memory_.part<uint8_t>(15 * cells)), cells_(cells) {}
 
     explicit operator bool() const { return static_cast<bool>(memory_); }
 
-    const uint16_t* load(const Patch& patch, int32_t row) const {
-        const size_t count = patch.end - patch.begin;
-        const uint8_t* from =
-            setting_.bgr(patch.first_row + row,
-                         patch.first_column + static_cast<int64_t>(patch.begin), count, bgr_);
-        kernels().luminance(luminance_, from, count);
+    const uint16_t* in_place(const Patch&, int32_t) const { return nullptr; }
+    void load(const Patch& patch, int32_t row, uint16_t* cells) const {
+        const size_t count = patch.cells();
+        const uint8_t* bgr = setting_.pixels(patch, row);
+        if (setting_.format.bits != 24) {
+            unpack_row(setting_.format, bgr, bgr_, count);
+            bgr = bgr_;
+        }
+        kernels().luminance(luminance_, bgr, count);
         const uint8_t inverted = setting_.maximum ? 0 : 255;
         for (size_t i = 0; i < count; ++i)
-            row_keys_[i] = static_cast<uint16_t>((luminance_[i] ^ inverted) << 8 | (255 - row));
-        return row_keys_;
+            cells[i] = static_cast<uint16_t>((luminance_[i] ^ inverted) << 8 | (255 - row));
     }
 
     void finish(const Patch& patch, int32_t row, const uint16_t* line) const {
@@ -187,29 +191,28 @@ class LuminanceKind {
         for (size_t i = 0; i < columns + side - 1; ++i)
             keys[i] = uint32_t{line[i]} << column_bits | (column_mask - static_cast<uint32_t>(i));
         const uint32_t* winners = keys_ + 2 * cells_;
-        pick_along(keys_ + 2 * cells_, keys, columns, 1, side, kernels().highest_four32,
-                   keys_ + cells_, keys_);
-        uint8_t* to = setting_.target(patch, row, bgr_);
-        copy_winners(to, patch, winners, columns);
-        setting_.store(patch, row, to);
+        pick_along(keys_ + 2 * cells_, keys, columns, 1, side, kernels().highest32, keys_ + cells_,
+                   keys_);
+        copy_winners(setting_.result_pixels(patch, row), patch, winners, columns);
     }
 
-    const Kernels::Pick<uint16_t> pick;
-    const Kernels::PickTwo<uint16_t> pick_two;
-    const uint16_t neutral;
+    const Kernels::PickRows<uint16_t> (&pick_rows)[3];
+    static constexpr uint16_t neutral = 0;
 
   private:
     static constexpr uint32_t column_bits = 11;
     static constexpr uint32_t column_mask = (1u << column_bits) - 1;
-    static_assert(widest_strip + 2 * largest_radius <= column_mask + 1);
-    static_assert(highest_band + 2 * largest_radius <= 256);
+    static_assert(strip + 2 * largest_radius <= column_mask + 1);
+
+    static constexpr Rgb black = {0, 0, 0}, white = {255, 255, 255};
+    static constexpr uint8_t ones[4] = {0xFF, 0xFF, 0xFF, 0xFF};
 
     static uint32_t score(uint32_t key) { return key >> (8 + column_bits); }
 
-    // The pixels wanted, from wherever they are, as 24-bit ones.
+    // The pixels wanted, from wherever they are.
     void copy_winners(uint8_t* to, const Patch& patch, const uint32_t* keys, size_t count) const {
         const LockedDib& source = setting_.operation.source();
-        const Rows rows = source.rows(RowStart::after_header);
+        const Rows rows = setting_.from;
         const size_t bytes = setting_.format.bytes();
         // A block is smaller than 4 GB, so that what wraps in between does not matter.
         const auto first =
@@ -226,19 +229,22 @@ class LuminanceKind {
             offsets[i] = inside + ((first + row * stride + column * step - inside) & found);
             lacking |= unfound;
         }
-        auto* const pixels = reinterpret_cast<uint8_t*>(keys_ + cells_);
-        uint8_t* const gathered = setting_.format.bits == 24 ? to : pixels;
-        kernels().gather[bytes - 1](gathered, source.data(), offsets, count);
-        unpack_row(setting_.format, gathered, to, count);
+        kernels().gather[bytes - 1](to, source.data(), offsets, count);
+        if (bytes != 3)
+            kernels().keep_bits(to, to, bytes * count, channel_bits());
         for (size_t i = 0; lacking != 0 && i < count; ++i)
             if (score(keys[i]) == 0)
-                std::memset(to + 3 * i, setting_.maximum ? 0 : 255, 3);
+                setting_.format.store(to + bytes * i, setting_.maximum ? black : white);
+    }
+    // What of 4 bytes of pixels belongs to channels.
+    uint32_t channel_bits() const {
+        const uint32_t bits = setting_.format.pack(setting_.format.load(ones));
+        return setting_.format.bits == 16 ? bits * 0x10001u : bits;
     }
 
     const Setting& setting_;
     Scratch memory_;
     uint32_t* keys_;
-    uint16_t* row_keys_;
     uint8_t *bgr_, *luminance_;
     size_t cells_;
 };
@@ -249,23 +255,26 @@ class ExtremeFilter {
 
   public:
     explicit ExtremeFilter(const Setting& setting)
-        : setting_(setting), side_(setting.side()), band_(std::min(side_, highest_band)),
-          strip_(std::min(kept_bytes / (band_ * Kind::elements * int32_t{sizeof(Element)}),
-                          Kind::widest_strip) /
-                 strip_step * strip_step),
-          cells_(static_cast<size_t>(std::min(setting.operation.rect().width, strip_) + side_ - 1)),
-          kind_(setting, cells_), rows_(static_cast<uint64_t>(band_ + 2), cells_ * Kind::elements),
-          shared_(static_cast<uint64_t>(band_), shared_cells() * Kind::elements) {}
+        : setting_(setting), side_(setting.side()), abreast_(side_ < 4   ? 2
+                                                             : side_ < 8 ? 4
+                                                                         : 8),
+          reached_(side_ + abreast_ - 1), elements_(Kind::elements_of(setting.format)),
+          band_(std::clamp(4 * side_, 64, Kind::highest_reach - 2 * setting.radius) / abreast_ *
+                abreast_),
+          cells_(static_cast<size_t>(std::min(setting.operation.rect().width, Kind::strip) + side_ -
+                                     1)),
+          kind_(setting, cells_), rows_(reached_, cells_ * elements_),
+          blocks_(blocks(), cells_ * elements_), lines_(abreast_ + 1, cells_ * elements_) {}
 
-    explicit operator bool() const { return kind_ && rows_ && shared_; }
+    explicit operator bool() const { return kind_ && rows_ && blocks_ && lines_; }
 
     // The rows that are reported as done keep pace with the bands.
-    void run() const {
+    void run() {
         const Rect& rect = setting_.operation.rect();
         PassProgress progress(rect.height);
         for (int64_t row = 0; row < rect.height; row += band_) {
             progress.reach(row);
-            for (int64_t column = 0; column < rect.width; column += strip_)
+            for (int64_t column = 0; column < rect.width; column += Kind::strip)
                 run_patch(patch_at(static_cast<int32_t>(row), static_cast<int32_t>(column)));
         }
         progress.reach(rect.height - 1);
@@ -280,86 +289,90 @@ class ExtremeFilter {
         patch.row = row;
         patch.rows = std::min(band_, rect.height - row);
         patch.column = column;
-        patch.columns = std::min(strip_, rect.width - column);
+        patch.columns = std::min(Kind::strip, rect.width - column);
         patch.first_row = bottom_row(image.height(), rect) + row - setting_.radius;
         patch.first_column = int64_t{rect.x} + column - setting_.radius;
         const int64_t cells = int64_t{patch.columns} + side_ - 1;
-        patch.taken_over = column != 0 ? shared_cells() : 0;
-        patch.begin = std::max(patch.taken_over,
-                               static_cast<size_t>(std::max<int64_t>(0, -patch.first_column)));
-        patch.end = std::max(
-            patch.begin, static_cast<size_t>(std::min(cells, image.width() - patch.first_column)));
+        patch.begin = static_cast<size_t>(std::max<int64_t>(0, -patch.first_column));
+        patch.end = static_cast<size_t>(std::min(cells, image.width() - patch.first_column));
         return patch;
     }
 
-    void run_patch(const Patch& patch) const {
-        const size_t skipped = patch.begin * Kind::elements;
-        const size_t count = (patch.end - patch.begin) * Kind::elements;
-        const int32_t shared = patch.rows - 1; // the row that all squares contain
-        for (int32_t row = shared; row >= 0; --row) {
-            const Element* cells = load(patch, row);
-            if (row == shared)
-                copy_or_clear(kept(row), cells, count);
-            else if (cells != nullptr)
-                kind_.pick(kept(row), kept(row + 1), cells, count);
-            else
-                copy_or_clear(kept(row), kept(row + 1), count);
-        }
-        copy_or_clear(running(), nullptr, count);
-        std::fill_n(line(), cells_ * Kind::elements, kind_.neutral);
-        Element* inside = line() + skipped;
-        for (int32_t row = patch.rows; row < side_; ++row) {
-            if (const Element* cells = load(patch, row))
-                kind_.pick_two(inside, running(), cells, cells, count);
-        }
-        for (int32_t row = 0; row < patch.rows; ++row) {
-            const Element* cells = row == 0 ? nullptr : load(patch, row + side_ - 1);
-            if (cells != nullptr)
-                kind_.pick_two(inside, running(), cells, kept(row), count);
-            else
-                kind_.pick(inside, running(), kept(row), count);
-            std::copy_n(shared_[row], patch.taken_over * Kind::elements, line());
-            std::copy_n(line() + static_cast<size_t>(patch.columns) * Kind::elements,
-                        shared_cells() * Kind::elements, shared_[row]);
-            kind_.finish(patch, row, line());
+    void run_patch(const Patch& patch) {
+        loaded_ = static_cast<int32_t>(std::max<int64_t>(0, -patch.first_row));
+        joined_ = abreast_;
+        lines_.fill(kind_.neutral);
+        for (int32_t row = 0; row < patch.rows; row += abreast_) {
+            pick_columns(patch, row);
+            for (int32_t k = 0; k < std::min(abreast_, patch.rows - row); ++k)
+                kind_.finish(patch, row + k, lines_[k]);
         }
     }
 
-    // That the reaches of neighbouring squares have in common, from a column to the next strip's.
-    size_t shared_cells() const { return static_cast<size_t>(side_ - 1); }
+    // The extremes of the columns of the squares that begin at a row and after it.
+    void pick_columns(const Patch& patch, int32_t first) {
+        const Element* rows[2 * largest_radius + 2 * most_abreast];
+        size_t n = 0;
+        for (int32_t row = first; row < first + reached_;) {
+            const bool as_block = side_ >= smallest_of_blocks && row % abreast_ == 0 &&
+                                  row != first && row + abreast_ <= first + side_;
+            rows[n++] = as_block ? block(patch, row) : cells(patch, row);
+            row += as_block ? abreast_ : 1;
+        }
+        Element* to[most_abreast];
+        for (int32_t k = 0; k < abreast_; ++k)
+            to[k] = lines_[k] + patch.begin * elements_;
+        kind_.pick_rows[abreast_ / 4](to, rows, n + 1 - static_cast<size_t>(abreast_),
+                                      patch.cells() * elements_);
+    }
 
-    // Null for a row outside the image.
-    const Element* load(const Patch& patch, int32_t row) const {
+    // The extreme of `abreast` rows from one of their multiples on. They are asked for in order.
+    const Element* block(const Patch& patch, int32_t row) {
+        const auto at = [&](int32_t first) { return blocks_[first / abreast_ % (blocks() - 1)]; };
+        for (; joined_ <= row; joined_ += abreast_) {
+            const Element* rows[most_abreast + 1];
+            for (int32_t k = 0; k < abreast_; ++k)
+                rows[k] = cells(patch, joined_ + k);
+            rows[abreast_] = neutral();
+            // The second window's is of no use.
+            Element* const to[] = {at(joined_), blocks_[blocks() - 1]};
+            kind_.pick_rows[0](to, rows, static_cast<size_t>(abreast_), patch.cells() * elements_);
+        }
+        return at(row);
+    }
+
+    // A row of the reach: what of it lies in the image.
+    const Element* cells(const Patch& patch, int32_t row) {
         const int64_t image_row = patch.first_row + row;
-        const bool inside = image_row >= 0 && image_row < setting_.operation.source().height();
-        return inside ? kind_.load(patch, row) : nullptr;
-    }
-    void copy_or_clear(Element* to, const Element* from, size_t count) const {
-        if (from != nullptr)
-            std::copy_n(from, count, to);
-        else
-            std::fill_n(to, count, kind_.neutral);
+        if (image_row < 0 || image_row >= setting_.operation.source().height())
+            return neutral();
+        if (const Element* there = kind_.in_place(patch, row))
+            return there;
+        for (; loaded_ <= row; ++loaded_)
+            kind_.load(patch, loaded_, rows_[loaded_ % reached_]);
+        return rows_[row % reached_];
     }
 
-    // The extreme of a row of the reach and those up to the shared one.
-    Element* kept(int32_t row) const { return rows_[row]; }
-    // The extreme of the rows after the shared one, so far.
-    Element* running() const { return rows_[band_]; }
-    // The extremes of the columns of a row of squares.
-    Element* line() const { return rows_[band_ + 1]; }
+    // The blocks of a square and one of no use.
+    int32_t blocks() const { return side_ / abreast_ + 1; }
+    Element* neutral() const { return lines_[abreast_]; }
 
     const Setting& setting_;
-    int32_t side_, band_, strip_;
+    int32_t side_;
+    int32_t abreast_; // squares taken together
+    int32_t reached_; // rows that these contain
+    size_t elements_; // of a cell
+    int32_t band_;
     size_t cells_; // in a row of a strip's reach
     Kind kind_;
-    AlignedLines<Element> rows_;
-    AlignedLines<Element>
-        shared_; // the extremes of the last columns of the strip before, row by row
+    AlignedLines<Element> rows_, blocks_; // each in turn
+    AlignedLines<Element> lines_;         // the extremes of columns, and a row of neutral elements
+    int32_t loaded_ = 0, joined_ = 0;     // rows of the patch before which all are there
 };
 
 template<typename Kind>
 Status run(const Setting& setting) {
-    const ExtremeFilter<Kind> filter(setting);
+    ExtremeFilter<Kind> filter(setting);
     if (!filter)
         return Status::no_memory;
     filter.run();
@@ -375,10 +388,16 @@ HGLOBAL WINAPI DibBlockMxM(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int
     if (!operation.passed(status))
         return nullptr;
     RectResult result(operation, operation.source().bits());
-    const Setting setting = {operation, result, operation.format(), radius, maximum != 0};
     Status done = Status::no_memory;
-    if (result)
+    if (result) {
+        const Setting setting = {operation,
+                                 operation.source().rows(RowStart::after_header),
+                                 result.dib().rows(RowStart::after_header),
+                                 operation.format(),
+                                 radius,
+                                 maximum != 0};
         done = luminance != 0 ? run<LuminanceKind>(setting) : run<ChannelKind>(setting);
+    }
     report(status, done);
     return done == Status::ok ? result.release() : nullptr;
 }

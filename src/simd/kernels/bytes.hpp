@@ -3,6 +3,8 @@
 
 #include "simd/kernels/loops.hpp"
 
+#include <bit>
+
 namespace kirvo {
 namespace {
 
@@ -10,22 +12,41 @@ template<typename V>
 struct ByteKernels {
     using Register = typename V::Register;
 
-    // Whole vectors. The loops are so short that two steps at once make 8 % on AVX2.
+    // Stores at(phase)(i) at every offset i, where phase is i but for whole vectors. `to` may be the
+    // source: the first and the last vector, which overlap others, are made before any is stored.
+    // All others are aligned. The loops are so short that two steps at once make 8 % on AVX2. False
+    // where there are fewer bytes than a vector has: nothing is done.
     template<typename F>
-    [[gnu::always_inline]] static size_t each_vector(size_t bytes, const F& block) {
-        size_t i = 0;
+    [[gnu::always_inline]] static bool each_vector(uint8_t* to, size_t bytes, const F& at) {
+        if (bytes < V::size)
+            return false;
+        const size_t end = bytes - V::size;
+        const Register first = at(0)(0), last = at(end)(end);
+        size_t i = -reinterpret_cast<uintptr_t>(to) % V::size;
+        const auto made = at(i);
 #pragma GCC unroll 2
-        for (; i + V::size <= bytes; i += V::size)
-            block(i);
-        return i;
+        for (; i < end; i += V::size)
+            V::store(to + i, made(i));
+        V::store(to, first);
+        V::store(to + end, last);
+        return true;
+    }
+
+    // A pattern of 4 bytes as it lies from an offset on.
+    static Register repeated(uint32_t pattern, size_t phase) {
+        return V::all32(static_cast<int>(std::rotr(pattern, static_cast<int>(phase % 4 * 8))));
     }
 
     // Changes `to` by `from`.
-    template<Register blend(Register, Register), Kernels::BlendBytes Kernels::*rest>
-    static void blended(uint8_t* to, const uint8_t* from, size_t bytes) {
-        const size_t i = each_vector(
-            bytes, [&](size_t i) { V::store(to + i, blend(V::load(to + i), V::load(from + i))); });
-        (scalar::kernels.*rest)(to + i, from + i, bytes - i);
+    template<Register blend(Register, Register), Kernels::BlendBytes Kernels::*few>
+    static void blended(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept) {
+        const auto at = [&](size_t phase) {
+            return [=, mask = repeated(kept, phase)](size_t i) {
+                return V::both(blend(V::load(to + i), V::load(from + i)), mask);
+            };
+        };
+        if (!each_vector(to, bytes, at))
+            (scalar::kernels.*few)(to, from, bytes, kept);
     }
     // The average of the processor rounds up.
     static Register rounded_down(Register a, Register b) {
@@ -40,36 +61,42 @@ struct ByteKernels {
         const Register times = V::all16(factor), plus = V::all16(offset);
         // The product is at most 51000, a quarter of it 12750: below 43690, up to which this
         // multiplication is a division by 25.
-        const auto half = [&](Register v) {
+        const auto half = [=](Register v) {
             const Register quarter = V::template shift_right16<2>(V::multiply16(v, times));
             const Register hundredth = V::template shift_right16<3>(
                 V::multiply_high16(quarter, V::all16((1 << 19) / 25 + 1)));
             return V::add16(hundredth, plus);
         };
-        each_vector(bytes, [&](size_t i) {
+        const auto scaled = [=](size_t i) {
             const Register v = V::load(from + i);
-            V::store(to + i, V::narrow16(half(V::widen_low8(v)), half(V::widen_high8(v))));
-        });
+            return V::narrow16(half(V::widen_low8(v)), half(V::widen_high8(v)));
+        };
+        if (!each_vector(to, bytes, [&](size_t) { return scaled; }))
+            scalar::kernels.scale(to, from, bytes, factor, offset);
     }
 
     static void map(uint8_t* to, const uint8_t* from, size_t bytes, const Levels& levels) {
         if constexpr (V::has_table) {
             const typename V::Table table(levels);
-            each_vector(bytes, [&](size_t i) { V::store(to + i, table[V::load(from + i)]); });
-        } else {
-            scalar::kernels.map(to, from, bytes, levels);
+            const auto mapped = [&](size_t i) { return table[V::load(from + i)]; };
+            if (each_vector(to, bytes, [&](size_t) { return mapped; }))
+                return;
         }
+        scalar::kernels.map(to, from, bytes, levels);
     }
 
-    template<Register combine(Register, Register)>
+    template<Register combine(Register, Register), auto few>
     static void with_pattern(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
-        const Register repeated = V::all32(static_cast<int>(pattern));
-        each_block<1, V::size>(to, from, bytes, [&](uint8_t* out, const uint8_t* in) {
-            V::store(out, combine(V::load(in), repeated));
-        });
+        const auto at = [&](size_t phase) {
+            return [=, part = repeated(pattern, phase)](size_t i) {
+                return combine(V::load(from + i), part);
+            };
+        };
+        if (!each_vector(to, bytes, at))
+            (scalar::kernels.*few)(to, from, bytes, pattern);
     }
-    static constexpr auto invert = with_pattern<V::differing>;
-    static constexpr auto keep_bits = with_pattern<V::both>;
+    static constexpr auto invert = with_pattern<V::differing, &Kernels::invert>;
+    static constexpr auto keep_bits = with_pattern<V::both, &Kernels::keep_bits>;
 
     static void veil(uint8_t* to, const uint8_t* from, const uint8_t* veil, size_t bytes) {
         const auto block = [&](size_t i) {

@@ -70,16 +70,19 @@ struct EncodeKernels {
     // is done as floor(x / 2^16), plus 4, floor of an 8th, which is the same number.
     static void transpose(Register (&r)[8]) {
         Register a[8], b[8];
+#pragma GCC unroll 4
         for (int i = 0; i < 4; ++i) {
             a[2 * i] = V::zip_low16(r[2 * i], r[2 * i + 1]);
             a[2 * i + 1] = V::zip_high16(r[2 * i], r[2 * i + 1]);
         }
+#pragma GCC unroll 2
         for (int i = 0; i < 8; i += 4) {
             b[i] = V::zip_low32(a[i], a[i + 2]);
             b[i + 1] = V::zip_high32(a[i], a[i + 2]);
             b[i + 2] = V::zip_low32(a[i + 1], a[i + 3]);
             b[i + 3] = V::zip_high32(a[i + 1], a[i + 3]);
         }
+#pragma GCC unroll 4
         for (int i = 0; i < 4; ++i) {
             r[2 * i] = V::zip_low64(b[i], b[i + 4]);
             r[2 * i + 1] = V::zip_high64(b[i], b[i + 4]);
@@ -156,12 +159,14 @@ struct EncodeKernels {
     static void code(const int8_t* samples, ptrdiff_t stride, const Quantiser& quantiser,
                      BlockGroup& group, size_t block) {
         Register r[8];
+#pragma GCC unroll 8
         for (int row = 0; row < 8; ++row)
             r[row] = V::load_block_row(samples + row * stride);
         transpose(r);
         pass<true>(r);
         transpose(r);
         pass<false>(r);
+#pragma GCC unroll 8
         for (int row = 0; row < 8; ++row) {
             r[row] = quantise(r[row], quantiser, row);
             V::store(group.level[row] + 8 * block, r[row]);

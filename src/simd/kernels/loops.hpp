@@ -47,5 +47,31 @@ template<size_t step, typename F>
     return true;
 }
 
+constexpr size_t line_bytes = 64; // of the cache
+
+// Elements of 1 to 4 bytes from an address to the next line of the cache, or 0 where none begins one.
+template<size_t size>
+size_t elements_to_line(const uint8_t* to) {
+    const size_t bytes = -reinterpret_cast<uintptr_t>(to) % line_bytes;
+    if constexpr (size == 3)
+        return bytes * 43 % line_bytes; // 3 * 43 = 2 * 64 + 1
+    return bytes % size == 0 ? bytes / size : 0;
+}
+
+// As each_step, with all steps but the first and the last written to whole lines of the cache, or to
+// whole vectors: one as long as a line would otherwise be written to two of them.
+template<size_t step, size_t size, typename F>
+[[gnu::always_inline]] inline bool each_aligned_step(const uint8_t* to, size_t count,
+                                                     const F& block) {
+    if (count < step)
+        return false;
+    const size_t first = elements_to_line<size>(to) % step;
+    if (first != 0)
+        block(0);
+    for (size_t i = first; i < count; i += step)
+        block(i + step <= count ? i : count - step);
+    return true;
+}
+
 } // namespace
 } // namespace kirvo

@@ -105,10 +105,40 @@ struct PixelKernels {
         });
     }
 
+    // Four vectors of words from pixels that lie side by side. A level whose vectors are longer than
+    // those pixels takes three whole ones instead of four parts.
+    template<int bytes>
+    [[gnu::always_inline]] static void load_rows(Register (&words)[4], const uint8_t* from) {
+        if constexpr (bytes == 3)
+            return V::load_rows24(words, from);
+#pragma GCC unroll 4
+        for (size_t i = 0; i < 4; ++i)
+            words[i] = V::template load_row<bytes>(from + bytes * V::words * i);
+    }
+    template<int bytes>
+    [[gnu::always_inline]] static void store_rows(uint8_t* to, const Register (&words)[4]) {
+        if constexpr (bytes == 3)
+            return V::store_rows24(to, words);
+#pragma GCC unroll 4
+        for (size_t i = 0; i < 4; ++i)
+            V::template store_row<bytes>(to + bytes * V::words * i, words[i]);
+    }
     template<int from_bytes, int to_bytes, typename F>
     [[gnu::always_inline]] static void convert_by(const uint8_t* from, uint8_t* to, size_t pixels,
                                                   const F& moved) {
         constexpr size_t step = V::words;
+        if constexpr (V::size == line_bytes) {
+            const auto block = [&](size_t i) {
+                Register words[4];
+                load_rows<from_bytes>(words, from + from_bytes * i);
+#pragma GCC unroll 4
+                for (Register& w : words)
+                    w = moved(w);
+                store_rows<to_bytes>(to + to_bytes * i, words);
+            };
+            if (each_aligned_step<4 * step, to_bytes>(to, pixels, block))
+                return;
+        }
         for (; pixels >= step; pixels -= step, from += step * from_bytes, to += step * to_bytes)
             V::template store_row<to_bytes>(to, moved(V::template load_row<from_bytes>(from)));
         if (pixels == 0)

@@ -8,34 +8,48 @@ namespace {
 
 // Of numbers of a type, by an operation of vectors. The last step may take elements once more, which
 // does not change an extreme.
-template<typename V, typename T, auto of>
+template<typename V, typename T, auto of, auto rest, auto rest_of_rows>
 struct ExtremeKernels {
+    using Register = typename V::Register;
     static constexpr size_t step = V::size / sizeof(T);
 
-    template<Kernels::Pick<T> Kernels::*rest>
-    static void pick(T* to, const T* a, const T* b, size_t count) {
-        const auto block = [&](size_t i) { V::store(to + i, of(V::load(a + i), V::load(b + i))); };
-        if (!each_step<step>(count, block))
-            (scalar::kernels.*rest)(to, a, b, count);
-    }
-    template<Kernels::PickTwo<T> Kernels::*rest>
-    static void pick_two(T* to, T* running, const T* row, const T* other, size_t count) {
+    template<int rows>
+    static void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
         const auto block = [&](size_t i) {
-            const auto now = of(V::load(running + i), V::load(row + i));
-            V::store(running + i, now);
-            V::store(to + i, of(now, V::load(other + i)));
+            Register extreme = of(V::load(a + i), V::load(b + i));
+            if constexpr (rows == 3)
+                extreme = of(extreme, V::load(c + i));
+            if constexpr (rows == 4)
+                extreme = of(extreme, of(V::load(c + i), V::load(d + i)));
+            V::store(to + i, extreme);
         };
         if (!each_step<step>(count, block))
-            (scalar::kernels.*rest)(to, running, row, other, count);
+            (scalar::kernels.*rest)[rows - 2](to, a, b, c, d, count);
     }
-    template<Kernels::PickFour<T> Kernels::*rest>
-    static void pick_four(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
+
+    // All windows share the rows from where the last one begins to where the first one ends.
+    template<int windows>
+    [[gnu::flatten]] static void pick_rows(T* const* to, const T* const* rows, size_t n,
+                                           size_t count) {
         const auto block = [&](size_t i) {
-            V::store(to + i,
-                     of(of(V::load(a + i), V::load(b + i)), of(V::load(c + i), V::load(d + i))));
+            const auto at = [&](size_t k) { return V::load(rows[k] + i); };
+            Register to_shared[windows], shared = at(windows - 1), after = at(n);
+            for (size_t k = windows; k < n; ++k)
+                shared = of(shared, at(k));
+            to_shared[windows - 1] = shared;
+#pragma GCC unroll 8
+            for (size_t k = 1; k < windows; ++k)
+                to_shared[windows - 1 - k] = of(to_shared[windows - k], at(windows - 1 - k));
+            V::store(to[0] + i, to_shared[0]);
+            V::store(to[1] + i, of(to_shared[1], after));
+#pragma GCC unroll 8
+            for (size_t k = 2; k < windows; ++k) {
+                after = of(after, at(n + k - 1));
+                V::store(to[k] + i, of(to_shared[k], after));
+            }
         };
         if (!each_step<step>(count, block))
-            (scalar::kernels.*rest)(to, a, b, c, d, count);
+            (scalar::kernels.*rest_of_rows)[windows / 4](to, rows, n, count);
     }
 };
 
@@ -67,13 +81,23 @@ struct SumKernels {
         scalar::kernels.add_to_sums32(sums + i, row + i, count - i);
     }
 
+    // Asks for bytes of the next row of boxes: the processor does not foresee steps from row to row.
+    template<size_t bytes>
+    [[gnu::always_inline]] static void prefetch(const uint8_t* from) {
+#pragma GCC unroll 3
+        for (size_t at = 0; at < bytes; at += line_bytes)
+            __builtin_prefetch(from + at);
+    }
+
     // The sums of pairs of columns over the rows of a box, of `size` pixels.
     struct Pairs {
         Register blue, green, red;
     };
     static Pairs pairs(const uint8_t* from, ptrdiff_t row_step, size_t rows) {
         Pairs sums = {V::zero(), V::zero(), V::zero()};
+        const ptrdiff_t next = static_cast<ptrdiff_t>(rows) * row_step;
         for (size_t k = 0; k < rows; ++k, from += row_step) {
+            prefetch<3 * V::size>(from + next);
             const Planes p = V::load_planes(from);
             sums.blue = V::add16(sums.blue, V::pair_sums8(p.blue));
             sums.green = V::add16(sums.green, V::pair_sums8(p.green));
@@ -116,6 +140,33 @@ struct SumKernels {
         if (!each_step<V::size>(count, block))
             (columns == 2 ? scalar::kernels.means_of_2
                           : scalar::kernels.means_of_4)(to, from, row_step, rows, count, shift);
+    }
+
+    // Bytes 0 and 2, and 1 and 3, of each pixel are summed beside each other.
+    static void wide_means_of_2(uint8_t* to, const uint8_t* from, ptrdiff_t row_step, size_t rows,
+                                size_t count, int shift) {
+        const auto block = [&](size_t i) {
+            Halves first = {V::zero(), V::zero()}, second = first;
+            const uint8_t* row = from + 8 * i;
+            const ptrdiff_t next = static_cast<ptrdiff_t>(rows) * row_step;
+            for (size_t k = 0; k < rows; ++k, row += row_step) {
+                prefetch<2 * V::size>(row + next);
+                add_alternate(first, V::load_once(row));
+                add_alternate(second, V::load_once(row + V::size));
+            }
+            const auto mean = [&](Register a, Register b) {
+                return V::shift_right16(V::add16(V::even32(a, b), V::odd32(a, b)), shift);
+            };
+            const Register high = mean(first.high, second.high);
+            V::store(to + 4 * i, V::in_order(V::either(mean(first.low, second.low),
+                                                       V::template shift_left16<8>(high))));
+        };
+        if (!each_aligned_step<V::words, 4>(to, count, block))
+            scalar::kernels.wide_means_of_2(to, from, row_step, rows, count, shift);
+    }
+    static void add_alternate(Halves& sums, Register bytes) {
+        sums.low = V::add16(sums.low, V::both(bytes, V::all16(0xFF)));
+        sums.high = V::add16(sums.high, V::template shift_right16<8>(bytes));
     }
 };
 

@@ -13,32 +13,33 @@
 namespace kirvo {
 namespace {
 
-// Narrow is the wrapper of at most 32 bytes: for blocks of 8 x 8, and for two rows that are read and
-// one that is written anywhere, whose vectors then cross fewer lines of the cache. Pixels are
-// gathered one by one at every level.
+// Narrow is the wrapper of at most 32 bytes: for blocks of 8 x 8, and for pixels that are exchanged
+// anywhere, whose vectors then cross fewer lines of the cache. Pixels are gathered one by one at
+// every level.
 template<typename V, typename Narrow>
 constexpr Kernels table_of() {
     using Bytes = ByteKernels<V>;
-    using Blend = ByteKernels<Narrow>;
     using Pixels = PixelKernels<V>;
     using Filter = FilterKernels<V>;
-    using Highest8 = ExtremeKernels<V, uint8_t, V::max8>;
-    using Lowest8 = ExtremeKernels<V, uint8_t, V::min8>;
-    using Highest16 = ExtremeKernels<V, uint16_t, V::max16_unsigned>;
-    using Highest32 = ExtremeKernels<V, uint32_t, V::max32>;
+    using Highest8 =
+        ExtremeKernels<V, uint8_t, V::max8, &Kernels::highest8, &Kernels::highest_rows8>;
+    using Lowest8 = ExtremeKernels<V, uint8_t, V::min8, &Kernels::lowest8, &Kernels::lowest_rows8>;
+    using Highest16 =
+        ExtremeKernels<V, uint16_t, V::max16_unsigned, nullptr, &Kernels::highest_rows16>;
+    using Highest32 = ExtremeKernels<V, uint32_t, V::max32, &Kernels::highest32, nullptr>;
     using Sums = SumKernels<V>;
     using Turn = TurnKernels<V>;
     using Exchange = TurnKernels<Narrow>;
     using Decode = DecodeKernels<V>;
     using Encode = EncodeKernels<V>;
     return {
-        .add = Blend::add,
-        .average = Blend::average,
-        .subtract = Blend::subtract,
-        .scale = any_count<Bytes::scale, 1, V::size>,
-        .map = any_count<Bytes::map, 1, V::size>,
-        .invert = any_count<Bytes::invert, 1, V::size>,
-        .keep_bits = any_count<Bytes::keep_bits, 1, V::size>,
+        .add = Bytes::add,
+        .average = Bytes::average,
+        .subtract = Bytes::subtract,
+        .scale = Bytes::scale,
+        .map = Bytes::map,
+        .invert = Bytes::invert,
+        .keep_bits = Bytes::keep_bits,
         .veil = Bytes::veil,
         .correct = Bytes::correct,
         .triple = Bytes::triple,
@@ -67,19 +68,23 @@ constexpr Kernels table_of() {
         .dark_edges = Filter::dark_edges,
         .relief = Filter::relief,
         .between = Filter::between,
-        .highest8 = Highest8::template pick<&Kernels::highest8>,
-        .lowest8 = Lowest8::template pick<&Kernels::lowest8>,
-        .highest_two8 = Highest8::template pick_two<&Kernels::highest_two8>,
-        .lowest_two8 = Lowest8::template pick_two<&Kernels::lowest_two8>,
-        .highest_four8 = Highest8::template pick_four<&Kernels::highest_four8>,
-        .lowest_four8 = Lowest8::template pick_four<&Kernels::lowest_four8>,
-        .highest16 = Highest16::template pick<&Kernels::highest16>,
-        .highest_two16 = Highest16::template pick_two<&Kernels::highest_two16>,
-        .highest_four32 = Highest32::template pick_four<&Kernels::highest_four32>,
+        .highest8 = {Highest8::template pick<2>, Highest8::template pick<3>,
+                     Highest8::template pick<4>},
+        .lowest8 = {Lowest8::template pick<2>, Lowest8::template pick<3>,
+                    Lowest8::template pick<4>},
+        .highest32 = {Highest32::template pick<2>, Highest32::template pick<3>,
+                      Highest32::template pick<4>},
+        .highest_rows8 = {Highest8::template pick_rows<2>, Highest8::template pick_rows<4>,
+                          Highest8::template pick_rows<8>},
+        .lowest_rows8 = {Lowest8::template pick_rows<2>, Lowest8::template pick_rows<4>,
+                         Lowest8::template pick_rows<8>},
+        .highest_rows16 = {Highest16::template pick_rows<2>, Highest16::template pick_rows<4>,
+                           Highest16::template pick_rows<8>},
         .add_to_sums16 = Sums::add_to_sums16,
         .add_to_sums32 = Sums::add_to_sums32,
         .means_of_2 = Sums::template means<2>,
         .means_of_4 = Sums::template means<4>,
+        .wide_means_of_2 = Sums::wide_means_of_2,
         .gather = {gather<1>, gather<2>, gather_24, gather<4>},
         .exchange_reversed = {Exchange::template exchange_reversed<1>,
                               Exchange::template exchange_reversed<2>,

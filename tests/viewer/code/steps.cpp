@@ -52,7 +52,7 @@ void run(const std::string& picture, const std::string& other, const std::string
                                {"--posterise", "4", {}, {}},
                                {"--paste", other + ",5,6", {}, {}},
                                {"--resize", "50%", {}, {}}};
-    Image now = duplicate(image);
+    Image now = image.copy();
     for (Step& step : steps)
         now = applied(now, step);
     write_all(folder + "/several", now, steps);

@@ -27,7 +27,10 @@ Description: Any = flat_files.KirvoFilesDescription
 
 def name_of(path: str | bytes | os.PathLike[Any]) -> bytes:
     """A file's name as the library takes it: UTF-8 on Windows, the system's bytes elsewhere."""
-    return os.fsdecode(path).encode() if os.name == "nt" else os.fsencode(path)
+    name = os.fsdecode(path).encode() if os.name == "nt" else os.fsencode(path)
+    if b"\0" in name:
+        raise ValueError("embedded null byte")
+    return name
 
 
 def words(file: Any, kind: int, index: int = 0) -> str:

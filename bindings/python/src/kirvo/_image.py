@@ -3,6 +3,7 @@ from __future__ import annotations
 
 import ctypes
 import importlib
+import operator
 import os
 import weakref
 from ctypes import byref, c_int32, c_uint8, c_uint32, c_void_p
@@ -40,8 +41,26 @@ class Histogram(NamedTuple):
     blue: tuple[int, ...]
 
 
+def _whole(value: int, least: int = -2**31, most: int = 2**31 - 1) -> int:
+    """A number as the library's functions take it, which would otherwise lose its upper bits."""
+    number = operator.index(value)
+    if not least <= number <= most:
+        raise Error(flat.KIRVO_BAD_PARAMETER, f"{number} is not from {least} to {most}")
+    return number
+
+
 def _packed(values: Range) -> int:
-    return values[0] & 0xFF | (values[1] & 0xFF) << 8 | values[2] << 16
+    return _whole(values[0], 0, 255) | _whole(values[1], 0, 255) << 8 | _whole(values[2], 0, 2) << 16
+
+
+def _numbers(kind: Any, count: int, values: Sequence[int]) -> Any:
+    """An array of numbers, all of which are given."""
+    if len(values) != count:
+        raise ValueError(f"{count} numbers are needed, not {len(values)}")
+    bits = 8 * ctypes.sizeof(kind)
+    signed = bits > 8
+    return (kind * count)(*(_whole(value, -2**(bits - 1) if signed else 0, 2**(bits - signed) - 1)
+                            for value in values))
 
 
 def _free(dib: int) -> None:
@@ -67,7 +86,8 @@ class Image:
 
     def __init__(self, width: int, height: int, bits: int = 24) -> None:
         """A new picture, black."""
-        dib = flat.DibMemAllocEx(width, height, bits) if width > 0 and height > 0 else None
+        fits = 0 < width < 2**31 and 0 < height < 2**31 and 0 < bits <= 32
+        dib = flat.DibMemAllocEx(width, height, bits) if fits else None
         if not dib:
             raise Error(flat.KIRVO_BAD_PARAMETER,
                         "Image: no such size or depth, or not enough memory")
@@ -134,7 +154,7 @@ class Image:
         return image
 
     def save(self, path: Path, *, quality: int = 0, strip: bool = False, new_only: bool = False,
-             size_limit: int = 0, **options: int) -> None:
+             size_limit: int = 0, **options: float) -> None:
         """Saves the picture in the format that the name tells, complete or not at all. What the file
         that it came from knew besides its pixels goes along.
 
@@ -157,7 +177,7 @@ class Image:
             flat_files.KirvoFilesClose(file)
 
     def to_bytes(self, format: str, *, quality: int = 0, strip: bool = False, size_limit: int = 0,
-                 **options: int) -> bytes:
+                 **options: float) -> bytes:
         """The picture as the bytes of a file; format: "png", "jpg", ...; the rest as save."""
         number = int(flat_files.KirvoFilesFormatOf(format.encode()))
         how = _save_options(quality, strip, False, size_limit, {"format": number, **options})
@@ -297,15 +317,26 @@ class Image:
         pillow: Any = importlib.import_module("PIL.Image")
         return pillow.frombytes("RGB", self.size, self.to_rgb())
 
-    def copy(self) -> Image:
-        """Another picture of the same pixels."""
-        size = int(flat.GlobalSize(self._dib))
-        dib = flat.GlobalAlloc(flat.GHND, size)
+    @classmethod
+    def _of_block(cls, block: bytes, file: Optional[_File] = None) -> Image:
+        dib = flat.GlobalAlloc(flat.GHND, len(block))
         if not dib:
             raise Error(flat.KIRVO_NO_MEMORY, f"copy: {_files.meaning(flat.KIRVO_NO_MEMORY)}")
-        ctypes.memmove(flat.GlobalLock(dib), self._address, size)
+        ctypes.memmove(flat.GlobalLock(dib), block, len(block))
         flat.GlobalUnlock(dib)
-        return self._of(dib, self._file)
+        return cls._of(dib, file)
+
+    @property
+    def _block(self) -> bytes:
+        return ctypes.string_at(self._address, int(flat.GlobalSize(self._dib)))
+
+    def copy(self) -> Image:
+        """Another picture of the same pixels."""
+        return self._of_block(self._block, self._file)
+
+    def __reduce__(self) -> tuple[Any, ...]:
+        """Pickled are the pixels, not what is known of a file."""
+        return self._of_block, (self._block,)
 
     __copy__ = copy
 
@@ -337,7 +368,7 @@ class Image:
         height: rectangle in the source
         """
         return self._make("crop", (8, 16, 24, 32), None,
-                    lambda dib, a, status: flat.Dib24DupEx(dib, left, top, width, height, status))
+                    lambda dib, a, status: flat.Dib24DupEx(dib, _whole(left), _whole(top), _whole(width), _whole(height), status))
 
     def resize(self, new_width: int, new_height: int, smooth: bool = True, *,
         area: Optional[Area] = None) -> Image:
@@ -350,7 +381,7 @@ class Image:
         area: the part that is worked on
         """
         return self._make("resize", (16, 24, 32), area,
-                    lambda dib, a, status: flat.Dib24ZoomEx2(dib, *a, new_width, new_height, status, smooth))
+                    lambda dib, a, status: flat.Dib24ZoomEx2(dib, *a, _whole(new_width), _whole(new_height), status, smooth))
 
     def flip(self, *, area: Optional[Area] = None) -> Image:
         """Turns a rectangle upside down.
@@ -384,7 +415,7 @@ class Image:
         area: the part that is worked on
         """
         return self._make("rotate_90", (8, 16, 24, 32), area,
-                    lambda dib, a, status: flat.Dib24Rotate(dib, *a, direction, status))
+                    lambda dib, a, status: flat.Dib24Rotate(dib, *a, _whole(direction), status))
 
     def brightness(self, level: int, *, area: Optional[Area] = None) -> Image:
         """Brightens or darkens: channel + level * 255 / 100 (truncated), clamped to 0..255.
@@ -393,7 +424,7 @@ class Image:
         area: the part that is worked on
         """
         return self._make("brightness", (24, 32), area,
-                    lambda dib, a, status: flat.Dib24Brightness(dib, *a, level, status))
+                    lambda dib, a, status: flat.Dib24Brightness(dib, *a, _whole(level), status))
 
     def contrast(self, level: int, *, area: Optional[Area] = None) -> Image:
         """Raises or lowers the contrast around mid-grey: channel * (level + 100) / 100 + -128
@@ -403,7 +434,7 @@ class Image:
         area: the part that is worked on
         """
         return self._make("contrast", (24, 32), area,
-                    lambda dib, a, status: flat.Dib24Contrast(dib, *a, level, status))
+                    lambda dib, a, status: flat.Dib24Contrast(dib, *a, _whole(level), status))
 
     def gamma(self, gamma: float, *, area: Optional[Area] = None) -> Image:
         """Corrects the gamma: 255 * (channel / 255)^gamma in double precision, truncated.
@@ -435,7 +466,7 @@ class Image:
         area: the part that is worked on
         """
         return self._make("tone", (24, 32), area,
-                    lambda dib, a, status: flat.Dib24ToneCtrl(dib, *a, numerator, denominator, status))
+                    lambda dib, a, status: flat.Dib24ToneCtrl(dib, *a, _whole(numerator), _whole(denominator), status))
 
     def tone_channels(self, red: float = 1.0, green: float = 1.0, blue: float = 1.0, *,
         area: Optional[Area] = None) -> Image:
@@ -484,7 +515,7 @@ class Image:
         area: the part that is worked on
         """
         return self._changed("swap_channels", (24, 32), area,
-                    lambda dib, a: flat.Dib24RGBChange(dib, mode, *a))
+                    lambda dib, a: flat.Dib24RGBChange(dib, _whole(mode), *a))
 
     def map_channels(self, table: Sequence[int], *, area: Optional[Area] = None) -> Image:
         """Maps every channel through a table: table[channel].
@@ -493,7 +524,7 @@ class Image:
         area: the part that is worked on
         """
         return self._make("map_channels", (8, 16, 24, 32), area,
-                    lambda dib, a, status: flat.DibColorMapEx(dib, *a, (c_uint8 * 256)(*table), status))
+                    lambda dib, a, status: flat.DibColorMapEx(dib, *a, _numbers(c_uint8, 256, table), status))
 
     def change_hue(self, mode: int, value: int, *, area: Optional[Area] = None) -> Image:
         """Makes a copy of a rectangle with its hue changed.
@@ -503,7 +534,7 @@ class Image:
         area: the part that is worked on
         """
         return self._make("change_hue", (16, 24, 32), area,
-                    lambda dib, a, status: flat.DibModifyHueEx(dib, *a, mode, value, status))
+                    lambda dib, a, status: flat.DibModifyHueEx(dib, *a, _whole(mode), _whole(value), status))
 
     def exclusive_or(self, colour: int, *, area: Optional[Area] = None) -> Image:
         """XORs a colour over a rectangle.
@@ -512,7 +543,7 @@ class Image:
         area: the part that is worked on
         """
         return self._changed("exclusive_or", (16, 24, 32), area,
-                    lambda dib, a: flat.Dib24XOR(dib, *a, colour))
+                    lambda dib, a: flat.Dib24XOR(dib, *a, _whole(colour, 0, 2**32 - 1)))
 
     def blur(self, *, area: Optional[Area] = None) -> Image:
         """Blurs a rectangle with a fixed 3 x 3 kernel.
@@ -530,7 +561,7 @@ class Image:
         area: the part that is worked on
         """
         return self._make("sharpen", (24,), area,
-                    lambda dib, a, status: flat.Dib24SharpenEx(dib, *a, strength, status))
+                    lambda dib, a, status: flat.Dib24SharpenEx(dib, *a, _whole(strength), status))
 
     def relief(self, mode: int = 1, *, area: Optional[Area] = None) -> Image:
         """Sharpens a rectangle, or shows its edges in grey.
@@ -539,7 +570,7 @@ class Image:
         area: the part that is worked on
         """
         return self._make("relief", (24,), area,
-                    lambda dib, a, status: flat.Dib24Sharpen(dib, *a, mode, status))
+                    lambda dib, a, status: flat.Dib24Sharpen(dib, *a, _whole(mode), status))
 
     def colour_edges(self, threshold: int = 20, mode: int = 0, *,
         area: Optional[Area] = None) -> Image:
@@ -551,7 +582,7 @@ class Image:
         area: the part that is worked on
         """
         return self._make("colour_edges", (24,), area,
-                    lambda dib, a, status: flat.Dib24ColorEdge(dib, *a, threshold, mode, status))
+                    lambda dib, a, status: flat.Dib24ColorEdge(dib, *a, _whole(threshold), _whole(mode), status))
 
     def dilate(self, radius: int = 1, luminance: bool = False, *,
         area: Optional[Area] = None) -> Image:
@@ -563,7 +594,7 @@ class Image:
         area: the part that is worked on
         """
         return self._make("dilate", (16, 24, 32), area,
-                    lambda dib, a, status: flat.DibBlockMxM(dib, *a, radius, 1, luminance, status))
+                    lambda dib, a, status: flat.DibBlockMxM(dib, *a, _whole(radius), 1, luminance, status))
 
     def erode(self, radius: int = 1, luminance: bool = False, *,
         area: Optional[Area] = None) -> Image:
@@ -575,7 +606,7 @@ class Image:
         area: the part that is worked on
         """
         return self._make("erode", (16, 24, 32), area,
-                    lambda dib, a, status: flat.DibBlockMxM(dib, *a, radius, 0, luminance, status))
+                    lambda dib, a, status: flat.DibBlockMxM(dib, *a, _whole(radius), 0, luminance, status))
 
     def keep_channels(self, red: Range, green: Range, blue: Range, *,
         area: Optional[Area] = None) -> Image:
@@ -597,7 +628,7 @@ class Image:
         area: the part that is worked on
         """
         return self._make("mosaic", (8, 16, 24, 32), area,
-                    lambda dib, a, status: flat.DibMosaicEx(dib, *a, block, status))
+                    lambda dib, a, status: flat.DibMosaicEx(dib, *a, _whole(block), status))
 
     def mosaic_average(self, block: int, *, area: Optional[Area] = None) -> Image:
         """Mosaic by averages: every block of block x block pixels, counted from the
@@ -608,7 +639,7 @@ class Image:
         area: the part that is worked on
         """
         return self._make("mosaic_average", (8, 16, 24, 32), area,
-                    lambda dib, a, status: flat.DibMosaicEx2(dib, *a, block, status))
+                    lambda dib, a, status: flat.DibMosaicEx2(dib, *a, _whole(block), status))
 
     def keep_bits(self, red_bits: int, green_bits: int, blue_bits: int) -> Image:
         """Makes a copy of a 24-bit image that keeps only the top bits of each channel.
@@ -618,7 +649,7 @@ class Image:
         blue_bits: bits of blue kept, 0 to 8
         """
         return self._make("keep_bits", (24,), None,
-                    lambda dib, a, status: flat.DibCutDepth(dib, red_bits, green_bits, blue_bits, status))
+                    lambda dib, a, status: flat.DibCutDepth(dib, _whole(red_bits), _whole(green_bits), _whole(blue_bits), status))
 
     def reduce_256(self) -> Image:
         """Makes an 8-bit image with error diffusion to 256 fixed colours."""
@@ -650,7 +681,7 @@ class Image:
         mode: 0 or 1
         """
         return self._make("exact_256", (24, 32), None,
-                    lambda dib, a, status: flat.Decrease256PaletteEx(dib, mode, status))
+                    lambda dib, a, status: flat.Decrease256PaletteEx(dib, _whole(mode), status))
 
     def exact_16(self, mode: int = 1) -> Image:
         """Makes a 4-bit image with exactly the colours of the source.
@@ -658,7 +689,7 @@ class Image:
         mode: 0 or 1
         """
         return self._make("exact_16", (24, 32), None,
-                    lambda dib, a, status: flat.Decrease16PaletteEx(dib, mode, status))
+                    lambda dib, a, status: flat.Decrease16PaletteEx(dib, _whole(mode), status))
 
     def interleave(self, other: Image) -> Image:
         """Interleaves the rows of two images: stored row 2i of the result is row y1 + i of
@@ -680,7 +711,7 @@ class Image:
         self._ready((16, 24, 32))
         other = other.convert(self.bits)
         self._apply("paste", (16, 24, 32), None,
-                    lambda dib, a: flat.Dib24CopyEx(dib, to_left, to_top, other._dib, 0, 0, other.width, other.height))
+                    lambda dib, a: flat.Dib24CopyEx(dib, _whole(to_left), _whole(to_top), other._dib, 0, 0, other.width, other.height))
 
     def compose(self, other: Image, mode: int = 0, to_left: int = 0, to_top: int = 0) -> None:
         """Composes a rectangle of one image onto one of the same size of another.
@@ -693,7 +724,7 @@ class Image:
         self._ready((24, 32))
         other = other.convert(self.bits)
         self._apply("compose", (24, 32), None,
-                    lambda dib, a: flat.Dib24Add(dib, to_left, to_top, other._dib, 0, 0, other.width, other.height, mode))
+                    lambda dib, a: flat.Dib24Add(dib, _whole(to_left), _whole(to_top), other._dib, 0, 0, other.width, other.height, _whole(mode)))
 
     def set_pixel(self, x: int, y: int, colour: int) -> None:
         """Writes one pixel of a direct-colour image.
@@ -704,7 +735,7 @@ class Image:
         """
         self._ready((16, 24, 32))
         self._apply("set_pixel", (16, 24, 32), None,
-                    lambda dib, a: flat.DibSetPixelColor(dib, x, y, colour))
+                    lambda dib, a: flat.DibSetPixelColor(dib, _whole(x), _whole(y), _whole(colour, 0, 2**32 - 1)))
 
     def set_line(self, x0: int, x1: int, y: int, colour: int) -> None:
         """Fills the pixels x0 to x1 (inclusive) of one row with a colour.
@@ -716,7 +747,7 @@ class Image:
         """
         self._ready((16, 24, 32))
         self._apply("set_line", (16, 24, 32), None,
-                    lambda dib, a: flat.DibSetLineColor(dib, x0, x1, y, colour))
+                    lambda dib, a: flat.DibSetLineColor(dib, _whole(x0), _whole(x1), _whole(y), _whole(colour, 0, 2**32 - 1)))
 
     def mix_3x3(self, x: int, y: int) -> None:
         """Draws the 3 x 3 neighbours of one pixel towards its colour, in place.
@@ -725,7 +756,8 @@ class Image:
         y: the centre
         """
         self._ready((16, 24, 32))
-        self._apply("mix_3x3", (16, 24, 32), None, lambda dib, a: flat.Dib24Mix3X3(dib, x, y))
+        self._apply("mix_3x3", (16, 24, 32), None,
+                    lambda dib, a: flat.Dib24Mix3X3(dib, _whole(x), _whole(y)))
 
     def mix_5x5(self, x: int, y: int) -> None:
         """Draws the 5 x 5 neighbours of one pixel towards its colour, in place: as
@@ -735,7 +767,8 @@ class Image:
         y: the centre
         """
         self._ready((16, 24, 32))
-        self._apply("mix_5x5", (16, 24, 32), None, lambda dib, a: flat.Dib24Mix5X5(dib, x, y))
+        self._apply("mix_5x5", (16, 24, 32), None,
+                    lambda dib, a: flat.Dib24Mix5X5(dib, _whole(x), _whole(y)))
 
     @classmethod
     def solid(cls, width: int, height: int, colour: int) -> Image:
@@ -747,7 +780,7 @@ class Image:
         """
         status = c_int32()
         with Operation():
-            dib = flat.Dib24Solid(width, height, 24, colour, byref(status))
+            dib = flat.Dib24Solid(_whole(width), _whole(height), 24, _whole(colour, 0, 2**32 - 1), byref(status))
         if not dib:
             _check(status.value or flat.KIRVO_NO_MEMORY, "solid")
         return cls._of(dib)
@@ -765,7 +798,7 @@ class Image:
         """
         status = c_int32()
         with Operation():
-            dib = flat.Dib24Gradation1(width, height, 24, start, end, byref(status))
+            dib = flat.Dib24Gradation1(_whole(width), _whole(height), 24, _whole(start, 0, 2**32 - 1), _whole(end, 0, 2**32 - 1), byref(status))
         if not dib:
             _check(status.value or flat.KIRVO_NO_MEMORY, "gradient_across")
         return cls._of(dib)
@@ -783,7 +816,7 @@ class Image:
         """
         status = c_int32()
         with Operation():
-            dib = flat.Dib24Gradation2(width, height, 24, start, end, byref(status))
+            dib = flat.Dib24Gradation2(_whole(width), _whole(height), 24, _whole(start, 0, 2**32 - 1), _whole(end, 0, 2**32 - 1), byref(status))
         if not dib:
             _check(status.value or flat.KIRVO_NO_MEMORY, "gradient_down")
         return cls._of(dib)
@@ -802,7 +835,7 @@ class Image:
         """
         status = c_int32()
         with Operation():
-            dib = flat.Dib24Gradation3(width, height, 24, top_left, top_right, bottom_left, bottom_right, byref(status))
+            dib = flat.Dib24Gradation3(_whole(width), _whole(height), 24, _whole(top_left, 0, 2**32 - 1), _whole(top_right, 0, 2**32 - 1), _whole(bottom_left, 0, 2**32 - 1), _whole(bottom_right, 0, 2**32 - 1), byref(status))
         if not dib:
             _check(status.value or flat.KIRVO_NO_MEMORY, "gradient_corners")
         return cls._of(dib)
@@ -815,10 +848,11 @@ class Image:
         divisor: divides the sums; 0: the sum of the weights, or 1
         area: the part that is worked on
         """
-        a, b, c, d, e, f, g, h, i = weights
+        a, b, c, d, e, f, g, h, i = map(_whole, weights)
+        divided = _whole(divisor or sum(weights))
 
         def call(dib: int, area: Area, status: Any) -> Any:
-            flat.SetFilter3x3(g, h, i, d, e, f, a, b, c, divisor or sum(weights))
+            flat.SetFilter3x3(g, h, i, d, e, f, a, b, c, divided)
             return flat.DibFilter3x3(dib, *area, status)
         return self._make("filter_3x3", (16, 24, 32), area, call)
 
@@ -830,7 +864,7 @@ class Image:
         first, second, third: ranges
         area: the part that is worked on
         """
-        fields = [flags, *first, *second, *third]
+        fields = [_whole(field, -2**15, 2**15 - 1) for field in (flags, *first, *second, *third)]
         words = [low & 0xFFFF | (high & 0xFFFF) << 16 for low, high in zip(fields[::2], fields[1::2])]
         return self._make("keep_colours", (24, 32), area,
                           lambda dib, a, status: flat.Dib24FilterEx(dib, *a, *words, status))
@@ -860,28 +894,30 @@ class Image:
     def get_pixel(self, x: int, y: int) -> int:
         """A pixel's colour, 0x00BBGGRR."""
         colour = c_uint32()
-        _check(flat.DibGetPixelColor(self._dib, x, y, byref(colour)), "get_pixel")
+        _check(flat.DibGetPixelColor(self._dib, _whole(x), _whole(y), byref(colour)), "get_pixel")
         return colour.value
 
     @staticmethod
     def key_colour(colour: int) -> None:
         """The colour that compose leaves out in mode 4, for the whole process."""
         with Operation():
-            flat.SetKeyColorDib24Add(colour)
+            flat.SetKeyColorDib24Add(_whole(colour, 0, 2**32 - 1))
 
     @staticmethod
     def mix_masks(three: Sequence[int], five: Sequence[int]) -> None:
         """The weights of mix_3x3 and mix_5x5 in tenths, row by row from the top left neighbour, for
         the whole process."""
+        small, large = _numbers(c_int32, 9, three), _numbers(c_int32, 25, five)
         with Operation():
-            flat.Dib24Mix3X3SetMask((c_int32 * 9)(*three))
-            flat.Dib24Mix5X5SetMask((c_int32 * 25)(*five))
+            flat.Dib24Mix3X3SetMask(small)
+            flat.Dib24Mix5X5SetMask(large)
 
     # How a function of the library is called
 
     def _inside(self, area: Optional[Area]) -> Area:
-        x, y, width, height = area or (0, 0, -1, -1)
-        return (x, y, self.width - x if width < 0 else width, self.height - y if height < 0 else height)
+        x, y, width, height = map(_whole, (0, 0, -1, -1) if area is None else area)
+        return (x, y, _whole(self.width - x) if width < 0 else width,
+                _whole(self.height - y) if height < 0 else height)
 
     def _at(self, depths: Sequence[int]) -> Image:
         return self if self.bits in depths else self.convert(24)
@@ -940,7 +976,7 @@ def _options(frame: int, background: Optional[int], turn: bool, keep_alpha: bool
 
 
 def _save_options(quality: int, strip: bool, new_only: bool, size_limit: int,
-                  options: dict[str, int]) -> Any:
+                  options: dict[str, float]) -> Any:
     how = _files.SaveOptions(size=ctypes.sizeof(_files.SaveOptions), quality=quality,
                              sizeLimit=size_limit)
     for name, value in options.items():

@@ -66,17 +66,19 @@ class Operation:
     def _receive(self, percent: int) -> None:
         if self._raised is not None or self._listener is None:
             return
+        flat.KirvoSetProcess(None, _COMMAND, 0) # what the listener itself does is not reported
         try:
             self._last = percent
             self._listener(percent)
         except BaseException as error: # also KeyboardInterrupt: it goes on where it belongs
             self._raised = error
             self._abandon()
+        else:
+            flat.KirvoSetProcess(_window(), _COMMAND, 1)
 
     @staticmethod
     def _abandon() -> None:
         """A codec stops; an effect runs to its end without further reports."""
-        flat.KirvoSetProcess(None, _COMMAND, 0)
         flat.JpgDecNext(None, 0, -1, ctypes.byref(flat.HANDLE()))
         flat.JpgCodNext(-1, ctypes.byref(ctypes.c_uint32()))
         flat.JpgCodNext_M(-1, ctypes.byref(ctypes.c_uint32()))
