@@ -267,4 +267,18 @@ bool EntropyBits::restart() {
     return true;
 }
 
+bool EntropyBits::is_at_end() const {
+    const auto is_filling = [](uint8_t byte) { return byte == 0 || byte == 0xFF; };
+    for (uint32_t i = left() % 8; i + 8 <= left(); i += 8)
+        if (!is_filling(static_cast<uint8_t>(bits_ << i >> 56)))
+            return false;
+    size_t at = at_;
+    while (at < size_ && is_filling(data_[at])) {
+        if (data_[at] == 0xFF && at + 1 < size_ && !is_filling(data_[at + 1]))
+            return true;
+        ++at;
+    }
+    return at >= size_;
+}
+
 } // namespace kirvo_files
