@@ -85,7 +85,8 @@ if(TARGET kirvo_view)
     add_dependencies(kirvo_viewer_tests kirvo_view)
     target_sources(kirvo_viewer_tests PRIVATE tests/viewer/driver.cpp)
     target_include_directories(kirvo_viewer_tests PRIVATE viewer tools)
-    target_link_libraries(kirvo_viewer_tests PRIVATE kirvo_view_parts kirvo_view_catalogue kirvo_files)
+    target_link_libraries(kirvo_viewer_tests PRIVATE kirvo_view_parts kirvo_view_catalogue kirvo_files
+                                                     winspool)
     target_compile_definitions(kirvo_viewer_tests PRIVATE KIRVO_FUZZ="${PROJECT_SOURCE_DIR}/fuzz"
                                KIRVO_WORLD="${world}")
     set_tests_properties(kirvo_viewer_tests PROPERTIES RUN_SERIAL ON) # one keyboard, one clipboard
@@ -232,7 +233,7 @@ endif()
 # The object layers: their own promises, and every effect in each of them.
 set(checks cpp)
 if(NOT WIN32 AND NOT KIRVO_SANITIZE)
-    list(APPEND checks effects lines python csharp pascal)
+    list(APPEND checks effects depths lines python csharp pascal)
 endif()
 foreach(check IN LISTS checks)
     add_test(NAME kirvo_layer_${check}

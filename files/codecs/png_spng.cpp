@@ -29,10 +29,12 @@ bool is_short(int error) { return error == SPNG_IO_EOF || error == SPNG_IO_ERROR
 Status failed(Job& job, int error) {
     if (error == SPNG_EMEM)
         return KIRVO_FILES_NO_MEMORY;
-    return is_short(error) ? job.known.fail(KIRVO_FILES_ENDS_EARLY,
-                                            Text::format("ends early: within its headers"))
-                           : job.known.fail(KIRVO_FILES_DAMAGED,
-                                            Text::format("damaged: %s", spng_strerror(error)));
+    // Behind the end of the data every other question is one too many.
+    const bool early = is_short(error) || (error == SPNG_EBADSTATE && job.cut_off);
+    return early ? job.known.fail(KIRVO_FILES_ENDS_EARLY,
+                                  Text::format("ends early: within its headers"))
+                 : job.known.fail(KIRVO_FILES_DAMAGED,
+                                  Text::format("damaged: %s", spng_strerror(error)));
 }
 
 class Decoder {
@@ -44,7 +46,10 @@ class Decoder {
             return KIRVO_FILES_NO_MEMORY;
         spng_set_crc_action(context_, SPNG_CRC_USE, SPNG_CRC_USE); // a wrong sum spoils no pixel
         spng_set_chunk_limits(context_, largest_chunk, 2 * largest_chunk);
-        spng_set_png_buffer(context_, job_.bytes.data(), job_.bytes.size());
+        if (!close_cut_chunk())
+            return KIRVO_FILES_NO_MEMORY;
+        const Bytes all = closed_.empty() ? job_.bytes : closed_.bytes();
+        spng_set_png_buffer(context_, all.data(), all.size());
         int error = spng_get_ihdr(context_, &header_);
         if (error != 0)
             return failed(job_, error);
@@ -68,6 +73,24 @@ class Decoder {
     }
 
   private:
+    // The library takes a chunk as a whole or not at all: pixels that are cut off in the middle of
+    // one become a shorter one.
+    bool close_cut_chunk() {
+        const Bytes& in = job_.bytes;
+        uint64_t at = 8;
+        while (in.has(at, 12 + uint64_t{in.be32(at)}))
+            at += 12 + uint64_t{in.be32(at)};
+        if (!in.begins("IDAT", at + 4))
+            return true;
+        const uint64_t left = in.size() - (at + 8), length = in.be32(at);
+        const uint64_t kept = left < length ? left : length;
+        if (!closed_.assign(in.part(0, at + 8 + kept)) || !closed_.append("\0\0\0", 4))
+            return false;
+        for (uint32_t i = 0; i < 4; ++i)
+            closed_[static_cast<size_t>(at + i)] = static_cast<uint8_t>(kept >> (24 - 8 * i));
+        return true;
+    }
+
     Status indexed() {
         const bool palette = header_.color_type == SPNG_COLOR_TYPE_INDEXED;
         spng_plte colours = {};
@@ -174,7 +197,7 @@ class Decoder {
     Job& job_;
     Context context_{0};
     spng_ihdr header_ = {};
-    Buffer line_;
+    Buffer line_, closed_;
     int flags_ = 0;
     bool grey_ = false;
 };

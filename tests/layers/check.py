@@ -57,6 +57,57 @@ def check_effects(folder):
     assert not missing, "\n".join(missing)
 
 
+# How each layer begins and ends the body of a method, and how it writes a list of depths.
+BODIES = {
+    "include/kirvo.hpp": (r"^    (?:template.*|static )?[\w:<>& ]+? ?&?{}\(", r"^    }}", r"\{(\d+(?:, \d+)*)\}"),
+    "bindings/python/src/kirvo/_image.py": (r"^    def {}\(", r"^\s*$", r"\((\d+,(?: \d+,?)*)\)"),
+    "bindings/csharp/KirvoImage.cs": (r"^ +public (?:static )?[\w\[\]]+ {}\(", r"^        }}",
+                                      r"new\[\] \{ (\d+(?:, \d+)*) \}"),
+    "bindings/pascal/KirvoImages.pas": (r"^(?:class )?(?:function|procedure) TKirvoImage\.{}\b", r"^end;",
+                                        r"\[(\d+(?:, \d+)*)\]"),
+    "bindings/javascript/image.js": (r"^    (?:static )?{}\(", r"^    }}", r"\[(\d+(?:, \d+)*)\]"),
+    "bindings/vb/KirvoImage.cls": (r"^Public (?:Function|Sub) {}\(", r"^End ", r'"(\d+(?: \d+)*)"'),
+}
+SPELLED = {"include/kirvo.hpp": lambda name: name, "bindings/python/src/kirvo/_image.py": lambda name: name,
+           "bindings/javascript/image.js": lambda name: joined(name, str)}
+
+
+def documented_depths():
+    """Of each function of kirvo.h that says which images it takes."""
+    text = (SOURCE / "include/kirvo.h").read_text()
+    found = {}
+    for comment, name in re.findall(r"/\*\*((?:(?!\*/).)*)\*/\s*KIRVO_API [^(;]*?(\w+)\(", text, re.DOTALL):
+        said = re.search(r"@param dib packed DIB of ([\d, or\n*]+?)\s+bits", comment)
+        if said:
+            found[name] = [int(number) for number in re.findall(r"\d+", said[1])]
+    return found
+
+
+def check_depths(folder):
+    """Each method takes the depths that kirvo.h documents of its function, and makes others 24 bits first."""
+    documented, wrong, compared = documented_depths(), [], 0
+    for path, (begins, ends, depths) in BODIES.items():
+        text = (SOURCE / path).read_text(encoding="utf-8").replace("\r\n", "\n")
+        for name in Layers(Description(), Header()).names:
+            begin = re.search(begins.format(SPELLED.get(path, joined)(name)), text, re.MULTILINE)
+            body = re.split(ends.format(), text[begin.start():], maxsplit=1, flags=re.MULTILINE)[0]
+            called = {word for word in re.findall(r"\w+", body) if word in documented}
+            if len(called) != 1:
+                continue
+            # The library resizes palettes by the nearest pixel only: they have no average.
+            expected = [16, 24, 32] if name == "resize" else documented[called.pop()]
+            for given in re.findall(depths, body):
+                numbers = [int(number) for number in re.findall(r"\d+", given)]
+                if max(numbers) < 20:
+                    continue  # an index
+                compared += 1
+                if numbers != expected:
+                    wrong.append(f"{path}: {name}: {given}, not {expected}")
+    assert not wrong, "\n".join(wrong)
+    assert compared > 150, compared
+    print(f"{compared} lists of depths")
+
+
 # Where the example of each language begins and ends its task.
 TASKS = {
     "examples/photo.cpp": (r"    try {\n", r"    } catch"),
@@ -116,6 +167,16 @@ def check_csharp(folder):
         shutil.copy(csharp / "Kirvo.dll.config", f"{program}.config")
     run("mono", folder / "CSharpLayer.exe", folder)
     check_photo(run, folder, "mono", folder / "Photo.exe")
+    sources = [csharp / f"{name}.cs" for name in ("Kirvo", "KirvoFiles", "KirvoImage", "KirvoBitmap")]
+    run("mcs", "-langversion:4", "-warnaserror", "-target:library", "-r:System.Drawing",
+        f"-out:{folder}/oldest.dll", *sources)
+    # Later .NET does not run here: what it compiles does, on stand-ins.
+    later = folder / "LaterDotNet.exe"
+    run("mcs", "-define:NET5_0_OR_GREATER", "-nowarn:0436", "-warnaserror", f"-out:{later}",
+        SOURCE / "tests/layers/LaterDotNet.cs", *sources)
+    shutil.copy(csharp / "Kirvo.dll.config", f"{later}.config")
+    for first in ("image", "files", "flat"):
+        run("mono", later, first)
 
 
 def check_pascal(folder):

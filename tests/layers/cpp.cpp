@@ -1,8 +1,10 @@
 // What include/kirvo.hpp promises, by plain assertions, so that every compiler and standard builds it.
 #include <kirvo.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
+#include <functional>
 #include <thread>
 #include <type_traits>
 
@@ -91,6 +93,137 @@ static void other_depths_become_24_bits_first() {
     Image target(5, 4, 8);
     target.compose(palette); // 8 bits are not composed
     EXPECT(target.bits() == 24 && target.get_pixel(0, 0) == kirvo::rgb(9, 8, 7));
+}
+
+// Of one colour, which 16 bits hold exactly.
+static Image plain(int bits) {
+    Image image(12, 8, bits);
+    if (bits == 8)
+        XPaletteQuad(image.handle(), 0, kirvo::rgb(80, 160, 240));
+    else
+        for (int32_t y = 0; y < 8; ++y)
+            image.set_line(0, 11, y, kirvo::rgb(80, 160, 240));
+    return image;
+}
+
+// By what kirvo.h says of the images that each function takes.
+static void depths_that_a_function_takes_stay() {
+    struct Case {
+        std::vector<int> depths;
+        std::function<Image(Image)> call;
+    };
+    const std::vector<int> all = {8, 16, 24, 32}, direct = {16, 24, 32}, deep = {24, 32},
+                           one = {24};
+    uint8_t map[256] = {};
+    const int32_t middle[9] = {0, 0, 0, 0, 1, 0, 0, 0, 0};
+    const kirvo::Range any{};
+    const Case cases[] = {
+        {all, [](Image i) { return i.crop(1, 1, 3, 3); }},
+        {direct, [](Image i) { return i.resize(6, 4); }},
+        {all, [](Image i) { return i.flip(); }},
+        {all, [](Image i) { return i.mirror(); }},
+        {all, [](Image i) { return i.rotate_180(); }},
+        {all, [](Image i) { return i.rotate_90(); }},
+        {deep, [](Image i) { return i.brightness(10); }},
+        {deep, [](Image i) { return i.contrast(10); }},
+        {one, [](Image i) { return i.gamma(1.5); }},
+        {all, [](Image i) { return i.gamma_channels(); }},
+        {deep, [](Image i) { return i.tone(1, 2); }},
+        {deep, [](Image i) { return i.tone_channels(); }},
+        {direct, [](Image i) { return i.negative(); }},
+        {one, [](Image i) { return i.monochrome(); }},
+        {deep, [](Image i) { return i.half_tone(); }},
+        {deep, [](Image i) { return i.swap_channels(1); }},
+        {all, [&](Image i) { return i.map_channels(map); }},
+        {direct, [](Image i) { return i.change_hue(0, 10); }},
+        {direct, [](Image i) { return i.exclusive_or(1); }},
+        {one, [](Image i) { return i.blur(); }},
+        {one, [](Image i) { return i.sharpen(); }},
+        {one, [](Image i) { return i.colour_edges(); }},
+        {direct, [](Image i) { return i.dilate(); }},
+        {direct, [](Image i) { return i.erode(); }},
+        {deep, [&](Image i) { return i.keep_channels(any, any, any); }},
+        {all, [](Image i) { return i.mosaic(3); }},
+        {all, [](Image i) { return i.mosaic_average(3); }},
+        {one, [](Image i) { return i.keep_bits(3, 3, 3); }},
+        {deep, [](Image i) { return i.interleave(i); }},
+        {direct, [](Image i) { return std::move(i.paste(plain(24))); }},
+        {deep, [](Image i) { return std::move(i.compose(plain(24))); }},
+        {direct, [](Image i) { return std::move(i.set_pixel(1, 1, 0)); }},
+        {direct, [](Image i) { return std::move(i.set_line(1, 2, 1, 0)); }},
+        {direct, [](Image i) { return std::move(i.mix_3x3(4, 4)); }},
+        {direct, [](Image i) { return std::move(i.mix_5x5(4, 4)); }},
+        {direct, [&](Image i) { return i.filter_3x3(middle); }},
+    };
+    for (const Case& each : cases)
+        for (const int bits : all) {
+            const bool taken =
+                std::find(each.depths.begin(), each.depths.end(), bits) != each.depths.end();
+            const int made = each.call(plain(bits)).bits();
+            if (made != (taken ? bits : 24))
+                std::printf("case %d: %d bits became %d\n", static_cast<int>(&each - cases), bits,
+                            made);
+            EXPECT(made == (taken ? bits : 24));
+        }
+}
+
+static void changes_are_made_at_every_direct_depth() {
+    const uint32_t white = kirvo::rgb(255, 255, 255);
+    for (const int bits : {16, 24, 32}) {
+        const Image before = plain(bits);
+        const uint32_t old = before.get_pixel(5, 4);
+        for (const bool wide : {false, true}) {
+            Image image = plain(bits);
+            image.set_pixel(4, 4, white);
+            EXPECT(image.get_pixel(4, 4) != old);
+            wide ? image.mix_5x5(4, 4) : image.mix_3x3(4, 4);
+            EXPECT(image.get_pixel(5, 4) != old);
+        }
+        Image image = plain(bits);
+        image.set_line(2, 3, 1, white);
+        EXPECT(image.get_pixel(2, 1) != old && image.get_pixel(4, 1) == old);
+        image.paste(Image::solid(1, 1, white), {7, 7});
+        EXPECT(image.get_pixel(7, 7) != old && image.get_pixel(6, 7) == old);
+    }
+}
+
+static void defaults_are_those_of_the_documentation() {
+    kirvo::SaveOptions jpeg;
+    jpeg.format = KIRVO_FILES_JPEG;
+    const std::vector<uint8_t> bytes = striped(40, 30).encode(jpeg);
+    EXPECT(Image::open(bytes.data(), bytes.size()).description().quality == 90);
+    // What the smaller size leaves out is averaged.
+    Image two(2, 2);
+    two.set_pixel(0, 0, kirvo::rgb(40, 80, 120)).set_pixel(1, 1, kirvo::rgb(40, 80, 120));
+    EXPECT(two.resize(1, 1).get_pixel(0, 0) == kirvo::rgb(20, 40, 60));
+    // A row of this, a row of the other.
+    Image first(2, 2), second(2, 2);
+    for (int32_t y = 0; y < 2; ++y) {
+        first.set_pixel(0, y, kirvo::rgb(1, 1, 1)).set_pixel(1, y, kirvo::rgb(2, 2, 2));
+        second.set_pixel(0, y, kirvo::rgb(3, 3, 3)).set_pixel(1, y, kirvo::rgb(4, 4, 4));
+    }
+    const Image rows = first.interleave(second);
+    int sum[2] = {};
+    for (int32_t y = 0; y < rows.height(); ++y)
+        for (int32_t x = 0; x < 2; ++x)
+            sum[x] += static_cast<int>(rows.get_pixel(x, y) & 255);
+    EXPECT(sum[0] * 2 == 4 * rows.height() && sum[1] * 2 == 6 * rows.height());
+    // Exact reductions are those of mode 1.
+    const auto same = [](const Image& made, HGLOBAL wanted) {
+        const Image other = Image::adopt(wanted);
+        const kirvo::Rows ours = made.rows(), theirs = other.rows();
+        const kirvo::Row a = ours.pixels(), b = theirs.pixels();
+        return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin());
+    };
+    int32_t status = 0;
+    const Image few = striped(4, 3);
+    EXPECT(same(few.exact_256(), Decrease256PaletteEx(few.handle(), 1, &status)));
+    EXPECT(same(few.exact_16(), Decrease16PaletteEx(few.handle(), 1, &status)));
+    const kirvo::Range any{}, outside{0, 120, kirvo::Test::outside};
+    const Image colour = Image::solid(1, 1, kirvo::rgb(50, 100, 150));
+    EXPECT(colour.keep_channels(outside, outside, outside).get_pixel(0, 0) ==
+           kirvo::rgb(0, 0, 150));
+    EXPECT(colour.keep_channels(any, any, any).get_pixel(0, 0) == kirvo::rgb(50, 100, 150));
 }
 
 static void errors_say_what_and_why() {
@@ -292,6 +425,9 @@ int main(int argc, char** argv) {
         pixels_are_seen_from_the_top();
         effects_take_areas_and_options();
         other_depths_become_24_bits_first();
+        depths_that_a_function_takes_stay();
+        changes_are_made_at_every_direct_depth();
+        defaults_are_those_of_the_documentation();
         errors_say_what_and_why();
         what_is_no_picture_is_told();
         files_of_any_name_are_saved_and_opened(argc > 1 ? argv[1] : ".");

@@ -1,14 +1,15 @@
 #!/usr/bin/env python3
 """Changes one thing in the source at a time and looks whether a test fails: mutants.py PATH COUNT SEED
 
-Works on a copy of the tree in build/mutants, one for each suite of tests below, with a build of its
-own, so that two suites can be at work side by side. Which changes are made, and in which order,
+Works on a copy of the tree in build/mutants, one for each room (the object layers share theirs), with
+a build of its own, so that two rooms can be at work side by side. Which changes are made, and in which order,
 depends on the path and the seed alone; what became of each is kept beside the copy in results.json,
 and a change that a test has noticed is not made again. One that none has noticed is a survivor, but
 for those that tests/mutants/harmless.txt names with the reason why they change nothing. Ends with 1
 when there is a survivor.
 """
 
+import fcntl
 import hashlib
 import json
 import os
@@ -33,6 +34,8 @@ LIBRARY = ("kirvo_kernel_tests kirvo_internal_simd_tests kirvo_internal_image_te
            "kirvo_effects_compose_tests kirvo_effects_draw_tests kirvo_reduce_tests "
            "kirvo_jpeg_tests kirvo_formats_tests kirvo_interface_tests kirvo_safety_tests")
 BINDINGS = "kirvo kirvo_files kirvo_tool"
+LAYERS = f"ctest: kirvo_layer_(depths|effects): {BINDINGS}"
+CURRENT = f"ctest: kirvo_bindings_current: {BINDINGS}"  # as the description of the interface has it
 
 
 class Suite:
@@ -40,7 +43,8 @@ class Suite:
 
     def __init__(self, folder, preset, *stages):
         self.folder, self.preset, self.stages = folder, preset, stages
-        self.work = SOURCE / "build" / "mutants" / folder.replace("/", "_")
+        room = folder.split("/")[0]
+        self.work = SOURCE / "build" / "mutants" / ("include" if room == "bindings" else room)
         self.tree = self.work / "tree"
         self.build = self.tree / "build" / preset
         self.results = self.work / "results.json"
@@ -66,11 +70,15 @@ SUITES = (
           "ctest: kirvo_tool_[cimp]|kirvo_readme|kirvo_world: kirvo_tool kirvo_sample",
           "run: python3 ../../tests/tool/workers.py ./kirvo Workers: kirvo_tool"),
     Suite("viewer", "win32", "kirvo_viewer_tests-Viewer*", "kirvo_viewer_tests-*Hostile*:*World*"),
-    Suite("bindings/python", "native", f"ctest: kirvo_layer_python|bindings_python: {BINDINGS}"),
-    Suite("bindings/csharp", "native", f"ctest: kirvo_layer_csharp|bindings_csharp: {BINDINGS}"),
-    Suite("bindings/pascal", "native", f"ctest: kirvo_layer_pascal|bindings_pascal: {BINDINGS}"),
-    Suite("bindings/vb", "native", f"ctest: kirvo_layer_effects|bindings_basic: {BINDINGS}"),
-    Suite("include", "native", f"ctest: kirvo_layer_cpp: {BINDINGS}"),
+    Suite("bindings/python", "native", LAYERS,
+          f"ctest: kirvo_layer_python|bindings_python: {BINDINGS}", CURRENT),
+    Suite("bindings/csharp", "native", LAYERS,
+          f"ctest: kirvo_layer_csharp|bindings_csharp: {BINDINGS}", CURRENT),
+    Suite("bindings/pascal", "native", LAYERS,
+          f"ctest: kirvo_layer_pascal|bindings_pascal: {BINDINGS}", CURRENT),
+    Suite("bindings/vb", "native", LAYERS,
+          f"ctest: bindings_basic: {BINDINGS}", CURRENT),
+    Suite("include", "native", LAYERS, f"ctest: kirvo_layer_cpp: {BINDINGS}", CURRENT),
 )
 ENDINGS = (".cpp", ".hpp", ".py", ".cs", ".pas", ".cls", ".bas")
 
@@ -258,6 +266,11 @@ def main():
     random.Random(f"{name} {seed}").shuffle(candidates)
 
     suite.work.mkdir(parents=True, exist_ok=True)
+    lock = (suite.work / "lock").open("w")
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError:
+        sys.exit(f"another run is at work on {suite.folder}")
     copy_tree(suite)
     results = json.loads(suite.results.read_text()) if suite.results.exists() else {}
     results = {key: outcome for key, outcome in results.items() if not passed(outcome)}

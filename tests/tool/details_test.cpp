@@ -74,6 +74,10 @@ TEST(ToolDetails, SizesInPerCentAndInProportionAreRounded) {
     EXPECT_EQ(size("100x"), "100x75");
     EXPECT_EQ(size("x50"), "67x50"); // 66.7
     EXPECT_EQ(size("0.1%"), "1x1");  // at least a pixel
+    EXPECT_EQ(size("200x60"), "200x60");
+    EXPECT_EQ(size("200x300"), "200x300");
+    EXPECT_EQ(size("90x150"), "90x150");
+    EXPECT_EQ(size("400x150"), "400x150");
 }
 
 TEST(ToolDetails, TheHistogramListsTheHighestValuesOfEachChannel) {
@@ -102,6 +106,61 @@ TEST(ToolDetails, NumbersEndWhereTheLibrarysEnd) {
     EXPECT_EQ(code("2147483648"), 2);
     EXPECT_EQ(code("-2147483648"), 0);
     EXPECT_EQ(code("-2147483649"), 2);
+}
+
+TEST(ToolDetails, RangesEndWhereTheySay) {
+    const TempFolder folder;
+    const std::string in = write(folder, "in.bmp", make_dib({8, 8, 24}));
+    const auto code = [&](const std::string& effect) {
+        return kirvo("--force convert " + in + " " + folder.path("out.bmp") + " --" + effect).code;
+    };
+    for (const char* good : {"bits 8,8,8", "bits 0,0,0", "crop 0,0,1,1", "crop 7,7,1,1",
+                             "posterise 2", "posterise 256", "dilate 64", "mosaic-average 1024",
+                             "hue set,359", "brightness 100", "brightness -100"})
+        EXPECT_EQ(code(good), 0) << good;
+    for (const char* bad :
+         {"bits 9,8,8", "bits 8,9,8", "bits 8,8,9", "bits 8,8,-1", "crop 0,0,0,1", "crop 0,0,1,0",
+          "crop -1,0,1,1", "posterise 1", "posterise 257", "dilate 65", "dilate 0",
+          "mosaic-average 1025", "hue set,360", "brightness 101", "brightness -101"})
+        EXPECT_EQ(code(bad), 2) << bad;
+}
+
+TEST(ToolDetails, SlidersOfTheCatalogueHaveTheRangesOfTheirNumbers) {
+    const std::string json = kirvo("effects --json").text;
+    // What stands between an effect's name and the end of its first slider, without blanks.
+    const auto slider = [&](const std::string& option) {
+        const size_t at = json.find("\"slider\"", json.find("\"--" + option + "\""));
+        std::string text = json.substr(at, json.find('}', at) - at);
+        std::erase_if(text, [](char c) { return c == ' ' || c == '\n' || c == '\r'; });
+        return text;
+    };
+    EXPECT_EQ(slider("edges"), "\"slider\":{\"least\":0,\"most\":255,\"steps\":1.0");
+    EXPECT_EQ(slider("brightness"), "\"slider\":{\"least\":-100,\"most\":100,\"steps\":1.0");
+    EXPECT_EQ(slider("gamma"), "\"slider\":{\"least\":0,\"most\":400,\"steps\":100.0");
+    EXPECT_EQ(slider("posterise"), "\"slider\":{\"least\":2,\"most\":256,\"steps\":1.0");
+    EXPECT_EQ(slider("mosaic"), "\"slider\":{\"least\":1,\"most\":64,\"steps\":1.0");
+}
+
+TEST(ToolDetails, SizesOfFilesAreToldInReadableUnits) {
+    const TempFolder folder;
+    const std::string name = write(folder, "in.bmp", make_dib({8, 8, 24}));
+    for (const auto& [bytes, words] : {std::pair{999, ", 999 bytes"},
+                                       {1000, ", 1.0 kB"},
+                                       {999000, ", 999.0 kB"},
+                                       {1500000, ", 1.5 MB"}}) {
+        std::filesystem::resize_file(name, static_cast<uintmax_t>(bytes));
+        const Outcome info = kirvo("info " + name);
+        EXPECT_TRUE(contains(info.text, words)) << info.text;
+    }
+}
+
+TEST(ToolDetails, ColoursMayStandBehindEachSpellingOfTheirOption) {
+    for (const char* option : {"-c", "--colour", "--color"}) {
+        const TempFolder folder;
+        const std::string out = folder.path("out.bmp");
+        EXPECT_EQ(kirvo("make gradient 3x1 " + out + " " + option + " 000000 646464").code, 0);
+        EXPECT_EQ(read(out).pixel(1, 0), 0x323232u) << option;
+    }
 }
 
 TEST(ToolDetails, WhatIsNearlyRightIsSuggested) {

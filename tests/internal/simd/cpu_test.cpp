@@ -13,3 +13,18 @@ TEST(CpuLevels, CanBeLoweredAndNotRaised) {
     }
     EXPECT_EQ(kirvo::cpu_level(), machine);
 }
+
+#if defined(__x86_64__) || defined(__i386__)
+// As the compiler's own library finds it out.
+TEST(CpuLevels, AreThoseOfTheProcessor) {
+    __builtin_cpu_init();
+    const bool wide = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+                      __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl") &&
+                      __builtin_cpu_supports("avx512vbmi");
+    const CpuLevel expected = wide                             ? CpuLevel::avx512
+                              : __builtin_cpu_supports("avx2") ? CpuLevel::avx2
+                              : __builtin_cpu_supports("sse2") ? CpuLevel::sse2
+                                                               : CpuLevel::scalar;
+    EXPECT_EQ(kirvo::detect_cpu_level(), expected);
+}
+#endif
