@@ -2,8 +2,6 @@
 #include "support/pictures.hpp"
 #include "support/row.hpp"
 
-#include <opencv2/core.hpp>
-
 namespace {
 
 using namespace kirvo_bench;
@@ -13,11 +11,6 @@ const Row duplicate("copy/duplicate/ours", [] {
         int32_t status;
         GlobalFree(Dib24DupEx(photo, 0, 0, photo_width, photo_height, &status));
     };
-});
-const Row duplicate_opencv("copy/duplicate/opencv", [] {
-    const cv::Mat photo =
-        cv::Mat(photo_height, photo_width, CV_8UC3, const_cast<uint8_t*>(photo_bgr().data()));
-    return [photo] { cv::Mat copy = photo.clone(); };
 });
 
 } // namespace

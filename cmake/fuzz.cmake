@@ -31,12 +31,14 @@ target_compile_options(kirvo_fuzz_support PUBLIC -Wall -Wextra)
 if(KIRVO_FUZZ_WIDE)
     # What is counted is the libraries' code.
     target_compile_options(kirvo_fuzz_support PUBLIC
-        -fno-sanitize-coverage=inline-8bit-counters,pc-table)
+        -fno-sanitize-coverage=inline-8bit-counters,pc-table -ffunction-sections -fdata-sections)
     # Everything that is linked in asks the world of fuzz/world_wide.cpp.
-    foreach(function IN ITEMS malloc calloc realloc free open fcntl fstat read lseek write close)
+    foreach(function IN ITEMS malloc calloc realloc free open fcntl fstat read lseek write close
+                              dlopen dlsym dlclose)
         target_link_options(kirvo_fuzz_support INTERFACE -Wl,--wrap=${function})
     endforeach()
-    target_link_options(kirvo_fuzz_support INTERFACE -Wl,--gc-sections)
+    # Without the counters of what a target cannot reach, which would be looked at after each case.
+    target_link_options(kirvo_fuzz_support INTERFACE -Wl,--gc-sections -Wl,-z,start-stop-gc)
 else()
     target_compile_options(kirvo_fuzz_support PUBLIC -O1)
 endif()
@@ -56,7 +58,7 @@ if(NOT KIRVO_FUZZ)
     if(NOT KIRVO_SANITIZE AND NOT KIRVO_COVERAGE)
         add_executable(kirvo_worst_time fuzz/worst_time.cpp)
         target_compile_definitions(kirvo_worst_time PRIVATE
-            "KIRVO_FUZZ_FOLDER=\"${PROJECT_SOURCE_DIR}/fuzz\"")
+            "KIRVO_FUZZ_FOLDER=\"${PROJECT_SOURCE_DIR}/fuzz\"" "KIRVO_WORLD=\"${world}\"")
         target_link_libraries(kirvo_worst_time PRIVATE kirvo_fuzz_support)
         add_test(NAME kirvo_worst_time COMMAND kirvo_worst_time)
         set_tests_properties(kirvo_worst_time PROPERTIES RUN_SERIAL TRUE) # it measures

@@ -14,30 +14,44 @@ else()
     list(FILTER kirvo_sources EXCLUDE REGEX "_wasm\\.cpp$")
 endif()
 
+# The 32-bit DLL is kept small where that takes no time: in files that work once a call, at the speed
+# of a disk, or whose rows go to the kernels.
+if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
+    set(kirvo_small_dll TRUE)
+endif()
+string(CONCAT kirvo_small_files "^src/(formats|platform)/|"
+       "^src/image/(dib|masks|palette|pixel_api|progress|rect_operation|window)\\.|"
+       "^src/effects/filter/(blur|sharpen)\\.|^src/effects/geometry/turn\\.|"
+       "^src/effects/tone/(gamma|hue|levels|point|range_filter)\\.|"
+       "^src/jpeg/(de|en)code/(api|encoder|headers|info_api|markers|scan|settings|state)\\.")
+
 # The names of the levels' files decide which instructions they may use.
 foreach(source IN LISTS kirvo_sources)
-    set(isa_flags)
+    set(source_flags)
     if(source MATCHES "/level_avx2\\.cpp$")
-        set(isa_flags -mavx2)
+        set(source_flags -mavx2)
     elseif(source MATCHES "/level_avx512\\.cpp$")
         # GCC 12 warns of its own AVX-512 headers.
-        set(isa_flags -mavx512f -mavx512bw -mavx512dq -mavx512vl -mavx512vbmi -Wno-uninitialized
+        set(source_flags -mavx512f -mavx512bw -mavx512dq -mavx512vl -mavx512vbmi -Wno-uninitialized
                       $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     endif()
-    if(isa_flags AND WIN32)
+    if(source_flags AND WIN32)
         # The 64-bit Windows stack is aligned to 16 bytes and GCC does not realign it for wider
         # spills; unaligned moves cost the same on aligned data.
-        list(APPEND isa_flags -Wa,-muse-unaligned-vector-move)
+        list(APPEND source_flags -Wa,-muse-unaligned-vector-move)
     endif()
     if(source MATCHES "/level_[a-z0-9]+\\.cpp$")
         # What is worth vectors has them; the rest of a row is short.
-        list(APPEND isa_flags -fno-tree-vectorize)
+        list(APPEND source_flags -fno-tree-vectorize)
         if(NOT WIN32)
             # A loop across lines of the cache may take a quarter more. The DLL is kept small instead.
-            list(APPEND isa_flags -falign-loops=64)
+            list(APPEND source_flags -falign-loops=64)
         endif()
     endif()
-    set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${isa_flags}")
+    if(kirvo_small_dll AND source MATCHES "${kirvo_small_files}")
+        list(APPEND source_flags -Os)
+    endif()
+    set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${source_flags}")
 endforeach()
 
 # 0x01000402 for 1.0.4.2
@@ -56,7 +70,7 @@ if(NOT WIN32)
     # Windows objects would keep zeroed variables as data: file size for nothing.
     target_compile_options(kirvo_objects PRIVATE -fdata-sections)
 endif()
-if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
+if(kirvo_small_dll)
     # Nothing is thrown through the library, and 32-bit Windows does not unwind by tables.
     target_compile_options(kirvo_objects PRIVATE -fno-asynchronous-unwind-tables)
     # Where jumps lead need not lie evenly: one part in seventy of the DLL is padding for it.

@@ -85,7 +85,8 @@ if(TARGET kirvo_view)
     add_dependencies(kirvo_viewer_tests kirvo_view)
     target_sources(kirvo_viewer_tests PRIVATE tests/viewer/driver.cpp)
     target_include_directories(kirvo_viewer_tests PRIVATE viewer tools)
-    target_link_libraries(kirvo_viewer_tests PRIVATE kirvo_view_parts kirvo_view_catalogue kirvo_files)
+    target_link_libraries(kirvo_viewer_tests PRIVATE kirvo_view_parts kirvo_view_catalogue kirvo_files
+                                                     winspool)
     target_compile_definitions(kirvo_viewer_tests PRIVATE KIRVO_FUZZ="${PROJECT_SOURCE_DIR}/fuzz"
                                KIRVO_WORLD="${world}")
     set_tests_properties(kirvo_viewer_tests PROPERTIES RUN_SERIAL ON) # one keyboard, one clipboard
@@ -282,11 +283,19 @@ elseif(TARGET kirvo_tool AND NOT KIRVO_SANITIZE)
                      $<TARGET_FILE:kirvo_tool> $<TARGET_FILE:kirvo_sample>)
 endif()
 
-# Hostile and odd files by the command line and in Python.
+# Hostile and odd files by the command line and by the classes of each language.
 if(TARGET kirvo_tool AND NOT WIN32 AND NOT KIRVO_SANITIZE AND NOT KIRVO_COVERAGE)
     add_test(NAME kirvo_world
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/world/check.py
-                     $<TARGET_FILE:kirvo_tool> $<TARGET_FILE:kirvo> ${world})
+                     $<TARGET_FILE:kirvo_tool> ${world})
+endif()
+if(NOT WIN32 AND NOT KIRVO_SANITIZE AND NOT KIRVO_COVERAGE)
+    foreach(language IN ITEMS cpp csharp pascal python vb)
+        add_test(NAME kirvo_world_${language}
+                 COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/world/layers.py
+                         ${language} ${PROJECT_BINARY_DIR}/interface.json ${world})
+        set_tests_properties(kirvo_world_${language} PROPERTIES SKIP_RETURN_CODE 77)
+    endforeach()
 endif()
 
 # Thumbnails on a cluster of this machine.

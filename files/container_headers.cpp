@@ -113,11 +113,12 @@ Status read_png(Job& job) {
     known.set(KIRVO_FILES_HAS_ALPHA, type >= 4);
     known.text(KIRVO_FILES_TEXT_VARIANT) = Text::format(
         "%s, %u bits a channel%s", types[type], depth, bytes[28] != 0 ? ", interlaced" : "");
+    job.cut_off = true;
     for (uint64_t at = 33; bytes.has(at, 12);) {
         const uint64_t length = bytes.be32(at);
         png_chunk(job, at + 4, bytes.part(at + 8, length));
+        job.cut_off = job.cut_off && !bytes.begins("IEND", at + 4);
         at += 12 + length;
-        job.cut_off = at > bytes.size();
     }
     Status status;
     if (known.numbers.frames > 1 && wants_other_frame(job, status))

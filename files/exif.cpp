@@ -62,8 +62,13 @@ TiffEntry Tiff::entry(uint64_t directory, uint32_t index) const {
 
 TiffEntry Tiff::find(uint64_t directory, uint32_t tag) const {
     const uint32_t count = entries(directory);
-    for (uint32_t i = 0; i < count; ++i)
-        if (u16(entry_at(directory, i)) == tag)
+    if (count == 0)
+        return {};
+    const Bytes there = bytes_.part(entry_at(directory, 0));
+    const size_t step = static_cast<size_t>(entry_at(0, 1) - entry_at(0, 0)), high = little_;
+    const uint8_t* at = there.data();
+    for (uint32_t i = 0; i < count; ++i, at += step)
+        if ((at[high] << 8 | at[1 - high]) == static_cast<int>(tag))
             return entry(directory, i);
     return {};
 }

@@ -23,8 +23,14 @@ class Tiff {
     bool big() const { return big_; }
     bool little() const { return little_; }
     Bytes bytes() const { return bytes_; }
-    uint16_t u16(uint64_t at) const { return little_ ? bytes_.le16(at) : bytes_.be16(at); }
-    uint32_t u32(uint64_t at) const { return little_ ? bytes_.le32(at) : bytes_.be32(at); }
+    uint16_t u16(uint64_t at) const {
+        const uint16_t value = bytes_.be16(at);
+        return little_ ? __builtin_bswap16(value) : value;
+    }
+    uint32_t u32(uint64_t at) const {
+        const uint32_t value = bytes_.be32(at);
+        return little_ ? __builtin_bswap32(value) : value;
+    }
     // An offset or count of the structure's own size.
     uint64_t offset(uint64_t at) const {
         return !big_     ? u32(at)
@@ -34,6 +40,9 @@ class Tiff {
     uint64_t first_directory() const { return offset(big_ ? 8 : 4); }
     // Entries that are there.
     uint32_t entries(uint64_t directory) const;
+    uint32_t tag(uint64_t directory, uint32_t index) const {
+        return u16(entry_at(directory, index));
+    }
     TiffEntry entry(uint64_t directory, uint32_t index) const;
     // An entry with this tag; type 0 where there is none.
     TiffEntry find(uint64_t directory, uint32_t tag) const;

@@ -1,6 +1,9 @@
 // EXIF directories written anew: taken out of a TIFF file, or added to one.
 #include "exif.hpp"
 
+#include <algorithm>
+#include <bitset>
+
 namespace kirvo_files {
 namespace {
 
@@ -22,19 +25,30 @@ bool is_all(uint32_t tag) {
 
 bool is_orientation(uint32_t tag) { return tag == 0x0112; }
 
+void put_offset(uint8_t* to, uint64_t offset, bool little) {
+    for (uint32_t i = 0; i < 4; ++i)
+        to[little ? i : 3 - i] = static_cast<uint8_t>(offset >> 8 * i);
+}
+
 // A directory that is being collected, its values already written.
 class Directory {
   public:
     Directory(Buffer& out, bool little) : out_(out), little_(little) {}
 
-    // Entries of another structure with their values.
+    // Entries of another structure with their values, which in a sound one do not overlap: all of
+    // them together are no longer than it.
     bool add(const Tiff& from, uint64_t directory, bool (*wanted)(uint32_t)) {
         const uint32_t count = from.entries(directory);
+        size_t left = from.bytes().size();
         for (uint32_t i = 0; i < count; ++i) {
+            const uint32_t tag = from.tag(directory, i);
+            if (!wanted(tag) || has_[tag])
+                continue;
             const TiffEntry entry = from.entry(directory, i);
             const bool known = entry.type <= 12 && type_bytes(entry.type) != 0;
-            if (entry.count == 0 || !known || !wanted(entry.tag) || has(entry.tag))
+            if (entry.count == 0 || !known || entry.value.size() > left)
                 continue;
+            left -= entry.value.size();
             if (!add_value(from, entry))
                 return false;
         }
@@ -44,9 +58,12 @@ class Directory {
     // Entries of this very file, whose values stay where they are.
     bool add_own(const Tiff& own, uint64_t directory) {
         const uint32_t count = own.entries(directory);
-        for (uint32_t i = 0; i < count; ++i)
-            if (!list_.append(own.bytes().part(directory + 2 + uint64_t{12} * i, 12)))
+        for (uint32_t i = 0; i < count; ++i) {
+            const uint64_t at = directory + 2 + uint64_t{12} * i;
+            has_[own.u16(at)] = true;
+            if (!list_.append(own.bytes().part(at, 12)))
                 return false;
+        }
         return true;
     }
 
@@ -57,9 +74,9 @@ class Directory {
     }
 
     bool add_pointer(uint32_t tag, uint64_t to) {
-        Buffer entry;
-        return put(entry, tag, 2) && put(entry, 4, 2) && put(entry, 1, 4) &&
-               put(entry, static_cast<uint32_t>(to), 4) && list_.append(entry.bytes());
+        uint8_t value[4];
+        put_offset(value, to, little_);
+        return list(tag, 4, 1, value);
     }
 
     bool empty() const { return list_.empty(); }
@@ -67,7 +84,7 @@ class Directory {
     // Writes it at the end; its place is the answer, 0 without memory.
     uint64_t finish() {
         sort();
-        if (out_.size() % 2 != 0 && !out_.append("", 1))
+        if (!make_even())
             return 0;
         const uint64_t at = out_.size();
         return put(out_, static_cast<uint32_t>(list_.size() / 12), 2) &&
@@ -83,54 +100,60 @@ class Directory {
         return little_ ? to.append_le32(value) : to.append_be32(value);
     }
 
-    uint32_t tag_of(size_t index) const {
-        const Bytes list = list_.bytes();
-        return little_ ? list.le16(12 * index) : list.be16(12 * index);
+    struct Entry {
+        uint8_t bytes[12];
+    };
+
+    uint32_t tag_of(const Entry& entry) const {
+        const Bytes bytes(entry.bytes, sizeof entry.bytes);
+        return little_ ? bytes.le16(0) : bytes.be16(0);
     }
 
-    bool has(uint32_t tag) const {
-        for (size_t i = 0; i < list_.size() / 12; ++i)
-            if (tag_of(i) == tag)
-                return true;
-        return false;
+    // An entry with its value or the way to it.
+    bool list(uint32_t tag, uint32_t type, uint32_t count, const uint8_t (&value)[4]) {
+        has_[tag] = true;
+        return put(list_, tag, 2) && put(list_, type, 2) && put(list_, count, 4) &&
+               list_.append(value, sizeof value);
     }
+
+    bool make_even() { return out_.size() % 2 == 0 || out_.append("", 1); }
 
     bool add_value(const Tiff& from, const TiffEntry& given) {
-        Buffer entry, value;
-        if (!value.append(given.value))
-            return false;
-        if (type_bytes(given.type) > 1 && from.little() != little_)
-            swap(value, given.type);
-        if (!put(entry, given.tag, 2) || !put(entry, given.type, 2) || !put(entry, given.count, 4))
-            return false;
-        if (value.size() > 4) {
-            if (out_.size() % 2 != 0 && !out_.append("", 1))
+        const size_t size = given.value.size();
+        uint8_t inside[4] = {};
+        uint8_t* value = inside;
+        if (size > sizeof inside) {
+            if (!make_even())
                 return false;
-            if (!put(entry, static_cast<uint32_t>(out_.size()), 4) || !out_.append(value.bytes()))
+            put_offset(inside, out_.size(), little_);
+            if (!out_.append(given.value))
                 return false;
-        } else if (!value.resize(4) || !entry.append(value.bytes())) {
-            return false;
+            value = out_.data() + out_.size() - size;
+        } else if (size != 0) {
+            std::memcpy(inside, given.value.data(), size);
         }
-        return list_.append(entry.bytes());
+        if (from.little() != little_)
+            swap(value, size, given.type);
+        return list(given.tag, given.type, given.count, inside);
     }
 
-    static void swap(Buffer& value, uint32_t type) {
+    static void swap(uint8_t* value, size_t size, uint32_t type) {
         const size_t bytes = type_bytes(type);
         const size_t unit = type == 5 || type == 10 ? 4 : bytes; // fractions are two numbers
-        for (size_t at = 0; unit > 1 && at + unit <= value.size(); at += unit)
+        for (size_t at = 0; unit > 1 && at + unit <= size; at += unit)
             for (size_t i = 0; i < unit / 2; ++i)
                 std::swap(value[at + i], value[at + unit - 1 - i]);
     }
 
     void sort() {
-        for (size_t i = 1; i < list_.size() / 12; ++i)
-            for (size_t k = i; k > 0 && tag_of(k) < tag_of(k - 1); --k)
-                for (size_t b = 0; b < 12; ++b)
-                    std::swap(list_[12 * k + b], list_[12 * (k - 1) + b]);
+        auto* first = reinterpret_cast<Entry*>(list_.data());
+        std::sort(first, first + list_.size() / sizeof(Entry),
+                  [this](const Entry& a, const Entry& b) { return tag_of(a) < tag_of(b); });
     }
 
     Buffer& out_;
     Buffer list_;
+    std::bitset<65536> has_; // tags; there may be as many
     bool little_;
 };
 
@@ -160,8 +183,7 @@ bool exif_of_tiff(Bytes file, uint64_t directory, Buffer& exif) {
         !add_inner(exif, first, from, directory, gps_pointer, from.little()))
         return false;
     const uint64_t at = first.empty() ? 0 : first.finish();
-    for (uint32_t i = 0; i < 4; ++i)
-        exif[4 + (from.little() ? i : 3 - i)] = static_cast<uint8_t>(at >> 8 * i);
+    put_offset(&exif[4], at, from.little());
     if (at == 0)
         exif.clear();
     return true;
@@ -186,8 +208,8 @@ bool add_to_tiff(Buffer& file, Bytes exif, Bytes icc, Bytes xmp) {
     if (!first.add_bytes(0x02BC, 1, xmp) || !first.add_bytes(0x8773, 7, icc))
         return false;
     const uint64_t place = first.finish();
-    for (uint32_t i = 0; i < 4 && place != 0; ++i)
-        file[4 + (little ? i : 3 - i)] = static_cast<uint8_t>(place >> 8 * i);
+    if (place != 0)
+        put_offset(&file[4], place, little);
     return place != 0;
 }
 

@@ -48,11 +48,12 @@ class Bytes {
     uint16_t be16(uint64_t offset) const {
         return static_cast<uint16_t>(at(offset) << 8 | at(offset + 1));
     }
-    uint32_t le32(uint64_t offset) const {
-        return le16(offset) | static_cast<uint32_t>(le16(offset + 2)) << 16;
-    }
+    uint32_t le32(uint64_t offset) const { return __builtin_bswap32(be32(offset)); }
     uint32_t be32(uint64_t offset) const {
-        return static_cast<uint32_t>(be16(offset)) << 16 | be16(offset + 2);
+        if (!has(offset, 4))
+            return static_cast<uint32_t>(be16(offset)) << 16 | be16(offset + 2);
+        const uint8_t* at = data_ + offset;
+        return uint32_t{at[0]} << 24 | uint32_t{at[1]} << 16 | uint32_t{at[2]} << 8 | at[3];
     }
     // As much of the range as there is.
     Bytes part(uint64_t offset, uint64_t count = UINT64_MAX) const {

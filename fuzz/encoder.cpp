@@ -155,9 +155,8 @@ void decode_again(const Stream& stream, const Area& area) {
 
 static void run(Input& input) {
     Job job;
-    const bool may_fail = draw_surroundings(input);
+    const uint32_t failing = draw_surroundings(input);
     kirvo::fail_allocation(0);
-    const uint32_t failing = may_fail ? input.below(12) + 1 : 0;
     job.grey = input.once_in(2);
     job.grey_mode = input.between(0, 2);
     draw_settings(input);

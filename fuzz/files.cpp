@@ -20,7 +20,7 @@ static void check_result(Job& job, Status status, uint32_t orientation) {
 }
 
 void read_with(Input& input, Status (*read)(Job& job)) {
-    const uint32_t memory = input.below(256);
+    const uint32_t memory = input.below(256), failing = failing_allocation(memory, input);
     OpenOptions options;
     const uint32_t choices = input.below(256);
     options.flags = choices % 32;
@@ -28,7 +28,7 @@ void read_with(Input& input, Status (*read)(Job& job)) {
     options.frame = input.below(4);
     const bool headers_only = input.below(8) == 7;
     const Bytes rest = input.rest();
-    fail_allocation(memory >= 192 ? memory - 191 : 0);
+    fail_allocation(failing);
     // Pictures of some thousand pixels mostly: turning large ones takes most of the time.
     limit_allocation(memory % 8 == 7 ? 256 * 1024 : 32 * 1024);
     {

@@ -7,12 +7,12 @@
 using namespace kirvo_fuzz;
 
 static void run(Input& input) {
-    const uint32_t memory = input.below(256);
+    const uint32_t failing = failing_allocation(input.below(256), input);
     const bool upright = input.below(2) == 0;
     const kirvo_fuzz::Bytes rest = input.rest();
     const kirvo_files::Bytes bytes(rest.data(), rest.size());
     kirvo_files::limit_allocation(256 * 1024);
-    kirvo_files::fail_allocation(memory >= 192 ? memory - 191 : 0);
+    kirvo_files::fail_allocation(failing);
     {
         kirvo_files::Known known;
         kirvo_files::read_exif(known, bytes);

@@ -51,8 +51,6 @@ bool may_be_progressive(const Bytes& stream) {
 }
 
 int decode(JpegReference& plain, const std::vector<Bytes>& pieces) {
-    plain.whole(reset_stream());
-    plain.comments_on = true;
     int result = plain.first(pieces[0]);
     for (size_t i = 1; i < pieces.size() + 3 && result == 0; ++i)
         result = i < pieces.size() ? plain.next(pieces[i], 0) : plain.next({}, 1);
@@ -75,7 +73,13 @@ bool same_comments(const std::vector<Bytes>& comments, const JpegReference& plai
 }
 
 void check(const Outcome& outcome, const std::vector<Bytes>& pieces) {
-    JpegReference plain;
+    static const JpegReference reset = [] {
+        JpegReference made;
+        made.whole(reset_stream());
+        made.comments_on = true;
+        return made;
+    }();
+    JpegReference plain = reset;
     const int expected = decode(plain, pieces);
     if (expected == JpegReference::too_large || outcome.result == KIRVO_NO_MEMORY)
         return;
@@ -104,6 +108,8 @@ static void run(Input& input) {
     const Bytes stream = joined(pieces);
     const Outcome in_pieces = decode_pieces(pieces), whole = decode_whole(stream);
     check(in_pieces, pieces);
+    if (in_pieces == whole && !may_be_progressive(stream))
+        return;
     check(whole, {stream});
     require(may_be_progressive(stream) ||
                 with_one_header_code(in_pieces) == with_one_header_code(whole),

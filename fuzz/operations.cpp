@@ -49,7 +49,7 @@ void check(const Call& call) {
     require(problem.empty(), problem.c_str());
 }
 
-// May an allocation fail, the answers are none.
+// May an allocation fail, in any of the calls, the answers are none.
 Answers make_calls(Input input, bool scalar) {
     static const File in("in.jpg"), out("out");
     stand_as_at_first();
@@ -64,8 +64,7 @@ Answers make_calls(Input input, bool scalar) {
     pool.files_written = {out.name(), "/dev/full", "/"};
     pool.windows = {reinterpret_cast<HWND>(&pool)};
 
-    const bool may_fail = draw_surroundings(input);
-    kirvo::fail_allocation(0);
+    const bool may_fail = draw_surroundings(input) != 0;
     if (scalar)
         kirvo::lower_cpu_level(kirvo::CpuLevel::scalar);
     Answers answers;
@@ -73,12 +72,11 @@ Answers make_calls(Input input, bool scalar) {
         const auto all = kirvo_test::exports();
         Call call(all[input.below(static_cast<uint32_t>(all.size()))], pool);
         call.draw(input);
-        kirvo::fail_allocation(may_fail ? input.below(8) : 0);
         call.make();
-        kirvo::fail_allocation(0);
         check(call);
         answers.codes.push_back(call.status());
     }
+    kirvo::fail_allocation(0);
     for (HGLOBAL block : pool.handles()) {
         look_at(block);
         answers.blocks.push_back(bytes_of(block));

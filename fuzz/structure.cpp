@@ -37,6 +37,10 @@ uint32_t get(const Bytes& file, const Field& field) {
     return value;
 }
 
+uint32_t get_big(const Bytes& file, const Field& field) {
+    return __builtin_bswap32(get(file, field));
+}
+
 // Small sizes, depths, sizes of headers and tables, and where numbers wrap.
 uint32_t draw_value(Random& random) {
     static constexpr uint32_t values[] = {
@@ -205,6 +209,17 @@ Bytes draw_segment(Random& random) {
     }
 }
 
+// The sum behind a chunk of a PNG file.
+uint32_t crc_of(const uint8_t* bytes, size_t count) {
+    uint32_t sum = 0xFFFFFFFF;
+    for (; count != 0; --count) {
+        sum ^= *bytes++;
+        for (int bit = 0; bit < 8; ++bit)
+            sum = sum >> 1 ^ (0xEDB88320 & (0u - (sum & 1)));
+    }
+    return ~sum;
+}
+
 void mutate_content(Bytes& part, Random& random) {
     static constexpr uint8_t marks[] = {0x00, 0xD0, 0xD1, 0xD2, 0xD7, 0xD8, 0xD9, 0xFF, 0xDA};
     const size_t at = place_behind(part, 2, random);
@@ -228,15 +243,14 @@ void mutate_content(Bytes& part, Random& random) {
     }
 }
 
-} // namespace
-
-void mutate_jpeg(Bytes& file, Random& random) {
-    std::vector<Bytes> parts = segments_of(file);
-    if (parts.empty())
-        parts.push_back({0xFF, 0xD8});
-    Bytes& one = parts[index_below(random, parts.size())];
+// One of the parts that a file is made of is removed, doubled, moved, or changed by
+// change(part, is it the first).
+template<typename Change>
+void mutate_one(std::vector<Bytes>& parts, Random& random, const Change& change) {
+    const size_t chosen = index_below(random, parts.size());
+    Bytes& one = parts[chosen];
     const auto place = parts.begin() + static_cast<ptrdiff_t>(index_below(random, parts.size()));
-    switch (random.between(0, 5)) {
+    switch (random.between(0, 4)) {
     case 0:
         one.clear();
         break;
@@ -246,15 +260,54 @@ void mutate_jpeg(Bytes& file, Random& random) {
     case 2:
         std::swap(one, *place);
         break;
-    case 3:
-        parts.insert(place, draw_segment(random));
-        break;
     default:
-        mutate_content(one, random);
+        change(one, chosen == 0);
     }
-    file.clear();
+}
+
+Bytes joined(const std::vector<Bytes>& parts) {
+    Bytes whole;
     for (const Bytes& part : parts)
-        file.insert(file.end(), part.begin(), part.end());
+        whole.insert(whole.end(), part.begin(), part.end());
+    return whole;
+}
+
+// A file of chunks behind a signature: the length first or, little-endian, behind the kind, then
+// the content with something behind it.
+template<typename Change>
+void mutate_chunks(Bytes& file, size_t signature, Order order, size_t behind, Random& random,
+                   const Change& change) {
+    signature = std::min(signature, file.size());
+    const Bytes start(file.begin(), file.begin() + static_cast<ptrdiff_t>(signature));
+    std::vector<Bytes> chunks;
+    for (size_t at = signature; at < file.size();) {
+        const uint64_t length =
+            order == Order::big ? get_big(file, {at, 4}) : get(file, {at + 4, 4});
+        const uint64_t whole = 8 + length + (order == Order::little ? length % 2 : 0) + behind;
+        const size_t end = at + static_cast<size_t>(std::min<uint64_t>(whole, file.size() - at));
+        chunks.emplace_back(file.begin() + static_cast<ptrdiff_t>(at),
+                            file.begin() + static_cast<ptrdiff_t>(end));
+        at = end;
+    }
+    if (chunks.empty())
+        chunks.push_back(Bytes(8 + behind));
+    mutate_one(chunks, random, change);
+    chunks.insert(chunks.begin(), start);
+    file = joined(chunks);
+}
+
+} // namespace
+
+void mutate_jpeg(Bytes& file, Random& random) {
+    std::vector<Bytes> parts = segments_of(file);
+    if (parts.empty())
+        parts.push_back({0xFF, 0xD8});
+    if (random.once_in(6))
+        parts.insert(parts.begin() + static_cast<ptrdiff_t>(index_below(random, parts.size())),
+                     draw_segment(random));
+    else
+        mutate_one(parts, random, [&](Bytes& part, bool) { mutate_content(part, random); });
+    file = joined(parts);
 }
 
 void mutate_bmp(Bytes& file, Random& random) {
@@ -338,6 +391,59 @@ void mutate_tiff(Bytes& file, Random& random) {
     const Field fields[] = {{4, 4},         {directory, 2}, {entry + 2, 2}, {entry + 2, 2},
                             {entry + 4, 4}, {entry + 8, 4}, {entry + 8, 2}, {entry + 4, 4}};
     mutate_field(file, fields, random, order);
+}
+
+void mutate_png(Bytes& file, Random& random) {
+    static constexpr Field header[] = {{8, 4},  {12, 4}, {11, 1}, {15, 1},
+                                       {16, 1}, {17, 1}, {20, 1}};
+    static constexpr uint32_t kinds[] = {0x49444154, 0x504C5445, 0x74524E53, 0x74455874,
+                                         0x7A545874, 0x69545874, 0x69434350, 0x65584966};
+    mutate_chunks(file, 8, Order::big, 4, random, [&](Bytes& chunk, bool first) {
+        if (first)
+            mutate_field(chunk, header, random, Order::big);
+        else if (random.once_in(3))
+            put(chunk, {4, 4}, random.pick(kinds), Order::big);
+        else
+            mutate_content(chunk, random);
+        const size_t end = std::max<size_t>(chunk.size(), 12) - 4;
+        chunk.resize(end + 4);
+        put(chunk, {0, 4}, static_cast<uint32_t>(end - 8), Order::big);
+        put(chunk, {end, 4}, crc_of(chunk.data() + 4, end - 4), Order::big);
+    });
+}
+
+void mutate_webp(Bytes& file, Random& random) {
+    static constexpr uint32_t kinds[] = {0x20385056, 0x4C385056, 0x58385056, 0x48504C41,
+                                         0x46494E41, 0x464D4E41, 0x50434349, 0x46495845};
+    mutate_chunks(file, 12, Order::little, 0, random, [&](Bytes& chunk, bool) {
+        if (random.once_in(6))
+            put(chunk, {0, 4}, random.pick(kinds));
+        else
+            mutate_content(chunk, random);
+        chunk.resize(std::max<size_t>((chunk.size() + 1) & ~size_t{1}, 8));
+        put(chunk, {4, 4}, static_cast<uint32_t>(chunk.size() - 8));
+    });
+    put(file, {4, 4}, static_cast<uint32_t>(file.size() - std::min<size_t>(file.size(), 8)));
+}
+
+void mutate_gif(Bytes& file, Random& random) {
+    static constexpr Field fields[] = {{6, 2}, {8, 2}, {10, 1}, {6, 1}, {8, 1}};
+    if (random.once_in(2)) {
+        mutate_field(file, fields, random);
+        return;
+    }
+    // A frame of some size without colours of its own, an extension, or any bytes.
+    const auto size = [&] { return static_cast<uint8_t>(random.between(1, 255)); };
+    Bytes frame = {',', 0, 0, 0, 0, size(), 0, size(), 0, 0, 8};
+    const Bytes codes = random_bytes(random, 255);
+    frame.push_back(static_cast<uint8_t>(codes.size()));
+    frame.insert(frame.end(), codes.begin(), codes.end());
+    const Bytes parts[] = {frame,
+                           {'!', 0xFE, 3, 1, 2, 3, 0},
+                           {'!', 0xF9, 4, 1, 0, 0, 7, 0},
+                           {1, random.byte()},
+                           random_bytes(random, 12)};
+    insert(file, place_behind(file, 13, random), random.pick(parts));
 }
 
 void mutate_parts(Bytes& bytes, std::vector<size_t> places, Random& random) {

@@ -22,6 +22,10 @@ void mutate_dib(Bytes& file, Random& random);
 void mutate_raw(Bytes& file, Random& random);
 // Entries of the directories of a TIFF structure, too.
 void mutate_tiff(Bytes& file, Random& random);
+// Chunks are removed, doubled, swapped and changed, with sums that are right.
+void mutate_png(Bytes& file, Random& random);
+void mutate_webp(Bytes& file, Random& random);
+void mutate_gif(Bytes& file, Random& random);
 
 // Parts of a sequence, which begin at the given places, are removed, doubled and swapped. The last
 // place is the end.

@@ -93,16 +93,26 @@ void require(bool condition, const char* what) {
     std::abort();
 }
 
-bool draw_surroundings(Input& input) {
-    const uint32_t memory = input.below(256);
-    const bool may_fail = memory >= 192;
-    kirvo::fail_allocation(may_fail ? memory - 191 : 0);
+uint32_t wanted_failure = 0;
+
+uint32_t failing_allocation(uint32_t choice, Input& input) {
+    uint32_t failing = 0;
+    if (choice >= 248) {
+        const uint32_t late = input.below(64);
+        failing = 1 + late * late / 64; // early ones rather, most cases have few
+    }
+    return wanted_failure != 0 ? wanted_failure : failing;
+}
+
+uint32_t draw_surroundings(Input& input) {
+    const uint32_t failing = failing_allocation(input.below(256), input);
+    kirvo::fail_allocation(failing);
     const uint32_t rest = input.below(8);
     kirvo::lower_cpu_level(static_cast<kirvo::CpuLevel>(3 - rest % 4));
     last_percent = -1;
     if (rest >= 4)
         KirvoSetProcess(reinterpret_cast<HWND>(&last_percent), 1, 1);
-    return may_fail;
+    return failing;
 }
 
 kirvo::OwnedBlock block_of(const Bytes& bytes) {

@@ -52,9 +52,14 @@ void stand_as_at_first();
 // Ends the process unless a condition holds.
 void require(bool condition, const char* what);
 
-// Draws what surrounds calls: a failing allocation, the level of the processor, a watching window.
-// True when an allocation may fail.
-bool draw_surroundings(Input& input);
+// Which allocation of a case fails: one of the first where a choice of 256 says so, which one in 32
+// does, and the one that a replay wants wherever it wants one; 0: none.
+uint32_t failing_allocation(uint32_t choice, Input& input);
+extern uint32_t wanted_failure;
+
+// Draws what surrounds calls: a failing allocation, which it gives, the level of the processor, a
+// watching window.
+uint32_t draw_surroundings(Input& input);
 
 // A block with these bytes and no others, not subject to failing allocations.
 kirvo::OwnedBlock block_of(const Bytes& bytes);

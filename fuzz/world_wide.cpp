@@ -1,6 +1,6 @@
 // A world within the program, for many executions: what is allocated ends at a page that cannot be
-// touched, in pages that are kept from case to case, and files are in memory. The linker leads the
-// system's functions here (--wrap).
+// touched, in pages that are kept from case to case, files are in memory, and libraries that have
+// been found stay loaded. The linker leads the system's functions here (--wrap).
 #include "support.hpp"
 
 #include <algorithm>
@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <list>
 #include <sys/mman.h>
@@ -27,6 +28,8 @@ ssize_t __real_read(int file, void* bytes, size_t count);
 off_t __real_lseek(int file, off_t offset, int whence);
 ssize_t __real_write(int file, const void* bytes, size_t count);
 int __real_close(int file);
+void* __real_dlopen(const char* name, int flags);
+void* __real_dlsym(void* library, const char* name);
 }
 
 namespace kirvo_fuzz {
@@ -64,10 +67,11 @@ class Arena {
         Run& run = run_of(memory);
         require(run.block == memory, "what is freed has been allocated");
         const size_t before = looked_after(run);
-        require(std::all_of(run.block - before, run.block,
-                            [](uint8_t byte) { return byte == untouched; }),
-                "nothing is written before a block");
-        std::memset(run.block, gone, std::min<size_t>(end(run) - run.block, 256));
+        uint8_t differing = 0; // all at once; and the fuzzer would look at what memcmp compares
+        for (const uint8_t* at = run.block - before; at != run.block; ++at)
+            differing |= *at ^ untouched;
+        require(differing == 0, "nothing is written before a block");
+        std::memset(run.block, gone, std::min<size_t>(end(run) - run.block, 64));
         run.block = nullptr;
         run.next = spares_[run.pages];
         spares_[run.pages] = &run;
@@ -148,6 +152,25 @@ Descriptor descriptors[most_descriptors];
 Descriptor* descriptor(int file) {
     const int index = file - first_descriptor;
     return index >= 0 && index < most_descriptors ? &descriptors[index] : nullptr;
+}
+
+// Libraries, which are nobody's, and their functions; names are constants.
+struct Found {
+    void* library;
+    const char* name;
+    void* address;
+};
+std::list<Found> found;
+
+template<typename Find>
+void* find_once(void* library, const char* name, const Find& find) {
+    for (const Found& one : found)
+        if (one.library == library && one.name == name)
+            return one.address;
+    void* address = find();
+    if (address != nullptr)
+        found.push_back({library, name, address});
+    return address;
 }
 
 } // namespace
@@ -280,4 +303,16 @@ int __wrap_close(int file) {
     one->file = nullptr;
     return 0;
 }
+
+void* __wrap_dlopen(const char* name, int flags) {
+    return find_once(nullptr, name, [&] { return __real_dlopen(name, flags); });
+}
+
+void* __wrap_dlsym(void* library, const char* name) {
+    if (library == RTLD_DEFAULT || library == RTLD_NEXT) // the fuzzer's, before all is there
+        return __real_dlsym(library, name);
+    return find_once(library, name, [&] { return __real_dlsym(library, name); });
+}
+
+int __wrap_dlclose(void*) { return 0; }
 }

@@ -8,10 +8,13 @@
 // An input takes a time that every call may take, and beyond it so much for each byte, or for each
 // pixel where it has more pixels than bytes.
 #include "files.hpp"
+#include "jpeg.hpp"
 #include "structure.hpp"
 
+#include "exif.hpp"
 #include "image/dib.hpp"
 #include "support/stopwatch.hpp"
+#include "support/world_files.hpp"
 
 #include <algorithm>
 #include <cstdio>
@@ -42,14 +45,39 @@ double pixels_of(HGLOBAL image) {
     return static_cast<double>(dib.width()) * dib.height();
 }
 
-// A reader gives the pixels that it has made, or begun to make.
+// A reader gives the pixels that it has made, or begun to make. Its searches begin with inputs of
+// the fuzzer of its name, and with the files of the world that end like this.
 struct Reader {
     const char* name;
     double (*read)(const char* file, const Bytes& bytes);
     Target::Mutate mutate;
+    const char* ending = nullptr;
+    bool has_companion = false; // the input's text up to its first zero byte
 };
 
+// How many numbers there are, and how large, decides how long the companion takes, and the shape of
+// the picture how long its rows do.
+void mutate_q0(Bytes& input, Random& random) {
+    const auto end = std::find(input.begin(), input.end(), 0);
+    if (end == input.end() || random.once_in(2)) {
+        const int32_t width = random.once_in(2) ? random.between(1, 4) : random.between(1, 5000);
+        const auto pixels = static_cast<int32_t>((input.end() - end) / 3);
+        const std::string text =
+            std::to_string(width) + ' ' + std::to_string(pixels / width) + '\0';
+        input.erase(input.begin(), end);
+        input.insert(input.begin(), text.begin(), text.end());
+    } else if (random.once_in(2)) {
+        input.insert(input.end(), static_cast<size_t>(random.between(1, 20000)), random.byte());
+    } else {
+        static constexpr uint8_t characters[] = {' ', '0', '9', '-', '\n', '\t', 'x'};
+        input.insert(input.begin(), random.pick(characters));
+    }
+}
+
+// Tables outlive a decode: without those of reset_decoder, a stream that does without its own would
+// be slow in a search and fail at once in a test.
 double read_jpeg(const char* file, const Bytes& bytes) {
+    reset_decoder();
     const kirvo::OwnedBlock data = block_of(bytes);
     int32_t error;
     const double made = pixels_of(JpgDecMainHGLOBAL(data.get(), static_cast<int32_t>(bytes.size()),
@@ -82,6 +110,21 @@ double read_with_files(const char*, const Bytes& bytes) {
     return static_cast<double>(known.numbers.width) * known.numbers.height;
 }
 
+// As a TIFF file's EXIF is read, taken out, brought up to date and put into another.
+double read_exif(const char*, const Bytes& input) {
+    const kirvo_files::Bytes bytes(input.data(), input.size());
+    kirvo_files::Known known;
+    kirvo_files::read_exif(known, bytes);
+    const kirvo_files::Tiff tiff(bytes);
+    kirvo_files::Buffer taken, file;
+    if (tiff.good() && kirvo_files::exif_of_tiff(bytes, tiff.first_directory(), taken) &&
+        file.append("II*\0\x08\0\0\0\0\0\0\0\0\0", 14)) {
+        kirvo_files::update_exif(taken, 640, 480, true);
+        kirvo_files::add_to_tiff(file, taken.bytes(), {}, {});
+    }
+    return 0;
+}
+
 const Reader readers[] = {
     {"jpeg_whole", read_jpeg, mutate_jpeg},
     {"jpeg_file",
@@ -98,6 +141,13 @@ const Reader readers[] = {
          return pixels_of(Dib24Read(file, &width, &height, &status));
      },
      mutate_bmp},
+    {"dib",
+     [](const char* file, const Bytes&) {
+         uint32_t width, height, bits;
+         int32_t status;
+         return pixels_of(DibReadEx(file, &width, &height, &bits, &status));
+     },
+     mutate_bmp, ".bmp"},
     {"targa",
      [](const char* file, const Bytes& bytes) {
          uint32_t width, height;
@@ -110,6 +160,13 @@ const Reader readers[] = {
      },
      mutate_targa},
     {"icon", read_icon, mutate_icon},
+    {"q0",
+     [](const char* file, const Bytes&) {
+         uint32_t width, height, bits;
+         int32_t status;
+         return pixels_of(Q0Read(file, &width, &height, &bits, &status));
+     },
+     mutate_q0, nullptr, true},
     {"raw",
      [](const char* file, const Bytes&) {
          uint32_t width, height, bits;
@@ -120,6 +177,12 @@ const Reader readers[] = {
     {"files_bmp", read_with_files<kirvo_files::read_bmp>, mutate_bmp},
     {"files_targa", read_with_files<kirvo_files::read_targa>, mutate_targa},
     {"files_icon", read_with_files<kirvo_files::read_icon>, mutate_icon},
+    {"files_exif", read_exif, mutate_tiff},
+    {"files_jpeg", read_with_files<kirvo_files::read_jpeg>, mutate_jpeg, ".jpg"},
+    {"files_png", read_with_files<kirvo_files::read_png>, mutate_png, ".png"},
+    {"files_tiff", read_with_files<kirvo_files::read_tiff>, mutate_tiff, ".tif"},
+    {"files_gif", read_with_files<kirvo_files::read_gif>, mutate_gif, ".gif"},
+    {"files_webp", read_with_files<kirvo_files::read_webp>, mutate_webp, ".webp"},
 };
 
 // In nanoseconds beyond what every call may take.
@@ -128,8 +191,11 @@ struct Cost {
 };
 
 Cost cost_of(const Reader& reader, const Bytes& bytes, int runs) {
-    static const File file("slowest");
-    file.write(bytes);
+    static const File file("slowest"), companion("slowest.IPR");
+    const auto text_end =
+        reader.has_companion ? std::find(bytes.begin(), bytes.end(), 0) : bytes.begin();
+    companion.write({bytes.begin(), text_end});
+    file.write({text_end, bytes.end()});
     double pixels = 0;
     const double time =
         kirvo_test::milliseconds_of([&] { pixels = reader.read(file.name(), bytes); }, runs);
@@ -174,6 +240,37 @@ class Slowest {
     std::multimap<double, Bytes, std::greater<>> inputs_;
 };
 
+// Pictures of a plain colour and of noise, by KirvoFiles, where it writes such files.
+std::vector<Bytes> sound_files(const char* ending) {
+    std::vector<Bytes> found;
+    const int32_t format = ending != nullptr ? KirvoFilesFormatOf(ending) : 0;
+    if ((KirvoFilesAbilities(format) & KIRVO_FILES_WRITES) == 0)
+        return found;
+    for (const bool noise : {false, true})
+        for (const int32_t side : {100, 500}) {
+            const kirvo::OwnedBlock image(DibMemAllocEx(side, side, 24));
+            const kirvo::LockedBlock block(image.get());
+            if (noise)
+                Random(1).fill(block.data() + 40, block.size() - 40);
+            for (const int32_t compression : {2, 3, 4}) {
+                KirvoFilesSaveOptions options = {};
+                options.size = sizeof options;
+                options.format = format;
+                options.compression = compression;
+                options.flags = compression == 2 ? KIRVO_FILES_WEBP_LOSSLESS : 0;
+                HGLOBAL made = nullptr;
+                uint32_t count = 0;
+                if (KirvoFilesSaveMemory(image.get(), nullptr, &options, &made, &count, nullptr) !=
+                    KIRVO_FILES_OK)
+                    continue;
+                const kirvo::OwnedBlock owner(made);
+                found.push_back(bytes_of(made));
+                found.back().resize(std::min<size_t>(count, longest_input));
+            }
+        }
+    return found;
+}
+
 // Some part of it once more, up to many times.
 void repeat_part(Bytes& input, Random& random) {
     if (input.size() < 2)
@@ -200,6 +297,11 @@ Cost search(const Reader& reader, double seconds) {
             for (const auto& entry : files::directory_iterator(inputs))
                 offer(read_bytes(entry.path()));
     }
+    for (const kirvo_test::WorldFile& one : kirvo_test::world_files())
+        if (reader.ending != nullptr && files::path(one.name).extension() == reader.ending)
+            offer(one.bytes);
+    for (const Bytes& sound : sound_files(reader.ending))
+        offer(sound);
     const double end = kirvo_test::milliseconds() + seconds * 1e3;
     uint64_t tried = 0;
     for (; kirvo_test::milliseconds() < end; ++tried) {

@@ -244,7 +244,8 @@ typedef struct KirvoFilesOpenOptions {
  *          #KIRVO_FILES_CANNOT_OPEN; #KIRVO_FILES_READ_ERROR; #KIRVO_FILES_EMPTY;
  *          #KIRVO_FILES_NOT_A_PICTURE; #KIRVO_FILES_ENDS_EARLY; #KIRVO_FILES_DAMAGED;
  *          #KIRVO_FILES_UNSUPPORTED; #KIRVO_FILES_NO_CODEC; #KIRVO_FILES_CLAIM_TOO_LARGE;
- *          #KIRVO_FILES_NO_FRAME; #KIRVO_FILES_TOO_LARGE for a file of 2 GB and more;
+ *          #KIRVO_FILES_NO_FRAME; #KIRVO_FILES_TOO_LARGE for a file of 2 GB and more, or one
+ *          with a profile or text of much more than a picture needs;
  *          #KIRVO_FILES_ABANDONED */
 KIRVO_FILES_API int32_t WINAPI KirvoFilesOpen(const char* name,
                                               const KirvoFilesOpenOptions* options, HGLOBAL* dib,

@@ -41,12 +41,16 @@ NUSPEC = f"""<?xml version="1.0" encoding="utf-8"?>
   </metadata>
 </package>
 """
-# .NET Framework knows no runtimes/: the libraries of the program's width are copied beside it.
+# .NET Framework knows no runtimes/: the libraries of the program's width are copied beside it. Those
+# for any processor run at the system's, unless they prefer 32 bits.
 TARGETS = """<?xml version="1.0" encoding="utf-8"?>
 <Project xmlns="http://schemas.microsoft.com/developer/msbuild/2003">
   <PropertyGroup>
-    <KirvoRuntime Condition="'$(Platform)' == 'x64' Or '$(PlatformTarget)' == 'x64'">win-x64</KirvoRuntime>
-    <KirvoRuntime Condition="'$(KirvoRuntime)' == ''">win-x86</KirvoRuntime>
+    <KirvoTarget>$(PlatformTarget)</KirvoTarget>
+    <KirvoTarget Condition="'$(KirvoTarget)' == ''">$(Platform)</KirvoTarget>
+    <KirvoRuntime>win-x64</KirvoRuntime>
+    <KirvoRuntime Condition="'$(KirvoTarget)' == 'x86'">win-x86</KirvoRuntime>
+    <KirvoRuntime Condition="'$(KirvoTarget)' != 'x64' And '$(Prefer32Bit)' == 'true'">win-x86</KirvoRuntime>
   </PropertyGroup>
   <ItemGroup>
     <None Include="$(MSBuildThisFileDirectory)..\\..\\runtimes\\$(KirvoRuntime)\\native\\*.dll">

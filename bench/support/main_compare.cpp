@@ -1,6 +1,6 @@
 // Runs our rows on two builds of the library in turns:
 //
-//     kirvo_compare OLD.so NEW.so [--megapixels 12|1] [--rounds N] [PATTERN]
+//     kirvo_compare OLD.so NEW.so [--megapixels 12|1|small] [--rounds N] [PATTERN]
 //
 // PATTERN is a regular expression that a row's name has to contain.
 #include "support/lazy_work.hpp"
@@ -143,7 +143,7 @@ struct Options {
 
 [[noreturn]] void explain() {
     std::fprintf(stderr,
-                 "kirvo_compare OLD.so NEW.so [--megapixels 12|1] [--rounds N] [PATTERN]\n");
+                 "kirvo_compare OLD.so NEW.so [--megapixels 12|1|small] [--rounds N] [PATTERN]\n");
     std::exit(2);
 }
 
@@ -170,10 +170,8 @@ Options options_of(int argc, char** argv) {
     for (int i = 3; i < argc; ++i) {
         const std::string argument = argv[i];
         if (argument == "--megapixels" && i + 1 < argc) {
-            const int megapixels = number(argv[++i]);
-            if (megapixels != 1 && megapixels != 12)
+            if (!set_photo_size(argv[++i]))
                 explain();
-            set_photo_megapixels(megapixels);
         } else if (argument == "--rounds" && i + 1 < argc) {
             options.rounds = number(argv[++i]);
         } else if (argument.starts_with("-")) {

@@ -1,4 +1,4 @@
-// Runs the rows with Google Benchmark: kirvo_bench [--megapixels 12|1] [ITS ARGUMENTS]
+// Runs the rows with Google Benchmark: kirvo_bench [--megapixels 12|1|small] [ITS ARGUMENTS]
 #include "support/lazy_work.hpp"
 #include "support/pictures.hpp"
 #include "support/table.hpp"
@@ -6,7 +6,6 @@
 #include <benchmark/benchmark.h>
 #include <climits>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <malloc.h>
 #include <memory>
@@ -59,7 +58,10 @@ int main(int argc, char** argv) {
     mallopt(M_MMAP_MAX, 0);
     mallopt(M_TRIM_THRESHOLD, INT_MAX);
     if (argc > 2 && std::strcmp(argv[1], "--megapixels") == 0) {
-        kirvo_bench::set_photo_megapixels(std::atoi(argv[2]));
+        if (!kirvo_bench::set_photo_size(argv[2])) {
+            std::fprintf(stderr, "--megapixels 12, 1 or small\n");
+            return 2;
+        }
         argv[2] = argv[0];
         argv += 2;
         argc -= 2;

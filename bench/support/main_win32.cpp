@@ -1,10 +1,15 @@
-// Runs the rows on Windows, where there is no Google Benchmark: kirvo_bench [PATTERN]
+// Runs the rows on Windows, where there is no Google Benchmark:
+//
+//     kirvo_bench [--megapixels 12|1|small] [PATTERN]
 //
 // Rows whose name the regular expression matches take turns, so that a busy moment of the machine
 // hits all of them alike.
 #include "support/lazy_work.hpp"
+#include "support/pictures.hpp"
 #include "support/table.hpp"
 
+#include <cstdio>
+#include <cstring>
 #include <regex>
 #include <windows.h>
 
@@ -12,8 +17,8 @@ namespace kirvo_bench {
 
 namespace {
 
-constexpr int repetitions = 9;
-constexpr double least_milliseconds = 400; // of a repetition: the clock has coarse ticks
+constexpr int repetitions = 5;
+constexpr double least_milliseconds = 200; // of a repetition: the clock has coarse ticks
 
 struct Measured {
     std::string name;
@@ -58,7 +63,15 @@ Row::Row(const char* name, std::function<Work()> prepare, std::function<double()
 
 int main(int argc, char** argv) {
     using namespace kirvo_bench;
-    const std::regex wanted(argc > 1 ? argv[1] : "");
+    int first = 1;
+    if (argc > 2 && std::strcmp(argv[1], "--megapixels") == 0) {
+        if (!set_photo_size(argv[2])) {
+            std::fprintf(stderr, "--megapixels 12, 1 or small\n");
+            return 2;
+        }
+        first = 3;
+    }
+    const std::regex wanted(argc > first ? argv[first] : "");
     Table table;
     for (int i = 0; i < repetitions; ++i) {
         for (Measured& row : all_rows()) {

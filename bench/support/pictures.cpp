@@ -17,9 +17,14 @@ namespace kirvo_bench {
 // Rows of a multiple of 4 pixels have no padding.
 int photo_width = 4000, photo_height = 3000;
 
-void set_photo_megapixels(int megapixels) {
-    photo_width = megapixels == 1 ? 1024 : 4000;
-    photo_height = megapixels == 1 ? 1024 : 3000;
+bool set_photo_size(const std::string& megapixels) {
+    static const std::map<std::string, std::pair<int, int>> sizes = {
+        {"12", {4000, 3000}}, {"1", {1024, 1024}}, {"small", {152, 150}}};
+    const auto size = sizes.find(megapixels);
+    if (size == sizes.end())
+        return false;
+    std::tie(photo_width, photo_height) = size->second;
+    return true;
 }
 
 double photo_megapixels() { return photo_width / 1e6 * photo_height; }

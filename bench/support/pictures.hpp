@@ -4,13 +4,15 @@
 
 #include <cstdint>
 #include <kirvo.h>
+#include <string>
 #include <vector>
 
 namespace kirvo_bench {
 
 extern int photo_width, photo_height;
-// 12 or 1, before the first picture is made.
-void set_photo_megapixels(int megapixels);
+// "12", "1", or "small" for one of 152 x 150 pixels, before the first picture is made. False for
+// another.
+bool set_photo_size(const std::string& megapixels);
 double photo_megapixels();
 
 // Packed DIBs; not to be freed. Operations that work in place may change the scratch images.

@@ -40,7 +40,7 @@ void Table::print() const {
 void Table::print(const std::string& operation, const std::string& library, const Row& row,
                   double ours) {
     const double time = median(row.milliseconds);
-    std::printf("%-40s %-16s %10.2f %10.0f", operation.c_str(), library.c_str(), time,
+    std::printf("%-40s %-16s %10.4f %10.0f", operation.c_str(), library.c_str(), time,
                 row.megapixels / time * 1000);
     if (ours > 0)
         std::printf(" %9.2fx", time / ours);

@@ -2294,22 +2294,51 @@ namespace KirvoImaging
 #if NET5_0_OR_GREATER
         static Kirvo()
         {
+            KirvoLibraries.Find();
+        }
+#endif
+    }
+
+#if NET5_0_OR_GREATER
+    /// <summary>Where the libraries have other names, away from Windows.</summary>
+    static class KirvoLibraries
+    {
+        static KirvoLibraries()
+        {
             if (OperatingSystem.IsWindows())
                 return;
             try
             {
-                NativeLibrary.SetDllImportResolver(typeof(Kirvo).Assembly, (name, assembly, path) =>
-                    NativeLibrary.Load(name == Library ? "libkirvo.so" : "libkirvofiles.so",
-                        assembly, path));
+                NativeLibrary.SetDllImportResolver(typeof(KirvoLibraries).Assembly, Load);
             }
             catch (InvalidOperationException)
             {
-                // The program has a resolver: its own, or that of KirvoFiles.cs, which knows both
-                // libraries.
+                // The program has a resolver of its own, which finds these libraries, too.
             }
         }
-#endif
+
+        /// <summary>Called before their first function.</summary>
+        internal static void Find()
+        {
+        }
+
+        /// <summary>Other libraries of the program are found as ever.</summary>
+        static IntPtr Load(string name, System.Reflection.Assembly assembly, DllImportSearchPath? path)
+        {
+            switch (name)
+            {
+                case "Kirvo.dll":
+                case "kernel32.dll":
+                case "gdi32.dll":
+                    return NativeLibrary.Load("libkirvo.so", assembly, path);
+                case "KirvoFiles.dll":
+                    return NativeLibrary.Load("libkirvofiles.so", assembly, path);
+                default:
+                    return IntPtr.Zero;
+            }
+        }
     }
+#endif
 
     /// <summary>A status code other than KIRVO_OK.</summary>
     public sealed class KirvoException : Exception

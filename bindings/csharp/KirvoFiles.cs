@@ -426,8 +426,8 @@ namespace KirvoImaging
         /// KIRVO_FILES_CANNOT_OPEN; KIRVO_FILES_READ_ERROR; KIRVO_FILES_EMPTY;
         /// KIRVO_FILES_NOT_A_PICTURE; KIRVO_FILES_ENDS_EARLY; KIRVO_FILES_DAMAGED;
         /// KIRVO_FILES_UNSUPPORTED; KIRVO_FILES_NO_CODEC; KIRVO_FILES_CLAIM_TOO_LARGE;
-        /// KIRVO_FILES_NO_FRAME; KIRVO_FILES_TOO_LARGE for a file of 2 GB and more;
-        /// KIRVO_FILES_ABANDONED</returns>
+        /// KIRVO_FILES_NO_FRAME; KIRVO_FILES_TOO_LARGE for a file of 2 GB and more, or one with a
+        /// profile or text of much more than a picture needs; KIRVO_FILES_ABANDONED</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesOpen(byte[] name,
             [In] ref KirvoFilesOpenOptions options, out IntPtr dib, out IntPtr file);
@@ -461,8 +461,8 @@ namespace KirvoImaging
         /// KIRVO_FILES_CANNOT_OPEN; KIRVO_FILES_READ_ERROR; KIRVO_FILES_EMPTY;
         /// KIRVO_FILES_NOT_A_PICTURE; KIRVO_FILES_ENDS_EARLY; KIRVO_FILES_DAMAGED;
         /// KIRVO_FILES_UNSUPPORTED; KIRVO_FILES_NO_CODEC; KIRVO_FILES_CLAIM_TOO_LARGE;
-        /// KIRVO_FILES_NO_FRAME; KIRVO_FILES_TOO_LARGE for a file of 2 GB and more;
-        /// KIRVO_FILES_ABANDONED</returns>
+        /// KIRVO_FILES_NO_FRAME; KIRVO_FILES_TOO_LARGE for a file of 2 GB and more, or one with a
+        /// profile or text of much more than a picture needs; KIRVO_FILES_ABANDONED</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesOpen(byte[] name,
             [In] ref KirvoFilesOpenOptions options, out IntPtr dib, IntPtr file);
@@ -496,8 +496,8 @@ namespace KirvoImaging
         /// KIRVO_FILES_CANNOT_OPEN; KIRVO_FILES_READ_ERROR; KIRVO_FILES_EMPTY;
         /// KIRVO_FILES_NOT_A_PICTURE; KIRVO_FILES_ENDS_EARLY; KIRVO_FILES_DAMAGED;
         /// KIRVO_FILES_UNSUPPORTED; KIRVO_FILES_NO_CODEC; KIRVO_FILES_CLAIM_TOO_LARGE;
-        /// KIRVO_FILES_NO_FRAME; KIRVO_FILES_TOO_LARGE for a file of 2 GB and more;
-        /// KIRVO_FILES_ABANDONED</returns>
+        /// KIRVO_FILES_NO_FRAME; KIRVO_FILES_TOO_LARGE for a file of 2 GB and more, or one with a
+        /// profile or text of much more than a picture needs; KIRVO_FILES_ABANDONED</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesOpen(byte[] name, IntPtr options,
             out IntPtr dib, out IntPtr file);
@@ -531,8 +531,8 @@ namespace KirvoImaging
         /// KIRVO_FILES_CANNOT_OPEN; KIRVO_FILES_READ_ERROR; KIRVO_FILES_EMPTY;
         /// KIRVO_FILES_NOT_A_PICTURE; KIRVO_FILES_ENDS_EARLY; KIRVO_FILES_DAMAGED;
         /// KIRVO_FILES_UNSUPPORTED; KIRVO_FILES_NO_CODEC; KIRVO_FILES_CLAIM_TOO_LARGE;
-        /// KIRVO_FILES_NO_FRAME; KIRVO_FILES_TOO_LARGE for a file of 2 GB and more;
-        /// KIRVO_FILES_ABANDONED</returns>
+        /// KIRVO_FILES_NO_FRAME; KIRVO_FILES_TOO_LARGE for a file of 2 GB and more, or one with a
+        /// profile or text of much more than a picture needs; KIRVO_FILES_ABANDONED</returns>
         [DllImport(Library, ExactSpelling = true)]
         public static extern KirvoFilesStatus KirvoFilesOpen(byte[] name, IntPtr options,
             out IntPtr dib, IntPtr file);
@@ -1073,18 +1073,7 @@ namespace KirvoImaging
 #if NET5_0_OR_GREATER
         static KirvoFiles()
         {
-            if (OperatingSystem.IsWindows())
-                return;
-            try
-            {
-                NativeLibrary.SetDllImportResolver(typeof(KirvoFiles).Assembly,
-                    (name, assembly, path) => NativeLibrary.Load(
-                        name == Library ? "libkirvofiles.so" : "libkirvo.so", assembly, path));
-            }
-            catch (InvalidOperationException)
-            {
-                // The program has a resolver: its own, or that of Kirvo.cs, which knows both libraries.
-            }
+            KirvoLibraries.Find();
         }
 #endif
     }

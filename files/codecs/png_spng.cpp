@@ -21,15 +21,20 @@ class Context {
     spng_ctx* context_;
 };
 
+// Of a profile, or a text, which may be a thousandth of that in the file.
+constexpr size_t largest_chunk = 16 << 20;
+
 bool is_short(int error) { return error == SPNG_IO_EOF || error == SPNG_IO_ERROR; }
 
 Status failed(Job& job, int error) {
     if (error == SPNG_EMEM)
         return KIRVO_FILES_NO_MEMORY;
-    return is_short(error) ? job.known.fail(KIRVO_FILES_ENDS_EARLY,
-                                            Text::format("ends early: within its headers"))
-                           : job.known.fail(KIRVO_FILES_DAMAGED,
-                                            Text::format("damaged: %s", spng_strerror(error)));
+    // Behind the end of the data every other question is one too many.
+    const bool early = is_short(error) || (error == SPNG_EBADSTATE && job.cut_off);
+    return early ? job.known.fail(KIRVO_FILES_ENDS_EARLY,
+                                  Text::format("ends early: within its headers"))
+                 : job.known.fail(KIRVO_FILES_DAMAGED,
+                                  Text::format("damaged: %s", spng_strerror(error)));
 }
 
 class Decoder {
@@ -40,19 +45,27 @@ class Decoder {
         if (context_ == nullptr)
             return KIRVO_FILES_NO_MEMORY;
         spng_set_crc_action(context_, SPNG_CRC_USE, SPNG_CRC_USE); // a wrong sum spoils no pixel
-        spng_set_png_buffer(context_, job_.bytes.data(), job_.bytes.size());
+        spng_set_chunk_limits(context_, largest_chunk, 2 * largest_chunk);
+        if (!close_cut_chunk())
+            return KIRVO_FILES_NO_MEMORY;
+        const Bytes all = closed_.empty() ? job_.bytes : closed_.bytes();
+        spng_set_png_buffer(context_, all.data(), all.size());
         int error = spng_get_ihdr(context_, &header_);
         if (error != 0)
             return failed(job_, error);
         spng_set_image_limits(context_, 0x7FFFFFFF, 0x7FFFFFFF);
+        spng_iccp profile = {};
+        error = spng_get_iccp(context_, &profile); // reads all that comes before the rows
+        if (error == SPNG_ECHUNK_LIMITS)
+            return job_.known.fail(KIRVO_FILES_TOO_LARGE,
+                                   Text::format("a profile or text above 16 MB"));
+        if (error == 0)
+            job_.known.icc.append(profile.profile, profile.profile_len);
         const bool palette = header_.color_type == SPNG_COLOR_TYPE_INDEXED;
         spng_trns transparency = {};
         const bool alpha = (header_.color_type & 4) != 0 ||
                            (!palette && spng_get_trns(context_, &transparency) == 0);
         grey_ = (header_.color_type & 2) == 0;
-        spng_iccp profile = {};
-        if (spng_get_iccp(context_, &profile) == 0)
-            job_.known.icc.append(profile.profile, profile.profile_len);
         // The library does not make 8 bits of grey with alpha: such rows come as true colour.
         if (palette || (grey_ && !alpha && header_.bit_depth <= 8))
             return indexed();
@@ -60,6 +73,24 @@ class Decoder {
     }
 
   private:
+    // The library takes a chunk as a whole or not at all: pixels that are cut off in the middle of
+    // one become a shorter one.
+    bool close_cut_chunk() {
+        const Bytes& in = job_.bytes;
+        uint64_t at = 8;
+        while (in.has(at, 12 + uint64_t{in.be32(at)}))
+            at += 12 + uint64_t{in.be32(at)};
+        if (!in.begins("IDAT", at + 4))
+            return true;
+        const uint64_t left = in.size() - (at + 8), length = in.be32(at);
+        const uint64_t kept = left < length ? left : length;
+        if (!closed_.assign(in.part(0, at + 8 + kept)) || !closed_.append("\0\0\0", 4))
+            return false;
+        for (uint32_t i = 0; i < 4; ++i)
+            closed_[static_cast<size_t>(at + i)] = static_cast<uint8_t>(kept >> (24 - 8 * i));
+        return true;
+    }
+
     Status indexed() {
         const bool palette = header_.color_type == SPNG_COLOR_TYPE_INDEXED;
         spng_plte colours = {};
@@ -166,7 +197,7 @@ class Decoder {
     Job& job_;
     Context context_{0};
     spng_ihdr header_ = {};
-    Buffer line_;
+    Buffer line_, closed_;
     int flags_ = 0;
     bool grey_ = false;
 };

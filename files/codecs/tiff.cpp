@@ -107,6 +107,10 @@ class Decoder {
         if (model_ == PHOTOMETRIC_SEPARATED)
             job_.known.note(KIRVO_FILES_NOTE_REDUCED,
                             Text::format("CMYK became RGB without a profile"));
+        if (model_ == PHOTOMETRIC_CIELAB || model_ == PHOTOMETRIC_ICCLAB ||
+            model_ == PHOTOMETRIC_ITULAB)
+            job_.known.note(KIRVO_FILES_NOTE_REDUCED,
+                            Text::format("L*a*b* became RGB as libtiff does it"));
         const bool one = samples_ == 1 && TIFFIsTiled(tiff_) == 0 && bits_ <= 8 &&
                          (bits_ == 1 || bits_ == 2 || bits_ == 4 || bits_ == 8) &&
                          sample_format_ == SAMPLEFORMAT_UINT;
@@ -187,8 +191,8 @@ class Decoder {
     Status by_samples() {
         uint16_t extras = 0, *kinds = nullptr;
         TIFFGetFieldDefaulted(tiff_, TIFFTAG_EXTRASAMPLES, &extras, &kinds);
-        const bool alpha = extras > 0 && kinds[0] != EXTRASAMPLE_UNSPECIFIED &&
-                           model_ != PHOTOMETRIC_SEPARATED && samples_ > colour_samples();
+        const bool alpha =
+            extras > 0 && kinds[0] != EXTRASAMPLE_UNSPECIFIED && samples_ > colour_samples();
         multiplied_ = alpha && kinds[0] == EXTRASAMPLE_ASSOCALPHA;
         Raster raster(job_);
         const bool grey = colour_samples() == 1 && model_ != PHOTOMETRIC_PALETTE;

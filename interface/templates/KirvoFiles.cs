@@ -52,18 +52,7 @@ namespace KirvoImaging
 #if NET5_0_OR_GREATER
         static KirvoFiles()
         {
-            if (OperatingSystem.IsWindows())
-                return;
-            try
-            {
-                NativeLibrary.SetDllImportResolver(typeof(KirvoFiles).Assembly,
-                    (name, assembly, path) => NativeLibrary.Load(
-                        name == Library ? "libkirvofiles.so" : "libkirvo.so", assembly, path));
-            }
-            catch (InvalidOperationException)
-            {
-                // The program has a resolver: its own, or that of Kirvo.cs, which knows both libraries.
-            }
+            KirvoLibraries.Find();
         }
 #endif
     }

@@ -135,10 +135,12 @@ namespace KirvoImaging
     {
         const string Library = "KirvoFiles.dll";
 
+#if NET5_0_OR_GREATER
         static KirvoFilesCalls()
         {
-            System.Runtime.CompilerServices.RuntimeHelpers.RunClassConstructor(typeof(Kirvo).TypeHandle); // finds libraries
+            KirvoLibraries.Find();
         }
+#endif
 
         [DllImport(Library, ExactSpelling = true)]
         static extern uint KirvoFilesStatusText(KirvoStatus status, byte[] text, uint capacity);
@@ -591,12 +593,15 @@ namespace KirvoImaging
             for (int y = 0; y < Height; ++y)
                 WithBytes(address =>
                 {
-                    ref byte first = ref System.Runtime.CompilerServices.Unsafe.AddByteOffset(
-                        ref System.Runtime.CompilerServices.Unsafe.NullRef<byte>(),
-                        RowAddress(address, y));
-                    call(y, MemoryMarshal.CreateSpan(ref first, bytes));
+                    call(y, SpanOf(RowAddress(address, y), bytes));
                     return 0;
                 });
+        }
+
+        static Span<byte> SpanOf(IntPtr address, int bytes)
+        {
+            return MemoryMarshal.CreateSpan(ref System.Runtime.CompilerServices.Unsafe.AddByteOffset(
+                ref System.Runtime.CompilerServices.Unsafe.NullRef<byte>(), address), bytes);
         }
 #endif
 

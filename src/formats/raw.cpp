@@ -2,6 +2,7 @@
 // padding. The size of a Q0 picture lies in a companion file, that of a RAW picture in its header.
 #include "formats/answer.hpp"
 #include "formats/companion.hpp"
+#include "formats/packed_rows.hpp"
 #include "image/progress.hpp"
 #include "simd/kernels.hpp"
 
@@ -26,9 +27,11 @@ bool holds_pixels(uint64_t file_bytes, int32_t width, int32_t height) {
 bool read_rows(InputFile& file, const LockedDib& dib) {
     const Rows rows = dib.rows(RowStart::after_40);
     const auto pixels = static_cast<size_t>(dib.width());
+    PackedRows file_rows(file, static_cast<uint32_t>(3 * pixels),
+                         static_cast<uint32_t>(dib.height()));
     return each_step(dib.height(), [&](int32_t i) {
         uint8_t* row = rows[dib.height() - 1 - i];
-        if (!file.read(row, static_cast<uint32_t>(3 * pixels)))
+        if (!file_rows.next(row, progress_enabled()))
             return false;
         kernels().permute(row, row, pixels, red_and_blue_exchanged);
         return true;

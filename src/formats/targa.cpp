@@ -1,5 +1,6 @@
 // Targa files: an 18-byte header followed by uncompressed rows of 24-bit pixels without padding.
 #include "formats/answer.hpp"
+#include "formats/packed_rows.hpp"
 
 namespace kirvo {
 
@@ -18,9 +19,10 @@ void put_u16(uint8_t* to, int32_t value) {
 
 bool read_rows(InputFile& file, const LockedDib& dib, bool from_top) {
     const Rows rows = dib.rows(RowStart::after_40);
-    const auto bytes = static_cast<uint32_t>(row_bytes(dib.width(), 24));
+    PackedRows file_rows(file, static_cast<uint32_t>(row_bytes(dib.width(), 24)),
+                         static_cast<uint32_t>(dib.height()));
     for (int32_t i = 0; i < dib.height(); ++i) {
-        if (!file.read(rows[from_top ? dib.height() - 1 - i : i], bytes))
+        if (!file_rows.next(rows[from_top ? dib.height() - 1 - i : i], false))
             return false;
     }
     return true;

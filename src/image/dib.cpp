@@ -42,7 +42,8 @@ void copy_up_to(uint8_t* to, const uint8_t* from, size_t count, const uint8_t* e
                 CopyBytes copy) {
     const size_t there = from < end ? std::min(count, static_cast<size_t>(end - from)) : 0;
     copy(to, from, there);
-    std::memset(to + there, 0, count - there);
+    if (there != count)
+        std::memset(to + there, 0, count - there);
 }
 
 Rows rows_of(const LockedDib& dib, const Rect& rect, RowStart start) {

@@ -20,6 +20,9 @@ void fail_allocation(uint32_t n);
 // For tests: no block above so many bytes can be had from now on.
 void limit_allocation(uint64_t bytes);
 
+// For tests: allocations that have been asked for since the last call.
+uint32_t count_allocations();
+
 // A block that is freed unless it is handed over.
 class OwnedBlock {
   public:

@@ -53,20 +53,4 @@ struct VectorAvx : VectorX86 {
             return all16((first & 0xFF) | (second & 0xFF) << 8);
         }
     };
-
-  protected:
-    // In 4 x 4 squares of each 16 bytes, four vectors each.
-    template<size_t n>
-    static void transpose_parts(Register (&v)[n]) {
-#pragma GCC unroll 4
-        for (size_t i = 0; i < n; i += 4) {
-            const Register low01 = zip_low32(v[i], v[i + 1]), high01 = zip_high32(v[i], v[i + 1]);
-            const Register low23 = zip_low32(v[i + 2], v[i + 3]),
-                           high23 = zip_high32(v[i + 2], v[i + 3]);
-            v[i] = zip_low64(low01, low23);
-            v[i + 1] = zip_high64(low01, low23);
-            v[i + 2] = zip_low64(high01, high23);
-            v[i + 3] = zip_high64(high01, high23);
-        }
-    }
 };

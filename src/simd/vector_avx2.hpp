@@ -3,6 +3,7 @@
 
 #include "simd/dct.hpp"
 #include "simd/kernel_types.hpp"
+#include "simd/shared_operations.hpp"
 
 #include <immintrin.h>
 
@@ -99,7 +100,7 @@ struct Vector : VectorAvx {
         }
     }
     static void transpose(Register (&v)[words]) {
-        transpose_parts(v);
+        transpose_parts<Vector>(v);
 #pragma GCC unroll 4
         for (size_t i = 0; i < 4; ++i) {
             const Register upper = v[i], lower = v[i + 4];

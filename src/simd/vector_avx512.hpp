@@ -4,6 +4,7 @@
 
 #include "simd/dct.hpp"
 #include "simd/kernel_types.hpp"
+#include "simd/shared_operations.hpp"
 
 #include <immintrin.h>
 
@@ -83,6 +84,20 @@ struct Vector : VectorAvx {
     }
 
     static constexpr size_t words = size / 4;
+    static void transpose(Register (&v)[words]) {
+        transpose_parts<Vector>(v);
+#pragma GCC unroll 4
+        for (size_t i = 0; i < 4; ++i) {
+            const Register even0 = _mm512_shuffle_i32x4(v[i], v[i + 4], 0x88);
+            const Register odd0 = _mm512_shuffle_i32x4(v[i], v[i + 4], 0xDD);
+            const Register even1 = _mm512_shuffle_i32x4(v[i + 8], v[i + 12], 0x88);
+            const Register odd1 = _mm512_shuffle_i32x4(v[i + 8], v[i + 12], 0xDD);
+            v[i] = _mm512_shuffle_i32x4(even0, even1, 0x88);
+            v[i + 4] = _mm512_shuffle_i32x4(odd0, odd1, 0x88);
+            v[i + 8] = _mm512_shuffle_i32x4(even0, even1, 0xDD);
+            v[i + 12] = _mm512_shuffle_i32x4(odd0, odd1, 0xDD);
+        }
+    }
     template<int bytes>
     static Register load_row(const uint8_t* from) {
         if constexpr (bytes == 1) {
@@ -132,20 +147,6 @@ struct Vector : VectorAvx {
 #pragma GCC unroll 3
         for (int i = 0; i < 3; ++i)
             store(bgr + 64 * i, _mm512_permutex2var_epi8(v[i], places[i].vector(), v[i + 1]));
-    }
-    static void transpose(Register (&v)[words]) {
-        transpose_parts(v);
-#pragma GCC unroll 4
-        for (size_t i = 0; i < 4; ++i) {
-            const Register even0 = _mm512_shuffle_i32x4(v[i], v[i + 4], 0x88);
-            const Register odd0 = _mm512_shuffle_i32x4(v[i], v[i + 4], 0xDD);
-            const Register even1 = _mm512_shuffle_i32x4(v[i + 8], v[i + 12], 0x88);
-            const Register odd1 = _mm512_shuffle_i32x4(v[i + 8], v[i + 12], 0xDD);
-            v[i] = _mm512_shuffle_i32x4(even0, even1, 0x88);
-            v[i + 4] = _mm512_shuffle_i32x4(odd0, odd1, 0x88);
-            v[i + 8] = _mm512_shuffle_i32x4(even0, even1, 0xDD);
-            v[i + 12] = _mm512_shuffle_i32x4(odd0, odd1, 0xDD);
-        }
     }
 
     static constexpr size_t run = 21;

@@ -3,7 +3,7 @@
 
 #include "simd/dct.hpp"
 #include "simd/kernel_types.hpp"
-#include "simd/weighted_sums.hpp"
+#include "simd/shared_operations.hpp"
 
 #include <cstring>
 #include <emmintrin.h>
@@ -108,14 +108,7 @@ struct Vector : VectorX86 {
         }
     }
     // A square of words, rows to columns.
-    static void transpose(Register (&v)[words]) {
-        const Register low01 = zip_low32(v[0], v[1]), high01 = zip_high32(v[0], v[1]);
-        const Register low23 = zip_low32(v[2], v[3]), high23 = zip_high32(v[2], v[3]);
-        v[0] = zip_low64(low01, low23);
-        v[1] = zip_high64(low01, low23);
-        v[2] = zip_low64(high01, high23);
-        v[3] = zip_high64(high01, high23);
-    }
+    static void transpose(Register (&v)[words]) { transpose_parts<Vector>(v); }
     // Elements of 1, 2 or 4 bytes, the last first.
     template<int bytes>
     static Register reversed(Register v) {

@@ -4,7 +4,7 @@
 
 #include "simd/dct.hpp"
 #include "simd/kernel_types.hpp"
-#include "simd/weighted_sums.hpp"
+#include "simd/shared_operations.hpp"
 
 #include <array>
 #include <utility>
@@ -196,14 +196,7 @@ struct Vector {
                 wasm_v128_store32_lane(to + 8, closed, 2);
         }
     }
-    static void transpose(Register (&v)[words]) {
-        const Register low01 = zip_low32(v[0], v[1]), high01 = zip_high32(v[0], v[1]);
-        const Register low23 = zip_low32(v[2], v[3]), high23 = zip_high32(v[2], v[3]);
-        v[0] = zip_low64(low01, low23);
-        v[1] = zip_high64(low01, low23);
-        v[2] = zip_low64(high01, high23);
-        v[3] = zip_high64(high01, high23);
-    }
+    static void transpose(Register (&v)[words]) { transpose_parts<Vector>(v); }
     template<int bytes>
     static Register reversed(Register v) {
         return shuffled<[](int i) { return 16 - bytes - i / bytes * bytes + i % bytes; }>(v, v);

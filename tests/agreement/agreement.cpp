@@ -3,7 +3,6 @@
 // can be seen of them after every hundred. The sequences are the same wherever the program is built,
 // so that the digests tell whether word size, compiler, system or level of the processor changes
 // anything. kirvo_agreement COUNT SEED FROM TO also prints those sequences call by call.
-#include "support/dib_builder.hpp"
 #include "support/progress_recorder.hpp"
 #include "support/valid_calls.hpp"
 
@@ -32,16 +31,6 @@ class Digest {
   private:
     uint64_t state_ = 0xCBF29CE484222325u;
 };
-
-std::vector<uint8_t> random_image(int bits, RandomChoices& choices) {
-    Random random(choices.below(UINT32_MAX));
-    DibSpec spec{random.between(1, 48), random.between(1, 48), bits};
-    if (bits == 16)
-        spec.masks = random.once_in(2) ? masks_555 : masks_565;
-    else if (bits == 32)
-        spec.masks = masks_888;
-    return make_random_dib(spec, random).bytes();
-}
 
 // How much memory there is differs from system to system: where a call has found too little of it,
 // or may find too little elsewhere, a sequence ends.

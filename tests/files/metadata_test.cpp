@@ -1,5 +1,6 @@
 // EXIF, profiles, XMP, comments and resolution: told, carried, brought up to date. Orientation.
 #include "files/opened.hpp"
+#include "support/stopwatch.hpp"
 
 using namespace kirvo_test;
 
@@ -108,6 +109,29 @@ uint32_t field(uint32_t colour) {
     const auto on = [&](int shift) { return (colour >> shift & 255) > 130; };
     const uint32_t key = on(16) * 4u + on(8) * 2u + on(0);
     return key == 4 ? 0 : key == 2 ? 1 : key == 1 ? 2 : key == 6 ? 3 : key == 3 ? 4 : 5;
+}
+
+// A TIFF file of one grey pixel with an EXIF directory of so many entries, each of a tag of its own,
+// the highest first, and with the same value of so many bytes.
+Bytes tiff_with_many_entries(uint32_t count, uint32_t value_bytes) {
+    constexpr uint32_t inner = 8 + 2 + 10 * 12 + 4;
+    ExifWriter out(true);
+    out.put(10, 2);
+    for (const uint32_t tag : {256, 257, 259, 262, 277, 278})
+        out.entry(tag, 3, 1, 1);
+    out.entry(258, 3, 1, 8);
+    out.entry(273, 4, 1, 0);
+    out.entry(279, 4, 1, 1);
+    out.entry(0x8769, 4, 1, inner);
+    out.put(0, 4);
+    EXPECT_EQ(out.bytes.size(), inner);
+    out.put(count, 2);
+    const uint32_t value_at = inner + 2 + 12 * count + 4;
+    for (uint32_t i = count; i-- > 0;)
+        out.entry(i, 7, value_bytes, value_bytes > 4 ? value_at : i);
+    out.put(0, 4);
+    out.bytes.resize(value_at + value_bytes, 0xAB);
+    return out.bytes;
 }
 
 } // namespace
@@ -243,4 +267,22 @@ TEST(Metadata, hostile_exif_is_answered_whatever_it_says) {
         EXPECT_EQ(Opened(saved.bytes).status, KIRVO_FILES_OK);
         KirvoFilesClose(file);
     }
+}
+
+TEST(Metadata, exif_of_as_many_entries_as_there_can_be_takes_no_longer_for_each) {
+    const Opened few(tiff_with_many_entries(100, 4));
+    ASSERT_EQ(few.status, KIRVO_FILES_OK);
+    const size_t around = few.data(KIRVO_FILES_DATA_EXIF).size() - 100 * 12;
+    const double start = milliseconds();
+    const Opened many(tiff_with_many_entries(65535, 4));
+    EXPECT_LT(milliseconds() - start, 1000);
+    const Bytes exif = many.data(KIRVO_FILES_DATA_EXIF);
+    EXPECT_GT(exif.size(), around + 65500 * 12); // all but those that lead elsewhere
+}
+
+TEST(Metadata, exif_whose_entries_share_a_value_is_no_longer_than_its_file) {
+    const Bytes file = tiff_with_many_entries(5000, 50000);
+    const Opened opened(file);
+    EXPECT_EQ(opened.status, KIRVO_FILES_OK);
+    EXPECT_LT(opened.data(KIRVO_FILES_DATA_EXIF).size(), 2 * file.size());
 }

@@ -144,6 +144,19 @@ class Written(Folder):
                  for kind in ("RGB565", "RGB555")]
         self.assertEqual(self.check(self.write(jobs)), [])
 
+    def test_half_a_png_is_told_by_its_last_row(self):
+        path = self.folder / "half.png"
+        picture().save(path)
+        data = path.read_bytes()
+        for size, words in ((33, "ends early: within its headers"),
+                            (len(data) * 2 // 3, "ends early: whole to row ")):
+            path.write_bytes(data[:size])
+            self.assertIn(words, LIBRARY.open(path).texts["reason"])
+        going = LIBRARY.open(path, KEEP_GOING)
+        self.assertGreater(going.about.wholeRows, HEIGHT // 4)
+        top = (0, 0, WIDTH, going.about.wholeRows)
+        self.assertEqual(distance(going.image().crop(top), picture().crop(top)), 0)
+
     def test_png(self):
         kinds = ["Bilevel", "Grayscale", "GrayscaleAlpha", "Palette", "PaletteAlpha", "TrueColor",
                  "TrueColorAlpha"]
@@ -151,6 +164,9 @@ class Written(Folder):
                  "-depth", depth, "-interlace", rows)
                 for kind in kinds for depth in "1 2 4 8 16".split() for rows in ("None", "PNG")]
         self.assertEqual(self.check(self.write(jobs)), [])
+
+    def test_tiff_of_printing_colours_with_alpha(self):
+        self.assertEqual(self.check(self.write([("cmyk.tif", "alpha", "-colorspace", "CMYK")])), [])
 
     def test_targa(self):
         kinds = {"colour": ["colour"], "palette": ["colour", "-colors", "200", "-type", "Palette"],

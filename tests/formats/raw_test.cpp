@@ -46,6 +46,13 @@ TEST(RawRead, reads_red_green_blue_rows_from_the_top_down) {
     }
 }
 
+TEST(RawRead, reads_narrow_pictures_of_any_height) {
+    for (const int32_t width : {1, 2, 3, 600, 682, 683, 1365, 1366})
+        for (const int32_t height : {1, 2, 5, 6, 7, 682, 683, 1364, 1365, 1366, 2731})
+            if (width < 4 || height < 8)
+                expect_picture(read_bytes(raw(width, height)), width, height);
+}
+
 TEST(RawRead, takes_sizes_with_the_high_byte_first) {
     expect_picture(read_bytes(raw(0x102, 2)), 0x102, 2);
     expect_picture(read_bytes(raw(2, 0x103)), 2, 0x103);
@@ -158,6 +165,21 @@ TEST(RawRead, tells_a_file_that_shrinks_while_it_is_read) {
     expect_failure(read_raw(file.name()), KIRVO_READ_ERROR);
     EXPECT_EQ(recorder.percents(), (std::vector{0}));
     EXPECT_FALSE(is_open(file.name()));
+}
+
+TEST(RawRead, reads_no_row_before_its_message) {
+    for (const int32_t width : {1, 100}) {
+        const TempFile file(".raw", raw(width, 100));
+        ProgressRecorder recorder;
+        recorder.on_message = [&](const ProgressMessage& message) {
+            if (message.percent == 50) // the row of the message is there, the next is not
+                std::filesystem::resize_file(file.name(),
+                                             static_cast<uintmax_t>(32 + width * 3 * 51));
+        };
+        recorder.watch();
+        expect_failure(read_raw(file.name()), KIRVO_READ_ERROR);
+        EXPECT_EQ(recorder.percents(), (std::vector{0, 5, 10, 15, 20, 25, 30, 35, 40, 45, 50}));
+    }
 }
 
 #ifdef _WIN32

@@ -66,6 +66,15 @@ TEST(Targa24Read, reads_rows_from_the_top_down_into_the_same_image) {
     }
 }
 
+TEST(Targa24Read, reads_narrow_pictures_of_any_height) {
+    for (const int32_t width : {1, 2, 3, 600, 682, 683, 1365, 1366})
+        for (const int32_t height : {1, 2, 5, 6, 7, 682, 683, 1364, 1365, 1366, 2731})
+            if (width < 4 || height < 8) {
+                const TempFile file(".tga", targa(width, height, height % 2 == 0));
+                expect_picture(read_targa(text(file)), width, height);
+            }
+}
+
 TEST(Targa24Read, reads_a_single_pixel) {
     const TempFile file(".tga", targa(1, 1, false));
     expect_picture(read_targa(text(file)), 1, 1);
@@ -145,6 +154,16 @@ TEST(Targa24Read, tells_a_file_cut_short_anywhere) {
         expect_failure(read_targa(text(file)), KIRVO_READ_ERROR);
         EXPECT_FALSE(is_open(file.name()));
     }
+}
+
+TEST(Targa24Read, tells_a_narrow_file_cut_short) {
+    const Bytes whole = targa(1, 2800, false);
+    for (const size_t pixels : {0, 1, 1364, 1365, 1366, 2729, 2730, 2731, 2799})
+        for (const size_t more : {0, 1, 2}) {
+            const auto length = static_cast<ptrdiff_t>(18 + 3 * pixels + more);
+            const TempFile file(".tga", Bytes(whole.begin(), whole.begin() + length));
+            expect_failure(read_targa(text(file)), KIRVO_READ_ERROR);
+        }
 }
 
 TEST(Targa24Read, tells_a_file_that_cannot_be_opened) {

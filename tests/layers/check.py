@@ -167,6 +167,16 @@ def check_csharp(folder):
         shutil.copy(csharp / "Kirvo.dll.config", f"{program}.config")
     run("mono", folder / "CSharpLayer.exe", folder)
     check_photo(run, folder, "mono", folder / "Photo.exe")
+    sources = [csharp / f"{name}.cs" for name in ("Kirvo", "KirvoFiles", "KirvoImage", "KirvoBitmap")]
+    run("mcs", "-langversion:4", "-warnaserror", "-target:library", "-r:System.Drawing",
+        f"-out:{folder}/oldest.dll", *sources)
+    # Later .NET does not run here: what it compiles does, on stand-ins.
+    later = folder / "LaterDotNet.exe"
+    run("mcs", "-define:NET5_0_OR_GREATER", "-nowarn:0436", "-warnaserror", f"-out:{later}",
+        SOURCE / "tests/layers/LaterDotNet.cs", *sources)
+    shutil.copy(csharp / "Kirvo.dll.config", f"{later}.config")
+    for first in ("image", "files", "flat"):
+        run("mono", later, first)
 
 
 def check_pascal(folder):

@@ -9,6 +9,7 @@ import shutil
 import subprocess
 import sys
 import tarfile
+import xml.etree.ElementTree
 import zipfile
 
 import jsonschema
@@ -100,6 +101,32 @@ def check_npm():
         env={**ENVIRONMENT, "KIRVO_PACKAGE": str(package)})
 
 
+def check_nuspec(path):
+    """What the package says of itself is what it has."""
+    with zipfile.ZipFile(path) as archive:
+        members = {name: archive.read(name) for name in archive.namelist()}
+    text = {name: data.decode() for name, data in members.items() if name.endswith((".nuspec", ".targets", ".xml"))}
+    parsed = {name: xml.etree.ElementTree.fromstring(each) for name, each in text.items()}
+    said = {re.sub("{.*}", "", one.tag): one for one in parsed["Kirvo.nuspec"].iter()}
+    assert (said["id"].text, said["version"].text) == ("Kirvo", version.TEXT)
+    frameworks = set(re.findall(r'group targetFramework="([^"]+)"', text["Kirvo.nuspec"]))
+    folders = {name.split("/")[1] for name in members if name.startswith("lib/")}
+    assert folders == {{".NETFramework4.5": "net45"}.get(name, name) for name in frameworks}, folders
+    pattern = said["files"].get("include").removesuffix("/**/*.cs")
+    assert [name for name in members if name.startswith(f"contentFiles/{pattern}/")], pattern
+    kinds = {one.get("Extension") for one in xml.etree.ElementTree.fromstring(members["[Content_Types].xml"])}
+    for name in members:
+        assert name in ("[Content_Types].xml", "LICENSE") or name.rsplit(".", 1)[1] in kinds, f"{name} has no type"
+    for runtime in re.findall(r">(win-x\d+)<", text["build/net45/Kirvo.targets"]):
+        machine = {"win-x86": 0x14C, "win-x64": 0x8664}[runtime]
+        for library in ("Kirvo.dll", "KirvoFiles.dll"):
+            data = members[f"runtimes/{runtime}/native/{library}"]
+            header = int.from_bytes(data[0x3C:0x40], "little")
+            assert int.from_bytes(data[header + 4:header + 6], "little") == machine, (runtime, library)
+    documented = {one.get("name") for one in parsed["lib/net45/KirvoImaging.xml"].iter("member")}
+    assert "T:KirvoImaging.KirvoImage" in documented and len(documented) > 400, len(documented)
+
+
 def check_nupkg():
     """Debian's nuget installs it, mono compiles against it and runs with its libraries."""
     run("nuget", "install", "Kirvo", "-Source", PACKAGES, "-OutputDirectory", WORK / "packages",
@@ -111,6 +138,7 @@ def check_nupkg():
                  "contentFiles/cs/net5.0/Kirvo/KirvoBitmap.cs", "runtimes/win-x86/native/Kirvo.dll",
                  "runtimes/win-x64/native/KirvoFiles.dll", "runtimes/linux-x64/native/libkirvofiles.so"):
         assert (package / path).exists(), path
+    check_nuspec(the("Kirvo.*.nupkg"))
     shutil.copy(assembly, WORK)
     shutil.copy(f"{assembly}.config", WORK)
     run("mcs", "-warnaserror", f"-r:{WORK}/KirvoImaging.dll", "-r:System.Drawing", f"-out:{WORK}/Photo.exe",

@@ -2,7 +2,6 @@
 // calls and hostile ones, with progress messages, files and codec operations in pieces. What the
 // process holds is looked at again and again: after the first part, which counts as warming up, it
 // must not grow. Ends with 1 when it did, or when an answer was none that is documented.
-#include "support/dib_builder.hpp"
 #include "support/file_calls.hpp"
 #include "support/memory_watch.hpp"
 #include "support/progress_recorder.hpp"
@@ -71,17 +70,6 @@ Holdings holdings(const MemoryWatch& watch) {
 }
 
 #endif
-
-// An image of any small size with random colours and pixels.
-std::vector<uint8_t> random_image(int bits, RandomChoices& choices) {
-    Random random(choices.below(UINT32_MAX));
-    DibSpec spec{random.between(1, 48), random.between(1, 48), bits};
-    if (bits == 16)
-        spec.masks = random.once_in(2) ? masks_555 : masks_565;
-    else if (bits == 32)
-        spec.masks = masks_888;
-    return make_random_dib(spec, random).bytes();
-}
 
 class Soak {
   public:

@@ -41,7 +41,7 @@ int64_t floor_shift(int64_t value, int bits) {
 
 int64_t wrap32(int64_t value) { return static_cast<int32_t>(static_cast<uint32_t>(value)); }
 
-std::array<int, 64> inverse_dct(const std::vector<int16_t>& block) {
+std::array<int, 64> inverse_dct(const std::array<int16_t, 64>& block) {
     static const auto table = [] {
         std::array<std::array<int64_t, 8>, 8> t{};
         for (int x = 0; x < 8; ++x)
@@ -319,8 +319,9 @@ void JpegReference::huffman(const Bytes& c) {
         int code = 0;
         for (size_t l = 1; l <= 16; ++l) {
             table.count[l] = c[i + l];
-            for (int s = 0; s < table.count[l]; ++s)
-                table.symbols[l].push_back(c[at++]);
+            table.place[l] = static_cast<int>(at - i - 17);
+            for (int s = 0; s < table.count[l]; ++s, ++at)
+                table.symbols[at - i - 17] = c[at];
             table.first[l] = code & 0xFFFF;
             code = (code + table.count[l]) * 2;
         }
@@ -399,8 +400,7 @@ void JpegReference::loop() {
 }
 
 void JpegReference::baseline_mcu() {
-    std::vector<std::vector<int16_t>> blocks(static_cast<size_t>(lumas_ + 2 * chromas_),
-                                             std::vector<int16_t>(64));
+    Mcu blocks{};
     for (int i = 0; i < lumas_; ++i) {
         first_block_ = i == 0;
         block(blocks[static_cast<size_t>(i)], dc_[0], ac_[0], selector_[1], 0);
@@ -415,17 +415,16 @@ void JpegReference::baseline_mcu() {
     render(counter_, blocks);
 }
 
-std::vector<int16_t>& JpegReference::stored(int mcu, int slot) {
+JpegReference::Block& JpegReference::stored(int mcu, int slot) {
     if (mcu < total_)
         return store_[static_cast<size_t>(mcu)][static_cast<size_t>(slot)];
-    lost_.assign(64, 0);
+    lost_ = {};
     return lost_;
 }
 
 void JpegReference::progressive() {
     if (store_.empty())
-        store_.assign(static_cast<size_t>(total_),
-                      std::vector<std::vector<int16_t>>(8, std::vector<int16_t>(64)));
+        store_.assign(static_cast<size_t>(total_), Mcu{});
     for (;;) {
         bool image_ends = false;
         if (counter_ == total_) {
@@ -509,8 +508,8 @@ void JpegReference::progressive_mcu() {
     }
 }
 
-void JpegReference::block(std::vector<int16_t>& coefficients, const Table& dc, const Table& ac,
-                          int q, int predictor) {
+void JpegReference::block(Block& coefficients, const Table& dc, const Table& ac, int q,
+                          int predictor) {
     for (bool again = true; again;) {
         again = false;
         try {
@@ -529,8 +528,8 @@ void JpegReference::block(std::vector<int16_t>& coefficients, const Table& dc, c
     }
 }
 
-void JpegReference::block_once(std::vector<int16_t>& coefficients, const Table& dc, const Table& ac,
-                               int q, int predictor) {
+void JpegReference::block_once(Block& coefficients, const Table& dc, const Table& ac, int q,
+                               int predictor) {
     const auto& quant = wide_[static_cast<size_t>(q)];
     const auto put = [&](int k, int product) {
         const auto value = static_cast<int16_t>(static_cast<int16_t>(product) * (1 << al_));
@@ -662,7 +661,7 @@ int JpegReference::symbol(const Table& table, int row) {
             if (index < table.count[l]) {
                 if (index < 0 || index >= row)
                     throw Failure{-14};
-                return table.symbols[l][static_cast<size_t>(index)];
+                return table.symbols[static_cast<size_t>(table.place[l] + index)];
             }
         }
         const int b = bit();
@@ -671,10 +670,10 @@ int JpegReference::symbol(const Table& table, int row) {
     }
 }
 
-void JpegReference::render(int mcu, const std::vector<std::vector<int16_t>>& blocks) {
-    std::vector<std::array<int, 64>> samples;
-    for (int i = 0; i < lumas_ + 2 * chromas_; ++i)
-        samples.push_back(inverse_dct(blocks[static_cast<size_t>(i)]));
+void JpegReference::render(int mcu, const Mcu& blocks) {
+    std::array<std::array<int, 64>, 8> samples;
+    for (size_t i = 0; i < static_cast<size_t>(lumas_ + 2 * chromas_); ++i)
+        samples[i] = inverse_dct(blocks[i]);
     const auto at = [&](int first, int across, int x, int y) {
         return samples[static_cast<size_t>(first + y / 8 * across + x / 8)]
                       [static_cast<size_t>(y % 8 * 8 + x % 8)];

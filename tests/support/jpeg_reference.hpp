@@ -39,8 +39,11 @@ class JpegReference {
     struct Table {
         std::array<int, 17> count{};
         std::array<int, 17> first{};
-        std::array<std::vector<int>, 17> symbols{};
+        std::array<int, 17> place{}; // of the first symbol of a length
+        std::array<int, 256> symbols{};
     };
+    using Block = std::array<int16_t, 64>; // coefficients
+    using Mcu = std::array<Block, 8>;      // as many as there are, from the first on
     struct Restart {};
     struct Failure {
         int code;
@@ -57,18 +60,17 @@ class JpegReference {
     void progressive();
     void baseline_mcu();
     void progressive_mcu();
-    void block(std::vector<int16_t>& coefficients, const Table& dc, const Table& ac, int selector,
-               int predictor);
-    void block_once(std::vector<int16_t>& coefficients, const Table& dc, const Table& ac,
-                    int selector, int predictor);
+    void block(Block& coefficients, const Table& dc, const Table& ac, int selector, int predictor);
+    void block_once(Block& coefficients, const Table& dc, const Table& ac, int selector,
+                    int predictor);
     void load();
     int bit();
     int receive(int n);
     int symbol(const Table& table, int row);
-    void render(int mcu, const std::vector<std::vector<int16_t>>& blocks);
+    void render(int mcu, const Mcu& blocks);
     void send(int percent);
     void complete();
-    std::vector<int16_t>& stored(int mcu, int slot);
+    Block& stored(int mcu, int slot);
 
     Bytes buffer_;
     size_t at_ = 0;
@@ -93,8 +95,8 @@ class JpegReference {
     int current_ = 0, bit_position_ = 8, eob_run_ = 0, code_ = 0, length_ = 0;
     bool pending_ = false, first_block_ = false;
     std::array<int16_t, 3> predictor_{};
-    std::vector<std::vector<std::vector<int16_t>>> store_;
-    std::vector<int16_t> lost_;
+    std::vector<Mcu> store_;
+    Block lost_{};
     Bytes pixels_;
 };
 

@@ -155,6 +155,16 @@ std::vector<uint8_t> plain_image(int bits) {
     return dib.bytes();
 }
 
+std::vector<uint8_t> random_image(int bits, Choices& choices) {
+    Random random(choices.below(UINT32_MAX));
+    DibSpec spec{random.between(1, 48), random.between(1, 48), bits};
+    if (bits == 16)
+        spec.masks = random.once_in(2) ? masks_555 : masks_565;
+    else if (bits == 32)
+        spec.masks = masks_888;
+    return make_random_dib(spec, random).bytes();
+}
+
 void discard_leftovers() {
     end_codec_operations();
     JpgCodSetComment(nullptr, 0);

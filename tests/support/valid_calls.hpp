@@ -50,6 +50,8 @@ bool works_elsewhere_only(const Export& what);
 
 // An image of black, white and primary colours.
 std::vector<uint8_t> plain_image(int bits);
+// An image of any small size with random colours and pixels.
+std::vector<uint8_t> random_image(int bits, Choices& choices);
 
 // Discards what calls may have left behind on purpose: an encode or decode under way, comments, a
 // progress registration.

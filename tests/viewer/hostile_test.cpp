@@ -109,6 +109,12 @@ std::vector<Odd> odd_pictures() {
             {"the oldest header", block_of(core, up)}};
 }
 
+constexpr char begun[] = "\u2026"; // behind what is being done
+
+bool ends_its_work(Viewer& viewer) {
+    return eventually([&] { return viewer.wrote(" failed: ") || viewer.wrote(" ms\r"); });
+}
+
 // All sliders and lists of an effect's dialog at one of their ends, then OK where that is allowed.
 void go_to_end(Viewer& viewer, HWND dialog, bool most, const std::string& other) {
     const auto told = [&](HWND control, WORD code) {
@@ -140,8 +146,8 @@ void go_to_end(Viewer& viewer, HWND dialog, bool most, const std::string& other)
     }
     PostMessageA(dialog, WM_COMMAND, IDOK, 0);
     EXPECT_TRUE(viewer.gone(dialog));
-    EXPECT_TRUE(viewer.wait_for("says: ")); // that it works
-    EXPECT_TRUE(viewer.wait_for("says: ")); // what came of it
+    EXPECT_TRUE(viewer.wait_for(begun));
+    EXPECT_TRUE(ends_its_work(viewer));
 }
 
 struct Held {
@@ -222,8 +228,9 @@ TEST(ViewerAttacked, RefusesBlocksThatAreNoPictures) {
           palette, block_of(header_of(INT_MIN, 24, BI_RGB, 0), std::vector<uint8_t>(64))}) {
         put_on_clipboard(CF_DIB, block);
         viewer.command(command_paste);
-        EXPECT_TRUE(viewer.wait_for("Pasting failed: ") ||
-                    viewer.line().find("no picture") != std::string::npos);
+        EXPECT_TRUE(eventually([&] {
+            return viewer.wrote("Pasting failed: ") || viewer.wrote("There is no picture");
+        }));
     }
     EXPECT_TRUE(viewer.ends());
 }
@@ -379,11 +386,11 @@ TEST(ViewerAttacked, BeginsWithSettingsThatMeanNothing) {
 TEST(ViewerAttacked, EndsThoughItsSettingsCannotBeWritten) {
     Viewer viewer;
     const std::string file = viewer.folder().path("KirvoView.ini");
-    SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_READONLY);
+    std::filesystem::remove(file);
+    std::filesystem::create_directory(file);
     viewer.command(command_theme_dark);
     EXPECT_TRUE(viewer.ends());
-    EXPECT_EQ(viewer.settings().find("Theme"), std::string::npos);
-    SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_TRUE(std::filesystem::is_directory(file));
 }
 
 TEST(ViewerAttacked, WorksInAWindowOfAnySize) {
@@ -416,8 +423,8 @@ TEST(ViewerAttacked, WorksInAWindowOfAnySize) {
 TEST(ViewerAttacked, AnswersEveryEffectOfEveryDepth) {
     TempFolder folder;
     const std::string other = saved(folder, "other.bmp", picture_of(1, 1));
-    for (const int bits : {1, 4, 8, 16, 24, 32}) {
-        const bool most = bits == 4 || bits == 8 || bits == 32;
+    for (const int bits : {1, 8, 16, 32}) {
+        const bool most = bits == 8 || bits == 32;
         Viewer viewer(saved(folder, std::to_string(bits) + ".bmp", picture_of(1, 1, bits)));
         viewer.command(command_select_all);
         for (int i = 0; i < viewer.effect_count(); ++i) {
@@ -428,10 +435,12 @@ TEST(ViewerAttacked, AnswersEveryEffectOfEveryDepth) {
             HWND dialog = nullptr;
             ASSERT_TRUE(eventually([&] {
                 dialog = viewer.dialog_now();
-                return dialog != nullptr || viewer.wrote("says: ");
+                return dialog != nullptr || viewer.wrote(begun);
             }));
             if (dialog != nullptr)
                 go_to_end(viewer, dialog, most, other);
+            else
+                EXPECT_TRUE(ends_its_work(viewer));
             viewer.command(command_undo);
         }
         viewer.command(command_copy);
@@ -459,7 +468,7 @@ TEST(ViewerAttacked, KeepsNothingOfTheSystem) {
     for (int i = 0; i < 5; ++i)
         round();
     const Held before = held_by(viewer);
-    for (int i = 0; i < 40; ++i)
+    for (int i = 0; i < 20; ++i)
         round();
     const Held after = held_by(viewer);
     EXPECT_GT(before.drawing, 0u);

@@ -1,23 +1,16 @@
 #!/usr/bin/env python3
-"""Hostile and odd files through the command line and the Python package: check.py TOOL LIBRARY FOLDER"""
+"""Hostile and odd files through the command line: check.py TOOL FOLDER"""
 
 import hashlib
-import os
 import re
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 from pathlib import Path
 
-TOOL, LIBRARY, WORLD = map(Path, sys.argv[1:4])
+TOOL, WORLD = map(Path, sys.argv[1:3])
 FILES = sorted(WORLD.iterdir())
-os.environ["KIRVO_LIBRARY"] = str(LIBRARY)
-sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "bindings/python/src"))
-sys.dont_write_bytecode = True
-import kirvo
-
 SECONDS = 60  # for all of them; they take one or two
 
 
@@ -63,22 +56,6 @@ class CommandLine(unittest.TestCase):
             result = kirvo_tool("info", *options, *FILES)
             self.assertEqual(result.returncode, 1)
             self.assertNotIn("terminate", result.stdout)
-
-
-class Python(unittest.TestCase):
-    def test_opens_or_raises(self):
-        opened = 0
-        for path in FILES:
-            began = time.process_time()
-            try:
-                image = kirvo.Image.open(path)
-                opened += 1
-                self.assertGreater(image.width * image.height, 0)
-                image.negative()
-            except kirvo.Error as error:
-                self.assertTrue(str(error), path.name)
-            self.assertLess(time.process_time() - began, 5, path.name)
-        self.assertGreater(opened, 100)
 
 
 if __name__ == "__main__":

@@ -353,6 +353,7 @@ for bits, colour in ((0, 2), (3, 0), (16, 3), (255, 2), (8, 1), (8, 255)):
     file("depth", f"{bits}-{colour}", "png", png(4, 4, bits, colour))
 file("bomb", "rows", "png", png(20000, 20000, data=zlib.compress(bytes(3000000))))
 file("bomb", "text", "png", png(4, 4, 8, 2, chunk(b"zTXt", b"a\0\0" + zlib.compress(bytes(5000000)))))
+file("bomb", "profile-of-100-mb", "png", png(4, 4, 8, 2, chunk(b"iCCP", b"a\0\0" + zlib.compress(bytes(100000000)))))
 file("bomb", "profile", "png", png(4, 4, 8, 2, chunk(b"iCCP", b"a\0\0" + zlib.compress(bytes(5000000)))))
 file("lying-size", "chunk", "png", png(4, 4, 8, 2, chunk(b"tEXt", b"a\0b", U32)))
 file("lying-size", "check", "png", png(4, 4, 8, 2, chunk(b"gAMA", bytes(4), check=1)))

@@ -97,7 +97,7 @@ const std::vector<Effect>& effects() {
         {"--contrast", {whole("N", -100, 100)}, "Raises or lowers the contrast", "40",
          NEW_IMAGE("--contrast", Dib24Contrast(h, 0, 0, w, hh, v.integer(0), s))},
         {"--gamma", {real("G"), maybe(real("G")), maybe(real("G"))},
-         "Gamma curve, one for each channel", "0.6", gamma, false, "above 1 darkens"},
+         "Gamma curve, one for each channel", "0.6", change_gamma, false, "above 1 darkens"},
         {"--tone", {real("R"), real("G"), maybe(real("B"))},
          "Multiplies all channels by N/D, or each by a factor", "1.2,1.0,0.7", tone, false,
          "N: 1 to 255", "N,D or R,G,B", check_fraction},

@@ -13,7 +13,7 @@ Image compose(Image image, const Values& values);
 Image paste(Image image, const Values& values);
 Image interleave(Image image, const Values& values);
 
-Image gamma(Image image, const Values& values);
+Image change_gamma(Image image, const Values& values);
 Image tone(Image image, const Values& values);
 Image one_channel(Image image, const Values& values);
 Image posterise(Image image, const Values& values);

@@ -15,7 +15,7 @@ std::function<void(const Histogram&)> histogram_receiver;
 
 } // namespace
 
-Image gamma(Image image, const Values& values) {
+Image change_gamma(Image image, const Values& values) {
     const double red = values.real(0);
     const double green = values.count() > 1 ? values.real(1) : red;
     const double blue = values.count() > 2 ? values.real(2) : green;

@@ -24,21 +24,27 @@ constexpr int32_t smallest_of_blocks =
 template<typename T>
 class AlignedLines {
   public:
-    AlignedLines(uint64_t rows, size_t count)
-        : row_((count + in_line - 1) / in_line * in_line),
-          memory_(rows * row_ * sizeof(T) + line_bytes) {}
-
-    explicit operator bool() const { return static_cast<bool>(memory_); }
-    T* operator[](int32_t i) const {
-        const auto address = reinterpret_cast<uintptr_t>(memory_.data());
-        uint8_t* first = memory_.data() + (line_bytes - address % line_bytes) % line_bytes;
-        return reinterpret_cast<T*>(first) + static_cast<size_t>(i) * row_;
+    AlignedLines(int32_t rows, size_t count)
+        : elements_(static_cast<uint64_t>(rows) * in_lines(count)), row_(in_lines(count)),
+          memory_(elements_ * sizeof(T) + line_bytes), first_(memory_.as<T>()) {
+        first_ += -reinterpret_cast<uintptr_t>(first_) % line_bytes / sizeof(T);
     }
 
+    explicit operator bool() const { return static_cast<bool>(memory_); }
+    T* operator[](int32_t i) const { return first_ + static_cast<size_t>(i) * row_; }
+    void fill(T value) const { std::fill_n(first_, static_cast<size_t>(elements_), value); }
+
   private:
-    static constexpr size_t line_bytes = 64, in_line = line_bytes / sizeof(T);
+    static constexpr size_t line_bytes = 64;
+    static constexpr size_t in_lines(size_t count) {
+        constexpr size_t in_line = line_bytes / sizeof(T);
+        return (count + in_line - 1) / in_line * in_line;
+    }
+
+    uint64_t elements_;
     size_t row_;
     Scratch memory_;
+    T* first_;
 };
 
 // A part of the result, and the image around it that its squares reach. Cells and rows of the reach
@@ -157,7 +163,7 @@ class LuminanceKind {
     static size_t elements_of(const PixelFormat&) { return 1; }
 
     LuminanceKind(const Setting& setting, size_t cells)
-        : pick_rows(kernels().highest_rows16), neutral(0), setting_(setting),
+        : pick_rows(kernels().highest_rows16), setting_(setting),
           memory_((3 * sizeof(uint32_t) + 3 + 1) * uint64_t{cells}),
           keys_(memory_.part<uint32_t>(0)), bgr_(memory_.part<uint8_t>(12 * cells)),
           luminance_(memory_.part<uint8_t>(15 * cells)), cells_(cells) {}
@@ -191,7 +197,7 @@ class LuminanceKind {
     }
 
     const Kernels::PickRows<uint16_t> (&pick_rows)[3];
-    const uint16_t neutral;
+    static constexpr uint16_t neutral = 0;
 
   private:
     static constexpr uint32_t column_bits = 11;
@@ -257,16 +263,14 @@ class ExtremeFilter {
                 abreast_),
           cells_(static_cast<size_t>(std::min(setting.operation.rect().width, Kind::strip) + side_ -
                                      1)),
-          kind_(setting, cells_), rows_(static_cast<uint64_t>(reached_), cells_ * elements_),
-          blocks_(static_cast<uint64_t>(blocks()), cells_ * elements_),
-          lines_(static_cast<uint64_t>(abreast_ + 1), cells_ * elements_) {}
+          kind_(setting, cells_), rows_(reached_, cells_ * elements_),
+          blocks_(blocks(), cells_ * elements_), lines_(abreast_ + 1, cells_ * elements_) {}
 
     explicit operator bool() const { return kind_ && rows_ && blocks_ && lines_; }
 
     // The rows that are reported as done keep pace with the bands.
     void run() {
         const Rect& rect = setting_.operation.rect();
-        std::fill_n(neutral(), cells_ * elements_, kind_.neutral);
         PassProgress progress(rect.height);
         for (int64_t row = 0; row < rect.height; row += band_) {
             progress.reach(row);
@@ -297,8 +301,7 @@ class ExtremeFilter {
     void run_patch(const Patch& patch) {
         loaded_ = static_cast<int32_t>(std::max<int64_t>(0, -patch.first_row));
         joined_ = abreast_;
-        for (int32_t k = 0; k < abreast_; ++k)
-            std::fill_n(lines_[k], cells_ * elements_, kind_.neutral);
+        lines_.fill(kind_.neutral);
         for (int32_t row = 0; row < patch.rows; row += abreast_) {
             pick_columns(patch, row);
             for (int32_t k = 0; k < std::min(abreast_, patch.rows - row); ++k)

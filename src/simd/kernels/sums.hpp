@@ -8,12 +8,12 @@ namespace {
 
 // Of numbers of a type, by an operation of vectors. The last step may take elements once more, which
 // does not change an extreme.
-template<typename V, typename T, auto of>
+template<typename V, typename T, auto of, auto rest, auto rest_of_rows>
 struct ExtremeKernels {
     using Register = typename V::Register;
     static constexpr size_t step = V::size / sizeof(T);
 
-    template<int rows, Kernels::Pick<T> (Kernels::*rest)[3]>
+    template<int rows>
     static void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
         const auto block = [&](size_t i) {
             Register extreme = of(V::load(a + i), V::load(b + i));
@@ -28,7 +28,7 @@ struct ExtremeKernels {
     }
 
     // All windows share the rows from where the last one begins to where the first one ends.
-    template<int windows, Kernels::PickRows<T> (Kernels::*rest)[3]>
+    template<int windows>
     [[gnu::flatten]] static void pick_rows(T* const* to, const T* const* rows, size_t n,
                                            size_t count) {
         const auto block = [&](size_t i) {
@@ -49,7 +49,7 @@ struct ExtremeKernels {
             }
         };
         if (!each_step<step>(count, block))
-            (scalar::kernels.*rest)[windows / 4](to, rows, n, count);
+            (scalar::kernels.*rest_of_rows)[windows / 4](to, rows, n, count);
     }
 };
 

@@ -21,10 +21,12 @@ constexpr Kernels table_of() {
     using Bytes = ByteKernels<V>;
     using Pixels = PixelKernels<V>;
     using Filter = FilterKernels<V>;
-    using Highest8 = ExtremeKernels<V, uint8_t, V::max8>;
-    using Lowest8 = ExtremeKernels<V, uint8_t, V::min8>;
-    using Highest16 = ExtremeKernels<V, uint16_t, V::max16_unsigned>;
-    using Highest32 = ExtremeKernels<V, uint32_t, V::max32>;
+    using Highest8 =
+        ExtremeKernels<V, uint8_t, V::max8, &Kernels::highest8, &Kernels::highest_rows8>;
+    using Lowest8 = ExtremeKernels<V, uint8_t, V::min8, &Kernels::lowest8, &Kernels::lowest_rows8>;
+    using Highest16 =
+        ExtremeKernels<V, uint16_t, V::max16_unsigned, nullptr, &Kernels::highest_rows16>;
+    using Highest32 = ExtremeKernels<V, uint32_t, V::max32, &Kernels::highest32, nullptr>;
     using Sums = SumKernels<V>;
     using Turn = TurnKernels<V>;
     using Exchange = TurnKernels<Narrow>;
@@ -66,24 +68,18 @@ constexpr Kernels table_of() {
         .dark_edges = Filter::dark_edges,
         .relief = Filter::relief,
         .between = Filter::between,
-        .highest8 = {Highest8::template pick<2, &Kernels::highest8>,
-                     Highest8::template pick<3, &Kernels::highest8>,
-                     Highest8::template pick<4, &Kernels::highest8>},
-        .lowest8 = {Lowest8::template pick<2, &Kernels::lowest8>,
-                    Lowest8::template pick<3, &Kernels::lowest8>,
-                    Lowest8::template pick<4, &Kernels::lowest8>},
-        .highest32 = {Highest32::template pick<2, &Kernels::highest32>,
-                      Highest32::template pick<3, &Kernels::highest32>,
-                      Highest32::template pick<4, &Kernels::highest32>},
-        .highest_rows8 = {Highest8::template pick_rows<2, &Kernels::highest_rows8>,
-                          Highest8::template pick_rows<4, &Kernels::highest_rows8>,
-                          Highest8::template pick_rows<8, &Kernels::highest_rows8>},
-        .lowest_rows8 = {Lowest8::template pick_rows<2, &Kernels::lowest_rows8>,
-                         Lowest8::template pick_rows<4, &Kernels::lowest_rows8>,
-                         Lowest8::template pick_rows<8, &Kernels::lowest_rows8>},
-        .highest_rows16 = {Highest16::template pick_rows<2, &Kernels::highest_rows16>,
-                           Highest16::template pick_rows<4, &Kernels::highest_rows16>,
-                           Highest16::template pick_rows<8, &Kernels::highest_rows16>},
+        .highest8 = {Highest8::template pick<2>, Highest8::template pick<3>,
+                     Highest8::template pick<4>},
+        .lowest8 = {Lowest8::template pick<2>, Lowest8::template pick<3>,
+                    Lowest8::template pick<4>},
+        .highest32 = {Highest32::template pick<2>, Highest32::template pick<3>,
+                      Highest32::template pick<4>},
+        .highest_rows8 = {Highest8::template pick_rows<2>, Highest8::template pick_rows<4>,
+                          Highest8::template pick_rows<8>},
+        .lowest_rows8 = {Lowest8::template pick_rows<2>, Lowest8::template pick_rows<4>,
+                         Lowest8::template pick_rows<8>},
+        .highest_rows16 = {Highest16::template pick_rows<2>, Highest16::template pick_rows<4>,
+                           Highest16::template pick_rows<8>},
         .add_to_sums16 = Sums::add_to_sums16,
         .add_to_sums32 = Sums::add_to_sums32,
         .means_of_2 = Sums::template means<2>,
