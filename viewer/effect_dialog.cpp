@@ -168,8 +168,10 @@ class EffectDialog : public Dialog {
         step_.values = values();
         const std::string error = mistake();
         tell(error);
-        if (!error.empty())
-            return viewer_.view.end_preview();
+        if (!error.empty()) {
+            KillTimer(window(), 1);
+            return look_.forget();
+        }
         const auto failed = [this](const std::string& what) { tell(what); };
         look_.at_once(step_, failed);
         SetTimer(window(), 1, 250, nullptr);

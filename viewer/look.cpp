@@ -84,6 +84,11 @@ Look::Look(Viewer& viewer) : viewer_(viewer), reduced_(std::make_shared<SharedIm
 
 Look::~Look() { viewer_.view.end_preview(); }
 
+void Look::forget() {
+    alive_ = std::make_shared<int>(0);
+    viewer_.view.end_preview();
+}
+
 // Places and sizes in pixels mean nothing on a reduced picture: those wait for the rest.
 void Look::at_once(const Step& step, Failed failed) {
     const SharedImage image = viewer_.history.now();

@@ -18,6 +18,8 @@ class Look {
     using Failed = std::function<void(const std::string& error)>; // empty: there is nothing wrong
     void at_once(const Step& step, Failed failed);
     void at_rest(const Step& step, Failed failed);
+    // What is under way is of no interest any more.
+    void forget();
 
   private:
     struct Part; // of the picture, and what becomes of it

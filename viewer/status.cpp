@@ -56,7 +56,7 @@ void lay_out_status(HWND status) {
     SendMessageW(status, WM_SIZE, 0, 0);
     RECT area;
     GetClientRect(status, &area);
-    const int widths[] = {230, 80, 220, 190}; // from the second on
+    const int widths[] = {196, 64, 216, 184}; // from the second on
     // Where there is little room, the words keep a quarter of it, and the last parts go.
     int edges[5], room = area.right * 3 / 4, shown = 0;
     for (; shown < 4 && room >= sizes::scaled(status, widths[shown]); ++shown)
