@@ -253,7 +253,7 @@ TEST(Jpeg, a_size_limit_gives_the_best_quality_below_it) {
 }
 
 TEST(Jpeg, data_that_belongs_to_nothing_is_damage_but_filling_is_not) {
-    const Bytes whole = baseline(64, 48, 3, 4);
+    const Bytes whole = baseline(64, 48, 3, 1);
     const auto with = [&](const Bytes& more) {
         Bytes bytes = whole;
         bytes.insert(bytes.end() - 2, more.begin(), more.end());
