@@ -67,6 +67,10 @@ Status Job::damaged_below(uint32_t whole_rows) {
                    whole_rows);
 }
 
+Status Job::damaged_somewhere() {
+    return damaged(Text::format("damaged: bytes of its data are left over"), 0);
+}
+
 Status Job::unsupported(const char* what) {
     return known.fail(KIRVO_FILES_UNSUPPORTED, Text::format("%s is not read", what));
 }

@@ -25,6 +25,8 @@ struct Job {
     Status ends_early(uint32_t whole_rows, bool bottom_up = false);
     Status damaged(Text what, uint32_t whole_rows);
     Status damaged_below(uint32_t whole_rows);
+    // It can be told that it is, but not where.
+    Status damaged_somewhere();
     Status unsupported(const char* what);
     Status ends_early_in_headers();
 };

@@ -34,6 +34,7 @@ class Deep {
             return job_.unsupported("a JPEG of 12 bits whose quantisers change on the way");
         if (!walk.complete)
             status = walk.out_of_data ? job_.ends_early(walk.whole_rows)
+                     : walk.left_over ? job_.damaged_somewhere()
                                       : job_.damaged_below(walk.whole_rows);
         return status == KIRVO_FILES_OK ? pixels() : status;
     }

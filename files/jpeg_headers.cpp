@@ -432,6 +432,10 @@ const char* beyond_kirvo(const JpegHeaders& headers) {
         return "several scans";
     if (headers.spectral_start != 0 || headers.spectral_end != 63 || headers.approximation != 0)
         return "an unusual scan";
+    for (uint32_t i = 0; i < headers.components; ++i)
+        if (headers.huffman[0][headers.component[i].dc].empty() ||
+            headers.huffman[1][headers.component[i].ac].empty())
+            return "no Huffman tables of its own";
     if (headers.wide_quantisers)
         return "quantisation tables of 16 bits";
     if (headers.odd_segments)

@@ -67,6 +67,7 @@ struct Walk {
     uint32_t whole_rows = 0;  // of pixels
     bool complete = false;    // every MCU is there
     bool out_of_data = false; // what is missing was cut off
+    bool left_over = false;   // bytes that belong to nothing follow: something before them is wrong
     bool unknown = false;     // more than is known here would be needed
     uint64_t end = 0;         // where the data ends
 };

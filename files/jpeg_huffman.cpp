@@ -83,17 +83,21 @@ void HuffmanCode::make(Bytes table) {
 // table may have.
 Bytes SymbolCounts::best_table() {
     constexpr uint32_t symbols = 257;
-    int32_t next[symbols]; // the symbols below one node, as a list
+    int32_t present[symbols], nodes = 0; // symbols that there are
+    int32_t next[symbols];               // the symbols below one node, as a list
     uint32_t length[symbols] = {}, of_length[symbols] = {};
     uint64_t weight[symbols];
     counts_[256] = 1;
     for (uint32_t i = 0; i < symbols; ++i) {
         next[i] = -1;
         weight[i] = counts_[i];
+        if (weight[i] != 0)
+            present[nodes++] = static_cast<int32_t>(i);
     }
     while (true) {
         int32_t least = -1, second = -1;
-        for (int32_t i = 0; i < static_cast<int32_t>(symbols); ++i) {
+        for (int32_t k = 0; k < nodes; ++k) {
+            const int32_t i = present[k];
             if (weight[i] == 0)
                 continue;
             if (least < 0 || weight[i] <= weight[least]) {
@@ -133,10 +137,11 @@ Bytes SymbolCounts::best_table() {
     size_t count = 16;
     for (uint32_t i = 1; i <= 16; ++i)
         table_[i - 1] = static_cast<uint8_t>(of_length[i]);
-    for (uint32_t bits = 1; bits < symbols; ++bits)
-        for (uint32_t i = 0; i < 256; ++i)
-            if (length[i] == bits)
-                table_[count++] = static_cast<uint8_t>(i);
+    const int32_t last = nodes - 1; // the one that is none
+    for (uint32_t bits = 1; count < 16 + static_cast<size_t>(last); ++bits)
+        for (int32_t k = 0; k < last; ++k)
+            if (length[present[k]] == bits)
+                table_[count++] = static_cast<uint8_t>(present[k]);
     return {table_, count};
 }
 
@@ -265,6 +270,20 @@ bool EntropyBits::restart() {
     count_ = starved_by_ = 0;
     marker_ = false;
     return true;
+}
+
+bool EntropyBits::is_at_end() const {
+    const auto is_filling = [](uint8_t byte) { return byte == 0 || byte == 0xFF; };
+    for (uint32_t i = left() % 8; i + 8 <= left(); i += 8)
+        if (!is_filling(static_cast<uint8_t>(bits_ << i >> 56)))
+            return false;
+    size_t at = at_;
+    while (at < size_ && is_filling(data_[at])) {
+        if (data_[at] == 0xFF && at + 1 < size_ && !is_filling(data_[at + 1]))
+            return true;
+        ++at;
+    }
+    return at >= size_;
 }
 
 } // namespace kirvo_files

@@ -82,6 +82,9 @@ class EntropyBits {
     // Goes on behind the restart marker that is next.
     bool restart();
 
+    // Whether nothing but filling comes before the next marker.
+    bool is_at_end() const;
+
     // What is left of the data has become less than nothing, and stays so.
     bool starved() const { return starved_ || count_ < starved_by_; }
     bool wrong() const { return wrong_; }

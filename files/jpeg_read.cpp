@@ -35,8 +35,9 @@ Status by_kirvo_alone(Job& job, const char* why) {
 
 // A baseline file whose data is not all there.
 Status decode_broken(Job& job, const JpegHeaders& headers, const Walk& walk) {
-    const Status status =
-        walk.out_of_data ? job.ends_early(walk.whole_rows) : job.damaged_below(walk.whole_rows);
+    const Status status = walk.out_of_data ? job.ends_early(walk.whole_rows)
+                          : walk.left_over ? job.damaged_somewhere()
+                                           : job.damaged_below(walk.whole_rows);
     if (status != KIRVO_FILES_OK)
         return status; // the caller does not want it
     if (!job.options.has(KIRVO_FILES_KIRVO_ONLY)) {
@@ -58,6 +59,14 @@ Status decode_broken(Job& job, const JpegHeaders& headers, const Walk& walk) {
 
 } // namespace
 
+// Those of further scans may still come.
+static bool lacks_quantisers(const JpegHeaders& headers, const JpegTables& tables) {
+    for (uint32_t i = 0; i < headers.components; ++i)
+        if (!tables.present[headers.component[i].quantiser])
+            return is_deep(headers) || headers.scan_components == headers.components;
+    return false;
+}
+
 Status read_jpeg(Job& job) {
     JpegHeaders headers;
     Status status = read_jpeg_headers(job.bytes, job.known, headers);
@@ -67,6 +76,8 @@ Status read_jpeg(Job& job) {
         return job.unsupported("a JPEG whose height follows its data");
     if (!job.claim(headers.width, headers.height, headers.components == 1 ? 8 : 24, status))
         return status;
+    if (lacks_quantisers(headers, job.known.jpeg))
+        return job.known.fail(KIRVO_FILES_DAMAGED, Text::format("a quantisation table is missing"));
     const char* why = beyond_kirvo(headers);
     if (why != nullptr && job.options.has(KIRVO_FILES_KIRVO_ONLY))
         return by_kirvo_alone(job, why);

@@ -40,7 +40,8 @@ class Walker {
                 (y + 1) * headers_.mcu_height() / (is_alone() ? headers_.blocks_down(alone) : 1);
             result.whole_rows = rows < headers_.height ? rows : headers_.height;
         }
-        result.complete = true;
+        result.left_over = !bits_.is_at_end();
+        result.complete = !result.left_over;
         return ended(result);
     }
 

@@ -88,44 +88,72 @@ Text target_of(const char* name) {
     return target;
 }
 
-// A new file beside another, which nobody else can open.
+// A new file beside another, which nobody else can open. Where the system can, it has no name before
+// it is complete: a process that is killed leaves nothing.
 class Beside {
   public:
-    explicit Beside(const char* target) {
-        const char* title = std::strrchr(target, '/');
-        const int folder = title != nullptr ? static_cast<int>(title - target + 1) : 0;
-        static std::atomic<uint32_t> counter{0};
-        for (uint32_t attempt = 0; attempt < 100 && file_ < 0; ++attempt) {
-            name_ = Text::format("%.*s.kirvo-%x-%x.part", folder, target,
-                                 static_cast<unsigned>(getpid()), counter++);
-            file_ = open(name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
-            if (file_ < 0 && errno != EEXIST)
-                break;
-        }
+    explicit Beside(const char* target) : target_(target) {
+        if (const char* title = std::strrchr(target, '/'))
+            folder_ = static_cast<int>(title - target + 1);
+        if (access("/proc/self/fd", X_OK) == 0)
+            file_ = open(Text::format("%.*s.", folder_, target).c_str(),
+                         O_WRONLY | O_TMPFILE | O_CLOEXEC, 0600);
+        named_ = file_ < 0 && find_name([this](const char* name) {
+                     file_ = open(name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+                     return file_ >= 0;
+                 });
     }
     ~Beside() {
         if (file_ >= 0)
             close(file_);
-        if (file_ >= 0 && !placed_)
+        if (named_)
             unlink(name_.c_str());
     }
     Beside(const Beside&) = delete;
     Beside& operator=(const Beside&) = delete;
 
     int file() const { return file_; }
-    bool place(const char* target, bool new_only) {
-        if (new_only) { // neither way replaces what is there, and each is missing on some disks
-            placed_ = renameat2(AT_FDCWD, name_.c_str(), AT_FDCWD, target, RENAME_NOREPLACE) == 0;
-            return placed_ || (errno != EEXIST && link(name_.c_str(), target) == 0);
+    bool place(bool new_only) {
+        if (!named_ && new_only)
+            return give_name(target_);
+        named_ = named_ || find_name([this](const char* name) { return give_name(name); });
+        if (!named_)
+            return false;
+        if (!new_only) {
+            named_ = rename(name_.c_str(), target_) != 0;
+            return !named_;
         }
-        placed_ = rename(name_.c_str(), target) == 0;
-        return placed_;
+        // Neither way replaces what is there, and each is missing on some disks.
+        named_ = renameat2(AT_FDCWD, name_.c_str(), AT_FDCWD, target_, RENAME_NOREPLACE) != 0;
+        return !named_ || (errno != EEXIST && link(name_.c_str(), target_) == 0);
     }
 
   private:
+    bool give_name(const char* name) const {
+        char self[32];
+        std::snprintf(self, sizeof self, "/proc/self/fd/%d", file_);
+        return linkat(AT_FDCWD, self, AT_FDCWD, name, AT_SYMLINK_FOLLOW) == 0;
+    }
+    // Tries names until one is new.
+    template<typename Make>
+    bool find_name(Make make) {
+        static std::atomic<uint32_t> counter{0};
+        for (uint32_t attempt = 0; attempt < 100; ++attempt) {
+            name_ = Text::format("%.*s.kirvo-%x-%x.part", folder_, target_,
+                                 static_cast<unsigned>(getpid()), counter++);
+            if (make(name_.c_str()))
+                return true;
+            if (errno != EEXIST)
+                break;
+        }
+        return false;
+    }
+
+    const char* target_;
+    int folder_ = 0; // characters of the target
     Text name_;
     int file_ = -1;
-    bool placed_ = false;
+    bool named_ = false;
 };
 
 // The process's mask is only told by setting it, which other threads would notice; the system also
@@ -203,9 +231,8 @@ Status write_file(const char* name, Bytes content, bool new_only, Known& known) 
     if (!write_all(file.file(), content) || fsync(file.file()) != 0)
         return refused(known, name, errno, KIRVO_FILES_CANNOT_WRITE);
     set_permissions(file.file(), exists ? &about : nullptr);
-    return file.place(target.c_str(), new_only)
-               ? KIRVO_FILES_OK
-               : refused(known, name, errno, KIRVO_FILES_CANNOT_WRITE);
+    return file.place(new_only) ? KIRVO_FILES_OK
+                                : refused(known, name, errno, KIRVO_FILES_CANNOT_WRITE);
 }
 
 Text ansi_name(const char* name) { return Text::format("%s", name); }

@@ -511,14 +511,14 @@ class File {
   public:
     /** Nothing is known. */
     File() = default;
-    /** Moves. */
+    /** @cond */
     File(File&& other) noexcept : file_(std::exchange(other.file_, nullptr)) {}
-    /** Moves. @return this */
     File& operator=(File&& other) noexcept {
         std::swap(file_, other.file_);
         return *this;
     }
     ~File() { KirvoFilesClose(file_); }
+    /** @endcond */
 
     /** Reads what a file says of itself, its pixels not.
      *  @param name the file @param options how @return what is known of it */

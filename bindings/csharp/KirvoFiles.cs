@@ -983,11 +983,13 @@ namespace KirvoImaging
 
         // Turn a JPEG without loss
 
-        /// <summary>Turns a JPEG without loss: a baseline one on every system, others (progressive,
-        /// arithmetic coding) where the library is built with libjpeg-turbo.</summary>
-        /// <remarks>An orientation that the file has counts first: what people see is what is
-        /// turned. Metadata stays, orientation becomes 1, sizes are updated and the thumbnail is
-        /// dropped. Both names may be the same.</remarks>
+        /// <summary>Turns a JPEG without loss: baseline, extended and progressive ones on every
+        /// system, those with arithmetic coding where the library is built with
+        /// libjpeg-turbo.</summary>
+        /// <remarks>A progressive file stays one, several scans of another become one. An
+        /// orientation that the file has counts first: what people see is what is turned. Metadata
+        /// stays, orientation becomes 1, sizes are updated and the thumbnail is dropped. Both names
+        /// may be the same.</remarks>
         /// <param name="source">the file to turn</param>
         /// <param name="target">the file to write, as KirvoFilesSave does</param>
         /// <param name="turning">a #KirvoFilesTurning</param>
@@ -1001,11 +1003,13 @@ namespace KirvoImaging
         public static extern KirvoFilesStatus KirvoFilesTurn(byte[] source, byte[] target,
             int turning, int edges, uint flags, out IntPtr file);
 
-        /// <summary>Turns a JPEG without loss: a baseline one on every system, others (progressive,
-        /// arithmetic coding) where the library is built with libjpeg-turbo.</summary>
-        /// <remarks>An orientation that the file has counts first: what people see is what is
-        /// turned. Metadata stays, orientation becomes 1, sizes are updated and the thumbnail is
-        /// dropped. Both names may be the same.</remarks>
+        /// <summary>Turns a JPEG without loss: baseline, extended and progressive ones on every
+        /// system, those with arithmetic coding where the library is built with
+        /// libjpeg-turbo.</summary>
+        /// <remarks>A progressive file stays one, several scans of another become one. An
+        /// orientation that the file has counts first: what people see is what is turned. Metadata
+        /// stays, orientation becomes 1, sizes are updated and the thumbnail is dropped. Both names
+        /// may be the same.</remarks>
         /// <param name="source">the file to turn</param>
         /// <param name="target">the file to write, as KirvoFilesSave does</param>
         /// <param name="turning">a #KirvoFilesTurning</param>

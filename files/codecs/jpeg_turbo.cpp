@@ -18,6 +18,7 @@ struct ErrorManager : jpeg_error_mgr {
     jmp_buf back;
     char words[JMSG_LENGTH_MAX] = {};
     bool lost = false, early = false; // data is missing; because it was cut off
+    bool left_over = false;           // data of a scan belongs to nothing
     uint32_t lost_row = 0;            // of MCUs, when that was found first
 };
 
@@ -33,10 +34,11 @@ void warn(j_common_ptr info, int level) {
         return;
     auto* errors = static_cast<ErrorManager*>(info->err);
     const int code = errors->msg_code;
+    const auto* decoder = reinterpret_cast<j_decompress_ptr>(info);
+    errors->left_over |= code == JWRN_EXTRANEOUS_DATA && decoder->input_scan_number > 0;
     if (code != JWRN_HIT_MARKER && code != JWRN_HUFF_BAD_CODE && code != JWRN_MUST_RESYNC &&
         code != JWRN_JPEG_EOF && code != JWRN_ARITH_BAD_CODE)
         return;
-    const auto* decoder = reinterpret_cast<j_decompress_ptr>(info);
     if (code == JWRN_JPEG_EOF && decoder->input_iMCU_row >= decoder->total_iMCU_rows)
         return; // only the end marker
     if (!errors->lost)
@@ -134,6 +136,8 @@ class Decoder {
             return job_.ends_early(whole);
         if (errors_.lost)
             return job_.damaged_below(whole);
+        if (errors_.left_over)
+            return job_.damaged_somewhere();
         if (info_.progressive_mode && coefficients_missing())
             return job_.damaged(Text::format("ends early: the last of its passes are missing"), 0);
         return KIRVO_FILES_OK;

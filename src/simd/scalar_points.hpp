@@ -145,23 +145,14 @@ void replace(uint8_t* to, const uint8_t* from, size_t pixels, const uint8_t* key
     }
 }
 
-template<size_t bytes>
-uint32_t load_pixel(const uint8_t* from) {
-    uint32_t word = 0;
-    for (size_t i = 0; i < bytes; ++i)
-        word |= static_cast<uint32_t>(from[i]) << (8 * i);
-    return word;
-}
-
 template<size_t from_bytes, size_t to_bytes>
 void convert(const uint8_t* from, uint8_t* to, size_t pixels, const PixelMoves& moves) {
     for (; pixels != 0; --pixels, from += from_bytes, to += to_bytes) {
-        const uint32_t word = load_pixel<from_bytes>(from);
-        uint32_t moved = 0;
+        uint32_t word = 0, moved = 0;
+        std::memcpy(&word, from, from_bytes);
         for (const FieldMove& field : moves.channel)
             moved |= (word >> field.right) << field.left & field.keep;
-        for (size_t i = 0; i < to_bytes; ++i)
-            to[i] = static_cast<uint8_t>(moved >> (8 * i));
+        std::memcpy(to, &moved, to_bytes);
     }
 }
 

@@ -20,7 +20,7 @@ template<typename V, size_t n>
     }
 }
 
-// Sums of three channels, for levels that multiply whole 16-bit numbers. Weights from -128 to 127; 16-bit numbers.
+// Sums of three channels with weights from -128 to 127, for levels that multiply 16-bit numbers.
 template<typename V>
 struct WeightedSums {
     using Register = typename V::Register;

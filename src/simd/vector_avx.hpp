@@ -1,5 +1,5 @@
 // What the wrappers of AVX2 and AVX-512 add to vector_x86.hpp alike; included like that one, with
-// KIRVO_BROADCAST the intrinsic that repeats 16 bytes.
+// KIRVO_BROADCAST the intrinsic that repeats 16 bytes. It ends these names.
 
 #include "simd/vector_x86.hpp"
 
@@ -54,3 +54,9 @@ struct VectorAvx : VectorX86 {
         }
     };
 };
+
+#undef KIRVO_REGISTER
+#undef KIRVO_MM
+#undef KIRVO_RECIPROCAL
+#undef KIRVO_STREAM
+#undef KIRVO_BROADCAST

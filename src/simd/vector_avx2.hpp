@@ -16,11 +16,6 @@ namespace {
 #define KIRVO_STREAM _mm256_stream_si256
 #define KIRVO_BROADCAST _mm256_broadcastsi128_si256
 #include "simd/vector_avx.hpp"
-#undef KIRVO_REGISTER
-#undef KIRVO_MM
-#undef KIRVO_RECIPROCAL
-#undef KIRVO_STREAM
-#undef KIRVO_BROADCAST
 
 struct Vector : VectorAvx {
     static Register equal8(Register a, Register b) { return _mm256_cmpeq_epi8(a, b); }
@@ -209,8 +204,6 @@ struct Vector : VectorAvx {
     static Register load_block_row(const int8_t* samples) {
         return _mm256_cvtepi8_epi16(load_16(samples));
     }
-    static Register even32(Register a, Register b) { return shuffle32<0x88>(a, b); }
-    static Register odd32(Register a, Register b) { return shuffle32<0xDD>(a, b); }
     // The low, or the high, 16 bytes of both.
     static Register low_halves(Register a, Register b) {
         return _mm256_permute2x128_si256(a, b, 0x20);
@@ -260,11 +253,6 @@ struct Vector : VectorAvx {
         const Register second = lanes(0, -1, 0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0);
         const Register third = lanes(0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0, -1, 0);
         return select(third, c, select(second, b, a));
-    }
-    template<int places>
-    static Register shuffle32(Register a, Register b) {
-        return _mm256_castps_si256(
-            _mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), places));
     }
 
     // Sixteen zigzag positions from the vectors that hold natural rows 2i and 2i + 1: which byte of

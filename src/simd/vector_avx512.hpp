@@ -17,11 +17,6 @@ namespace {
 #define KIRVO_STREAM _mm512_stream_si512
 #define KIRVO_BROADCAST _mm512_broadcast_i32x4
 #include "simd/vector_avx.hpp"
-#undef KIRVO_REGISTER
-#undef KIRVO_MM
-#undef KIRVO_RECIPROCAL
-#undef KIRVO_STREAM
-#undef KIRVO_BROADCAST
 
 // Where each byte of a vector comes from.
 struct Places {

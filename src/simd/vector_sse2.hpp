@@ -178,8 +178,6 @@ struct Vector : VectorX86 {
         const Register bytes = load_8(samples);
         return shift_right16_signed<8>(zip_low8(bytes, bytes));
     }
-    static Register even32(Register a, Register b) { return shuffle32<0x88>(a, b); }
-    static Register odd32(Register a, Register b) { return shuffle32<0xDD>(a, b); }
 
     // The levels of `blocks` blocks, a row of them in each vector: clamped to bytes, in zigzag
     // order, small_levels added; and which are not zero. Here only those are put in their places.
@@ -227,10 +225,6 @@ struct Vector : VectorX86 {
         const Register low_half = _mm_set_epi32(0, 0, -1, -1);
         const Register pairs = (words & first) | _mm_srli_epi64(words & ~first, 8);
         return (pairs & low_half) | _mm_srli_si128(pairs & ~low_half, 2);
-    }
-    template<int places>
-    static Register shuffle32(Register a, Register b) {
-        return _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b), places));
     }
 };
 

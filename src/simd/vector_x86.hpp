@@ -97,6 +97,9 @@ struct VectorX86 {
     static Register zip_high16(Register a, Register b) { return KIRVO_MM(unpackhi_epi16)(a, b); }
     static Register widen_low16(Register a) { return zip_low16(a, zero()); }
     static Register widen_high16(Register a) { return zip_high16(a, zero()); }
+    // The even, or the odd, words of the two vectors.
+    static Register even32(Register a, Register b) { return shuffled32<0x88>(a, b); }
+    static Register odd32(Register a, Register b) { return shuffled32<0xDD>(a, b); }
     // From signed 32-bit numbers, clamped.
     static Register narrow32(Register low, Register high) {
         return KIRVO_MM(packs_epi32)(low, high);
@@ -176,6 +179,12 @@ struct VectorX86 {
     static void store_8(void* to, __m128i v) { _mm_storel_epi64(static_cast<__m128i*>(to), v); }
 
   private:
+    template<int places>
+    static Register shuffled32(Register a, Register b) {
+        using Floats = decltype(KIRVO_MM(setzero_ps)());
+        return reinterpret_cast<Register>(
+            KIRVO_MM(shuffle_ps)(reinterpret_cast<Floats>(a), reinterpret_cast<Floats>(b), places));
+    }
     static Register quotient32(Register a, Register b) {
         const auto divisor = KIRVO_MM(cvtepi32_ps)(b), rough = KIRVO_RECIPROCAL(divisor);
         const auto reciprocal = KIRVO_MM(mul_ps)(

@@ -252,6 +252,42 @@ TEST(Jpeg, a_size_limit_gives_the_best_quality_below_it) {
     EXPECT_EQ(save(picture.dib, options).status, KIRVO_FILES_SIZE_LIMIT);
 }
 
+TEST(Jpeg, data_that_belongs_to_nothing_is_damage_but_filling_is_not) {
+    const Bytes whole = baseline(64, 48, 3, 1);
+    const auto with = [&](const Bytes& more) {
+        Bytes bytes = whole;
+        bytes.insert(bytes.end() - 2, more.begin(), more.end());
+        return bytes;
+    };
+    for (const Bytes& filling : {Bytes{0, 0, 0, 0}, Bytes{0xFF, 0xFF}, Bytes{0, 0xFF}})
+        EXPECT_EQ(Opened(with(filling)).status, KIRVO_FILES_OK);
+    const Bytes bytes = with({0x5A, 0x5A, 0x5A, 0x5A});
+    const Opened refused(bytes);
+    EXPECT_EQ(refused.status, KIRVO_FILES_DAMAGED);
+    EXPECT_EQ(refused.text(KIRVO_FILES_TEXT_REASON), "damaged: bytes of its data are left over");
+    const Opened going(bytes, KIRVO_FILES_KEEP_GOING);
+    EXPECT_EQ(going.status, KIRVO_FILES_OK);
+    EXPECT_TRUE(going.has_note(KIRVO_FILES_NOTE_DAMAGED));
+    const Opened good(whole);
+    int64_t different = 0; // another decoder may have taken it
+    for (uint32_t y = 0; y < 48; ++y)
+        for (uint32_t x = 0; x < 64; ++x)
+            for (const uint32_t shift : {0u, 8u, 16u})
+                different += std::abs(static_cast<int>(going.pixel(x, y) >> shift & 255) -
+                                      static_cast<int>(good.pixel(x, y) >> shift & 255));
+    EXPECT_LT(different, 2 * 3 * 64 * 48);
+}
+
+TEST(Jpeg, a_quantiser_that_is_missing_is_damage) {
+    Bytes bytes = baseline(24, 16, 3, 1);
+    for (size_t at = 0; at + 1 < bytes.size(); ++at)
+        if (bytes[at] == 0xFF && bytes[at + 1] == 0xC0)
+            bytes[at + 12] = 3; // of the first component
+    const Opened refused(bytes);
+    EXPECT_EQ(refused.status, KIRVO_FILES_DAMAGED);
+    EXPECT_EQ(refused.text(KIRVO_FILES_TEXT_REASON), "a quantisation table is missing");
+}
+
 TEST(Jpeg, lying_headers_and_cuts_anywhere_are_answered) {
     const Bytes whole = baseline(24, 16, 4, 4);
     for (size_t size = 0; size < whole.size(); ++size) {

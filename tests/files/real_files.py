@@ -282,6 +282,17 @@ class Jpeg(Folder):
             kinds = [b"\xff\xc2" in path.read_bytes() for path in (source, ours)]
             self.assertEqual(*kinds, f"{option}: progressive files stay so, and no other becomes one")
 
+    def test_one_without_huffman_tables_has_the_usual_ones(self):
+        path, = self.write([("x.jpg", "colour", "-define", "jpeg:optimize-coding=false")])
+        data = path.read_bytes()
+        at, kept = 2, data[:2]
+        while data[at + 1] != 0xDA:
+            end = at + 2 + int.from_bytes(data[at + 2:at + 4], "big")
+            kept += data[at:end] if data[at + 1] != 0xC4 else b""
+            at = end
+        path.write_bytes(kept + data[at:])
+        self.check_against_djpeg([path])
+
     def test_cmyk(self):
         paths = self.write([("cmyk.jpg", "colour", "-colorspace", "CMYK", "-quality", "95")])
         self.assertEqual(self.check(paths, lambda path, opened: 1), [])

@@ -211,8 +211,8 @@ static void defaults_are_those_of_the_documentation() {
     // Exact reductions are those of mode 1.
     const auto same = [](const Image& made, HGLOBAL wanted) {
         const Image other = Image::adopt(wanted);
-        const kirvo::Rows ours = made.rows(), theirs = other.rows();
-        const kirvo::Row a = ours.pixels(), b = theirs.pixels();
+        const auto ours = made.rows(), theirs = other.rows();
+        const auto a = ours.pixels(), b = theirs.pixels();
         return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin());
     };
     int32_t status = 0;

@@ -17,7 +17,7 @@ GIVEN = {
     "agreement": ([], "g++-mingw-w64-i686-win32"), "mutants": ([], "libstb-dev"),
     "bench": ([], "libbenchmark-dev"), "coverage": ([], "gcovr"), "demo": ([], "cmake"), "docs": ([], "doxygen"),
     "format": (["--check"], "clang-format-14"), "fpc": (["32", "--prepare"], "fpc-source"), "fuzz": (["1"], "clang"),
-    "package": ([], "debhelper"), "sign": (["key"], "minisign"), "soak": ([], "valgrind"),
+    "package": ([], "debhelper"), "screenshots": ([], "xdotool"), "sign": (["key"], "minisign"), "soak": ([], "valgrind"),
     "test": (["format"], "clang-format-14"), "wine": (["64", "--prepare"], "xvfb"),
 }
 STANDIN = """#!/bin/sh

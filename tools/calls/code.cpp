@@ -113,7 +113,7 @@ class Writer {
     bool opens_ = false; // a second picture
 };
 
-std::string quoted(const std::string& text) {
+std::string shell_word(const std::string& text) {
     const bool plain =
         !text.empty() && text.find_first_of(" &()^;,=%!'+|<>\"") == std::string::npos;
     return plain ? text : "\"" + text + "\"";
@@ -129,12 +129,12 @@ std::string command_line_of(const std::vector<Step>& steps, const std::string& i
     const size_t dot = in.find_last_of('.');
     std::string out = in;
     out.insert(dot == std::string::npos ? in.size() : dot, "-changed");
-    std::string line = "kirvo convert " + quoted(in) + " " + quoted(out);
+    std::string line = "kirvo convert " + shell_word(in) + " " + shell_word(out);
     for (const Step& step : steps) {
         if (step.place)
             throw Failure(step.option, "was done to a part of the picture, and the command line "
                                        "works on whole pictures");
-        line += " " + step.option + (step.values.empty() ? "" : " " + quoted(step.values));
+        line += " " + step.option + (step.values.empty() ? "" : " " + shell_word(step.values));
     }
     return line;
 }

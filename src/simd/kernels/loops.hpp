@@ -66,9 +66,8 @@ template<size_t step, size_t size, typename F>
     if (count < step)
         return false;
     const size_t first = elements_to_line<size>(to) % step;
-    if (first != 0)
-        block(0);
-    for (size_t i = first; i < count; i += step)
+    size_t next = first != 0 ? first : step;
+    for (size_t i = 0; i < count; i = next, next += step)
         block(i + step <= count ? i : count - step);
     return true;
 }

@@ -127,7 +127,7 @@ struct PixelKernels {
     [[gnu::always_inline]] static void convert_by(const uint8_t* from, uint8_t* to, size_t pixels,
                                                   const F& moved) {
         constexpr size_t step = V::words;
-        if constexpr (V::size == line_bytes) {
+        if constexpr (V::size == line_bytes && (from_bytes == 3 || to_bytes == 3)) {
             const auto block = [&](size_t i) {
                 Register words[4];
                 load_rows<from_bytes>(words, from + from_bytes * i);

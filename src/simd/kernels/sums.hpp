@@ -59,13 +59,11 @@ struct SumKernels {
     using Planes = typename V::Planes;
     using Halves = typename V::Halves;
 
-    static Halves widened(Register bytes) {
-        return V::halves_in_order({V::widen_low8(bytes), V::widen_high8(bytes)});
-    }
     static void add_to_sums16(uint16_t* sums, const uint8_t* row, size_t count) {
         size_t i = 0;
         for (; i + V::size <= count; i += V::size) {
-            const Halves wide = widened(V::load(row + i));
+            const Register v = V::load(row + i);
+            const Halves wide = V::halves_in_order({V::widen_low8(v), V::widen_high8(v)});
             uint16_t *const low = sums + i, *const high = low + V::size / 2;
             V::store(low, V::add16(V::load(low), wide.low));
             V::store(high, V::add16(V::load(high), wide.high));
@@ -74,9 +72,8 @@ struct SumKernels {
     }
 
     static void add_to_sums32(uint32_t* sums, const uint8_t* row, size_t count) {
-        constexpr size_t step = V::words;
         size_t i = 0;
-        for (; i + step <= count; i += step)
+        for (; i + V::words <= count; i += V::words)
             V::store(sums + i, V::add32(V::load(sums + i), V::template load_row<1>(row + i)));
         scalar::kernels.add_to_sums32(sums + i, row + i, count - i);
     }
@@ -90,11 +87,8 @@ struct SumKernels {
     }
 
     // The sums of pairs of columns over the rows of a box, of `size` pixels.
-    struct Pairs {
-        Register blue, green, red;
-    };
-    static Pairs pairs(const uint8_t* from, ptrdiff_t row_step, size_t rows) {
-        Pairs sums = {V::zero(), V::zero(), V::zero()};
+    static Planes pairs(const uint8_t* from, ptrdiff_t row_step, size_t rows) {
+        Planes sums = {V::zero(), V::zero(), V::zero()};
         const ptrdiff_t next = static_cast<ptrdiff_t>(rows) * row_step;
         for (size_t k = 0; k < rows; ++k, from += row_step) {
             prefetch<3 * V::size>(from + next);
@@ -108,11 +102,11 @@ struct SumKernels {
 
     // The sums of boxes of 2 or 4 columns: half a vector's worth of bytes.
     template<size_t columns>
-    static Pairs boxes(const uint8_t* from, ptrdiff_t row_step, size_t rows) {
-        const Pairs first = pairs(from, row_step, rows);
+    static Planes boxes(const uint8_t* from, ptrdiff_t row_step, size_t rows) {
+        const Planes first = pairs(from, row_step, rows);
         if constexpr (columns == 2)
             return first;
-        const Pairs second = pairs(from + 3 * V::size, row_step, rows);
+        const Planes second = pairs(from + 3 * V::size, row_step, rows);
         return {quads(first.blue, second.blue), quads(first.green, second.green),
                 quads(first.red, second.red)};
     }
@@ -126,14 +120,13 @@ struct SumKernels {
     static void means(uint8_t* to, const uint8_t* from, ptrdiff_t row_step, size_t rows,
                       size_t count, int shift) {
         constexpr size_t half = columns / 2 * 3 * V::size; // bytes of half the boxes
-        const auto mean = [&](Register low, Register high) {
-            return V::in_order(
-                V::narrow16(V::shift_right16(low, shift), V::shift_right16(high, shift)));
+        const auto mean = [&](Register a, Register b) {
+            return V::in_order(V::narrow16(V::shift_right16(a, shift), V::shift_right16(b, shift)));
         };
         const auto block = [&](size_t i) {
             const uint8_t* const first = from + 3 * columns * i;
-            const Pairs low = boxes<columns>(first, row_step, rows);
-            const Pairs high = boxes<columns>(first + half, row_step, rows);
+            const Planes low = boxes<columns>(first, row_step, rows);
+            const Planes high = boxes<columns>(first + half, row_step, rows);
             V::store_planes(to + 3 * i, {mean(low.blue, high.blue), mean(low.green, high.green),
                                          mean(low.red, high.red)});
         };
