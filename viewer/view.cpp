@@ -7,7 +7,8 @@
 
 namespace {
 
-constexpr double least_scale = 1.0 / 1024, most_scale = 64;
+constexpr double least_scale = 1.0 / 64, most_scale = 64;
+constexpr double least_fitted = 1.0 / 1024; // of a picture that is very long
 constexpr wchar_t class_name[] = L"KirvoView.Picture";
 
 LONG nearest(double number) { return static_cast<LONG>(std::lround(number)); }
@@ -125,8 +126,7 @@ void View::place() {
     const double width = preview_.replaces ? preview_.width : image_->width();
     const double height = preview_.replaces ? preview_.height : image_->height();
     if (fitted_)
-        scale_ = std::clamp(std::min({1.0, area.right / width, area.bottom / height}), least_scale,
-                            most_scale);
+        scale_ = std::clamp(std::min(area.right / width, area.bottom / height), least_fitted, 1.0);
     const auto placed = [](double first, double length, double room) {
         return length <= room ? std::floor((room - length) / 2)
                               : std::clamp(first, room - length, 0.0);

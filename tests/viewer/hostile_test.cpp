@@ -465,10 +465,10 @@ TEST(ViewerAttacked, KeepsNothingOfTheSystem) {
             viewer.command(command);
         ASSERT_TRUE(viewer.wait_for("says: Copied"));
     };
-    for (int i = 0; i < 5; ++i)
-        round();
+    for (int i = 0; i < 12; ++i)
+        round(); // until the system's own caches are full
     const Held before = held_by(viewer);
-    for (int i = 0; i < 20; ++i)
+    for (int i = 0; i < 16; ++i)
         round();
     const Held after = held_by(viewer);
     EXPECT_GT(before.drawing, 0u);
