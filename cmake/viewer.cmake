@@ -29,10 +29,6 @@ foreach(target IN ITEMS kirvo_view kirvo_view_parts kirvo_view_catalogue)
     target_compile_definitions(${target} PRIVATE _WIN32_WINNT=0x0601 NOMINMAX)
     target_compile_options(${target} PRIVATE -Wall -Wextra -Os -fno-rtti
                                              -ffunction-sections -fdata-sections)
-    if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-        # A function that wants its variables aligned does that itself; the others save the code.
-        target_compile_options(${target} PRIVATE -mpreferred-stack-boundary=2)
-    endif()
     target_include_directories(${target} PRIVATE viewer tools)
     target_link_libraries(${target} PRIVATE kirvo kirvo_files)
 endforeach()
