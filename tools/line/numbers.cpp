@@ -6,35 +6,22 @@
 #include <cmath>
 #include <cstdlib>
 
-namespace {
-
-template<typename Number>
-std::optional<Number> number(const std::string& text) {
-    Number value = 0;
+std::optional<int32_t> whole_number(const std::string& text) {
+    int32_t value = 0;
     const char* end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, value);
     return error == std::errc() && rest == end ? std::optional(value) : std::nullopt;
 }
 
-// Some libraries read whole numbers only; strtod reads the same, and a few things more: spaces, signs
-// and hexadecimal digits, which no number here has.
-#ifndef __cpp_lib_to_chars
-template<>
-std::optional<double> number<double>(const std::string& text) {
+// from_chars for doubles is 40 KB, and not every library has it. strtod takes a few things more:
+// spaces, a sign before a positive number, hexadecimal digits.
+std::optional<double> real_number(const std::string& text) {
     char* rest = nullptr;
     const double value = std::strtod(text.c_str(), &rest);
-    const bool plain = !text.empty() && text.find_first_not_of("-.0123456789eE") > text.size();
-    return plain && rest == text.data() + text.size() ? std::optional(value) : std::nullopt;
-}
-#endif
-
-} // namespace
-
-std::optional<int32_t> whole_number(const std::string& text) { return number<int32_t>(text); }
-
-std::optional<double> real_number(const std::string& text) {
-    const auto value = number<double>(text);
-    return value && std::isfinite(*value) ? value : std::nullopt;
+    const bool plain =
+        !text.empty() && text[0] != '+' && text.find_first_not_of("+-.0123456789eE") > text.size();
+    const bool whole = plain && rest == text.data() + text.size();
+    return whole && std::isfinite(value) ? std::optional(value) : std::nullopt;
 }
 
 uint32_t parse_bytes(const std::string& text) {
