@@ -89,7 +89,8 @@ if(TARGET kirvo_view)
                                                      winspool)
     target_compile_definitions(kirvo_viewer_tests PRIVATE KIRVO_FUZZ="${PROJECT_SOURCE_DIR}/fuzz"
                                KIRVO_WORLD="${world}")
-    set_tests_properties(kirvo_viewer_tests PROPERTIES RUN_SERIAL ON) # one keyboard, one clipboard
+    set_tests_properties(kirvo_viewer_tests PROPERTIES
+        RUN_SERIAL ON TIMEOUT 1800) # one keyboard, one clipboard; minutes of waiting for windows
     add_test(NAME kirvo_check_viewer
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/viewer/check.py
                      ${CMAKE_OBJDUMP} $<TARGET_FILE:kirvo_view>)

@@ -470,7 +470,7 @@ TEST(ViewerAttacked, KeepsNothingOfTheSystem) {
     for (int i = 0; i < 12; ++i)
         round(); // until the system's own caches are full
     const Held before = held_by(viewer);
-    for (int i = 0; i < 16; ++i)
+    for (int i = 0; i < 6; ++i)
         round();
     const Held after = held_by(viewer);
     EXPECT_GT(before.drawing, 0u);

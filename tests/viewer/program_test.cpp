@@ -384,14 +384,17 @@ static void look_through(const std::string& first, int count) {
     EXPECT_TRUE(viewer.ends());
 }
 
+// The two widths of the program share them, by the last letters of their names.
 TEST(Viewer, AnswersEveryHostileFile) {
     TempFolder folder;
     int count = 0;
+    const int mine = sizeof(void*) == 4 ? 0 : 1;
     for (const char* room : {KIRVO_FUZZ "/corpus", KIRVO_FUZZ "/regressions"}) {
         for (const auto& entry : std::filesystem::recursive_directory_iterator(room)) {
             const std::string target = entry.path().parent_path().filename().string();
             if (entry.is_regular_file() && target != "operations" &&
-                target != "encoder") // no files
+                target != "encoder" && // no files
+                entry.path().string().back() % 2 == mine)
                 std::filesystem::copy_file(entry.path(),
                                            folder.path(std::to_string(++count) + ".bmp"));
         }
