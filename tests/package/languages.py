@@ -124,7 +124,10 @@ def check_nuspec(path):
             header = int.from_bytes(data[0x3C:0x40], "little")
             assert int.from_bytes(data[header + 4:header + 6], "little") == machine, (runtime, library)
     documented = {one.get("name") for one in parsed["lib/net45/KirvoImaging.xml"].iter("member")}
-    assert "T:KirvoImaging.KirvoImage" in documented and len(documented) > 400, len(documented)
+    source = members["contentFiles/cs/net5.0/Kirvo/KirvoImage.cs"].decode()
+    methods = set(re.findall(r"public KirvoImage (\w+)\(", source))
+    known = {name.removeprefix("M:KirvoImaging.KirvoImage.").split("(")[0] for name in documented}
+    assert methods and methods <= known, methods - known
 
 
 def check_nupkg():
