@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <optional>
 #include <sstream>
 #include <winspool.h>
 
@@ -97,47 +98,47 @@ std::string text_of(const std::string& file) {
     return text.str();
 }
 
+// The dialog of a print job stands open.
+class ViewerPrints : public testing::Test {
+  protected:
+    ViewerPrints() : picture_(saved(folder_, "in.bmp", make_random_dib({31, 22, 24}, random_))) {}
+
+    void SetUp() override {
+        if (!printer_)
+            GTEST_SKIP() << "no printer can be added here";
+        viewer_.emplace(picture_);
+        viewer_->command(command_print);
+        dialog_ = viewer_->dialog("Print");
+        ASSERT_NE(dialog_, nullptr);
+    }
+
+    TempFolder folder_;
+    Random random_{3};
+    const std::string picture_, paper_ = folder_.path("paper.ps");
+    const Printer printer_{paper_};
+    std::optional<Viewer> viewer_;
+    HWND dialog_ = nullptr;
+};
+
 } // namespace
 
-TEST(ViewerPrints, OnePageWithAllOfThePicture) {
-    TempFolder folder;
-    Random random(3);
-    const std::string picture = saved(folder, "in.bmp", make_random_dib({31, 22, 24}, random)),
-                      paper = folder.path("paper.ps");
-    const Printer printer(paper);
-    if (!printer)
-        GTEST_SKIP() << "no printer can be added here";
-    Viewer viewer(picture);
-    viewer.command(command_print);
-    HWND dialog = viewer.dialog("Print");
-    ASSERT_NE(dialog, nullptr);
-    PostMessageA(dialog, WM_COMMAND, IDOK, 0);
-    ASSERT_TRUE(viewer.wait_for("says: Print"));
-    EXPECT_NE(viewer.line().find("Printed"), std::string::npos) << viewer.line();
-    const std::string text = text_of(paper);
+TEST_F(ViewerPrints, OnePageWithAllOfThePicture) {
+    PostMessageA(dialog_, WM_COMMAND, IDOK, 0);
+    ASSERT_TRUE(viewer_->wait_for("says: Print"));
+    EXPECT_NE(viewer_->line().find("Printed"), std::string::npos) << viewer_->line();
+    const std::string text = text_of(paper_);
     EXPECT_EQ(text.substr(0, 4), "%!PS");
     EXPECT_NE(text.find("%%Pages: 1"), std::string::npos);
     EXPECT_NE(text.find("/Width 31"), std::string::npos);
     EXPECT_NE(text.find("/Height 22"), std::string::npos);
     EXPECT_NE(text.find("in.bmp"), std::string::npos); // the job's name
     EXPECT_NE(text.find("%%EOF"), std::string::npos);
-    EXPECT_TRUE(viewer.ends());
+    EXPECT_TRUE(viewer_->ends());
 }
 
-TEST(ViewerPrints, NothingWhereThePersonCancels) {
-    TempFolder folder;
-    Random random(3);
-    const std::string picture = saved(folder, "in.bmp", make_random_dib({31, 22, 24}, random)),
-                      paper = folder.path("paper.ps");
-    const Printer printer(paper);
-    if (!printer)
-        GTEST_SKIP() << "no printer can be added here";
-    Viewer viewer(picture);
-    viewer.command(command_print);
-    HWND dialog = viewer.dialog("Print");
-    ASSERT_NE(dialog, nullptr);
-    PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
-    EXPECT_TRUE(viewer.gone(dialog));
-    EXPECT_TRUE(viewer.ends());
-    EXPECT_EQ(text_of(paper), "");
+TEST_F(ViewerPrints, NothingWhereThePersonCancels) {
+    PostMessageA(dialog_, WM_COMMAND, IDCANCEL, 0);
+    EXPECT_TRUE(viewer_->gone(dialog_));
+    EXPECT_TRUE(viewer_->ends());
+    EXPECT_EQ(text_of(paper_), "");
 }

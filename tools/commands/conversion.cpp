@@ -2,10 +2,10 @@
 
 #include "commands/naming.hpp"
 #include "pictures/alpha.hpp"
+#include "running/watch.hpp"
 #include "system/names.hpp"
 #include "system/settings.hpp"
 #include "system/streams.hpp"
-#include "work/watch.hpp"
 
 #include <chrono>
 #include <cstdio>

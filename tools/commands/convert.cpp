@@ -1,13 +1,13 @@
 #include "commands/convert.hpp"
 
 #include "commands/workers.hpp"
+#include "running/bar.hpp"
+#include "running/processors.hpp"
+#include "running/watch.hpp"
 #include "system/names.hpp"
 #include "system/settings.hpp"
 #include "system/streams.hpp"
 #include "system/terminal.hpp"
-#include "work/bar.hpp"
-#include "work/processors.hpp"
-#include "work/watch.hpp"
 
 #include <algorithm>
 #include <cstdio>

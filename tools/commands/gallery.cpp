@@ -6,10 +6,10 @@
 #include "commands/make.hpp"
 #include "line/json.hpp"
 #include "pictures/picture.hpp"
+#include "running/watch.hpp"
 #include "system/names.hpp"
 #include "system/settings.hpp"
 #include "system/streams.hpp"
-#include "work/watch.hpp"
 
 #include <cstdio>
 

@@ -1,10 +1,10 @@
 #include "commands/messages.hpp"
 #include "commands/workers.hpp"
+#include "running/process.hpp"
+#include "running/watch.hpp"
 #include "system/names.hpp"
 #include "system/part.hpp"
 #include "system/terminal.hpp"
-#include "work/process.hpp"
-#include "work/watch.hpp"
 
 #include <chrono>
 #include <cstdio>

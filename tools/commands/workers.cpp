@@ -1,10 +1,10 @@
 #include "commands/workers.hpp"
 
 #include "commands/messages.hpp"
+#include "running/bar.hpp"
+#include "running/process.hpp"
 #include "system/interruption.hpp"
 #include "system/names.hpp"
-#include "work/bar.hpp"
-#include "work/process.hpp"
 
 #include <filesystem>
 #include <map>

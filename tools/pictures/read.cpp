@@ -1,7 +1,7 @@
 #include "pictures/alpha.hpp"
 #include "pictures/picture.hpp"
+#include "running/watch.hpp"
 #include "system/streams.hpp"
-#include "work/watch.hpp"
 
 KirvoFilesOpenOptions ReadOptions::as_structure() const {
     KirvoFilesOpenOptions how = {};

@@ -1,8 +1,8 @@
 #include "pictures/alpha.hpp"
 #include "pictures/picture.hpp"
+#include "running/watch.hpp"
 #include "system/settings.hpp"
 #include "system/streams.hpp"
-#include "work/watch.hpp"
 
 namespace {
 

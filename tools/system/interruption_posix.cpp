@@ -1,5 +1,5 @@
+#include "running/bar.hpp"
 #include "system/interruption_table.hpp"
-#include "work/bar.hpp"
 
 #include <csignal>
 #include <sys/wait.h>

@@ -1,6 +1,6 @@
 #include "system/terminal.hpp"
 
-#include "work/bar.hpp"
+#include "running/bar.hpp"
 
 #include <cstdlib>
 #include <cstring>

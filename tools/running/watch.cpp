@@ -1,7 +1,7 @@
-#include "work/watch.hpp"
+#include "running/watch.hpp"
 
 #include "kirvo.h"
-#include "work/bar.hpp"
+#include "running/bar.hpp"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "work/processors.hpp"
+#include "running/processors.hpp"
 
 #include <windows.h>
 

@@ -1,4 +1,4 @@
-#include "work/process.hpp"
+#include "running/process.hpp"
 
 #include "system/interruption.hpp"
 

@@ -1,4 +1,4 @@
-#include "work/bar.hpp"
+#include "running/bar.hpp"
 
 #include "system/settings.hpp"
 #include "system/terminal.hpp"
