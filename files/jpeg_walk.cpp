@@ -64,12 +64,17 @@ class Walker {
         return seen != 0 && band && low_ <= 13 && (high_ == 0 || high_ == low_ + 1);
     }
 
+    // A file without any, as cameras' films have them, means the usual ones.
+    Bytes table(uint32_t kind, uint32_t number) const {
+        const Bytes own = headers_.huffman[kind][number];
+        return own.empty() && number < 2 ? usual_huffman_table(kind, number) : own;
+    }
+
     bool make_tables() {
         const bool progressive = headers_.is_progressive();
         for (uint32_t n = 0; n < headers_.scan_components; ++n) {
             const JpegComponent& component = headers_.component[headers_.scanned[n]];
-            const Bytes dc = headers_.huffman[0][component.dc];
-            const Bytes ac = headers_.huffman[1][component.ac];
+            const Bytes dc = table(0, component.dc), ac = table(1, component.ac);
             if (!progressive || (first_ == 0 && high_ == 0)) {
                 if (!dc_[component.dc].make(dc))
                     return false;

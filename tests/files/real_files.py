@@ -11,6 +11,7 @@ import itertools
 import json
 import os
 import pathlib
+import random
 import subprocess
 import sys
 import tempfile
@@ -237,6 +238,36 @@ class Jpeg(Folder):
         decoders = self.check_against_djpeg(paths)
         self.assertIn("Kirvo", decoders)
 
+    def test_the_hardest_pictures_are_not_taken_for_damage(self):
+        tile = {"points": lambda x, y: 255 * (x + y & 1), "lines": lambda x, y: 255 * (x & 1),
+                "blocks": lambda x, y: 255 * (x // 8 + y // 8 & 1), "white": lambda x, y: 255}
+        for (title, level), quality, option in itertools.product(
+                tile.items(), ("1", "50", "100"),
+                ("", "-sample 1x1 -optimize", "-progressive -dct fast", "-rgb -dct float")):
+            levels = bytes(level(x, y) for y in range(24) for x in range(40) for _ in range(3))
+            path = self.folder / f"{title}.jpg"
+            path.write_bytes(run("cjpeg", "-quality", quality, *option.split(),
+                                 input=b"P6 40 24 255\n" + levels))
+            opened = LIBRARY.open(path)
+            self.assertTrue(opened.ok, f"{title} {quality} {option}: {opened.texts['reason']}")
+
+    def test_no_damage_that_djpeg_tells_is_passed_over(self):
+        path, told = self.folder / "x.jpg", 0
+        for seed, options in enumerate((["-interlace", "JPEG"], [], ["-sampling-factor", "1x1"])):
+            whole, = self.write([("whole.jpg", "colour", "-resize", "300%", *options)])
+            data, chance = whole.read_bytes(), random.Random(seed)
+            for _ in range(50):
+                damaged = bytearray(data)
+                damaged[chance.randrange(data.index(b"\xff\xda") + 14, len(data) - 2)] ^= (
+                    1 << chance.randrange(8))
+                path.write_bytes(damaged)
+                theirs = subprocess.run(["djpeg", path], stdout=subprocess.DEVNULL,
+                                        stderr=subprocess.PIPE)
+                if theirs.stderr:
+                    told += 1
+                    self.assertFalse(LIBRARY.open(path).ok, theirs.stderr)
+        self.assertGreater(told, 20)
+
     def test_half_a_file_is_refused_with_its_last_row(self):
         for options in ([], ["-interlace", "JPEG"]):
             path, = self.write([("x.jpg", "colour", *options)])
@@ -292,6 +323,10 @@ class Jpeg(Folder):
             at = end
         path.write_bytes(kept + data[at:])
         self.check_against_djpeg([path])
+        ours, theirs = self.folder / "ours.jpg", self.folder / "theirs.jpg"
+        self.assertEqual(LIBRARY.files.KirvoFilesTurn(os.fsencode(path), os.fsencode(ours), 1, 2, 0, None), 0)
+        theirs.write_bytes(run("jpegtran", "-rotate", "90", path))
+        self.assertEqual(run("djpeg", ours), run("djpeg", theirs))
 
     def test_cmyk(self):
         paths = self.write([("cmyk.jpg", "colour", "-colorspace", "CMYK", "-quality", "95")])
