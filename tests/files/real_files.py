@@ -12,6 +12,7 @@ import json
 import os
 import pathlib
 import random
+import struct
 import subprocess
 import sys
 import tempfile
@@ -187,6 +188,26 @@ class Written(Folder):
                  ("tiles.tif", "colour", "-define", "tiff:tile-geometry=16x16"),
                  ("cmyk.tif", "colour", "-colorspace", "CMYK", "-compress", "LZW")]
         self.assertEqual(self.check(self.write(jobs)), [])
+
+    def test_alpha_beside_a_palette_is_as_deep_as_its_indices(self):
+        levels = b"".join(level.to_bytes(2, "little") for channel in range(3)
+                          for level in range(0, 65536, 4369))
+        entries = [(256, 4, 4, 1), (257, 4, 1, 1), (258, 3, 0x40004, 2), (259, 3, 1, 1), (262, 3, 3, 1),
+                   (273, 4, 242, 1), (277, 3, 2, 1), (278, 4, 1, 1), (279, 4, 4, 1), (320, 3, 146, 48),
+                   (338, 3, 2, 1)]
+        path = self.folder / "x.tif"
+        path.write_bytes(b"II*\0" + struct.pack("<IH", 8, len(entries)) +
+                         b"".join(struct.pack("<HHII", tag, kind, count, value)
+                                  for tag, kind, value, count in entries) +
+                         bytes(4) + levels + bytes((0x0F, 0x18, 0x20, 0x3F)))
+        opened = LIBRARY.open(path, KEEP_ALPHA)
+        self.assertTrue(opened.ok, opened.texts["reason"])
+        self.assertEqual(list(opened.image().convert("RGBA").getdata()),
+                         [(0, 0, 0, 255), (17, 17, 17, 136), (34, 34, 34, 0), (51, 51, 51, 255)])
+
+    def test_a_fax_of_grey_with_alpha_is_refused(self):  # which no two programs read alike
+        for path in self.write([("x.tif", "alpha", "-type", "GrayscaleAlpha", "-compress", "Group4")]):
+            self.assertIn("a fax of several samples", LIBRARY.open(path).texts["reason"])
 
     def test_gif_webp_and_icons(self):
         jobs = [("plain.gif", "colour"), ("clear.gif", "alpha"), ("rows.gif", "colour", "-interlace", "GIF"),

@@ -16,8 +16,11 @@ const std::vector<std::string> ways = {"upright", "90", "180", "270", "flip", "m
 
 bool run(Everything& all) {
     all.conversion.turning->way = Values("kirvo turn", {mode("WAY", ways, 0)}, all.way).integer(0);
-    // One file alone is turned itself: nothing is lost by it.
     Operands& operands = all.operands;
+    for (const std::string& name : operands.names)
+        if (name == "-")
+            throw UsageError("kirvo turn works on files, not on standard input and output");
+    // One file alone is turned itself: nothing is lost by it.
     if (operands.names.size() == 1 && operands.output.empty() && operands.suffix.empty())
         operands.in_place = true;
     return convert(all.conversion, operands, all.run);
