@@ -169,6 +169,8 @@ void turn(const Conversion& conversion, const Job& job, Outcome& outcome) {
                                 known.receiver());
     }
     expect(status, known, job.input);
+    if (!job.in_place && format_for(job.output, "") != KIRVO_FILES_JPEG)
+        throw Failure(job.output, "what was turned is a JPEG: name it .jpg");
     output.complete();
     const KirvoFilesDescription turned = known.description();
     outcome.record["output"] = job.output;

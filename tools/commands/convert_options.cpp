@@ -121,7 +121,8 @@ void add_convert(Command& program, bool& good) {
         written_formats(", .") +
         ". - is standard input or output. An output that exists is replaced with --force only. A "
         "damaged picture is written with --keep-going only, and never replaces a file.";
-    add_operands(command, all.operands, "Pictures to read, and the one to write");
+    add_operands(command, all.operands, "Pictures to read, and the one to write",
+                 ", {width}, {height}");
     command->add_flag("--in-place", all.operands.in_place, "Replace the inputs");
     add_run(command, all.run);
     add_writing(command, all.conversion);

@@ -127,7 +127,8 @@ void check_no_folder(const std::string& name) {
 void check_outputs(const std::vector<Job>& jobs, const std::string& to) {
     std::map<std::string, std::string> sources;
     for (const Job& job : jobs) {
-        check_writable(job.output, to);
+        if (!job.in_place || !extension(job.output).empty()) // else its content tells
+            check_writable(job.output, to);
         if (job.in_place && !to.empty() && format_for(job.output, to) != format_for(job.output, ""))
             throw UsageError(job.input + ": --in-place keeps a file's format; to change it, name "
                                          "an output or a folder with -o");

@@ -49,7 +49,7 @@ void add_turn(Command& program, bool& good) {
             ->type_name("WAY")
             ->required();
     command->offer(way, ways);
-    add_operands(command, all.operands, "JPEG files");
+    add_operands(command, all.operands, "JPEG files", "");
     command->add_flag("--in-place", all.operands.in_place, "Replace the inputs");
     CLI::Option* trim = command->add_flag_callback(
         "--trim", [] { all.conversion.turning->edges = KIRVO_FILES_EDGES_TRIM; },
