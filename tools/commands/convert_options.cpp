@@ -9,7 +9,7 @@
 
 namespace {
 
-struct Everything {
+struct ConvertOptions {
     Conversion conversion;
     Operands operands;
     Run run;
@@ -102,7 +102,7 @@ void add_writing(Command* command, Conversion& c) {
 } // namespace
 
 void add_convert(Command& program, bool& good) {
-    static Everything all;
+    static ConvertOptions all;
     Command* command =
         program.add("convert", "Reads pictures, applies effects, writes the results");
     command->usage = {"[options] INPUT OUTPUT", "[options] INPUT... DIR",

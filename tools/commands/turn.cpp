@@ -5,7 +5,7 @@
 
 namespace {
 
-struct Everything {
+struct TurnOptions {
     Conversion conversion;
     Operands operands;
     Run run;
@@ -14,7 +14,7 @@ struct Everything {
 
 const std::vector<std::string> ways = {"upright", "90", "180", "270", "flip", "mirror"};
 
-bool run(Everything& all) {
+bool run(TurnOptions& all) {
     all.conversion.turning->way = Values("kirvo turn", {mode("WAY", ways, 0)}, all.way).integer(0);
     Operands& operands = all.operands;
     for (const std::string& name : operands.names)
@@ -29,7 +29,7 @@ bool run(Everything& all) {
 } // namespace
 
 void add_turn(Command& program, bool& good) {
-    static Everything all;
+    static TurnOptions all;
     all.conversion.turning.emplace();
     Command* command = program.add("turn", "Turns JPEG files without loss");
     command->usage = {"WAY FILE", "WAY INPUT OUTPUT", "WAY INPUT... --in-place",
