@@ -155,6 +155,11 @@ def check_python(folder):
     run("/usr/bin/python3", SOURCE / "tests/layers/python_layer.py", SOURCE / "bindings/python")
 
 
+def check_basic(folder):
+    """The class for Visual Basic, which a program in Python runs."""
+    run("/usr/bin/python3", SOURCE / "tests/layers/basic_layer.py")
+
+
 def check_csharp(folder):
     """The classes from their source; what they promise, and the example."""
     need("mcs", "mono-mcs")
