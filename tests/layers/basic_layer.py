@@ -2,9 +2,7 @@
 
 Every effect makes what the package for Python makes of the same picture.
 """
-import copy
 import ctypes
-import json
 import os
 import pathlib
 import sys
@@ -12,13 +10,12 @@ import tempfile
 import unittest
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
-sys.path[:0] = [str(SOURCE / "bindings/python/src"), str(SOURCE / "interface")]
+sys.path[:0] = [str(SOURCE / "bindings/python/src")]
+import effects
 import kirvo
 from basic import KINDS, Array, Error, Program, Result, Thing, basic_lines
-from description import Description
-from header import Header
-from kirvo import Range, flat, flat_files
-from layers import Layers
+from effects import COLOUR, LOW, OTHERS, SAME, SMALL
+from kirvo import flat, flat_files
 
 LIBRARY, FILES = (ctypes.CDLL(os.environ[name], mode=ctypes.RTLD_GLOBAL)
                   for name in ("KIRVO_LIBRARY", "KIRVO_FILES_LIBRARY"))
@@ -26,20 +23,6 @@ CHOSEN = {"VBA7": True, "Win64": True}
 MODULE = list(basic_lines(SOURCE / "bindings/vb/Kirvo.bas", CHOSEN))
 CLASS = [line for line in basic_lines(SOURCE / "bindings/vb/KirvoImage.cls", CHOSEN)
          if line.split()[0] not in ("VERSION", "BEGIN", "END", "MultiUse")]
-COLOUR = 0x96643C
-LOW, OTHERS = Range(0, 120, 1), Range(50, 99, 2)
-# What methods are given; other pictures by their sizes.
-SMALL, SAME = (4, 5), (7, 9)
-GIVEN = {
-    "crop": (1, 2, 4, 3), "resize": (5, 11), "brightness": (17,), "contrast": (-30,), "gamma": (0.5,),
-    "gamma_channels": (0.5, 1.5, 2), "tone": (1, 2), "tone_channels": (0.5, 1.5, 0.25), "swap_channels": (3,),
-    "map_channels": (bytes(range(255, -1, -1)),), "change_hue": (2, 120), "exclusive_or": (COLOUR,),
-    "keep_channels": (LOW, OTHERS, LOW), "mosaic": (3,), "mosaic_average": (2,), "sharpen": (2,), "relief": (3,),
-    "colour_edges": (5, 1), "dilate": (2, True), "erode": (1, True), "keep_bits": (3, 4, 2), "rotate_90": (1,),
-    "interleave": (SAME,), "paste": (SMALL, 1, 2), "compose": (SMALL, 1, 2, 1), "set_pixel": (3, 4, COLOUR),
-    "set_line": (1, 5, 3, COLOUR), "mix_3x3": (3, 3), "mix_5x5": (4, 4), "solid": (3, 5, COLOUR),
-    "gradient_across": (7, 2, 0, COLOUR), "gradient_down": (2, 7, 0, COLOUR),
-    "gradient_corners": (4, 5, 1, COLOUR, 3000, 0xFF)}
 
 
 def array(kind, values):
@@ -148,23 +131,15 @@ class Layer(unittest.TestCase):
         made.Adopt(handle)
         return made
 
-    def picture(self, width=7, height=9):
-        return kirvo.Image.from_rgb(width, height, bytes(7 * i % 251 for i in range(3 * width * height)))
-
-    def given(self, values, basic):
-        """Arguments as a language takes them."""
+    def given(self, values):
+        """Arguments as Basic takes them."""
         for value in values:
             if value in (SMALL, SAME):
-                other = kirvo.Image.gradient_across(*value, 0, COLOUR).reduce_256()
-                yield self.basic(other) if basic else other
-            elif isinstance(value, Range) and basic:
-                yield self.program.new("KirvoImage").Range(*value)
-            elif isinstance(value, bytes) and basic:
+                yield self.basic(effects.other(value))
+            elif isinstance(value, bytes):
                 yield array("byte", value)
-            elif value is True and basic:
-                yield -1
             else:
-                yield value
+                yield -1 if value is True else effects.packed(value)
 
     def assert_same(self, image, expected):
         self.assertEqual((image.Width, image.Height, image.Bits), (expected.width, expected.height, expected.bits))
@@ -177,31 +152,18 @@ class Layer(unittest.TestCase):
         self.assertRegex(str(caught.exception), text)
 
     def test_every_effect_is_that_of_the_other_layers(self):
-        for method in Layers(Description(), Header()).methods:
-            name = "".join(map(str.capitalize, method.name.split("_")))
-            for bits in (8, 16, 24, 32):
-                first = self.picture().exact_256(mode=1) if bits == 8 else self.picture().convert(bits)
-                if method.name == "exact_16":
-                    first = first.reduce_16().convert(24)
-                for area in [(), (1, 2, 4, 3), (2, 1, -1, -1)] if method.has_area else [()]:
-                    with self.subTest(method.name, bits=bits, area=area):
-                        self.check(method, name, first, area)
-
-    def check(self, method, name, first, area):
-        expected, image = copy.copy(first), self.basic(first)
-        given = GIVEN.get(method.name, ())
-        if area:  # which stands behind all others
-            given += tuple(default(one) for one in method.parameters[len(given):])
-        made = getattr(expected, method.name)(*self.given(given, False), **({"area": area} if area else {}))
-        answer = getattr(image, name)(*self.given(given, True), *area)
-        if method.way == "change":
-            self.assert_same(image, expected)
-        else:
-            self.assert_same(answer, made)
-            self.assert_same(image, first)
+        for call in effects.calls():
+            with self.subTest(str(call)):
+                image = self.basic(call.first())
+                answer = getattr(image, call.capitals)(*self.given(call.given), *call.area)
+                if call.method.way == "change":
+                    self.assert_same(image, call.made())
+                else:
+                    self.assert_same(answer, call.made())
+                    self.assert_same(image, call.first())
 
     def test_what_is_written_by_hand_is_that_of_the_other_layers(self):
-        first = self.picture()
+        first = effects.picture()
         image = self.basic(first)
         weights = [1, -2, 3, -4, 15, -6, 7, -8, 9]
         for divisor in (0, 5):
@@ -227,18 +189,18 @@ class Layer(unittest.TestCase):
 
     def test_settings_of_the_process_are_made(self):
         try:
-            image = self.basic(self.picture())
+            image = self.basic(effects.picture())
             image.MixMasks(array("long", range(1, 10)), array("long", range(25)))
             for size, point in (("3x3", (3, 3)), ("5x5", (3, 4))):
-                expected = self.picture()
+                expected = effects.picture()
                 one = self.basic(expected)
                 getattr(expected, f"mix_{size}")(*point)
                 getattr(one, f"Mix{size}")(*point)
                 self.assert_same(one, expected)
-                self.assertNotEqual(content(one.Handle), content(self.picture().handle))
+                self.assertNotEqual(content(one.Handle), content(effects.picture().handle))
             image.KeyColour(COLOUR)
             image.Compose(self.basic(kirvo.Image.solid(7, 9, COLOUR)), 4)
-            self.assert_same(image, self.picture())
+            self.assert_same(image, effects.picture())
         finally:
             kirvo.Image.mix_masks([1] * 9, [1] * 25)
             kirvo.Image.key_colour(0)
@@ -259,26 +221,26 @@ class Layer(unittest.TestCase):
 
     def test_every_depth_becomes_every_other(self):
         for bits in (8, 16, 24, 32):
-            first = self.picture().exact_256(mode=1) if bits == 8 else self.picture().convert(bits)
+            first = effects.picture().exact_256(mode=1) if bits == 8 else effects.picture().convert(bits)
             for depth in (16, 24, 32):
                 image = self.basic(first)
                 made = image.Convert(depth)
                 self.assert_same(made, first.convert(depth))
                 self.assertNotEqual(made.Handle, image.Handle)
             self.assert_same(self.basic(first).Copy(), first)
-        four = self.picture().reduce_16()
+        four = effects.picture().reduce_16()
         for depth in (16, 24, 32):
             self.assert_same(self.basic(four).Convert(depth), four.convert(depth))
-        self.assert_fails(flat.KIRVO_BAD_PARAMETER, "^Convert: ", lambda: self.basic(self.picture()).Convert(17))
+        self.assert_fails(flat.KIRVO_BAD_PARAMETER, "^Convert: ", lambda: self.basic(effects.picture()).Convert(17))
 
     def test_memory_is_freed_with_the_picture(self):
-        image = self.basic(self.picture())
+        image = self.basic(effects.picture())
         made = image.Blur()
         handles = [image.Handle, made.Handle]
         self.assertTrue(all(flat.GlobalSize(handle) for handle in handles))
         del made
         self.assertEqual([flat.GlobalSize(handle) > 0 for handle in handles], [True, False])
-        image.Adopt(self.basic(self.picture(3, 3)).Release())
+        image.Adopt(self.basic(effects.picture(3, 3)).Release())
         self.assertEqual((flat.GlobalSize(handles[0]), image.Width), (0, 3))
         handle = image.Release()
         self.assertEqual((image.Handle, flat.GlobalSize(handle) > 0), (0, True))
@@ -287,20 +249,20 @@ class Layer(unittest.TestCase):
         self.assertEqual((image.Handle, flat.GlobalSize(handle)), (0, 0))
         for call in (image.Copy, image.Blur, lambda: image.Width):
             self.assert_fails(flat.KIRVO_NULL_HANDLE, "KIRVO_NULL_HANDLE", call)
-        eight = self.basic(self.picture().exact_256())
+        eight = self.basic(effects.picture().exact_256())
         before = eight.Handle
-        eight.Compose(self.basic(self.picture(2, 2)))
+        eight.Compose(self.basic(effects.picture(2, 2)))
         self.assertEqual((eight.Bits, flat.GlobalSize(before)), (24, 0))
 
     def test_nothing_stays_locked(self):
-        image = self.basic(self.picture())
+        image = self.basic(effects.picture())
         for call in (lambda: image.Width, image.Copy, image.Blur, lambda: image.Convert(16), lambda: image.Picture):
             call()
             # A block that is not locked is let go at once.
             self.assertEqual(flat.GlobalUnlock(image.Handle), 0)
 
     def test_errors_say_what_and_why(self):
-        image = self.basic(self.picture())
+        image = self.basic(effects.picture())
         for call, name in ((lambda: image.Brightness(101), "Brightness"), (lambda: image.Crop(6, 0, 5, 1), "Crop"),
                            (lambda: image.SwapChannels(9), "SwapChannels"), (lambda: image.Solid(0, 1, 2), "Solid")):
             self.assert_fails(flat.KIRVO_BAD_PARAMETER, f"^{name}: KIRVO_BAD_PARAMETER: A rectangle", call)
@@ -308,18 +270,18 @@ class Layer(unittest.TestCase):
     def test_files_of_any_name_are_opened_and_saved(self):
         with tempfile.TemporaryDirectory() as folder:
             path = str(pathlib.Path(folder) / "写真 é.png")
-            self.basic(self.picture()).SaveFile(path)
+            self.basic(effects.picture()).SaveFile(path)
             image = self.program.new("KirvoImage")
             image.OpenFile(path)
             self.assert_same(image, kirvo.Image.open(path))
             sizes = []
             for quality in (10, 95):
-                self.basic(self.picture(99, 80)).SaveFile(str(pathlib.Path(folder) / "made.jpg"), quality)
+                self.basic(effects.picture(99, 80)).SaveFile(str(pathlib.Path(folder) / "made.jpg"), quality)
                 sizes.append((pathlib.Path(folder) / "made.jpg").stat().st_size)
             self.assertLess(2 * sizes[0], sizes[1])
             missing = str(pathlib.Path(folder) / "文書.jpg")
             for call in (lambda: image.OpenFile(missing),
-                         lambda: self.basic(self.picture()).SaveFile(f"{missing}/x.png")):
+                         lambda: self.basic(effects.picture()).SaveFile(f"{missing}/x.png")):
                 with self.assertRaises(Error) as caught:
                     call()
                 self.assertRegex(str(caught.exception), r"文書\.jpg.*: .*[a-z]$")
@@ -331,7 +293,7 @@ class Layer(unittest.TestCase):
     def test_flags_of_opening_count(self):
         with tempfile.TemporaryDirectory() as folder:
             path = pathlib.Path(folder) / "cut.bmp"
-            path.write_bytes(self.picture().to_bytes("bmp")[:-60])
+            path.write_bytes(effects.picture().to_bytes("bmp")[:-60])
             image = self.program.new("KirvoImage")
             self.assertRaises(Error, image.OpenFile, str(path))
             image.OpenFile(str(path), flat_files.KIRVO_FILES_KEEP_GOING)
@@ -345,7 +307,7 @@ class Layer(unittest.TestCase):
         host = flat.KirvoWindowHost(SendMessageA=flat.KirvoWindowHost.SendMessageAFunction(receive))
         flat.KirvoSetWindowHost(ctypes.byref(host))
         try:
-            image, listener = self.basic(self.picture(600, 700)), Listener()
+            image, listener = self.basic(effects.picture(600, 700)), Listener()
             image.Listener = listener
             made = image.Blur()
             self.assertEqual((listener.seen[0], listener.seen[-1]), (0, 100))
@@ -360,7 +322,7 @@ class Layer(unittest.TestCase):
             flat.KirvoSetWindowHost(None)
 
     def test_pictures_of_forms_come_and_go(self):
-        first = self.picture()
+        first = effects.picture()
         for bits in (24, 32):
             picture = self.basic(first.convert(bits)).Picture
             taken = self.program.new("KirvoImage")
@@ -370,10 +332,6 @@ class Layer(unittest.TestCase):
         self.assertEqual(self.system.contexts, 0)
         self.system.calls["OleCreatePictureIndirect"] = lambda *given: 1
         self.assert_fails(flat.KIRVO_NO_MEMORY, "^Picture: ", lambda: taken.Copy().Picture)
-
-
-def default(parameter):
-    return json.loads(parameter.value)
 
 
 if __name__ == "__main__":
