@@ -72,7 +72,7 @@ SUITES = (
           "run: python3 ../../tests/tool/workers.py ./kirvo Workers: kirvo_tool"),
     Suite("viewer", "win32", "kirvo_viewer_tests-Viewer*", "kirvo_viewer_tests-*Hostile*:*World*"),
     Suite("bindings/python", "native", LAYERS,
-          f"ctest: kirvo_layer_python|bindings_python|kirvo_world_python: {BINDINGS}"),
+          f"ctest: kirvo_layer_(python|basic)|bindings_python|kirvo_world_python: {BINDINGS}"),
     Suite("bindings/csharp", "native", LAYERS,
           f"ctest: kirvo_layer_csharp|bindings_csharp|kirvo_world_csharp: {BINDINGS}"),
     Suite("bindings/pascal", "native", LAYERS,
