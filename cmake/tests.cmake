@@ -234,7 +234,7 @@ endif()
 # The object layers: their own promises, and every effect in each of them.
 set(checks cpp)
 if(NOT WIN32 AND NOT KIRVO_SANITIZE)
-    list(APPEND checks effects depths lines python csharp pascal)
+    list(APPEND checks effects depths lines python csharp pascal basic)
 endif()
 foreach(check IN LISTS checks)
     add_test(NAME kirvo_layer_${check}
