@@ -89,7 +89,8 @@ struct Kernels {
     Pick<uint8_t> highest8[3], lowest8[3];
     Pick<uint32_t> highest32[3]; // of numbers below 2^31
     // Of windows of n rows that begin one row after another: to[k] becomes the extreme of rows[k] to
-    // rows[k + n - 1]. For 2, 4 or 8 windows; n is at least their number.
+    // rows[k + n - 1]. For 2, 4 or 8 windows; n is at least their number. The extreme of the rows at
+    // which windows end comes after them, if there is room for it: to[windows] may be null.
     template<typename T>
     using PickRows = void (*)(T* const* to, const T* const* rows, size_t n, size_t count);
     PickRows<uint8_t> highest_rows8[3], lowest_rows8[3];

@@ -84,12 +84,16 @@ void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
 
 template<typename T, Extreme which, size_t windows>
 void pick_rows(T* const* to, const T* const* rows, size_t n, size_t count) {
-    for (size_t window = 0; window < windows; ++window, ++to, ++rows) {
-        std::copy_n(*rows, count, *to);
-        for (size_t k = 1; k < n; ++k)
+    const auto pick_from = [=](T* extremes, size_t first, size_t end) {
+        std::copy_n(rows[first], count, extremes);
+        for (size_t k = first + 1; k < end; ++k)
             for (size_t i = 0; i < count; ++i)
-                (*to)[i] = of<which>((*to)[i], rows[k][i]);
-    }
+                extremes[i] = of<which>(extremes[i], rows[k][i]);
+    };
+    for (size_t k = 0; k < windows; ++k)
+        pick_from(to[k], k, k + n);
+    if (to[windows] != nullptr)
+        pick_from(to[windows], n - 1, n - 1 + windows);
 }
 
 template<typename Sum>

@@ -47,6 +47,8 @@ struct ExtremeKernels {
                 after = of(after, at(n + k - 1));
                 V::store(to[k] + i, of(to_shared[k], after));
             }
+            if (to[windows] != nullptr)
+                V::store(to[windows] + i, of(after, at(n - 1)));
         };
         if (!each_step<step>(count, block))
             (scalar::kernels.*rest_of_rows)[windows / 4](to, rows, n, count);
