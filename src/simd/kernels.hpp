@@ -91,8 +91,10 @@ struct Kernels {
     // Of windows of n rows that begin one row after another: to[k] becomes the extreme of rows[k] to
     // rows[k + n - 1]. For 2, 4 or 8 windows; n is at least their number. The extreme of the rows at
     // which windows end comes after them, if there is room for it: to[windows] may be null.
+    // Memory so many bytes ahead of these rows will be wanted next, if it is not 0 bytes.
     template<typename T>
-    using PickRows = void (*)(T* const* to, const T* const* rows, size_t n, size_t count);
+    using PickRows = void (*)(T* const* to, const T* const* rows, size_t n, size_t count,
+                              ptrdiff_t ahead);
     PickRows<uint8_t> highest_rows8[3], lowest_rows8[3];
     PickRows<uint16_t> highest_rows16[3];
 

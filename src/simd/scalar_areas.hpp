@@ -83,7 +83,7 @@ void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
 }
 
 template<typename T, Extreme which, size_t windows>
-void pick_rows(T* const* to, const T* const* rows, size_t n, size_t count) {
+void pick_rows(T* const* to, const T* const* rows, size_t n, size_t count, ptrdiff_t) {
     const auto pick_from = [=](T* extremes, size_t first, size_t end) {
         std::copy_n(rows[first], count, extremes);
         for (size_t k = first + 1; k < end; ++k)

@@ -47,7 +47,7 @@ constexpr Case<Kernels::Pick<T>> pick = {
 
 template<typename T, Choose<T> choose, size_t windows>
 constexpr Case<Kernels::PickRows<T>> pick_rows = {
-    [](T* const* to, const T* const* rows, size_t n, size_t count) {
+    [](T* const* to, const T* const* rows, size_t n, size_t count, ptrdiff_t) {
         const auto pick_from = [=](T* extremes, size_t first, size_t end) {
             for (size_t i = 0; i < count; ++i) {
                 extremes[i] = rows[first][i];
@@ -70,8 +70,9 @@ constexpr Case<Kernels::PickRows<T>> pick_rows = {
         std::vector<const T*> rows(n + windows - 1);
         for (const T*& row : rows)
             row = trial.values<T>(trial.count);
+        const ptrdiff_t ahead = trial.between(0, 4096, 0);
         trial.items *= windows;
-        trial.run([&] { kernel(to.data(), rows.data(), n, trial.count); });
+        trial.run([&] { kernel(to.data(), rows.data(), n, trial.count, ahead); });
     },
     "element", 257};
 

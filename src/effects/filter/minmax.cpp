@@ -121,6 +121,10 @@ class ChannelKind {
     const uint8_t* in_place(const Patch& patch, int32_t row) const {
         return in_place_ ? setting_.pixels(patch, row) : nullptr;
     }
+    // From row to row where the next ones are worth asking for: in an image beyond the caches.
+    ptrdiff_t stride_ahead() const {
+        return in_place_ && copy_ != move_bytes ? setting_.from.stride : 0;
+    }
     void load(const Patch& patch, int32_t row, uint8_t* cells) const {
         unpack_row(setting_.format, setting_.pixels(patch, row), cells, patch.cells());
     }
@@ -172,6 +176,7 @@ class LuminanceKind {
     explicit operator bool() const { return static_cast<bool>(memory_); }
 
     const uint16_t* in_place(const Patch&, int32_t) const { return nullptr; }
+    static constexpr ptrdiff_t stride_ahead() { return 0; }
     void load(const Patch& patch, int32_t row, uint16_t* cells) const {
         const size_t count = patch.cells();
         const uint8_t* bgr = setting_.pixels(patch, row);
@@ -331,7 +336,7 @@ class ExtremeFilter {
             to[k] = lines_[k] + patch.begin * elements_;
         to[abreast_] = of_blocks_ ? kept_block(last) : nullptr;
         kind_.pick_rows[abreast_ / 4](to, rows, n + 1 - static_cast<size_t>(abreast_),
-                                      patch.cells() * elements_);
+                                      patch.cells() * elements_, kind_.stride_ahead() * abreast_);
         joined_ = last + abreast_;
     }
 
@@ -344,7 +349,7 @@ class ExtremeFilter {
             rows[most_abreast] = neutral();
             // The second window's is of no use.
             Element* const to[] = {kept_block(joined_), blocks_[kept_blocks], nullptr};
-            kind_.pick_rows[0](to, rows, size_t{most_abreast}, patch.cells() * elements_);
+            kind_.pick_rows[0](to, rows, size_t{most_abreast}, patch.cells() * elements_, 0);
         }
         return kept_block(row);
     }

@@ -30,8 +30,13 @@ struct ExtremeKernels {
     // All windows share the rows from where the last one begins to where the first one ends.
     template<int windows>
     [[gnu::flatten]] static void pick_rows(T* const* to, const T* const* rows, size_t n,
-                                           size_t count) {
+                                           size_t count, ptrdiff_t ahead) {
         const auto block = [&](size_t i) {
+            if (ahead != 0 && i * sizeof(T) % line_bytes < V::size) {
+                for (size_t k = 0; k < windows; ++k)
+                    __builtin_prefetch(
+                        reinterpret_cast<const uint8_t*>(rows[n - 1 + k] + i) + ahead, 0, 2);
+            }
             const auto at = [&](size_t k) { return V::load(rows[k] + i); };
             Register to_shared[windows], shared = at(windows - 1), after = at(n);
             for (size_t k = windows; k < n; ++k)
@@ -51,7 +56,7 @@ struct ExtremeKernels {
                 V::store(to[windows] + i, of(after, at(n - 1)));
         };
         if (!each_step<step>(count, block))
-            (scalar::kernels.*rest_of_rows)[windows / 4](to, rows, n, count);
+            (scalar::kernels.*rest_of_rows)[windows / 4](to, rows, n, count, ahead);
     }
 };
 
