@@ -82,18 +82,20 @@ void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
     }
 }
 
+template<typename T, Extreme which>
+void pick_all(T* to, const T* const* rows, size_t n, size_t count) {
+    std::copy_n(*rows, count, to);
+    for (size_t k = 1; k < n; ++k)
+        for (size_t i = 0; i < count; ++i)
+            to[i] = of<which>(to[i], rows[k][i]);
+}
+
 template<typename T, Extreme which, size_t windows>
 void pick_rows(T* const* to, const T* const* rows, size_t n, size_t count, ptrdiff_t) {
-    const auto pick_from = [=](T* extremes, size_t first, size_t end) {
-        std::copy_n(rows[first], count, extremes);
-        for (size_t k = first + 1; k < end; ++k)
-            for (size_t i = 0; i < count; ++i)
-                extremes[i] = of<which>(extremes[i], rows[k][i]);
-    };
     for (size_t k = 0; k < windows; ++k)
-        pick_from(to[k], k, k + n);
+        pick_all<T, which>(to[k], rows + k, n, count);
     if (to[windows] != nullptr)
-        pick_from(to[windows], n - 1, n - 1 + windows);
+        pick_all<T, which>(to[windows], rows + n - 1, windows, count);
 }
 
 template<typename Sum>

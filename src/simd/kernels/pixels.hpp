@@ -26,25 +26,18 @@ struct PixelKernels {
         }
     }
 
-    // The next run is loaded before this one is stored, since the bytes beyond the run's pixels are
-    // stored as they came and belong to the next one.
     static void permute(uint8_t* to, const uint8_t* from, size_t pixels,
                         const ChannelOrder& order) {
-        constexpr size_t step = V::run, bytes = 3 * step, touched = step + 1;
-        if (pixels >= touched) {
-            const typename V::Order ordered(order);
-            Register v = V::load_run(from);
-            for (; pixels >= step + touched; pixels -= step, to += bytes, from += bytes) {
-                const Register next = V::load_run(from + bytes);
-                V::store_run(to, ordered(v));
-                v = next;
-            }
-            V::store_run(to, ordered(v));
-            pixels -= step, to += bytes, from += bytes;
-        }
-        scalar::kernels.permute(to, from, pixels, order);
+        each_block<3, V::size>(to, from, pixels, [&](uint8_t* out, const uint8_t* in) {
+            const Planes p = V::load_planes(in);
+            const Register source[] = {p.blue, p.green, p.red, V::zero()};
+            V::store_planes(out,
+                            {source[order.from[0]], source[order.from[1]], source[order.from[2]]});
+        });
     }
 
+    // The next run is loaded before this one is stored, since the bytes beyond the run's pixels are
+    // stored as they came and belong to the next one.
     static void replace(uint8_t* to, const uint8_t* from, size_t pixels, const uint8_t* key) {
         constexpr size_t step = V::run, bytes = 3 * step;
         const Register keys = V::run_of(key);

@@ -45,7 +45,7 @@ constexpr Kernels table_of() {
         .triple = Bytes::triple,
         .copy_past_caches = Bytes::copy_past_caches,
         .map_channels = any_count<Pixels::map_channels, 3, V::size>,
-        .permute = Pixels::permute,
+        .permute = any_count<Pixels::permute, 3, V::size>,
         .grey = any_count<Pixels::grey, 3, V::size>,
         .set_hue = any_count<HueKernels<V>::set_hue, 3, V::size>,
         .turn_hue = any_count<HueKernels<V>::turn_hue, 3, V::size>,
