@@ -73,7 +73,7 @@ struct Vector : VectorAvx {
                                               4, 5, 6, -1, 7, 8, 9, -1, 10, 11, 12, -1, 13, 14, 15,
                                               -1));
         else
-            return load(from);
+            return load_once(from);
     }
     // The kept bytes of each half move to its start, then the halves together.
     template<int bytes>

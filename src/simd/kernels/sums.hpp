@@ -95,16 +95,16 @@ struct SumKernels {
 
     // The sums of pairs of columns over the rows of a box, of `size` pixels.
     static Planes pairs(const uint8_t* from, ptrdiff_t row_step, size_t rows) {
-        Planes sums = {V::zero(), V::zero(), V::zero()};
+        Register blue = V::zero(), green = blue, red = blue;
         const ptrdiff_t next = static_cast<ptrdiff_t>(rows) * row_step;
         for (size_t k = 0; k < rows; ++k, from += row_step) {
             prefetch<3 * V::size>(from + next);
             const Planes p = V::load_planes(from);
-            sums.blue = V::add16(sums.blue, V::pair_sums8(p.blue));
-            sums.green = V::add16(sums.green, V::pair_sums8(p.green));
-            sums.red = V::add16(sums.red, V::pair_sums8(p.red));
+            blue = V::add16(blue, V::pair_sums8(p.blue));
+            green = V::add16(green, V::pair_sums8(p.green));
+            red = V::add16(red, V::pair_sums8(p.red));
         }
-        return sums;
+        return {blue, green, red};
     }
 
     // The sums of boxes of 2 or 4 columns: half a vector's worth of bytes.
