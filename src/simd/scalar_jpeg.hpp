@@ -94,12 +94,7 @@ void samples_of(const uint8_t* bgr, size_t count, int8_t* y, int8_t* cb, int8_t*
     }
 }
 
-void halve_across(const int8_t* row, size_t count, int8_t* half) {
-    for (size_t i = 0; i < count; ++i, row += 2)
-        half[i] = static_cast<int8_t>((row[0] + row[1] + 1) >> 1);
-}
-
-void halve_both(const int8_t* upper, const int8_t* lower, size_t count, int8_t* half) {
+void halve(const int8_t* upper, const int8_t* lower, size_t count, int8_t* half) {
     for (size_t i = 0; i < count; ++i, upper += 2, lower += 2)
         half[i] = static_cast<int8_t>((upper[0] + upper[1] + lower[0] + lower[1] + 2) >> 2);
 }

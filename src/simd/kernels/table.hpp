@@ -40,7 +40,6 @@ constexpr Kernels table_of() {
         .map = Bytes::map,
         .invert = Bytes::invert,
         .keep_bits = Bytes::keep_bits,
-        .veil = Bytes::veil,
         .correct = Bytes::correct,
         .triple = Bytes::triple,
         .copy_past_caches = Bytes::copy_past_caches,
@@ -98,8 +97,7 @@ constexpr Kernels table_of() {
         .decoded_colour = Decode::colour,
         .decoded_colour_wide = Decode::colour_wide,
         .samples_of = Encode::samples_of,
-        .halve_across = Encode::halve_across,
-        .halve_both = Encode::halve_both,
+        .halve = Encode::halve,
         .code_groups = Encode::code_groups,
     };
 }
