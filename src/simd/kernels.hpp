@@ -26,8 +26,6 @@ struct Kernels {
     void (*invert)(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern);
     // Keeps the bits that are set in pattern, which repeats every 4 bytes.
     void (*keep_bits)(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern);
-    // from | veil; no overlap
-    void (*veil)(uint8_t* to, const uint8_t* from, const uint8_t* veil, size_t bytes);
     // from + plus - minus, clamped, where plus or minus is 0; no overlap
     void (*correct)(uint8_t* to, const uint8_t* from, const uint8_t* plus, const uint8_t* minus,
                     size_t bytes);
@@ -89,9 +87,12 @@ struct Kernels {
     Pick<uint8_t> highest8[3], lowest8[3];
     Pick<uint32_t> highest32[3]; // of numbers below 2^31
     // Of windows of n rows that begin one row after another: to[k] becomes the extreme of rows[k] to
-    // rows[k + n - 1]. For 2, 4 or 8 windows; n is at least their number.
+    // rows[k + n - 1]. For 2, 4 or 8 windows; n is at least their number. The extreme of the rows at
+    // which windows end comes after them, if there is room for it: to[windows] may be null.
+    // Memory so many bytes ahead of these rows will be wanted next, if it is not 0 bytes.
     template<typename T>
-    using PickRows = void (*)(T* const* to, const T* const* rows, size_t n, size_t count);
+    using PickRows = void (*)(T* const* to, const T* const* rows, size_t n, size_t count,
+                              ptrdiff_t ahead);
     PickRows<uint8_t> highest_rows8[3], lowest_rows8[3];
     PickRows<uint16_t> highest_rows16[3];
 
@@ -139,10 +140,9 @@ struct Kernels {
 
     // Encoding. Samples are level-shifted: -128 to 127.
     void (*samples_of)(const uint8_t* bgr, size_t pixels, int8_t* y, int8_t* cb, int8_t* cr);
-    // Rounded means of pairs, and of squares in two rows; count is that of the results. Whole steps
-    // of 64 results may be read and written.
-    void (*halve_across)(const int8_t* row, size_t count, int8_t* half);
-    void (*halve_both)(const int8_t* upper, const int8_t* lower, size_t count, int8_t* half);
+    // Rounded means of squares in two rows, or of pairs where both are one; count is that of the
+    // results. Whole steps of 64 results may be read and written.
+    void (*halve)(const int8_t* upper, const int8_t* lower, size_t count, int8_t* half);
     // Transforms and quantises.
     void (*code_groups)(const int8_t* samples, ptrdiff_t stride, size_t groups,
                         const Quantiser& quantiser, BlockGroup* out);

@@ -15,7 +15,6 @@ const Kernels kernels = {
     map,
     invert,
     keep_bits,
-    veil,
     correct,
     triple,
     copy,
@@ -65,8 +64,7 @@ const Kernels kernels = {
     decoded_colour<1>,
     decoded_colour<2>,
     samples_of,
-    halve_across,
-    halve_both,
+    halve,
     code_groups};
 
 } // namespace kirvo::scalar

@@ -82,14 +82,20 @@ void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
     }
 }
 
+template<typename T, Extreme which>
+void pick_all(T* to, const T* const* rows, size_t n, size_t count) {
+    std::copy_n(*rows, count, to);
+    for (size_t k = 1; k < n; ++k)
+        for (size_t i = 0; i < count; ++i)
+            to[i] = of<which>(to[i], rows[k][i]);
+}
+
 template<typename T, Extreme which, size_t windows>
-void pick_rows(T* const* to, const T* const* rows, size_t n, size_t count) {
-    for (size_t window = 0; window < windows; ++window, ++to, ++rows) {
-        std::copy_n(*rows, count, *to);
-        for (size_t k = 1; k < n; ++k)
-            for (size_t i = 0; i < count; ++i)
-                (*to)[i] = of<which>((*to)[i], rows[k][i]);
-    }
+void pick_rows(T* const* to, const T* const* rows, size_t n, size_t count, ptrdiff_t) {
+    for (size_t k = 0; k < windows; ++k)
+        pick_all<T, which>(to[k], rows + k, n, count);
+    if (to[windows] != nullptr)
+        pick_all<T, which>(to[windows], rows + n - 1, windows, count);
 }
 
 template<typename Sum>

@@ -94,47 +94,27 @@ void samples_of(const uint8_t* bgr, size_t count, int8_t* y, int8_t* cb, int8_t*
     }
 }
 
-void halve_across(const int8_t* row, size_t count, int8_t* half) {
-    for (size_t i = 0; i < count; ++i, row += 2)
-        half[i] = static_cast<int8_t>((row[0] + row[1] + 1) >> 1);
-}
-
-void halve_both(const int8_t* upper, const int8_t* lower, size_t count, int8_t* half) {
+void halve(const int8_t* upper, const int8_t* lower, size_t count, int8_t* half) {
     for (size_t i = 0; i < count; ++i, upper += 2, lower += 2)
         half[i] = static_cast<int8_t>((upper[0] + upper[1] + lower[0] + lower[1] + 2) >> 2);
 }
 
-// An 8-point DCT scaled by 2^16: from the sums and differences of mirrored inputs, each output as
-// one sum of products.
+// Output u of the one-dimensional transform, scaled by 2^16.
 template<typename In>
-void transform(const In* in, ptrdiff_t step, int32_t* out) {
-    using namespace dct;
-    const auto x = [&](int i) { return int32_t{in[i * step]}; };
-    const int32_t s07 = x(0) + x(7), s16 = x(1) + x(6), s25 = x(2) + x(5), s34 = x(3) + x(4);
-    const int32_t d07 = x(0) - x(7), d16 = x(1) - x(6), d25 = x(2) - x(5), d34 = x(3) - x(4);
-    out[0] = c4 * (s07 + s16 + s25 + s34);
-    out[1] = c1 * d07 + c3 * d16 + c5 * d25 + c7 * d34;
-    out[2] = c2 * (s07 - s34) + c6 * (s16 - s25);
-    out[3] = c3 * d07 - c7 * d16 - c1 * d25 - c5 * d34;
-    out[4] = c4 * (s07 - s16 - s25 + s34);
-    out[5] = c5 * d07 - c1 * d16 + c7 * d25 + c3 * d34;
-    out[6] = c6 * (s07 - s34) - c2 * (s16 - s25);
-    out[7] = c7 * d07 - c5 * d16 + c3 * d25 - c1 * d34;
+int32_t frequency(const In* in, ptrdiff_t step, size_t u) {
+    int32_t sum = 0;
+    for (size_t x = 0; x < 8; ++x, in += step)
+        sum += factors[x][u] * *in;
+    return sum;
 }
 
 // Rows, then columns; natural order.
 void forward_dct(const int8_t* samples, ptrdiff_t stride, int16_t* coefficients) {
-    int32_t work[64], out[8];
-    for (int row = 0; row < 8; ++row) {
-        transform(samples + row * stride, 1, out);
-        for (int u = 0; u < 8; ++u)
-            work[row * 8 + u] = out[u] >> 13;
-    }
-    for (int column = 0; column < 8; ++column) {
-        transform(work + column, 8, out);
-        for (int v = 0; v < 8; ++v)
-            coefficients[v * 8 + column] = static_cast<int16_t>((out[v] + 262144) >> 19);
-    }
+    int32_t work[64];
+    for (size_t i = 0; i < 64; ++i)
+        work[i] = frequency(samples + static_cast<ptrdiff_t>(i / 8) * stride, 1, i % 8) >> 13;
+    for (size_t i = 0; i < 64; ++i)
+        coefficients[i] = static_cast<int16_t>((frequency(work + i % 8, 8, i / 8) + 262144) >> 19);
 }
 
 // Half away from zero; 0 for a coefficient that is not coded.

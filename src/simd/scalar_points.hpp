@@ -45,11 +45,6 @@ void keep_bits(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern)
         to[i] = static_cast<uint8_t>(from[i] & pattern >> 8 * (i % 4));
 }
 
-void veil(uint8_t* to, const uint8_t* from, const uint8_t* veil, size_t bytes) {
-    for (size_t i = 0; i < bytes; ++i)
-        to[i] = from[i] | veil[i];
-}
-
 void correct(uint8_t* to, const uint8_t* from, const uint8_t* plus, const uint8_t* minus,
              size_t bytes) {
     for (size_t i = 0; i < bytes; ++i)

@@ -73,7 +73,7 @@ struct Vector : VectorAvx {
                                               4, 5, 6, -1, 7, 8, 9, -1, 10, 11, 12, -1, 13, 14, 15,
                                               -1));
         else
-            return load(from);
+            return load_once(from);
     }
     // The kept bytes of each half move to its start, then the halves together.
     template<int bytes>
@@ -146,22 +146,6 @@ struct Vector : VectorAvx {
     static constexpr size_t run = 10;
     static Register load_run(const uint8_t* from) { return joined(from, from + 15); }
     static void store_run(uint8_t* to, Register v) { store_halves(to, to + 15, v); }
-    class Order {
-      public:
-        explicit Order(const ChannelOrder& order) {
-            alignas(16) uint8_t places[16];
-            for (int i = 0; i < 15; ++i) {
-                const uint8_t source = order.from[i % 3];
-                places[i] = source == no_byte ? 0x80 : static_cast<uint8_t>(i - i % 3 + source);
-            }
-            places[15] = 15;
-            places_ = repeated(places);
-        }
-        Register operator()(Register v) const { return shuffled8(v, places_); }
-
-      private:
-        Register places_;
-    };
     static Register run_of(const uint8_t* bgr) { return pixels_of<16>(bgr); }
     static Register equal_pixels(Register a, Register b) {
         const Register same = equal8(a, b);

@@ -145,26 +145,6 @@ struct Vector : VectorAvx {
     }
 
     static constexpr size_t run = 21;
-    class Order {
-      public:
-        explicit Order(const ChannelOrder& order) {
-            alignas(64) uint8_t places[64];
-            for (int i = 0; i < 63; ++i) {
-                const uint8_t source = order.from[i % 3];
-                places[i] = static_cast<uint8_t>(i - i % 3 + source);
-                kept_ |= __mmask64{source != no_byte} << i;
-            }
-            places[63] = 63;
-            places_ = load(places);
-        }
-        Register operator()(Register v) const {
-            return _mm512_maskz_permutexvar_epi8(kept_, places_, v);
-        }
-
-      private:
-        Register places_;
-        __mmask64 kept_ = __mmask64{1} << 63;
-    };
     static Register run_of(const uint8_t* bgr) { return pixels_of<64>(bgr); }
     static Register equal_pixels(Register a, Register b) {
         constexpr __mmask64 first_bytes = 0x1249249249249249;
@@ -189,9 +169,6 @@ struct Vector : VectorAvx {
       private:
         Register part_[4];
     };
-
-    static Register even32(Register a, Register b) { return shuffle32<0x88>(a, b); }
-    static Register odd32(Register a, Register b) { return shuffle32<0xDD>(a, b); }
 
     static constexpr int blocks = 4;
     static Register load_block_row(const int8_t* samples) {
@@ -219,12 +196,6 @@ struct Vector : VectorAvx {
 
   private:
     static constexpr __mmask64 first_48 = 0x0000FFFFFFFFFFFF;
-
-    template<int places>
-    static Register shuffle32(Register a, Register b) {
-        return _mm512_castps_si512(
-            _mm512_shuffle_ps(_mm512_castsi512_ps(a), _mm512_castsi512_ps(b), places));
-    }
 
     // The permutes look at the low 7 and the low 6 bits of a place; its top bit says which holds.
     static Register moved_by(const Planes& p, const Places& places) {

@@ -130,30 +130,6 @@ struct Vector : VectorX86 {
     // Whole 24-bit pixels, as many as fit. The bytes of a vector beyond them are loaded, and stored
     // as they came; they belong to the next run.
     static constexpr size_t run = 5;
-    // The three bytes of every pixel of a run in another order. Without a byte shuffle each byte
-    // comes from one to five places of the same vector, shifted by -2 to 2 bytes and masked.
-    class Order {
-      public:
-        explicit Order(const ChannelOrder& order) {
-            alignas(16) uint8_t masks[5][16] = {};
-            masks[2][15] = 0xFF;
-            for (int i = 0; i < 15; ++i) {
-                const uint8_t source = order.from[i % 3];
-                if (source != no_byte)
-                    masks[source - i % 3 + 2][i] = 0xFF;
-            }
-            for (int i = 0; i < 5; ++i)
-                from_[i] = load(masks[i]);
-        }
-        Register operator()(Register v) const {
-            return (_mm_slli_si128(v, 2) & from_[0]) | (_mm_slli_si128(v, 1) & from_[1]) |
-                   (v & from_[2]) | (_mm_srli_si128(v, 1) & from_[3]) |
-                   (_mm_srli_si128(v, 2) & from_[4]);
-        }
-
-      private:
-        Register from_[5];
-    };
     // The colour in every pixel of a run.
     static Register run_of(const uint8_t* bgr) { return pixels_of<16>(bgr); }
     // The mask of the pixels of a run that are equal, and of the bytes beyond them.

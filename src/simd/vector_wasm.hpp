@@ -211,22 +211,6 @@ struct Vector {
     static constexpr size_t run = 5;
     static Register load_run(const uint8_t* from) { return load(from); }
     static void store_run(uint8_t* to, Register v) { store(to, v); }
-    class Order {
-      public:
-        explicit Order(const ChannelOrder& order) {
-            uint8_t places[16];
-            for (int i = 0; i < 15; ++i) {
-                const uint8_t source = order.from[i % 3];
-                places[i] = source == no_byte ? 0x80 : static_cast<uint8_t>(i - i % 3 + source);
-            }
-            places[15] = 15;
-            places_ = load(places);
-        }
-        Register operator()(Register v) const { return wasm_i8x16_swizzle(v, places_); }
-
-      private:
-        Register places_;
-    };
     static Register run_of(const uint8_t* bgr) {
         uint8_t bytes[size];
         for (size_t i = 0; i < size; ++i)

@@ -114,18 +114,6 @@ const Case<decltype(Kernels::keep_bits)> keep_bits = {
     },
     "byte"};
 
-const Case<decltype(Kernels::veil)> veil = {
-    [](uint8_t* to, const uint8_t* from, const uint8_t* veil, size_t bytes) {
-        for (size_t i = 0; i < bytes; ++i)
-            to[i] = from[i] | veil[i];
-    },
-    [](auto kernel, Trial& trial) {
-        const Trial::Rows row = trial.rows(trial.count);
-        const uint8_t* veil = trial.values<uint8_t>(trial.count);
-        trial.run([=, &trial] { kernel(row.to, row.from, veil, trial.count); });
-    },
-    "byte"};
-
 const Case<decltype(Kernels::correct)> correct = {
     [](uint8_t* to, const uint8_t* from, const uint8_t* plus, const uint8_t* minus, size_t bytes) {
         for (size_t i = 0; i < bytes; ++i)

@@ -6,7 +6,7 @@
 
 // clang-format off
 #define KIRVO_EACH_KERNEL(X)                                                                       \
-    X(add) X(average) X(subtract) X(scale) X(map) X(invert) X(keep_bits) X(veil) X(correct) X(triple)           \
+    X(add) X(average) X(subtract) X(scale) X(map) X(invert) X(keep_bits) X(correct) X(triple)           \
     X(copy_past_caches) X(map_channels) X(permute) X(grey) X(set_hue) X(turn_hue) X(keep_rgb)      \
     X(keep_hsv) X(replace) X(luminance) X(from16to24) X(from32to24) X(from24to16) X(from32to16)    \
     X(from24to32) X(from16to32) X(blur) X(convolve16) X(convolve32) X(laplacian) X(gradient)       \
@@ -14,7 +14,7 @@
     X(highest_rows8) X(lowest_rows8) X(highest_rows16) X(add_to_sums16) X(add_to_sums32)           \
     X(means_of_2) X(means_of_4) X(wide_means_of_2) X(gather) X(exchange_reversed) X(transpose)     \
     X(inverse_dct) X(chroma_terms) X(decoded_grey)                                                 \
-    X(decoded_colour) X(decoded_colour_wide) X(samples_of) X(halve_across) X(halve_both)           \
+    X(decoded_colour) X(decoded_colour_wide) X(samples_of) X(halve)           \
     X(code_groups)
 // clang-format on
 

@@ -168,31 +168,7 @@ const Case<decltype(Kernels::samples_of)> samples_of = {
     },
     18};
 
-const Case<decltype(Kernels::halve_across)> halve_across = {
-    [](const int8_t* row, size_t count, int8_t* half) {
-        for (size_t i = 0; i < count; ++i)
-            half[i] = static_cast<int8_t>(floor_of(row[2 * i] + row[2 * i + 1] + 1, 2));
-    },
-    [](auto kernel, Trial& trial) {
-        const int8_t* row = trial.values<int8_t>(2 * rounded_up(trial.count));
-        auto* half = trial.room<int8_t>(trial.count, rounded_up(trial.count));
-        trial.run([=, &trial] { kernel(row, trial.count, half); });
-    },
-    "result", 4093,
-    // Every pair.
-    [](auto kernel, Trial& trial) {
-        constexpr size_t pairs = 65536;
-        auto* row = trial.values<int8_t>(2 * pairs);
-        for (size_t i = 0; i < pairs; ++i) {
-            row[2 * i] = static_cast<int8_t>(i);
-            row[2 * i + 1] = static_cast<int8_t>(i >> 8);
-        }
-        auto* half = trial.room<int8_t>(pairs);
-        trial.run([=] { kernel(row, pairs, half); });
-    },
-    1};
-
-const Case<decltype(Kernels::halve_both)> halve_both = {
+const Case<decltype(Kernels::halve)> halve = {
     [](const int8_t* upper, const int8_t* lower, size_t count, int8_t* half) {
         for (size_t i = 0; i < count; ++i) {
             const int sum = upper[2 * i] + upper[2 * i + 1] + lower[2 * i] + lower[2 * i + 1];
@@ -205,7 +181,19 @@ const Case<decltype(Kernels::halve_both)> halve_both = {
         auto* half = trial.room<int8_t>(trial.count, rounded_up(trial.count));
         trial.run([=, &trial] { kernel(upper, lower, trial.count, half); });
     },
-    "result"};
+    "result", 4093,
+    // Every pair, twice.
+    [](auto kernel, Trial& trial) {
+        constexpr size_t pairs = 65536;
+        auto* row = trial.values<int8_t>(2 * pairs);
+        for (size_t i = 0; i < pairs; ++i) {
+            row[2 * i] = static_cast<int8_t>(i);
+            row[2 * i + 1] = static_cast<int8_t>(i >> 8);
+        }
+        auto* half = trial.room<int8_t>(pairs);
+        trial.run([=] { kernel(row, row, pairs, half); });
+    },
+    1};
 
 const Case<decltype(Kernels::code_groups)> code_groups = {
     [](const int8_t* samples, ptrdiff_t stride, size_t groups, const Quantiser& quantiser,

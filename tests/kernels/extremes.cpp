@@ -47,25 +47,32 @@ constexpr Case<Kernels::Pick<T>> pick = {
 
 template<typename T, Choose<T> choose, size_t windows>
 constexpr Case<Kernels::PickRows<T>> pick_rows = {
-    [](T* const* to, const T* const* rows, size_t n, size_t count) {
-        for (size_t k = 0; k < windows; ++k)
+    [](T* const* to, const T* const* rows, size_t n, size_t count, ptrdiff_t) {
+        const auto pick_from = [=](T* extremes, size_t first, size_t end) {
             for (size_t i = 0; i < count; ++i) {
-                to[k][i] = rows[k][i];
-                for (size_t row = k; row < k + n; ++row)
-                    to[k][i] = choose({to[k][i], rows[row][i]});
+                extremes[i] = rows[first][i];
+                for (size_t row = first; row < end; ++row)
+                    extremes[i] = choose({extremes[i], rows[row][i]});
             }
+        };
+        for (size_t k = 0; k < windows; ++k)
+            pick_from(to[k], k, k + n);
+        if (to[windows] != nullptr)
+            pick_from(to[windows], n - 1, n + windows - 1);
     },
     [](Kernels::PickRows<T> kernel, Trial& trial) {
-        std::vector<T*> to(windows);
-        for (T*& row : to)
-            row = trial.room<T>(trial.count);
+        std::vector<T*> to(windows + 1);
+        const bool ends = trial.between(0, 1, 0) == 1;
+        for (size_t k = 0; k < windows + ends; ++k)
+            to[k] = trial.room<T>(trial.count);
         const auto n = static_cast<size_t>(
             trial.between(windows, windows + 17, windows == 8 ? 24 : windows + 1));
         std::vector<const T*> rows(n + windows - 1);
         for (const T*& row : rows)
             row = trial.values<T>(trial.count);
+        const ptrdiff_t ahead = trial.between(0, 4096, 0);
         trial.items *= windows;
-        trial.run([&] { kernel(to.data(), rows.data(), n, trial.count); });
+        trial.run([&] { kernel(to.data(), rows.data(), n, trial.count, ahead); });
     },
     "element", 257};
 

@@ -24,7 +24,6 @@ const Kernels toy = [] {
     table.map = Bytes::map;
     table.invert = Bytes::invert;
     table.keep_bits = Bytes::keep_bits;
-    table.veil = Bytes::veil;
     table.correct = Bytes::correct;
     table.triple = Bytes::triple;
     table.copy_past_caches = Bytes::copy_past_caches;
@@ -48,9 +47,8 @@ TEST_P(ToyTest, DoesWhatTheOracleDoes) { check(case_named(GetParam()), {{"the to
 
 INSTANTIATE_TEST_SUITE_P(Kernels, ToyTest,
                          testing::Values("add", "average", "subtract", "scale", "map", "invert",
-                                         "keep_bits", "veil", "correct", "triple",
-                                         "copy_past_caches", "set_hue", "turn_hue", "keep_rgb",
-                                         "keep_hsv"),
+                                         "keep_bits", "correct", "triple", "copy_past_caches",
+                                         "set_hue", "turn_hue", "keep_rgb", "keep_hsv"),
                          [](const auto& tested) { return std::string(tested.param); });
 
 } // namespace kirvo_test

@@ -2,8 +2,9 @@
 //
 // A square's extreme is found in two steps: up the columns, then along the row. Up the columns
 // several squares that begin one row after another are taken together: most of their rows are in all
-// of them. Of larger squares these are joined from extremes of as many rows, made once for all
-// squares that contain them. Along the row runs grow fourfold until a few of them cover the square.
+// of them. Of larger squares these are joined from blocks, the extremes of as many rows, which come
+// with the squares that end in these rows. Along the row runs grow until a few of them cover the
+// square.
 //
 // An image is filtered in bands, after which the progress is told, and wide ones in strips.
 #include "image/rect_operation.hpp"
@@ -16,9 +17,9 @@ using namespace kirvo;
 namespace {
 
 constexpr int32_t largest_radius = 64;
-constexpr int32_t most_abreast = 8; // squares
-constexpr int32_t smallest_of_blocks =
-    32; // the side of a square that is worth the making of blocks
+constexpr int32_t most_abreast = 8;        // squares
+constexpr int32_t smallest_of_blocks = 32; // the side of a square that is worth the making
+constexpr int32_t kept_blocks = 2 * largest_radius / most_abreast;
 
 // Rows of as many elements that start on cache lines.
 template<typename T>
@@ -120,6 +121,10 @@ class ChannelKind {
     const uint8_t* in_place(const Patch& patch, int32_t row) const {
         return in_place_ ? setting_.pixels(patch, row) : nullptr;
     }
+    // From row to row where the next ones are worth asking for: in an image beyond the caches.
+    ptrdiff_t stride_ahead() const {
+        return in_place_ && copy_ != move_bytes ? setting_.from.stride : 0;
+    }
     void load(const Patch& patch, int32_t row, uint8_t* cells) const {
         unpack_row(setting_.format, setting_.pixels(patch, row), cells, patch.cells());
     }
@@ -171,6 +176,7 @@ class LuminanceKind {
     explicit operator bool() const { return static_cast<bool>(memory_); }
 
     const uint16_t* in_place(const Patch&, int32_t) const { return nullptr; }
+    static constexpr ptrdiff_t stride_ahead() { return 0; }
     void load(const Patch& patch, int32_t row, uint16_t* cells) const {
         const size_t count = patch.cells();
         const uint8_t* bgr = setting_.pixels(patch, row);
@@ -258,13 +264,15 @@ class ExtremeFilter {
         : setting_(setting), side_(setting.side()), abreast_(side_ < 4   ? 2
                                                              : side_ < 8 ? 4
                                                                          : 8),
-          reached_(side_ + abreast_ - 1), elements_(Kind::elements_of(setting.format)),
+          reached_(side_ + abreast_ - 1), of_blocks_(side_ >= smallest_of_blocks),
+          elements_(Kind::elements_of(setting.format)),
           band_(std::clamp(4 * side_, 64, Kind::highest_reach - 2 * setting.radius) / abreast_ *
                 abreast_),
           cells_(static_cast<size_t>(std::min(setting.operation.rect().width, Kind::strip) + side_ -
                                      1)),
           kind_(setting, cells_), rows_(reached_, cells_ * elements_),
-          blocks_(blocks(), cells_ * elements_), lines_(abreast_ + 1, cells_ * elements_) {}
+          blocks_(of_blocks_ ? kept_blocks + 1 : 0, cells_ * elements_),
+          lines_(abreast_ + 1, cells_ * elements_) {}
 
     explicit operator bool() const { return kind_ && rows_ && blocks_ && lines_; }
 
@@ -300,7 +308,7 @@ class ExtremeFilter {
 
     void run_patch(const Patch& patch) {
         loaded_ = static_cast<int32_t>(std::max<int64_t>(0, -patch.first_row));
-        joined_ = abreast_;
+        joined_ = abreast_ + (side_ - 1) % abreast_;
         lines_.fill(kind_.neutral);
         for (int32_t row = 0; row < patch.rows; row += abreast_) {
             pick_columns(patch, row);
@@ -309,37 +317,43 @@ class ExtremeFilter {
         }
     }
 
-    // The extremes of the columns of the squares that begin at a row and after it.
+    // The extremes of the columns of the squares that begin at a row and after it. The rows from the
+    // last one of the first square on are the next block.
     void pick_columns(const Patch& patch, int32_t first) {
         const Element* rows[2 * largest_radius + 2 * most_abreast];
         size_t n = 0;
-        for (int32_t row = first; row < first + reached_;) {
-            const bool as_block = side_ >= smallest_of_blocks && row % abreast_ == 0 &&
-                                  row != first && row + abreast_ <= first + side_;
-            rows[n++] = as_block ? block(patch, row) : cells(patch, row);
-            row += as_block ? abreast_ : 1;
-        }
-        Element* to[most_abreast];
+        const int32_t last = first + side_ - 1;
+        const int32_t blocks_begin =
+            of_blocks_ ? first + most_abreast + (side_ - 1) % most_abreast : last;
+        for (int32_t row = first; row < blocks_begin; ++row)
+            rows[n++] = cells(patch, row);
+        for (int32_t row = blocks_begin; row < last; row += most_abreast)
+            rows[n++] = block(patch, row);
+        for (int32_t row = last; row < first + reached_; ++row)
+            rows[n++] = cells(patch, row);
+        Element* to[most_abreast + 1];
         for (int32_t k = 0; k < abreast_; ++k)
             to[k] = lines_[k] + patch.begin * elements_;
+        to[abreast_] = of_blocks_ ? kept_block(last) : nullptr;
         kind_.pick_rows[abreast_ / 4](to, rows, n + 1 - static_cast<size_t>(abreast_),
-                                      patch.cells() * elements_);
+                                      patch.cells() * elements_, kind_.stride_ahead() * abreast_);
+        joined_ = last + abreast_;
     }
 
-    // The extreme of `abreast` rows from one of their multiples on. They are asked for in order.
+    // The extreme of the rows from one on. Only those of the first squares are made here.
     const Element* block(const Patch& patch, int32_t row) {
-        const auto at = [&](int32_t first) { return blocks_[first / abreast_ % (blocks() - 1)]; };
-        for (; joined_ <= row; joined_ += abreast_) {
+        for (; joined_ <= row; joined_ += most_abreast) {
             const Element* rows[most_abreast + 1];
-            for (int32_t k = 0; k < abreast_; ++k)
+            for (int32_t k = 0; k < most_abreast; ++k)
                 rows[k] = cells(patch, joined_ + k);
-            rows[abreast_] = neutral();
+            rows[most_abreast] = neutral();
             // The second window's is of no use.
-            Element* const to[] = {at(joined_), blocks_[blocks() - 1]};
-            kind_.pick_rows[0](to, rows, static_cast<size_t>(abreast_), patch.cells() * elements_);
+            Element* const to[] = {kept_block(joined_), blocks_[kept_blocks], nullptr};
+            kind_.pick_rows[0](to, rows, size_t{most_abreast}, patch.cells() * elements_, 0);
         }
-        return at(row);
+        return kept_block(row);
     }
+    Element* kept_block(int32_t row) const { return blocks_[row / most_abreast % kept_blocks]; }
 
     // A row of the reach: what of it lies in the image.
     const Element* cells(const Patch& patch, int32_t row) {
@@ -353,14 +367,13 @@ class ExtremeFilter {
         return rows_[row % reached_];
     }
 
-    // The blocks of a square and one of no use.
-    int32_t blocks() const { return side_ / abreast_ + 1; }
     Element* neutral() const { return lines_[abreast_]; }
 
     const Setting& setting_;
     int32_t side_;
     int32_t abreast_; // squares taken together
     int32_t reached_; // rows that these contain
+    bool of_blocks_;
     size_t elements_; // of a cell
     int32_t band_;
     size_t cells_; // in a row of a strip's reach

@@ -143,7 +143,8 @@ HGLOBAL WINAPI Dib24ColorEdge(HGLOBAL dib, int32_t x, int32_t y, int32_t width, 
                               const uint8_t* colours =
                                   operation.source().rows(RowStart::after_header)[int64_t{y} + r] +
                                   size_t{3} * static_cast<uint32_t>(x);
-                              k.veil(to, colours, work.first3, 3 * pixels);
+                              std::memcpy(to, colours, 3 * pixels);
+                              k.add(to, work.first3, 3 * pixels, ~uint32_t{0});
                               std::memset(to + 3 * pixels, 255,
                                           stride - 3 * pixels); // padding is white too
                           });

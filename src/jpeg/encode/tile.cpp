@@ -83,9 +83,9 @@ void EncodeTile::code(size_t mcus) {
 void EncodeTile::code_chroma(const Plane& plane, size_t mcus, BlockGroup* groups) {
     for (size_t i = 0; i < 8 && mcu_.width == 16; ++i) {
         if (mcu_.height == 16)
-            kernels_->halve_both(plane[2 * i], plane[2 * i + 1], 8 * mcus, half_[i]);
+            kernels_->halve(plane[2 * i], plane[2 * i + 1], 8 * mcus, half_[i]);
         else
-            kernels_->halve_across(plane[i], 8 * mcus, half_[i]);
+            kernels_->halve(plane[i], plane[i], 8 * mcus, half_[i]);
     }
     kernels_->code_groups(mcu_.width == 16 ? half_[0] : plane[0], width, groups_of(mcus),
                           chrominance_, groups);

@@ -101,14 +101,6 @@ struct ByteKernels {
     static constexpr auto invert = with_pattern<V::differing, &Kernels::invert>;
     static constexpr auto keep_bits = with_pattern<V::both, &Kernels::keep_bits>;
 
-    static void veil(uint8_t* to, const uint8_t* from, const uint8_t* veil, size_t bytes) {
-        const auto block = [&](size_t i) {
-            V::store(to + i, V::either(V::load(from + i), V::load(veil + i)));
-        };
-        if (!each_step<V::size>(bytes, block))
-            scalar::kernels.veil(to, from, veil, bytes);
-    }
-
     // One of plus and minus is 0, so that the order of the two does not matter.
     static void correct(uint8_t* to, const uint8_t* from, const uint8_t* plus, const uint8_t* minus,
                         size_t bytes) {

@@ -27,16 +27,7 @@ struct EncodeKernels {
         scalar::kernels.samples_of(bgr + 3 * i, pixels - i, y + i, cb + i, cr + i);
     }
 
-    static void halve_across(const int8_t* row, size_t count, int8_t* half) {
-        const auto mean = [&](size_t i) {
-            return V::template shift_right16_signed<1>(
-                V::add16(V::pair_sums8_signed(V::load(row + i)), V::all16(1)));
-        };
-        for (size_t i = 0; i < count; i += V::size)
-            V::store(half + i, V::in_order(V::narrow16_signed(mean(2 * i), mean(2 * i + V::size))));
-    }
-
-    static void halve_both(const int8_t* upper, const int8_t* lower, size_t count, int8_t* half) {
+    static void halve(const int8_t* upper, const int8_t* lower, size_t count, int8_t* half) {
         const auto mean = [&](size_t i) {
             const Register sums = V::add16(V::pair_sums8_signed(V::load(upper + i)),
                                            V::pair_sums8_signed(V::load(lower + i)));

@@ -26,25 +26,18 @@ struct PixelKernels {
         }
     }
 
-    // The next run is loaded before this one is stored, since the bytes beyond the run's pixels are
-    // stored as they came and belong to the next one.
     static void permute(uint8_t* to, const uint8_t* from, size_t pixels,
                         const ChannelOrder& order) {
-        constexpr size_t step = V::run, bytes = 3 * step, touched = step + 1;
-        if (pixels >= touched) {
-            const typename V::Order ordered(order);
-            Register v = V::load_run(from);
-            for (; pixels >= step + touched; pixels -= step, to += bytes, from += bytes) {
-                const Register next = V::load_run(from + bytes);
-                V::store_run(to, ordered(v));
-                v = next;
-            }
-            V::store_run(to, ordered(v));
-            pixels -= step, to += bytes, from += bytes;
-        }
-        scalar::kernels.permute(to, from, pixels, order);
+        each_block<3, V::size>(to, from, pixels, [&](uint8_t* out, const uint8_t* in) {
+            const Planes p = V::load_planes(in);
+            const Register source[] = {p.blue, p.green, p.red, V::zero()};
+            V::store_planes(out,
+                            {source[order.from[0]], source[order.from[1]], source[order.from[2]]});
+        });
     }
 
+    // The next run is loaded before this one is stored, since the bytes beyond the run's pixels are
+    // stored as they came and belong to the next one.
     static void replace(uint8_t* to, const uint8_t* from, size_t pixels, const uint8_t* key) {
         constexpr size_t step = V::run, bytes = 3 * step;
         const Register keys = V::run_of(key);
@@ -91,62 +84,54 @@ struct PixelKernels {
             return V::both(V::shift_left32(V::shift_right32(words, right), left), keep);
         }
     };
-    template<int from_bytes, int to_bytes>
+    template<int from_bytes, int to_bytes, Kernels::ConvertPixels Kernels::*few>
     static void convert(const uint8_t* from, uint8_t* to, size_t pixels, const PixelMoves& moves) {
         const Move red(moves.channel[0]), green(moves.channel[1]), blue(moves.channel[2]);
-        if constexpr (from_bytes > 2 && to_bytes > 2) {
-            const Register all = V::either(V::either(red.keep, green.keep), blue.keep);
-            if (moves.stay())
-                return convert_by<from_bytes, to_bytes>(
-                    from, to, pixels, [=](Register words) { return V::both(words, all); });
-        }
-        convert_by<from_bytes, to_bytes>(from, to, pixels, [=](Register words) {
+        const Register all = V::either(V::either(red.keep, green.keep), blue.keep);
+        const auto kept = [=](Register words) { return V::both(words, all); };
+        const auto moved = [=](Register words) {
             return V::either(V::either(red(words), green(words)), blue(words));
-        });
+        };
+        const bool stay = from_bytes > 2 && to_bytes > 2 && moves.stay();
+        if (!(stay ? convert_by<from_bytes, to_bytes>(from, to, pixels, kept)
+                   : convert_by<from_bytes, to_bytes>(from, to, pixels, moved)))
+            (scalar::kernels.*few)(from, to, pixels, moves);
     }
 
-    // Four vectors of words from pixels that lie side by side. A level whose vectors are longer than
-    // those pixels takes three whole ones instead of four parts.
-    template<int bytes>
-    [[gnu::always_inline]] static void load_rows(Register (&words)[4], const uint8_t* from) {
-        if constexpr (bytes == 3)
+    // Several vectors of words from pixels that lie side by side. A level whose vectors are longer
+    // than four of them take turns three whole ones into four.
+    template<int bytes, size_t n>
+    [[gnu::always_inline]] static void load_rows(Register (&words)[n], const uint8_t* from) {
+        if constexpr (bytes == 3 && n == 4)
             return V::load_rows24(words, from);
 #pragma GCC unroll 4
-        for (size_t i = 0; i < 4; ++i)
+        for (size_t i = 0; i < n; ++i)
             words[i] = V::template load_row<bytes>(from + bytes * V::words * i);
     }
-    template<int bytes>
-    [[gnu::always_inline]] static void store_rows(uint8_t* to, const Register (&words)[4]) {
-        if constexpr (bytes == 3)
+    template<int bytes, size_t n>
+    [[gnu::always_inline]] static void store_rows(uint8_t* to, const Register (&words)[n]) {
+        if constexpr (bytes == 3 && n == 4)
             return V::store_rows24(to, words);
+        if constexpr (bytes == 2 && n == 2)
+            return V::store(to, V::in_order(V::low_words(words[0], words[1])));
 #pragma GCC unroll 4
-        for (size_t i = 0; i < 4; ++i)
+        for (size_t i = 0; i < n; ++i)
             V::template store_row<bytes>(to + bytes * V::words * i, words[i]);
     }
     template<int from_bytes, int to_bytes, typename F>
-    [[gnu::always_inline]] static void convert_by(const uint8_t* from, uint8_t* to, size_t pixels,
+    [[gnu::always_inline]] static bool convert_by(const uint8_t* from, uint8_t* to, size_t pixels,
                                                   const F& moved) {
-        constexpr size_t step = V::words;
-        if constexpr (V::size == line_bytes && (from_bytes == 3 || to_bytes == 3)) {
-            const auto block = [&](size_t i) {
-                Register words[4];
-                load_rows<from_bytes>(words, from + from_bytes * i);
+        constexpr size_t vectors =
+            V::size == line_bytes && (from_bytes == 3 || to_bytes == 3) ? 4 : 2;
+        const auto block = [&](size_t i) {
+            Register words[vectors];
+            load_rows<from_bytes>(words, from + from_bytes * i);
 #pragma GCC unroll 4
-                for (Register& w : words)
-                    w = moved(w);
-                store_rows<to_bytes>(to + to_bytes * i, words);
-            };
-            if (each_aligned_step<4 * step, to_bytes>(to, pixels, block))
-                return;
-        }
-        for (; pixels >= step; pixels -= step, from += step * from_bytes, to += step * to_bytes)
-            V::template store_row<to_bytes>(to, moved(V::template load_row<from_bytes>(from)));
-        if (pixels == 0)
-            return;
-        uint8_t in[step * from_bytes] = {}, out[step * to_bytes];
-        std::memcpy(in, from, pixels * from_bytes);
-        V::template store_row<to_bytes>(out, moved(V::template load_row<from_bytes>(in)));
-        std::memcpy(to, out, pixels * to_bytes);
+            for (Register& w : words)
+                w = moved(w);
+            store_rows<to_bytes>(to + to_bytes * i, words);
+        };
+        return each_aligned_step<vectors * V::words, to_bytes>(to, pixels, block);
     }
 };
 

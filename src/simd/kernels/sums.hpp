@@ -30,8 +30,13 @@ struct ExtremeKernels {
     // All windows share the rows from where the last one begins to where the first one ends.
     template<int windows>
     [[gnu::flatten]] static void pick_rows(T* const* to, const T* const* rows, size_t n,
-                                           size_t count) {
+                                           size_t count, ptrdiff_t ahead) {
         const auto block = [&](size_t i) {
+            if (ahead != 0 && i * sizeof(T) % line_bytes < V::size) {
+                for (size_t k = 0; k < windows; ++k)
+                    __builtin_prefetch(
+                        reinterpret_cast<const uint8_t*>(rows[n - 1 + k] + i) + ahead, 0, 2);
+            }
             const auto at = [&](size_t k) { return V::load(rows[k] + i); };
             Register to_shared[windows], shared = at(windows - 1), after = at(n);
             for (size_t k = windows; k < n; ++k)
@@ -47,9 +52,11 @@ struct ExtremeKernels {
                 after = of(after, at(n + k - 1));
                 V::store(to[k] + i, of(to_shared[k], after));
             }
+            if (to[windows] != nullptr)
+                V::store(to[windows] + i, of(after, at(n - 1)));
         };
         if (!each_step<step>(count, block))
-            (scalar::kernels.*rest_of_rows)[windows / 4](to, rows, n, count);
+            (scalar::kernels.*rest_of_rows)[windows / 4](to, rows, n, count, ahead);
     }
 };
 
@@ -88,16 +95,16 @@ struct SumKernels {
 
     // The sums of pairs of columns over the rows of a box, of `size` pixels.
     static Planes pairs(const uint8_t* from, ptrdiff_t row_step, size_t rows) {
-        Planes sums = {V::zero(), V::zero(), V::zero()};
+        Register blue = V::zero(), green = blue, red = blue;
         const ptrdiff_t next = static_cast<ptrdiff_t>(rows) * row_step;
         for (size_t k = 0; k < rows; ++k, from += row_step) {
             prefetch<3 * V::size>(from + next);
             const Planes p = V::load_planes(from);
-            sums.blue = V::add16(sums.blue, V::pair_sums8(p.blue));
-            sums.green = V::add16(sums.green, V::pair_sums8(p.green));
-            sums.red = V::add16(sums.red, V::pair_sums8(p.red));
+            blue = V::add16(blue, V::pair_sums8(p.blue));
+            green = V::add16(green, V::pair_sums8(p.green));
+            red = V::add16(red, V::pair_sums8(p.red));
         }
-        return sums;
+        return {blue, green, red};
     }
 
     // The sums of boxes of 2 or 4 columns: half a vector's worth of bytes.
