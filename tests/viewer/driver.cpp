@@ -55,12 +55,13 @@ HWND window_of(DWORD process, const std::string& window_class, const std::string
 } // namespace
 
 bool eventually(bool (*holds)(void*), void* context) {
-    for (int waited = 0; waited < patience; waited += 10) {
+    const ULONGLONG begin = GetTickCount64();
+    for (ULONGLONG waited = 0; waited < patience; waited = GetTickCount64() - begin) {
         if (holds(context))
             return true;
-        Sleep(10);
+        Sleep(waited < 20 ? 1 : 10); // most of it comes at once
     }
-    return false;
+    return holds(context);
 }
 
 Viewer::Viewer(const std::string& picture, const std::string& settings) {

@@ -528,7 +528,7 @@ TEST(Viewer, KeepsItsSettingsInAppDataWhereNoneLieBesideIt) {
 
 // One after the other, from the first to the last of so many.
 static void look_through(const std::string& first, int count) {
-    ASSERT_GT(count, 50);
+    ASSERT_GT(count, 0);
     Viewer viewer(first);
     for (int i = 1; i < count; ++i) {
         viewer.key(VK_RIGHT);
@@ -539,16 +539,20 @@ static void look_through(const std::string& first, int count) {
 
 // Those, too, that are meant for readers of something else than files.
 TEST(Viewer, AnswersEveryHostileFile) {
-    TempFolder folder;
-    int count = 0;
     for (const char* room : {KIRVO_FUZZ "/corpus", KIRVO_FUZZ "/regressions"}) {
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(room)) {
-            if (entry.is_regular_file())
+        for (const auto& target : std::filesystem::directory_iterator(room)) {
+            if (!target.is_directory())
+                continue;
+            SCOPED_TRACE(target.path().filename().string());
+            TempFolder folder;
+            int count = 0;
+            for (const auto& entry : std::filesystem::directory_iterator(target.path()))
                 std::filesystem::copy_file(entry.path(),
-                                           folder.path(std::to_string(++count) + ".bmp"));
+                                           folder.path(std::to_string(++count) + ".bmp"),
+                                           std::filesystem::copy_options::overwrite_existing);
+            look_through(folder.path("1.bmp"), count);
         }
     }
-    look_through(folder.path("1.bmp"), count);
 }
 
 TEST(Viewer, AnswersFilesOfTheWorld) {
