@@ -104,7 +104,7 @@ if(TARGET kirvo_view_catalogue AND NOT WIN32 AND NOT KIRVO_SANITIZE)
     target_compile_options(kirvo_view_code PRIVATE ${KIRVO_TEST_FLAGS})
     target_include_directories(kirvo_view_code PRIVATE viewer tools)
     target_link_libraries(kirvo_view_code PRIVATE kirvo_view_catalogue kirvo kirvo_files)
-    foreach(language IN ITEMS c csharp pascal basic python)
+    foreach(language IN ITEMS c csharp pascal basic python line)
         add_test(NAME kirvo_view_code_${language}
                  COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/viewer/code.py ${language}
                          ${PROJECT_BINARY_DIR}/interface.json $<TARGET_FILE:kirvo_view_code>)
@@ -234,7 +234,7 @@ endif()
 # The object layers: their own promises, and every effect in each of them.
 set(checks cpp)
 if(NOT WIN32 AND NOT KIRVO_SANITIZE)
-    list(APPEND checks effects depths lines python csharp pascal)
+    list(APPEND checks effects depths lines python csharp pascal basic)
 endif()
 foreach(check IN LISTS checks)
     add_test(NAME kirvo_layer_${check}

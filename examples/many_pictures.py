@@ -56,6 +56,7 @@ def packed_module():
 
 def work_to_do(top, to):
     """The pictures whose thumbnails are missing or older, and these."""
+    taken = set()  # a.png becomes a.png.jpg, where there may be a picture of that name
     for folder, folders, names in os.walk(top):
         folders.sort()
         folders[:] = [name for name in folders if pathlib.Path(folder, name).resolve() != to]
@@ -66,6 +67,9 @@ def work_to_do(top, to):
             target = to / source.relative_to(top)
             if target.suffix.lower() not in (".jpg", ".jpeg"):
                 target = target.with_name(target.name + ".jpg")
+            while target in taken:
+                target = target.with_name(target.name + ".jpg")
+            taken.add(target)
             try:
                 if target.stat().st_mtime >= source.stat().st_mtime:
                     continue
@@ -105,11 +109,17 @@ def main():
     if arguments.size < 1 or not arguments.tree.is_dir():
         parser.error(f"{arguments.tree}: no such folder" if arguments.size > 0 else "--size: 1 or more")
     tree, to = arguments.tree.resolve(), arguments.to.resolve()
+    if tree == to:
+        parser.error("the thumbnails want a folder of their own")
     work = list(work_to_do(tree, to))
     failed = 0
     if work:
         address = arguments.scheduler or LocalCluster(threads_per_worker=1, dashboard_address=None)
-        with Client(address) as client:
+        try:
+            client = Client(address)
+        except (OSError, ValueError) as error:
+            parser.exit(1, f"{address}: no scheduler answers there: {error}\n")
+        with client:
             failed = run(client, work, arguments.size)
     print(f"{len(work) - failed} made, {failed} failed")
     return 1 if failed else 0

@@ -63,8 +63,9 @@ Status Job::damaged(Text what, uint32_t whole_rows) {
 }
 
 Status Job::damaged_below(uint32_t whole_rows) {
-    return damaged(Text::format("damaged: whole to row %u of %u", whole_rows, known.numbers.height),
-                   whole_rows);
+    return damaged(
+        Text::format("damaged: at most %u of %u rows are whole", whole_rows, known.numbers.height),
+        whole_rows);
 }
 
 Status Job::damaged_somewhere() {

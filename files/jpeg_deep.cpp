@@ -33,9 +33,7 @@ class Deep {
         if (walk.unknown)
             return job_.unsupported("a JPEG of 12 bits whose quantisers change on the way");
         if (!walk.complete)
-            status = walk.out_of_data ? job_.ends_early(walk.whole_rows)
-                     : walk.left_over ? job_.damaged_somewhere()
-                                      : job_.damaged_below(walk.whole_rows);
+            status = not_whole(job_, walk);
         return status == KIRVO_FILES_OK ? pixels() : status;
     }
 

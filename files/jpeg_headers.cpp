@@ -210,6 +210,7 @@ class Parser {
         headers_.frame = marker;
         headers_.precision = body[0];
         headers_.height = body.be16(1);
+        headers_.height_at = static_cast<uint64_t>(body.data() - bytes_.data()) + 1;
         headers_.width = body.be16(3);
         headers_.components = body[5];
         if (headers_.components == 0 || headers_.components > 4 ||
@@ -256,6 +257,8 @@ class Parser {
 
     void finish() {
         Known& known = known_;
+        if (headers_.height == 0)
+            headers_.height = height_behind_scan();
         read_exif_after_density();
         known.text(KIRVO_FILES_TEXT_PROFILE) = profile_name(known.icc.bytes());
         if (extended_xmp_)
@@ -267,8 +270,38 @@ class Parser {
             tables.across[i] = headers_.component[i].across;
             tables.down[i] = headers_.component[i].down;
             tables.table_of[i] = headers_.component[i].quantiser;
+            limit_coefficients(headers_.component[i]);
         }
         describe();
+    }
+
+    // ITU-T T.81 B.2.5: the first marker behind the data of the first scan may tell it.
+    uint32_t height_behind_scan() const {
+        uint64_t at = headers_.scan_at;
+        const auto is_data = [&] {
+            const uint8_t next = bytes_[at + 1];
+            return bytes_[at] != 0xFF || next == 0 || (next >= 0xD0 && next <= 0xD7) ||
+                   next == 0xFF;
+        };
+        while (bytes_.has(at, 2) && is_data())
+            ++at;
+        return bytes_[at + 1] == 0xDC && bytes_.has(at, 6) ? bytes_.be16(at + 4) : 0;
+    }
+
+    // The transform of a picture of 8 bits stays within 1024; encoders that work against ringing go
+    // up to 32 levels beyond black and white.
+    void limit_coefficients(JpegComponent& component) const {
+        const uint32_t depth = headers_.precision == 12 ? 4 : 0;
+        const uint32_t most = 1280u << depth;
+        const uint16_t* steps = known_.jpeg.tables[component.quantiser];
+        component.largest_dc = static_cast<int32_t>(steps[0] != 0 ? most / steps[0] + 1 : 32767);
+        for (uint32_t k = 0; k < 64; ++k) {
+            const uint32_t step = steps[zigzag[k]];
+            uint32_t size = 10 + depth;
+            while (size > 0 && step << size >> 1 > most + step)
+                --size;
+            component.largest_size[k] = static_cast<uint8_t>(size);
+        }
     }
 
     // EXIF counts where both tell a resolution, unless it tells none.
@@ -440,8 +473,6 @@ const char* beyond_kirvo(const JpegHeaders& headers) {
         return "quantisation tables of 16 bits";
     if (headers.odd_segments)
         return "unusual segments";
-    if (headers.height == 0)
-        return "no height in its header";
     return nullptr;
 }
 

@@ -8,11 +8,16 @@ namespace kirvo_files {
 struct JpegComponent {
     uint8_t id = 0, across = 0, down = 0, quantiser = 0;
     uint8_t dc = 0, ac = 0; // tables of the first scan
+    // What no picture has more of: the first coefficient, and bits of the others in the order of the
+    // stream.
+    int32_t largest_dc = 0;
+    uint8_t largest_size[64] = {};
 };
 
 struct JpegHeaders {
     uint8_t frame = 0; // second byte of its marker
     uint32_t precision = 0, width = 0, height = 0, components = 0;
+    uint64_t height_at = 0; // of the frame's own height
     JpegComponent component[4];
     uint32_t most_across = 1, most_down = 1;
     Bytes huffman[2][4]; // DC and AC: 16 counts and the symbols
@@ -71,6 +76,8 @@ struct Walk {
     bool unknown = false;     // more than is known here would be needed
     uint64_t end = 0;         // where the data ends
 };
+// What is to be told of a walk that is not complete: as #Job::damaged.
+Status not_whole(Job& job, const Walk& walk);
 // Of the one scan of a sequential file.
 Walk walk_scan(Bytes bytes, const JpegHeaders& headers);
 

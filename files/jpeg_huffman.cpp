@@ -145,30 +145,19 @@ Bytes SymbolCounts::best_table() {
     return {table_, count};
 }
 
-void HuffmanSteps::put(const HuffmanCode& code, uint32_t symbol, uint32_t value_bits,
-                       uint32_t coefficients) {
-    const uint32_t length = code.lengths[symbol];
-    if (length == 0 || length > look)
-        return;
-    const auto step = static_cast<uint16_t>(coefficients << 5 | (length + value_bits));
-    uint16_t* first = steps_ + (size_t{code.bits[symbol]} << (look - length));
-    for (uint32_t i = 0; i < 1u << (look - length); ++i)
-        first[i] = step;
-}
-
-void HuffmanSteps::make_dc(Bytes table, uint32_t largest) {
-    HuffmanCode code;
-    code.make(table);
-    for (uint32_t size = 0; size <= largest; ++size)
-        put(code, size, size, 1);
-}
-
-void HuffmanSteps::make_ac(Bytes table) {
+void HuffmanSteps::make(Bytes table) {
     HuffmanCode code;
     code.make(table);
     for (uint32_t symbol = 0; symbol < 256; ++symbol) {
+        const uint32_t length = code.lengths[symbol];
+        if (length == 0 || length > look)
+            continue;
         const uint32_t run = symbol >> 4, size = symbol & 15;
-        put(code, symbol, size, size == 0 && run != 15 ? end_of_block : run + 1);
+        const uint32_t coefficients = size == 0 && run != 15 ? end_of_block : run + 1;
+        const auto step = static_cast<uint16_t>(coefficients << 9 | size << 5 | (length + size));
+        uint16_t* first = steps_ + (size_t{code.bits[symbol]} << (look - length));
+        for (uint32_t i = 0; i < 1u << (look - length); ++i)
+            first[i] = step;
     }
 }
 

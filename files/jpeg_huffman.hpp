@@ -35,22 +35,19 @@ class SymbolCounts {
     uint8_t table_[16 + 256] = {};
 };
 
-// How far each code leads when its value is passed over: bits of the stream, and coefficients.
+// How far each code of AC leads when its value is passed over: bits of the stream, and coefficients.
 class HuffmanSteps {
   public:
     static constexpr uint32_t look = 11;
     static constexpr uint32_t end_of_block = 100; // more coefficients than any run leads over
 
-    // Of the codes for sizes of DC up to the largest; then of AC.
-    void make_dc(Bytes table, uint32_t largest);
-    void make_ac(Bytes table);
+    void make(Bytes table);
     uint16_t at(uint64_t bits) const { return steps_[bits >> (64 - look)]; }
     static uint32_t bits(uint16_t step) { return step & 31u; }
-    static uint32_t coefficients(uint16_t step) { return step >> 5; }
+    static uint32_t size(uint16_t step) { return step >> 5 & 15u; } // of the value
+    static uint32_t coefficients(uint16_t step) { return step >> 9; }
 
   private:
-    void put(const HuffmanCode& code, uint32_t symbol, uint32_t value_bits, uint32_t coefficients);
-
     uint16_t steps_[1 << look] = {}; // 0 where the code is longer, or none
 };
 
@@ -69,15 +66,15 @@ class EntropyBits {
     int32_t value(uint32_t size);
     // Up to 16 bits as they are.
     uint32_t raw(uint32_t count);
-    // Passes over a code and its value; false, at the same place, where the table does not have it.
-    bool step(const HuffmanSteps& steps, uint32_t& coefficient) {
+    // Passes over a code and its value; 0, at the same place, where the table does not have it.
+    uint16_t step(const HuffmanSteps& steps, uint32_t& coefficient) {
         if (count_ < 32)
             fill();
         const uint16_t step = steps.at(bits_);
         bits_ <<= HuffmanSteps::bits(step);
         count_ -= HuffmanSteps::bits(step);
         coefficient += HuffmanSteps::coefficients(step);
-        return step != 0;
+        return step;
     }
     // Goes on behind the restart marker that is next.
     bool restart();

@@ -2,9 +2,21 @@
 #include "codec.hpp"
 #include "formats.hpp"
 #include "jpeg_deep.hpp"
+#include "jpeg_planes.hpp"
 
 namespace kirvo_files {
 namespace {
+
+// Other decoders answer a picture for coefficients that do not fit together, some for missing ones.
+Status verify(Job& job, const JpegHeaders& headers) {
+    if (!has_huffman_codes(headers) || job.known.numbers.wholeRows < headers.height)
+        return KIRVO_FILES_OK; // cannot be, or has been told
+    Plane planes[4];
+    if (!make_planes(headers, planes))
+        return KIRVO_FILES_NO_MEMORY;
+    const Walk walk = read_coefficients(job.bytes, headers, planes);
+    return walk.complete || walk.unknown ? KIRVO_FILES_OK : not_whole(job, walk);
+}
 
 Status decode_elsewhere(Job& job, const JpegHeaders& headers, const char* why) {
     const Status status = decode(KIRVO_FILES_JPEG, job, &headers);
@@ -14,10 +26,11 @@ Status decode_elsewhere(Job& job, const JpegHeaders& headers, const char* why) {
             Text::format("Kirvo's decoder is not made for it (%s), and there is no"
                          " other",
                          why));
-    if (status == KIRVO_FILES_OK)
-        job.known.note(KIRVO_FILES_NOTE_DECODER,
-                       Text::format("decoded by %s: %s", decoder_name(KIRVO_FILES_JPEG), why));
-    return status;
+    if (status != KIRVO_FILES_OK)
+        return status;
+    job.known.note(KIRVO_FILES_NOTE_DECODER,
+                   Text::format("decoded by %s: %s", decoder_name(KIRVO_FILES_JPEG), why));
+    return verify(job, headers);
 }
 
 Status by_kirvo_alone(Job& job, const char* why) {
@@ -35,9 +48,7 @@ Status by_kirvo_alone(Job& job, const char* why) {
 
 // A baseline file whose data is not all there.
 Status decode_broken(Job& job, const JpegHeaders& headers, const Walk& walk) {
-    const Status status = walk.out_of_data ? job.ends_early(walk.whole_rows)
-                          : walk.left_over ? job.damaged_somewhere()
-                                           : job.damaged_below(walk.whole_rows);
+    const Status status = not_whole(job, walk);
     if (status != KIRVO_FILES_OK)
         return status; // the caller does not want it
     if (!job.options.has(KIRVO_FILES_KIRVO_ONLY)) {
@@ -67,17 +78,7 @@ static bool lacks_quantisers(const JpegHeaders& headers, const JpegTables& table
     return false;
 }
 
-Status read_jpeg(Job& job) {
-    JpegHeaders headers;
-    Status status = read_jpeg_headers(job.bytes, job.known, headers);
-    if (status != KIRVO_FILES_OK)
-        return status;
-    if (headers.height == 0)
-        return job.unsupported("a JPEG whose height follows its data");
-    if (!job.claim(headers.width, headers.height, headers.components == 1 ? 8 : 24, status))
-        return status;
-    if (lacks_quantisers(headers, job.known.jpeg))
-        return job.known.fail(KIRVO_FILES_DAMAGED, Text::format("a quantisation table is missing"));
+static Status read_pixels(Job& job, const JpegHeaders& headers) {
     const char* why = beyond_kirvo(headers);
     if (why != nullptr && job.options.has(KIRVO_FILES_KIRVO_ONLY))
         return by_kirvo_alone(job, why);
@@ -92,12 +93,41 @@ Status read_jpeg(Job& job) {
     const Walk walk = walk_scan(job.bytes, headers);
     if (!walk.complete)
         return decode_broken(job, headers, walk);
-    status = kirvo_decode(job, headers.components == 1);
+    const Status status = kirvo_decode(job, headers.components == 1);
     if (status != KIRVO_FILES_NO_CODEC)
         return status;
     return job.options.has(KIRVO_FILES_KIRVO_ONLY)
                ? by_kirvo_alone(job, nullptr)
                : decode_elsewhere(job, headers, "Kirvo's decoder is busy or refuses it");
+}
+
+// Decoders want the height in the frame.
+static Status read_with_height(Job& job, const JpegHeaders& headers) {
+    Buffer whole;
+    if (!whole.assign(job.bytes))
+        return KIRVO_FILES_NO_MEMORY;
+    whole[headers.height_at] = static_cast<uint8_t>(headers.height >> 8);
+    whole[headers.height_at + 1] = static_cast<uint8_t>(headers.height);
+    Job again{whole.bytes(), job.options, false, job.known, {}, job.cut_off};
+    const Status status = read_pixels(again, headers);
+    job.dib = std::move(again.dib);
+    return status;
+}
+
+Status read_jpeg(Job& job) {
+    JpegHeaders headers;
+    Status status = read_jpeg_headers(job.bytes, job.known, headers);
+    if (status != KIRVO_FILES_OK)
+        return status;
+    if (headers.height == 0)
+        return job.known.fail(KIRVO_FILES_ENDS_EARLY,
+                              Text::format("ends early: its height would follow its first scan"));
+    if (!job.claim(headers.width, headers.height, headers.components == 1 ? 8 : 24, status))
+        return status;
+    if (lacks_quantisers(headers, job.known.jpeg))
+        return job.known.fail(KIRVO_FILES_DAMAGED, Text::format("a quantisation table is missing"));
+    return job.bytes.be16(headers.height_at) == 0 ? read_with_height(job, headers)
+                                                  : read_pixels(job, headers);
 }
 
 } // namespace kirvo_files

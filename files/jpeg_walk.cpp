@@ -14,7 +14,8 @@ class Walker {
     Walker(Bytes bytes, const JpegHeaders& headers, Plane (*planes)[4])
         : headers_(headers), planes_(planes), bits_(bytes, headers.scan_at),
           first_(headers.spectral_start), last_(headers.spectral_end),
-          low_(headers.approximation & 15), high_(headers.approximation >> 4) {}
+          low_(headers.is_progressive() ? headers.approximation & 15 : 0),
+          high_(headers.approximation >> 4) {}
 
     Walk walk() {
         Walk result;
@@ -63,21 +64,25 @@ class Walker {
         return seen != 0 && band && low_ <= 13 && (high_ == 0 || high_ == low_ + 1);
     }
 
+    // A file without any, as cameras' films have them, means the usual ones.
+    Bytes table(uint32_t kind, uint32_t number) const {
+        const Bytes own = headers_.huffman[kind][number];
+        return own.empty() && number < 2 ? usual_huffman_table(kind, number) : own;
+    }
+
     bool make_tables() {
         const bool progressive = headers_.is_progressive();
         for (uint32_t n = 0; n < headers_.scan_components; ++n) {
             const JpegComponent& component = headers_.component[headers_.scanned[n]];
-            const Bytes dc = headers_.huffman[0][component.dc];
-            const Bytes ac = headers_.huffman[1][component.ac];
+            const Bytes dc = table(0, component.dc), ac = table(1, component.ac);
             if (!progressive || (first_ == 0 && high_ == 0)) {
                 if (!dc_[component.dc].make(dc))
                     return false;
-                dc_steps_[component.dc].make_dc(dc, largest_size());
             }
             if (!progressive || first_ != 0) {
                 if (!ac_[component.ac].make(ac))
                     return false;
-                ac_steps_[component.ac].make_ac(ac);
+                ac_steps_[component.ac].make(ac);
             }
         }
         block_ = !progressive  ? &Walker::block
@@ -104,11 +109,13 @@ class Walker {
             return false;
         if (static_cast<uint32_t>(size) > largest_size())
             return wrong();
-        const int32_t difference = bits_.value(static_cast<uint32_t>(size));
-        if (values != nullptr) {
-            last_dc_[i] = static_cast<int16_t>(last_dc_[i] + difference);
-            values[0] = shifted(last_dc_[i]);
-        }
+        const int32_t value = last_dc_[i] + bits_.value(static_cast<uint32_t>(size));
+        const int32_t most = headers_.component[i].largest_dc;
+        if (value * (1 << low_) > most || value * (1 << low_) < -most)
+            return wrong();
+        last_dc_[i] = static_cast<int16_t>(value);
+        if (values != nullptr)
+            values[0] = shifted(value);
         return !bits_.starved();
     }
 
@@ -118,9 +125,14 @@ class Walker {
         return !bits_.starved();
     }
 
+    // Whether no picture has so large a number as the coefficient k.
+    bool is_too_large(uint32_t i, uint32_t k, uint32_t size) const {
+        return size + low_ > headers_.component[i].largest_size[k];
+    }
+
     // The coefficient behind the next run of zeros, or the end of the block.
-    bool further(const HuffmanTable& ac, uint32_t& k, int16_t* values) {
-        const int32_t symbol = bits_.symbol(ac);
+    bool further(uint32_t i, uint32_t& k, int16_t* values) {
+        const int32_t symbol = bits_.symbol(ac_[headers_.component[i].ac]);
         if (symbol < 0)
             return false;
         const uint32_t run = static_cast<uint32_t>(symbol) >> 4, size = symbol & 15;
@@ -129,7 +141,7 @@ class Walker {
             return true;
         }
         k += run;
-        if (k > 63)
+        if (k > 63 || (size != 0 && is_too_large(i, k, size)))
             return wrong();
         const int32_t value = bits_.value(size);
         if (values != nullptr)
@@ -139,11 +151,10 @@ class Walker {
     }
 
     bool block(uint32_t i, int16_t* values) {
-        const HuffmanTable& ac = ac_[headers_.component[i].ac];
         if (!first(i, values))
             return false;
         for (uint32_t k = 1; k < 64;)
-            if (!further(ac, k, values))
+            if (!further(i, k, values))
                 return false;
         return !bits_.starved();
     }
@@ -151,19 +162,21 @@ class Walker {
     // A block that nobody wants: codes with their values are passed over at once.
     bool skim(uint32_t i) {
         const JpegComponent& component = headers_.component[i];
-        const HuffmanTable& ac = ac_[component.ac];
         const HuffmanSteps& steps = ac_steps_[component.ac];
-        uint32_t k = 0;
-        if (!bits_.step(dc_steps_[component.dc], k)) {
-            if (!first(i, nullptr))
+        if (!first(i, nullptr))
+            return false;
+        uint32_t k = 1;
+        int32_t least_room = 0; // below 0 once a value is too large
+        while (k < 64) {
+            if (const uint16_t step = bits_.step(steps, k)) {
+                const int32_t room = component.largest_size[(k - 1) & 63];
+                least_room |= room - static_cast<int32_t>(HuffmanSteps::size(step));
+            } else if (!further(i, k, nullptr)) {
                 return false;
-            k = 1;
+            }
         }
-        while (k < 64)
-            if (!bits_.step(steps, k) && !further(ac, k, nullptr))
-                return false;
-        if (k > 64 && k < HuffmanSteps::end_of_block)
-            return wrong(); // a run leads out of the block
+        if (least_room < 0 || (k > 64 && k < HuffmanSteps::end_of_block))
+            return wrong(); // or a run leads out of the block
         return !bits_.starved();
     }
 
@@ -187,7 +200,7 @@ class Walker {
             if (blocks_ended_ != 0)
                 break;
             k += run;
-            if (k > last_)
+            if (k > last_ || (size != 0 && is_too_large(i, k, size)))
                 return wrong();
             values[zigzag[k]] = shifted(bits_.value(size));
         }
@@ -211,7 +224,7 @@ class Walker {
                     correct(values[zigzag[k]]);
                 else if (run-- == 0)
                     break;
-            if (k > last_ && value != 0)
+            if (value != 0 && (k > last_ || is_too_large(i, k, 1)))
                 return wrong();
             if (value != 0)
                 values[zigzag[k]] = shifted(value);
@@ -264,7 +277,7 @@ class Walker {
     bool (Walker::*block_)(uint32_t, int16_t*) = nullptr;
     uint32_t blocks_ended_ = 0; // of the band, from the next one on
     HuffmanTable dc_[4], ac_[4];
-    HuffmanSteps dc_steps_[4], ac_steps_[4];
+    HuffmanSteps ac_steps_[4];
     int16_t last_dc_[4] = {};
 };
 
@@ -338,6 +351,12 @@ Walk read_coefficients(Bytes bytes, const JpegHeaders& headers, Plane (&planes)[
     if (now.is_progressive() || now.scan_components != now.components)
         walk.whole_rows = 0;
     return walk;
+}
+
+Status not_whole(Job& job, const Walk& walk) {
+    return walk.out_of_data ? job.ends_early(walk.whole_rows)
+           : walk.left_over ? job.damaged_somewhere()
+                            : job.damaged_below(walk.whole_rows);
 }
 
 Walk walk_scan(Bytes bytes, const JpegHeaders& headers) {

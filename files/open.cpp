@@ -89,6 +89,20 @@ Status turn_upright(Job& job) {
     return KIRVO_FILES_OK;
 }
 
+// A picture inside of another file, such as the small one of a format that is not known here, is not
+// the picture of that file.
+Status unknown_format(Job& job) {
+    for (uint64_t at = 1; at < 65536 && job.bytes.has(at, 4); ++at)
+        if (job.bytes.begins("\xFF\xD8\xFF", at) && job.bytes[at + 3] >= 0xC0)
+            return job.known.fail(
+                KIRVO_FILES_NOT_A_PICTURE,
+                Text::format("not a picture of a known format: a JPEG begins in it,"
+                             " behind %u other bytes",
+                             static_cast<uint32_t>(at)));
+    return job.known.fail(KIRVO_FILES_NOT_A_PICTURE,
+                          Text::format("not a picture of a known format"));
+}
+
 Status read_any(const char* name, Job& job) {
     if (job.bytes.empty())
         return job.known.fail(KIRVO_FILES_EMPTY, Text::format("the file is empty"));
@@ -96,8 +110,7 @@ Status read_any(const char* name, Job& job) {
     job.known.numbers.format = format;
     job.known.numbers.fileBytes = static_cast<uint32_t>(job.bytes.size());
     if (format == KIRVO_FILES_UNKNOWN || (is_by_name(format) && name[0] == 0))
-        return job.known.fail(KIRVO_FILES_NOT_A_PICTURE,
-                              Text::format("not a picture of a known format"));
+        return unknown_format(job);
     Status status = !is_by_name(format) ? read_as(format, job)
                     : job.headers_only  ? inform_by_name(format, name, job)
                                         : kirvo_read_named(format, name, job);

@@ -56,8 +56,7 @@ void wide_row(const View& view, uint32_t y, bool alpha, uint8_t* out) {
 
 class TargaWriter {
   public:
-    explicit TargaWriter(Saving& saving)
-        : saving_(saving), view_(saving.view), depth_(view_.bits() <= 8 ? 8 : view_.bits()) {}
+    explicit TargaWriter(Saving& saving) : saving_(saving), view_(saving.view), depth_(depth()) {}
 
     Status write() {
         if (view_.width() > 65535 || view_.height() > 65535)
@@ -82,6 +81,11 @@ class TargaWriter {
     }
 
   private:
+    // Many programs take a fourth byte for alpha, whatever the header says.
+    uint32_t depth() const {
+        return view_.bits() <= 8 ? 8 : view_.bits() == 32 && !saving_.alpha() ? 24 : view_.bits();
+    }
+
     bool headers() {
         Buffer& out = saving_.out;
         const bool indexed = view_.bits() <= 8, grey = view_.is_grey_ramp();
@@ -115,6 +119,8 @@ class TargaWriter {
         const uint8_t* in = view_.row(y);
         if (view_.bits() == 32) {
             wide_row(view_, y, saving_.alpha(), line_.data());
+            for (uint32_t x = 0; x < view_.width() && depth_ == 24; ++x)
+                std::memmove(&line_[size_t{3} * x], &line_[size_t{4} * x], 3);
         } else if (view_.bits() == 24 || view_.bits() == 8) {
             std::memcpy(line_.data(), in, size_t{depth_} / 8 * view_.width());
         } else if (view_.bits() == 16) {
@@ -134,7 +140,9 @@ class TargaWriter {
         const uint8_t* in = view_.row(y);
         for (uint32_t x = 0; x < view_.width(); ++x) {
             const uint32_t pixel = in[2 * x] | static_cast<uint32_t>(in[2 * x + 1]) << 8;
-            const auto five = [&](const Channel& channel) { return channel.of(pixel) * 31u / 255; };
+            const auto five = [&](const Channel& channel) {
+                return (channel.of(pixel) * 31u + 127) / 255;
+            };
             const uint32_t made = five(red) << 10 | five(green) << 5 | five(blue);
             line_[2 * x] = static_cast<uint8_t>(made);
             line_[2 * x + 1] = static_cast<uint8_t>(made >> 8);

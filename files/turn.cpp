@@ -102,8 +102,10 @@ Status turned_stream(Bytes in, const JpegHeaders& headers, uint32_t orientation,
 }
 
 Status turned_file(Bytes in, const Turn& turn, Known& known, Buffer& out) {
+    if (in.empty())
+        return known.fail(KIRVO_FILES_EMPTY, Text::format("the file is empty"));
     if (recognise(in, "") != KIRVO_FILES_JPEG)
-        return known.fail(in.empty() ? KIRVO_FILES_EMPTY : KIRVO_FILES_UNSUPPORTED,
+        return known.fail(KIRVO_FILES_UNSUPPORTED,
                           Text::format("only JPEG files are turned without loss"));
     JpegHeaders headers;
     Status status = read_jpeg_headers(in, known, headers);

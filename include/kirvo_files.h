@@ -330,7 +330,8 @@ typedef struct KirvoFilesDescription {
     uint32_t sampleAcross; /**< JPEG: luma samples for a chroma sample across: 1, 2 or 4 */
     uint32_t sampleDown;   /**< JPEG: likewise down */
     uint32_t fileBytes;    /**< bytes of the file */
-    uint32_t wholeRows;    /**< rows that are good, in the order that the file stores them */
+    uint32_t wholeRows;    /**< rows that are good, in the order that the file stores them; of a
+                                damaged file there may be fewer */
     uint32_t notes;        /**< number of notes */
     double dpiAcross;      /**< dots an inch across */
     double dpiDown;        /**< dots an inch down */

@@ -97,13 +97,12 @@ need_compiler() {
         libturbojpeg0-dev libspng-dev libtiff-dev libwebp-dev libgif-dev "$@"
 }
 
-# Gives the programs that follow a display: the caller's, or a virtual one with a window manager, which
-# Wine would wait for at each window that closes. All scripts share it, and it ends a few seconds after
-# its last user. Users hold display.users shared, the process that
+# Gives the programs that follow a display: the caller's, or a virtual one (Debian's xvfb) with a window
+# manager (openbox), for which Wine would wait at each window that closes. All scripts share it, and it
+# ends a few seconds after its last user. Users hold display.users shared, the process that
 # keeps the display holds display.keeper.
 start_display() {
     [ -z "${DISPLAY:-}" ] || return 0
-    need xvfb openbox || return
     mkdir -p "$cache"
     exec {display_users}>>"$cache/display.users"
     flock --shared "$display_users"

@@ -137,5 +137,8 @@ int main(int argc, char** argv) {
     prepare_console();
     const int code = run(words);
     restore_console();
-    return code;
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+        return code;
+    complain("standard output: what was to be said could not be written");
+    return 1;
 }

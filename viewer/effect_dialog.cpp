@@ -188,9 +188,13 @@ class EffectDialog : public Dialog {
         }
     }
 
+    // Without the option's name, which belongs to the command line.
     void tell(const std::string& error) {
+        const std::string option = effect_.option + std::string(": ");
         EnableWindow(control(IDOK), error.empty());
-        set_text(words, wide(error.empty() ? effect_.ranges() : error));
+        set_text(words, wide(error.empty()               ? effect_.ranges()
+                             : error.starts_with(option) ? error.substr(option.size())
+                                                         : error));
     }
 
     void on_timer() override {

@@ -159,6 +159,11 @@ LRESULT CALLBACK HistogramWindow::on_message(HWND window, UINT message, WPARAM w
         if (wparam == VK_ESCAPE)
             DestroyWindow(window);
         return 0;
+    case WM_SYSCOMMAND:
+        if ((wparam & 0xFFF0) != SC_KEYMENU || lparam == L' ')
+            break;
+        SetActiveWindow(GetWindow(window, GW_OWNER)); // which has the menu
+        return SendMessageW(GetWindow(window, GW_OWNER), message, wparam, lparam);
     case WM_NCDESTROY:
         SetWindowLongPtrW(window, GWLP_USERDATA, 0);
         self->window_ = nullptr;
@@ -167,6 +172,7 @@ LRESULT CALLBACK HistogramWindow::on_message(HWND window, UINT message, WPARAM w
         self->closed_();
         return 0;
     default:
-        return DefWindowProcW(window, message, wparam, lparam);
+        break;
     }
+    return DefWindowProcW(window, message, wparam, lparam);
 }

@@ -80,7 +80,9 @@ void Look::Part::make() {
         preview.image = shared(::reduced(*preview.image, seen_width, seen_height));
 }
 
-Look::Look(Viewer& viewer) : viewer_(viewer), reduced_(std::make_shared<SharedImage>()) {}
+Look::Look(Viewer& viewer)
+    : viewer_(viewer),
+      reduced_(std::make_shared<SharedImage>(viewer.view.fitted(viewer.history.now()))) {}
 
 Look::~Look() { viewer_.view.end_preview(); }
 

@@ -26,6 +26,6 @@ class Look {
     void post(std::shared_ptr<Part> part, Failed failed);
 
     Viewer& viewer_;
-    std::shared_ptr<SharedImage> reduced_; // made by the first look
+    std::shared_ptr<SharedImage> reduced_; // what the view shows, or made by the first look
     std::shared_ptr<int> alive_ = std::make_shared<int>(0);
 };

@@ -34,8 +34,10 @@ std::wstring read_command_line() {
 
 // In the code, keys belong to its controls; F6 leads there and back, function keys hold everywhere.
 bool is_command(const Viewer& viewer, const MSG& message) {
-    if (GetAncestor(message.hwnd, GA_ROOT) != viewer.window)
+    if (GetAncestor(message.hwnd, GA_ROOTOWNER) != viewer.window)
         return false;
+    if (message.hwnd == viewer.histogram.window())
+        return message.message == WM_KEYDOWN && message.wParam != VK_ESCAPE; // which closes it
     const bool function_key = message.wParam >= VK_F1 && message.wParam <= VK_F12;
     return !viewer.code.has_focus() || message.message == WM_SYSKEYDOWN || function_key;
 }

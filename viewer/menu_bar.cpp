@@ -115,6 +115,7 @@ bool answer_menu_bar(Viewer& viewer, UINT message, WPARAM wparam, LPARAM lparam,
         return true;
     case WM_NCPAINT:
     case WM_NCACTIVATE:
+    case WM_SETTEXT: // paints all of the frame in some systems
         answer = DefWindowProcW(viewer.window, message, wparam, lparam);
         darken_rest(viewer.window);
         return true;

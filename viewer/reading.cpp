@@ -16,8 +16,9 @@ constexpr DWORD piece = 1 << 16;
 class File {
   public:
     explicit File(const std::wstring& name)
-        : handle_(CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                              nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr)) {}
+        : handle_(CreateFileW(name.c_str(), GENERIC_READ,
+                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                              OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr)) {}
     ~File() {
         if (handle_ != INVALID_HANDLE_VALUE)
             CloseHandle(handle_);

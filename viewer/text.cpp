@@ -36,8 +36,9 @@ std::wstring folder_of(const std::wstring& path) {
 
 std::wstring with_key(const std::wstring& title, std::wstring& taken) {
     for (size_t i = 0; i < title.size(); ++i) {
-        const wchar_t letter = title[i] | 32; // small
-        if (letter >= L'a' && letter <= L'z' && taken.find(letter) == std::wstring::npos) {
+        const wchar_t letter = title[i] | 32; // small; digits stay
+        const bool typed = (letter >= L'a' && letter <= L'z') || (letter >= L'0' && letter <= L'9');
+        if (typed && taken.find(letter) == std::wstring::npos) {
             taken += letter;
             return title.substr(0, i) + L"&" + title.substr(i);
         }

@@ -12,7 +12,7 @@ std::wstring digits(Number number) {
     return wide(std::to_string(number));
 }
 
-// Marks the first letter that is not taken yet as the one that is typed: "E&dges".
+// Marks the first letter or digit that is not taken yet as the one that is typed: "E&dges".
 std::wstring with_key(const std::wstring& title, std::wstring& taken);
 
 std::wstring text_of(struct HWND__* window);

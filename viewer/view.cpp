@@ -68,6 +68,10 @@ void View::smooth(const SharedImage& of, SharedImage image) {
     InvalidateRect(window_, nullptr, FALSE);
 }
 
+SharedImage View::fitted(const SharedImage& of) const {
+    return fitted_ && scale_ < 1 && smooth_of_ == of ? smooth_ : nullptr;
+}
+
 void View::fit() {
     fitted_ = true;
     refresh();

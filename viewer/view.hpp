@@ -40,6 +40,8 @@ class View {
     bool has_preview() const { return preview_.image != nullptr; }
     // The picture averaged to the size at which it is shown.
     void smooth(const SharedImage& of, SharedImage image);
+    // That, where all of the picture is seen; null where there is none.
+    SharedImage fitted(const SharedImage& of) const;
 
     void fit();
     void zoom_to(double scale); // about the middle

@@ -124,7 +124,8 @@ namespace KirvoImaging
         public uint sampleDown;
         /// <summary>bytes of the file</summary>
         public uint fileBytes;
-        /// <summary>rows that are good, in the order that the file stores them</summary>
+        /// <summary>rows that are good, in the order that the file stores them; of a damaged file
+        /// there may be fewer</summary>
         public uint wholeRows;
         /// <summary>number of notes</summary>
         public uint notes;

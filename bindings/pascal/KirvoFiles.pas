@@ -282,7 +282,7 @@ type
     sampleAcross: LongWord; // JPEG: luma samples for a chroma sample across: 1, 2 or 4
     sampleDown: LongWord; // JPEG: likewise down
     fileBytes: LongWord; // bytes of the file
-    wholeRows: LongWord; // rows that are good, in the order that the file stores them
+    wholeRows: LongWord; // rows that are good, in the order that the file stores them; of a damaged file there may be fewer
     notes: LongWord; // number of notes
     dpiAcross: Double; // dots an inch across
     dpiDown: Double; // dots an inch down

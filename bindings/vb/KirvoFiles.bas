@@ -266,7 +266,7 @@ Public Type KirvoFilesDescription
     sampleAcross As Long ' JPEG: luma samples for a chroma sample across: 1, 2 or 4
     sampleDown As Long ' JPEG: likewise down
     fileBytes As Long ' bytes of the file
-    wholeRows As Long ' rows that are good, in the order that the file stores them
+    wholeRows As Long ' rows that are good, in the order that the file stores them; of a damaged file there may be fewer
     notes As Long ' number of notes
     dpiAcross As Double ' dots an inch across
     dpiDown As Double ' dots an inch down

@@ -117,7 +117,9 @@ class Decoder {
         if (one && (model_ == PHOTOMETRIC_PALETTE || model_ == PHOTOMETRIC_MINISBLACK ||
                     model_ == PHOTOMETRIC_MINISWHITE))
             return indexed();
-        if (sample_format_ == SAMPLEFORMAT_UINT && plain_samples())
+        if (is_fax() && samples_ > 1)
+            return job_.unsupported("a fax of several samples a pixel");
+        if (sample_format_ <= SAMPLEFORMAT_INT && plain_samples())
             return by_samples();
         return by_strips();
     }
@@ -165,6 +167,12 @@ class Decoder {
             const uint32_t shown = model_ == PHOTOMETRIC_MINISWHITE ? 255 - level : level;
             job_.dib.set_colour(i, shown, shown, shown);
         }
+    }
+
+    bool is_fax() const {
+        uint16_t compression = 0;
+        TIFFGetField(tiff_, TIFFTAG_COMPRESSION, &compression);
+        return compression >= COMPRESSION_CCITTRLE && compression <= COMPRESSION_CCITTFAX4;
     }
 
     // Grey, RGB, palettes and CMYK of whole numbers, with or without alpha.
@@ -257,7 +265,7 @@ class Decoder {
     void unpack(uint32_t left, uint32_t count, uint32_t first) {
         const uint64_t stride = (uint64_t{tile_width_} * count * bits_ + 7) / 8;
         const uint32_t most = bits_ <= 8 ? (1u << bits_) - 1 : 65535;
-        const bool index = model_ == PHOTOMETRIC_PALETTE;
+        const bool palette = model_ == PHOTOMETRIC_PALETTE;
         const Bytes piece = piece_.bytes();
         for (uint32_t y = 0; y < tile_height_; ++y)
             for (uint32_t x = 0; x < tile_width_ && left + x < width_; ++x)
@@ -273,6 +281,7 @@ class Decoder {
                     } else {
                         value = piece[at] >> (8 - bits_ - bit % 8) & most;
                     }
+                    const bool index = palette && first + i == 0;
                     if (!index)
                         value = (value * 255 + most / 2) / most;
                     band_[(size_t{y} * width_ + left + x) * samples_ + first + i] =

@@ -175,7 +175,7 @@ class Decoder {
             raster.put(y, line.data());
         }
         raster.finish();
-        return format_ == KIRVO_FILES_JPEG && lacks_end() ? job_.ends_early(0) : KIRVO_FILES_OK;
+        return KIRVO_FILES_OK;
     }
 
     void convert(const uint8_t* in, uint32_t width, bool alpha, uint8_t* out) const {
@@ -186,14 +186,6 @@ class Decoder {
             if (alpha)
                 *out++ = in[3];
         }
-    }
-
-    bool lacks_end() const {
-        const Bytes& bytes = job_.bytes;
-        for (size_t back = 2; back <= bytes.size() && back < 65536; ++back)
-            if (bytes[bytes.size() - back] == 0xFF && bytes[bytes.size() - back + 1] == 0xD9)
-                return false;
-        return true;
     }
 
     void take_profile() {

@@ -91,39 +91,42 @@ PLACES = {"x": "areaLeft", "y": "areaTop", "width": "Across(areaLeft, areaWidth)
           "height": "Down(areaTop, areaHeight)"}
 
 
-def camel(one):
+def camel(one, method):
+    """A parameter's name, which may not be that of its function, its result there."""
     name = capitals(one.name)
-    return escaped(name[0].lower() + name[1:], RESERVED)
+    return escaped(name[0].lower() + name[1:], RESERVED | {method.name})
 
 
-def declared(one):
+def declared(one, method):
+    name = camel(one, method)
     if one.parameter.count:
-        return f"ByRef {camel(one)}() As Byte"
+        return f"ByRef {name}() As Byte"
     if one.optional:
-        return f"Optional ByVal {camel(one)} As {KINDS[one.kind]} = {capitals(one.value)}"
-    return f"ByVal {camel(one)} As {KINDS[one.kind]}"
+        return f"Optional ByVal {name} As {KINDS[one.kind]} = {capitals(one.value)}"
+    return f"ByVal {name} As {KINDS[one.kind]}"
 
 
-def argument(one):
+def argument(one, method):
     if one.role in PLACES:
         return PLACES[one.role]
     if one.role == "fixed":
         return one.value.replace("own.width", "Width").replace("own.height", "Height").replace(
             "other.width", "other.Width").replace("other.height", "other.Height")
+    name = camel(one, method)
     if one.parameter.count:
-        return f"{camel(one)}(0)"
+        return f"{name}(0)"
     return {"own": "source.Handle", "status": "status", "other": "same.Handle"}.get(
-        one.role, f"-CLng({camel(one)})" if one.kind == "flag" else camel(one))
+        one.role, f"-CLng({name})" if one.kind == "flag" else name)
 
 
 def documentation(method):
     texts = [method.comment.brief]
-    texts += [f"{camel(one)}: {one.meaning}." for one in method.parameters]
+    texts += [f"{camel(one, method)}: {one.meaning}." for one in method.parameters]
     return comment(" ".join(texts), "' ")
 
 
 def head(method, word, result):
-    given = [declared(one) for one in method.parameters] + (AREA if method.has_area else [])
+    given = [declared(one, method) for one in method.parameters] + (AREA if method.has_area else [])
     return listed(f"Public {word} {capitals(method.name)}(", given or [""], f"){result}", continued=" _")
 
 
@@ -132,5 +135,5 @@ def depths(method):
 
 
 def call(method, before, behind):
-    return listed(f"{before}{method.function.name}(", [argument(one) for one in method.arguments], behind,
+    return listed(f"{before}{method.function.name}(", [argument(one, method) for one in method.arguments], behind,
                   continued=" _", indent=" " * 8)

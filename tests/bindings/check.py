@@ -15,9 +15,10 @@ import sys
 import tempfile
 
 SOURCE = pathlib.Path(__file__).parents[2]
-sys.path[:0] = [str(SOURCE / "interface"), str(SOURCE / "tests/support")]
+sys.path[:0] = [str(SOURCE / "interface"), str(SOURCE / "tests/support"), str(SOURCE / "tests/layers")]
 sys.dont_write_bytecode = True
 import version
+from basic import basic_lines
 from built import BITS, FILES_LIBRARY, LIBRARY, WINDOWS, need, run
 from description import Description, Function
 
@@ -378,31 +379,6 @@ BASIC_RESERVED = set("""
     write xor""".split())
 BASIC_BLOCKS = {"Sub": "End Sub", "Function": "End Function", "If": "End If", "Property": "End Property",
                 "Select": "End Select", "Enum": "End Enum", "Type": "End Type"}
-
-
-def basic_lines(path, constants):
-    """Logical lines without comments, of the branches that the constants choose."""
-    raw = path.read_bytes()
-    assert raw.isascii() and raw.count(b"\n") == raw.count(b"\r\n"), f"{path.name}: line ends"
-    text = raw.decode().replace("\r\n", "\n")
-    for statement in re.findall(r"(?:.* _\n)+.*\n", text):
-        assert statement.count("\n") <= 25, f"too many lines: {statement}"
-    text = re.sub(r" _\n +", " ", text).replace("( ", "(")
-    branches = []
-    for line in text.splitlines():
-        assert len(line) < 1023, line
-        line = re.sub(r"""^((?:[^'"]|"[^"]*")*)'.*""", r"\1", line).strip()
-        if match := re.fullmatch(r"#If (\w+) Then", line):
-            branches.append(constants[match[1]])
-        elif line == "#Else":
-            branches[-1] = not branches[-1]
-        elif line == "#End If":
-            branches.pop()
-        else:
-            assert not line.startswith("#"), line
-            if line and all(branches):
-                yield line
-    assert not branches
 
 
 def check_basic_blocks(lines):

@@ -124,6 +124,13 @@ def check(top):
         assert all(path.exists() for path in thumbnails)
         (tree / "broken.jpg").unlink()
         assert "0 made, 0 failed" in finish(start(tree, to), 0)[0]  # nothing to do: no cluster
+
+        shutil.copy(thumbnails[0], tree / "a/same.png.jpg")  # as the thumbnail of same.png is named
+        _, errors = finish(start(tree, to, "--scheduler", "nowhere"), 1)
+        assert errors.startswith("nowhere: no scheduler answers there"), errors
+        output, _ = finish(start(tree, to, "--scheduler", cluster.address), 0)
+        assert "1 made" in output and (to / "a/same.png.jpg.jpg").exists(), output
+        finish(start(tree, tree), 2)
     finally:
         cluster.close()
 

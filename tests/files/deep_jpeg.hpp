@@ -1,4 +1,4 @@
-// JPEG of 12 bits a channel, written by the formulas of ITU-T T.81.
+// JPEG of 12 or 8 bits a channel, written by the formulas of ITU-T T.81.
 #pragma once
 
 #include "files/opened.hpp"
@@ -13,10 +13,12 @@ namespace kirvo_test {
 class DeepJpeg {
   public:
     // Components of this sampling; 1 for grey.
-    DeepJpeg(uint32_t width, uint32_t height, uint32_t components, uint32_t across, uint32_t down)
-        : width_(width), height_(height), components_(components), across_(across), down_(down) {}
+    DeepJpeg(uint32_t width, uint32_t height, uint32_t components, uint32_t across, uint32_t down,
+             uint8_t bits = 12)
+        : width_(width), height_(height), components_(components), across_(across), down_(down),
+          bits_(bits) {}
 
-    // Level 0 to 4095 of a component at a place of the whole picture.
+    // Level 0 to 4095, or 255, of a component at a place of the whole picture.
     template<typename Level>
     Bytes write(Level level, uint32_t restart = 0) {
         header(0xC1, restart);
@@ -104,7 +106,7 @@ class DeepJpeg {
         out_.insert(out_.end(), 64, step);
         const auto byte = [](uint32_t value) { return static_cast<uint8_t>(value); };
         out_.insert(out_.end(),
-                    {0xFF, frame, 0, byte(8 + 3 * components_), 12, byte(height_ >> 8),
+                    {0xFF, frame, 0, byte(8 + 3 * components_), bits_, byte(height_ >> 8),
                      byte(height_), byte(width_ >> 8), byte(width_), byte(components_)});
         for (uint32_t i = 0; i < components_; ++i)
             out_.insert(out_.end(), {byte(i + 1), byte(i == 0 ? across_ << 4 | down_ : 0x11), 0});
@@ -128,14 +130,14 @@ class DeepJpeg {
     }
 
     template<typename Sample>
-    static Block quantised(Sample sample) {
+    Block quantised(Sample sample) const {
         Block values;
         int32_t row = 0, column = 0;
         for (int32_t& value : values) {
             double sum = 0;
             for (uint32_t y = 0; y < 8; ++y)
                 for (uint32_t x = 0; x < 8; ++x)
-                    sum += (sample(x, y) - 2048) *
+                    sum += (sample(x, y) - (1 << (bits_ - 1))) *
                            std::cos((2 * x + 1) * column * std::numbers::pi / 16) *
                            std::cos((2 * y + 1) * row * std::numbers::pi / 16);
             const double scale = (column == 0 ? std::numbers::sqrt2 / 2 : 1) *
@@ -285,6 +287,7 @@ class DeepJpeg {
 
     static constexpr uint8_t step = 2;
     uint32_t width_, height_, components_, across_, down_;
+    uint8_t bits_;
     int32_t last_[3] = {};
     uint32_t held_ = 0, held_count_ = 0;
     Bytes out_;

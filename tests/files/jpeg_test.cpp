@@ -1,5 +1,5 @@
 // JPEG files: which decoder, damage, tables and sampling that are kept, qualities and sizes.
-#include "files/opened.hpp"
+#include "files/deep_jpeg.hpp"
 
 #include <cmath>
 
@@ -276,6 +276,114 @@ TEST(Jpeg, data_that_belongs_to_nothing_is_damage_but_filling_is_not) {
                 different += std::abs(static_cast<int>(going.pixel(x, y) >> shift & 255) -
                                       static_cast<int>(good.pixel(x, y) >> shift & 255));
     EXPECT_LT(different, 2 * 3 * 64 * 48);
+}
+
+namespace {
+
+// A grey block of quantisers 16. Codes of DC: four bits, the size itself; of AC: 00 is the end of the
+// block, 01 a number of 7 bits, 10 one of 8.
+Bytes one_block(const std::string& bits) {
+    Bytes bytes = {0xFF, 0xD8, 0xFF, 0xDB, 0, 67, 0};
+    bytes.insert(bytes.end(), 64, 16);
+    bytes.insert(bytes.end(), {0xFF, 0xC0, 0, 11, 8, 0, 8, 0, 8, 1, 1, 0x11, 0});
+    bytes.insert(bytes.end(), {0xFF, 0xC4, 0, 31, 0x00, 0, 0, 0, 12, 0, 0, 0, 0, 0, 0,  0, 0,
+                               0,    0,    0, 0,  0,    1, 2, 3, 4,  5, 6, 7, 8, 9, 10, 11});
+    bytes.insert(bytes.end(), {0xFF, 0xC4, 0, 22, 0x10, 0, 3, 0, 0, 0,    0,    0,
+                               0,    0,    0, 0,  0,    0, 0, 0, 0, 0x00, 0x07, 0x08});
+    bytes.insert(bytes.end(), {0xFF, 0xDA, 0, 8, 1, 1, 0, 0, 63, 0});
+    for (size_t at = 0; at < bits.size(); at += 8) {
+        std::string byte = bits.substr(at, 8);
+        byte.resize(8, '1');
+        bytes.push_back(static_cast<uint8_t>(std::stoi(byte, nullptr, 2)));
+    }
+    bytes.insert(bytes.end(), {0xFF, 0xD9});
+    return bytes;
+}
+
+} // namespace
+
+TEST(Jpeg, numbers_beyond_any_picture_are_damage) {
+    const std::string end = "00";
+    for (const std::string& bits : {"0111"
+                                    "1001111" +
+                                        end, // 79 steps of 16 above grey
+                                    "0111"
+                                    "0110000" +
+                                        end, // and below
+                                    "0000"
+                                    "01"
+                                    "1000000" +
+                                        end}) // 64 steps of a wave
+        EXPECT_EQ(Opened(one_block(bits)).status, KIRVO_FILES_OK) << bits;
+    for (const std::string& bits : {"0111"
+                                    "1100000" +
+                                        end, // 96 steps
+                                    "0111"
+                                    "0011111" +
+                                        end,
+                                    "0000"
+                                    "10"
+                                    "10000000" +
+                                        end}) {
+        const Opened refused(one_block(bits));
+        EXPECT_EQ(refused.status, KIRVO_FILES_DAMAGED) << bits;
+        EXPECT_EQ(refused.text(KIRVO_FILES_TEXT_REASON), "damaged: at most 0 of 8 rows are whole");
+        EXPECT_EQ(Opened(one_block(bits), KIRVO_FILES_KEEP_GOING).status, KIRVO_FILES_OK);
+    }
+}
+
+TEST(Jpeg, what_another_decoder_answers_is_verified) {
+    for (const double beyond : {0.0, 700.0}) {
+        const auto level = [&](uint32_t, uint32_t x, uint32_t y) {
+            return 50.0 + 2 * x + y + (x >= 16 && y >= 16 ? beyond : 0);
+        };
+        const Bytes files[] = {DeepJpeg(61, 47, 1, 1, 1, 8).write(level),
+                               DeepJpeg(61, 47, 1, 1, 1, 8).write_progressive(level)};
+        for (const Bytes& bytes : files) {
+            const Opened opened(bytes);
+            EXPECT_EQ(opened.status, beyond != 0 ? KIRVO_FILES_DAMAGED : KIRVO_FILES_OK)
+                << opened.text(KIRVO_FILES_TEXT_REASON);
+            const Opened going(bytes, KIRVO_FILES_KEEP_GOING);
+            ASSERT_EQ(going.status, KIRVO_FILES_OK);
+            EXPECT_EQ(going.has_note(KIRVO_FILES_NOTE_DAMAGED), beyond != 0);
+            EXPECT_NEAR(going.pixel(9, 5) & 255, 50 + 18 + 5, 2);
+        }
+    }
+}
+
+TEST(Jpeg, a_height_behind_the_first_scan_counts) {
+    const Bytes whole = baseline(50, 40, 3, 2);
+    Bytes open_height = whole;
+    const size_t frame = segment(whole, 0xC0);
+    open_height[frame + 5] = open_height[frame + 6] = 0;
+    Bytes told = open_height;
+    told.insert(told.end() - 2, {0xFF, 0xDC, 0, 4, 0, 40});
+    const Opened opened(told), other(whole);
+    ASSERT_EQ(opened.status, KIRVO_FILES_OK) << opened.text(KIRVO_FILES_TEXT_REASON);
+    EXPECT_EQ(opened.about.height, 40u);
+    EXPECT_EQ(opened.about.wholeRows, 40u);
+    for (uint32_t y = 0; y < 40; ++y)
+        for (uint32_t x = 0; x < 50; ++x)
+            EXPECT_EQ(opened.pixel(x, y), other.pixel(x, y));
+    told[told.size() - 3] = 56; // more than there is
+    EXPECT_EQ(Opened(told).status, KIRVO_FILES_ENDS_EARLY);
+    told[told.size() - 3] = 20;
+    EXPECT_EQ(Opened(told).status, KIRVO_FILES_DAMAGED) << "data is left over";
+    told[told.size() - 3] = 0;
+    EXPECT_NE(Opened(told).status, KIRVO_FILES_OK);
+    const Opened untold(open_height);
+    EXPECT_EQ(untold.status, KIRVO_FILES_ENDS_EARLY);
+    EXPECT_EQ(untold.text(KIRVO_FILES_TEXT_REASON),
+              "ends early: its height would follow its first scan");
+}
+
+TEST(Jpeg, one_behind_other_bytes_may_be_a_part_of_another_file) {
+    Bytes bytes = baseline(24, 16, 3, 1);
+    bytes.insert(bytes.begin(), {'8', 'B', 'P', 'S', 0, 1});
+    const Opened refused(bytes);
+    EXPECT_EQ(refused.status, KIRVO_FILES_NOT_A_PICTURE);
+    EXPECT_EQ(refused.text(KIRVO_FILES_TEXT_REASON),
+              "not a picture of a known format: a JPEG begins in it, behind 6 other bytes");
 }
 
 TEST(Jpeg, a_quantiser_that_is_missing_is_damage) {

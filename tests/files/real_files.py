@@ -11,6 +11,8 @@ import itertools
 import json
 import os
 import pathlib
+import random
+import struct
 import subprocess
 import sys
 import tempfile
@@ -187,6 +189,26 @@ class Written(Folder):
                  ("cmyk.tif", "colour", "-colorspace", "CMYK", "-compress", "LZW")]
         self.assertEqual(self.check(self.write(jobs)), [])
 
+    def test_alpha_beside_a_palette_is_as_deep_as_its_indices(self):
+        levels = b"".join(level.to_bytes(2, "little") for channel in range(3)
+                          for level in range(0, 65536, 4369))
+        entries = [(256, 4, 4, 1), (257, 4, 1, 1), (258, 3, 0x40004, 2), (259, 3, 1, 1), (262, 3, 3, 1),
+                   (273, 4, 242, 1), (277, 3, 2, 1), (278, 4, 1, 1), (279, 4, 4, 1), (320, 3, 146, 48),
+                   (338, 3, 2, 1)]
+        path = self.folder / "x.tif"
+        path.write_bytes(b"II*\0" + struct.pack("<IH", 8, len(entries)) +
+                         b"".join(struct.pack("<HHII", tag, kind, count, value)
+                                  for tag, kind, value, count in entries) +
+                         bytes(4) + levels + bytes((0x0F, 0x18, 0x20, 0x3F)))
+        opened = LIBRARY.open(path, KEEP_ALPHA)
+        self.assertTrue(opened.ok, opened.texts["reason"])
+        self.assertEqual(list(opened.image().convert("RGBA").getdata()),
+                         [(0, 0, 0, 255), (17, 17, 17, 136), (34, 34, 34, 0), (51, 51, 51, 255)])
+
+    def test_a_fax_of_grey_with_alpha_is_refused(self):  # which no two programs read alike
+        for path in self.write([("x.tif", "alpha", "-type", "GrayscaleAlpha", "-compress", "Group4")]):
+            self.assertIn("a fax of several samples", LIBRARY.open(path).texts["reason"])
+
     def test_gif_webp_and_icons(self):
         jobs = [("plain.gif", "colour"), ("clear.gif", "alpha"), ("rows.gif", "colour", "-interlace", "GIF"),
                 ("one.ico", "alpha"), ("large.ico", "alpha", "-resize", "256x256!"),
@@ -236,6 +258,36 @@ class Jpeg(Folder):
             paths.append(path)
         decoders = self.check_against_djpeg(paths)
         self.assertIn("Kirvo", decoders)
+
+    def test_the_hardest_pictures_are_not_taken_for_damage(self):
+        tile = {"points": lambda x, y: 255 * (x + y & 1), "lines": lambda x, y: 255 * (x & 1),
+                "blocks": lambda x, y: 255 * (x // 8 + y // 8 & 1), "white": lambda x, y: 255}
+        for (title, level), quality, option in itertools.product(
+                tile.items(), ("1", "50", "100"),
+                ("", "-sample 1x1 -optimize", "-progressive -dct fast", "-rgb -dct float")):
+            levels = bytes(level(x, y) for y in range(24) for x in range(40) for _ in range(3))
+            path = self.folder / f"{title}.jpg"
+            path.write_bytes(run("cjpeg", "-quality", quality, *option.split(),
+                                 input=b"P6 40 24 255\n" + levels))
+            opened = LIBRARY.open(path)
+            self.assertTrue(opened.ok, f"{title} {quality} {option}: {opened.texts['reason']}")
+
+    def test_no_damage_that_djpeg_tells_is_passed_over(self):
+        path, told = self.folder / "x.jpg", 0
+        for seed, options in enumerate((["-interlace", "JPEG"], [], ["-sampling-factor", "1x1"])):
+            whole, = self.write([("whole.jpg", "colour", "-resize", "300%", *options)])
+            data, chance = whole.read_bytes(), random.Random(seed)
+            for _ in range(50):
+                damaged = bytearray(data)
+                damaged[chance.randrange(data.index(b"\xff\xda") + 14, len(data) - 2)] ^= (
+                    1 << chance.randrange(8))
+                path.write_bytes(damaged)
+                theirs = subprocess.run(["djpeg", path], stdout=subprocess.DEVNULL,
+                                        stderr=subprocess.PIPE)
+                if theirs.stderr:
+                    told += 1
+                    self.assertFalse(LIBRARY.open(path).ok, theirs.stderr)
+        self.assertGreater(told, 20)
 
     def test_half_a_file_is_refused_with_its_last_row(self):
         for options in ([], ["-interlace", "JPEG"]):
@@ -292,6 +344,10 @@ class Jpeg(Folder):
             at = end
         path.write_bytes(kept + data[at:])
         self.check_against_djpeg([path])
+        ours, theirs = self.folder / "ours.jpg", self.folder / "theirs.jpg"
+        self.assertEqual(LIBRARY.files.KirvoFilesTurn(os.fsencode(path), os.fsencode(ours), 1, 2, 0, None), 0)
+        theirs.write_bytes(run("jpegtran", "-rotate", "90", path))
+        self.assertEqual(run("djpeg", ours), run("djpeg", theirs))
 
     def test_cmyk(self):
         paths = self.write([("cmyk.jpg", "colour", "-colorspace", "CMYK", "-quality", "95")])

@@ -190,3 +190,35 @@ TEST(Targa, is_saved_at_every_depth_packed_or_plain) {
             }
         }
 }
+
+TEST(Targa, without_alpha_has_no_fourth_byte) {
+    const Picture picture(7, 5, 32);
+    for (uint32_t flags : {0u, static_cast<uint32_t>(KIRVO_FILES_RLE)}) {
+        const Saved saved = save(picture.dib, as(KIRVO_FILES_TARGA, flags));
+        ASSERT_EQ(saved.status, KIRVO_FILES_OK);
+        EXPECT_EQ(saved.bytes[16], 24);
+        const Opened opened(saved.bytes, KIRVO_FILES_KEEP_ALPHA);
+        for (uint32_t y = 0; y < 5; ++y)
+            for (uint32_t x = 0; x < 7; ++x)
+                EXPECT_EQ(opened.pixel(x, y), Picture::colour(x, y));
+    }
+}
+
+TEST(Targa, keeps_five_bits_of_each_channel_as_they_are) {
+    HGLOBAL dib = DibMemAllocEx(32, 1, 16);
+    auto* data = static_cast<uint8_t*>(GlobalLock(dib));
+    const uint32_t masks[] = {0x7C00, 0x3E0, 0x1F};
+    std::memcpy(data + 40, masks, 12);
+    const auto pixel = [](uint32_t x) { return x << 10 | (31 - x) << 5 | (x * 7 & 31); };
+    for (uint32_t x = 0; x < 32; ++x) {
+        data[52 + 2 * x] = static_cast<uint8_t>(pixel(x));
+        data[53 + 2 * x] = static_cast<uint8_t>(pixel(x) >> 8);
+    }
+    GlobalUnlock(dib);
+    const Saved saved = save(dib, as(KIRVO_FILES_TARGA));
+    GlobalFree(dib);
+    ASSERT_EQ(saved.status, KIRVO_FILES_OK);
+    for (uint32_t x = 0; x < 32; ++x)
+        EXPECT_EQ(saved.bytes[18 + 2 * x] | saved.bytes[19 + 2 * x] << 8,
+                  static_cast<int>(pixel(x)));
+}

@@ -102,6 +102,11 @@ static class CSharpLayer
         Expect(level.Status == KirvoStatus.KIRVO_BAD_PARAMETER);
         Expect(level.Message.StartsWith("Brightness: ") && level.Message.Contains("out of its range"));
         Expect(FailureOf<KirvoException>(() => new KirvoImage(0, 1)) != null);
+        KirvoException unknown = FailureOf<KirvoException>(() => Striped(2, 2).Save(new MemoryStream(), "nothing"));
+        Expect(unknown != null && unknown.Message.Contains(" "));
+        Expect(FailureOf<ArgumentException>(() => KirvoImage.MixMasks(new int[8], new int[25])) != null);
+        Expect(FailureOf<ArgumentException>(() => KirvoImage.MixMasks(new int[9], new int[26])) != null);
+        Expect(FailureOf<ArgumentException>(() => KirvoImage.MixMasks(new int[9], new int[25])) == null);
         KirvoException missing = FailureOf<KirvoException>(() => KirvoImage.Open("写真 missing.jpg"));
         Expect(missing.Message.StartsWith("写真 missing.jpg: "));
         image.Dispose();
@@ -143,6 +148,7 @@ static class CSharpLayer
         using (new KirvoWatch(listener))
             image.Blur();
         Expect(listener.Seen[0] == 0 && listener.Seen[listener.Seen.Count - 1] == 100);
+        Expect(listener.Seen.IndexOf(100) == listener.Seen.Count - 1);
         listener.Seen.Clear();
         listener.Then = percent => image.Crop(0, 0, 9, 9).Blur(); // of which nothing is reported
         using (new KirvoWatch(listener))

@@ -128,6 +128,20 @@ def check_lines(folder):
         assert 5 <= len(lines) <= 12, "\n".join(lines)
 
 
+def check_every_effect(folder, language, *command):
+    """What a program in a language makes of every effect is what the package for Python makes."""
+    place = folder / language
+    place.mkdir()
+    run("/usr/bin/python3", SOURCE / "tests/layers/effects.py", language, place)
+    for each in command:
+        run(*each(place), folder=place)
+    expected = sorted((place / "expected").iterdir())
+    assert len(expected) > 300, len(expected)
+    wrong = [path.name for path in expected if (place / path.name).read_bytes() != path.read_bytes()]
+    program = next(place.glob("[Ee]very.[cd]*")).read_text().splitlines()
+    assert not wrong, "\n".join(line for line in program for name in wrong if f"{name!r})" in line.replace('"', "'"))
+
+
 def check_cpp(folder):
     """kirvo.hpp by every compiler that is there, at two standards."""
     compilers, flags = [CONFIG["cpp_compiler"]], []
@@ -147,12 +161,21 @@ def check_cpp(folder):
                 f"-I{SOURCE}/include", SOURCE / "tests/layers/cpp.cpp", f"-L{FOLDER}", *libraries,
                 "-o", program)
             print(compiler, standard, run(program, folder))
+    if not WINDOWS and CONFIG["sanitized"] != "1":
+        check_every_effect(folder, "cpp", lambda place: (
+            CONFIG["cpp_compiler"], "-std=c++17", f"-I{SOURCE}/include", place / "every.cpp", f"-L{FOLDER}",
+            *libraries, "-o", place / "every"), lambda place: (place / "every",))
 
 
 def check_python(folder):
     """The package from its source, with the libraries just built."""
     os.environ["PYTHONPATH"] = str(SOURCE / "bindings/python/src")
     run("/usr/bin/python3", SOURCE / "tests/layers/python_layer.py", SOURCE / "bindings/python")
+
+
+def check_basic(folder):
+    """The class for Visual Basic, which a program in Python runs."""
+    run("/usr/bin/python3", SOURCE / "tests/layers/basic_layer.py")
 
 
 def check_csharp(folder):
@@ -166,6 +189,10 @@ def check_csharp(folder):
             source, *(csharp / name for name in ("Kirvo.cs", "KirvoImage.cs", "KirvoBitmap.cs")))
         shutil.copy(csharp / "Kirvo.dll.config", f"{program}.config")
     run("mono", folder / "CSharpLayer.exe", folder)
+    check_every_effect(folder, "csharp", lambda place: (
+        "mcs", f"-out:{place}/Every.exe", place / "Every.cs", csharp / "Kirvo.cs", csharp / "KirvoImage.cs"),
+        lambda place: ("cp", csharp / "Kirvo.dll.config", place / "Every.exe.config"),
+        lambda place: ("mono", "Every.exe"))
     check_photo(run, folder, "mono", folder / "Photo.exe")
     sources = [csharp / f"{name}.cs" for name in ("Kirvo", "KirvoFiles", "KirvoImage", "KirvoBitmap")]
     run("mcs", "-langversion:4", "-warnaserror", "-target:library", "-r:System.Drawing",
@@ -185,6 +212,8 @@ def check_pascal(folder):
     pascal = SOURCE / "bindings/pascal"
     run("fpc", f"-Fl{FOLDER}", f"-FE{folder}", f"-Fu{pascal}", SOURCE / "tests/layers/PascalLayer.dpr")
     run(folder / "PascalLayer", folder)
+    check_every_effect(folder, "pascal", lambda place: (
+        "fpc", f"-Fl{FOLDER}", f"-FE{place}", f"-Fu{pascal}", place / "Every.dpr"), lambda place: (place / "Every",))
     need("lazbuild", "lcl-utils")
     need("Xvfb", "xvfb")
     project = folder / "project"

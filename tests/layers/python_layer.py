@@ -207,6 +207,12 @@ class Files(unittest.TestCase):
         self.assertEqual((seen[0], seen[-1]), (0, 100))
         self.assertEqual(seen, sorted(set(seen)))
 
+        for kind in ("jpg", "png"):
+            seen.clear()
+            with kirvo.progress(seen.append):
+                image.to_bytes(kind)
+            self.assertEqual(seen[-1], 100)
+
         def preview(percent):
             seen.append(percent)
             image.crop(0, 0, 9, 9).blur() # of which nothing is reported

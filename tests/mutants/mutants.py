@@ -2,7 +2,9 @@
 """Changes one thing in the source at a time and looks whether a test fails: mutants.py PATH COUNT SEED
 
 Works on a copy of the tree in build/mutants, one for each room (the object layers share theirs), with
-a build of its own, so that two rooms can be at work side by side. Which changes are made, and in which order,
+a build of its own, so that two rooms can be at work side by side; ccache spares them most of each
+other's compiling. What script/bindings writes is changed where it was written to: the templates have
+the same lines, and that both agree is a test of its own, left out here. Which changes are made, and in which order,
 depends on the path and the seed alone; what became of each is kept beside the copy in results.json,
 and a change that a test has noticed is not made again. One that none has noticed is a survivor, but
 for those that tests/mutants/harmless.txt names with the reason why they change nothing. Ends with 1
@@ -35,7 +37,6 @@ LIBRARY = ("kirvo_kernel_tests kirvo_internal_simd_tests kirvo_internal_image_te
            "kirvo_jpeg_tests kirvo_formats_tests kirvo_interface_tests kirvo_safety_tests")
 BINDINGS = "kirvo kirvo_files kirvo_tool"
 LAYERS = f"ctest: kirvo_layer_(depths|effects): {BINDINGS}"
-CURRENT = f"ctest: kirvo_bindings_current: {BINDINGS}"  # as the description of the interface has it
 
 
 class Suite:
@@ -71,25 +72,28 @@ SUITES = (
           "run: python3 ../../tests/tool/workers.py ./kirvo Workers: kirvo_tool"),
     Suite("viewer", "win32", "kirvo_viewer_tests-Viewer*", "kirvo_viewer_tests-*Hostile*:*World*"),
     Suite("bindings/python", "native", LAYERS,
-          f"ctest: kirvo_layer_python|bindings_python: {BINDINGS}", CURRENT),
+          f"ctest: kirvo_layer_(python|basic)|bindings_python|kirvo_world_python: {BINDINGS}"),
     Suite("bindings/csharp", "native", LAYERS,
-          f"ctest: kirvo_layer_csharp|bindings_csharp: {BINDINGS}", CURRENT),
+          f"ctest: kirvo_layer_csharp|bindings_csharp|kirvo_world_csharp: {BINDINGS}"),
     Suite("bindings/pascal", "native", LAYERS,
-          f"ctest: kirvo_layer_pascal|bindings_pascal: {BINDINGS}", CURRENT),
+          f"ctest: kirvo_layer_pascal|bindings_pascal|kirvo_world_pascal: {BINDINGS}"),
     Suite("bindings/vb", "native", LAYERS,
-          f"ctest: bindings_basic: {BINDINGS}", CURRENT),
-    Suite("include", "native", LAYERS, f"ctest: kirvo_layer_cpp: {BINDINGS}", CURRENT),
+          f"ctest: kirvo_layer_basic|bindings_basic|kirvo_world_vb: {BINDINGS}"),
+    Suite("bindings/javascript", "wasm", "ctest: kirvo_javascript_(layer|types): kirvo_package",
+          "ctest: kirvo_javascript_node: kirvo_package"),
+    Suite("include", "native", LAYERS, f"ctest: kirvo_layer_cpp|kirvo_world_cpp: {BINDINGS}"),
 )
-ENDINGS = (".cpp", ".hpp", ".py", ".cs", ".pas", ".cls", ".bas")
+ENDINGS = (".cpp", ".hpp", ".py", ".cs", ".pas", ".cls", ".bas", ".js")
 
 # What a build does not have, and what paints the sample pictures, where nothing is right or wrong.
 ELSEWHERE = {"native": re.compile("_win32$|/windows/|/tools/sample/"),
-             "win32": re.compile("_posix$|/codecs/|/tools/sample/")}
+             "win32": re.compile("_posix$|/codecs/|/tools/sample/"), "wasm": re.compile("^$")}
 
 # What is changed into what. Spaces tell operators from templates and pointers.
 CHANGES = [(re.compile(pattern), replacements) for pattern, replacements in (
     (r"(?<= )<(?= )", ["<="]), (r"(?<= )<=(?= )", ["<"]),
     (r"(?<= )>(?= )", [">="]), (r"(?<= )>=(?= )", [">"]),
+    (r"(?<= )===(?= )", ["!=="]), (r"(?<= )!==(?= )", ["==="]),
     (r"(?<= )==(?= )", ["!="]), (r"(?<= )!=(?= )", ["=="]), (r"(?<= )<>(?= )", ["="]),
     (r"(?<= )&&(?= )", ["||"]), (r"(?<= )\|\|(?= )", ["&&"]),
     (r"(?<= )and(?= )", ["or"]), (r"(?<= )or(?= )", ["and"]),
@@ -106,6 +110,7 @@ NO_CODE = re.compile(r"\s*(//|#|\*|static_assert|template|using |namespace |impo
 # Comments and texts, which are no code, by the ending of a file.
 TEXT = r"\"(?:\\.|[^\"\\\n])*\"|'(?:\\.|[^'\\\n])*'"
 NOT_CODE = {ending: re.compile(pattern, re.DOTALL) for ending, pattern in {
+    ".js": rf"`[^`]*`|/\*.*?\*/|//[^\n]*|{TEXT}",
     ".py": rf"\"\"\".*?\"\"\"|{TEXT}|\#[^\n]*",
     ".pas": r"\{.*?\}|\(\*.*?\*\)|'[^'\n]*'|//[^\n]*",
     ".cls": r"\"[^\"\n]*\"|'[^\n]*|^(?:VERSION|BEGIN|END|Attribute|  MultiUse)[^\n]*",
@@ -164,16 +169,25 @@ def programs_of(stage):
 
 
 def command_of(suite, program, but):
-    emulated = suite.preset != "native"
+    emulated = suite.preset == "win32"
     return [*([suite.tree / "script/wine", "32"] if emulated else []),
             suite.build / (program + (".exe" if emulated else "")), "--gtest_brief=1",
             "--gtest_fail_fast", f"--gtest_filter=-{but}"]
 
 
-def fails(suite, command):
-    """Twice in a row: a machine with much to do may be late once."""
-    emulated = suite.preset != "native"
-    return all(run(suite, command, emulated) is not None for _ in range(2))
+def fails(suite, command, again):
+    """Twice in a row, the second time what has failed: a machine with much to do may be late once."""
+    emulated = suite.preset == "win32"
+    failure = run(suite, command, emulated)
+    return failure is not None and run(suite, again(failure), emulated) is not None
+
+
+def failed_only(command):
+    """The same program with the test that its output names as failed; all of it where none is named."""
+    def again(output):
+        names = re.findall(r"^\[  FAILED  \] ([\w/]+\.[\w/]+)", output, re.MULTILINE)
+        return [*command[:-1], f"--gtest_filter={names[0]}"] if names else command
+    return again
 
 
 def failing_test(suite, stage, expected):
@@ -184,15 +198,19 @@ def failing_test(suite, stage, expected):
         if not built(suite, targets.split()):
             return "the compiler"
         command = ["ctest", "--stop-on-failure", "-R", what] if how == "ctest" else what.split()
-        return what if fails(suite, command) else None
+        again = ["ctest", "--rerun-failed"] if how == "ctest" else command
+        return what if fails(suite, command, lambda _: again) else None
     if not built(suite, [program for program, _ in programs_of(stage)]):
         return "the compiler"
     changed = [(program, but) for program, but in programs_of(stage)
                if digest_of(suite, program) != expected.get(program)]
     if not changed and stage == suite.stages[0]:
         return "the same programs"
-    return next((program for program, but in changed
-                 if fails(suite, command_of(suite, program, but))), None)
+    for program, but in changed:
+        command = command_of(suite, program, but)
+        if fails(suite, command, failed_only(command)):
+            return program
+    return None
 
 
 def digest_of(suite, program):
@@ -227,9 +245,17 @@ def copy_tree(suite):
             copy.parent.mkdir(parents=True, exist_ok=True)
             copy.write_bytes(source.read_bytes())
             copy.chmod(source.stat().st_mode)
-    if not (suite.build / "build.ninja").exists():
+    if suite.preset == "wasm":  # held against the native library
+        configure(suite, "native")
+        if run(suite, ["cmake", "--build", suite.tree / "build/native", "--target", "kirvo"]) is not None:
+            sys.exit("the native library cannot be built")
+    configure(suite, suite.preset)
+
+
+def configure(suite, preset):
+    if not (suite.tree / "build" / preset / "build.ninja").exists():
         print("configuring", flush=True)
-        if run(suite, ["cmake", "-S", suite.tree, "--preset", suite.preset]) is not None:
+        if run(suite, ["cmake", "-S", suite.tree, "--preset", preset]) is not None:
             sys.exit("the copy cannot be configured")
 
 

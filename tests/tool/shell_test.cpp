@@ -215,6 +215,19 @@ TEST(Shell, StandardStreamsNeedAFormatAndKeepTextAway) {
     EXPECT_TRUE(contains(junk.text, "standard input: not a picture")) << junk.text;
 }
 
+#ifndef _WIN32
+TEST(Shell, WordsThatAreLostAreAFailure) {
+    const Folder folder;
+    for (const std::string& words :
+         {"info " + folder.file("a.bmp"), "info --json " + folder.file("a.bmp"),
+          std::string("effects"), std::string("--version")}) {
+        const int code =
+            run_command(std::string(program) + " " + words + " >/dev/full 2>/dev/null");
+        EXPECT_EQ(code, 1) << words;
+    }
+}
+#endif
+
 TEST(Shell, QuietSaysNothingButErrors) {
     const Folder folder;
     const Outcome good = kirvo("--quiet convert " + folder.file("a.bmp") + " " +

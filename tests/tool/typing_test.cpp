@@ -162,6 +162,13 @@ TEST(Typing, MistakesAreToldBeforeAFileIsOpened) {
         EXPECT_TRUE(contains(run.text, told)) << typed << "\n" << run.text;
         EXPECT_FALSE(contains(run.text, "missing.bmp")) << run.text;
     }
+    EXPECT_TRUE(
+        contains(kirvo("convert a.bmp -o x -o y").text, "--output is given more than once"));
+    for (const char* line : {"turn 90 -", "turn 90 - b.jpg", "turn 90 a.jpg -"}) {
+        const Outcome stream = kirvo(line);
+        EXPECT_EQ(stream.code, 2) << line;
+        EXPECT_TRUE(contains(stream.text, "works on files, not on standard input")) << stream.text;
+    }
     EXPECT_TRUE(contains(kirvo("convrt a b").text, "did you mean convert?"));
     EXPECT_TRUE(contains(kirvo("effects blurr").text, "did you mean blur?"));
     const Outcome unknown = kirvo("help convrt");
@@ -190,6 +197,15 @@ TEST(Typing, OutputsAreNamedByFoldersPatternsAndSuffixes) {
     EXPECT_TRUE(p.has("there/a.bmp") && p.has("there/b.bmp"));
     EXPECT_EQ(kirvo("convert " + both + p.file("new/") + " --to tga").code, 0);
     EXPECT_TRUE(p.has("new/a.tga") && p.has("new/b.tga"));
+    EXPECT_EQ(kirvo("convert " + both + p.file("made")).code, 0);
+    EXPECT_TRUE(p.has("made/a.bmp") && p.has("made/b.bmp"));
+    std::filesystem::copy(p.file("a.bmp"), p.file("bare"));
+    const Outcome bare = kirvo("convert " + p.file("bare") + " -o " + p.file("bares"));
+    EXPECT_EQ(bare.code, 2);
+    EXPECT_EQ(kirvo("convert " + p.file("bare") + " --in-place --rotate 90").code, 0);
+    EXPECT_EQ(size_of(p.file("bare")), "30x40");
+    EXPECT_TRUE(contains(bare.text, "bare has no extension: name the format with --to"))
+        << bare.text;
     EXPECT_EQ(
         kirvo("convert " + both + "-o " + p.file("{name}_{width}x{height}.tga") + " --resize 20x")
             .code,
@@ -206,6 +222,24 @@ TEST(Typing, OutputsAreNamedByFoldersPatternsAndSuffixes) {
         EXPECT_EQ(kirvo("convert " + p.file("a.bmp") + " " + name).code, 0) << ending;
         EXPECT_EQ(kirvo("info " + name).code, 0) << ending;
     }
+}
+
+TEST(Typing, ATurnedFileIsNamedAsWhatItIs) {
+    const Pictures p;
+    ASSERT_EQ(kirvo("convert " + p.file("a.bmp") + " " + p.file("a.jpg")).code, 0);
+    const Outcome png = kirvo("turn 90 " + p.file("a.jpg") + " " + p.file("a.png"));
+    EXPECT_EQ(png.code, 1);
+    EXPECT_TRUE(contains(png.text, "a.png: what was turned is a JPEG: name it .jpg")) << png.text;
+    EXPECT_FALSE(p.has("a.png"));
+    const Outcome sizes =
+        kirvo("turn 90 " + p.file("a.jpg") + " -o " + p.file("{name}_{width}.jpg"));
+    EXPECT_EQ(sizes.code, 2);
+    EXPECT_TRUE(contains(sizes.text, "are not known before a turn")) << sizes.text;
+    EXPECT_EQ(kirvo("turn 90 " + p.file("a.jpg") + " -o " + p.file("{name}_{number}.jpg")).code, 0);
+    EXPECT_TRUE(p.has("a_1.jpg"));
+    const Outcome grey = kirvo("convert " + p.file("a.jpg") + " " + p.file("g.png") + " --grey");
+    EXPECT_EQ(grey.code, 2);
+    EXPECT_TRUE(contains(grey.text, "--grey: only JPEG files are written so")) << grey.text;
 }
 
 TEST(Typing, FoldersAreSearchedOnRequest) {

@@ -151,6 +151,34 @@ class Workers(unittest.TestCase):
         code, alive, parts = self.end_by(lambda child: child.send_signal(signal.SIGINT))
         self.assertEqual((code, alive, parts), (-signal.SIGINT, [], []))
 
+    def test_an_interrupted_program_waits_until_its_workers_have_ended(self):
+        """With a system that takes its time to kill: a byte in `killed` comes before each kill."""
+        (self.top / "slow.c").write_text("""
+            #include <fcntl.h>
+            #include <signal.h>
+            #include <stdlib.h>
+            #include <sys/syscall.h>
+            #include <unistd.h>
+            int kill(pid_t process, int signal) {
+                if (_Fork() == 0) {
+                    usleep(500000);
+                    int killed = open(getenv("KILLED"), O_WRONLY | O_CREAT | O_APPEND, 0600);
+                    (void)!write(killed, "k", 1);
+                    syscall(SYS_kill, process, signal);
+                    _exit(0);
+                }
+                return 0;
+            }""")
+        slow, killed = self.top / "slow.so", self.top / "killed"
+        subprocess.run(["cc", "-D_GNU_SOURCE", "-shared", "-fPIC", slow.with_suffix(".c"), "-o", slow], check=True)
+        child = subprocess.Popen(self.long_work("-o", self.top / "out", "-j2"), stderr=subprocess.DEVNULL,
+                                 env={**os.environ, "LD_PRELOAD": str(slow), "KILLED": str(killed)})
+        self.assertTrue(wait_for(lambda: len(children(child.pid)) == 2))
+        time.sleep(0.3)
+        child.send_signal(signal.SIGINT)
+        self.assertEqual(child.wait(20), -signal.SIGINT)
+        self.assertEqual(killed.read_text() if killed.exists() else "", "kk")
+
     def test_workers_end_with_the_program_that_started_them(self):
         workers = []
 

@@ -1,6 +1,5 @@
 #!/usr/bin/env python3
 """The viewer as it was linked: check.py OBJDUMP KirvoView.exe"""
-import os
 import re
 import subprocess
 import sys
@@ -11,7 +10,12 @@ OWN = {"kirvo.dll", "kirvofiles.dll"}
 # What a program might want of systems after Windows 7: such functions are looked for at run time.
 NEWER = re.compile(r"ForDpi|DpiFor|ProcessDpi|ThreadDpi|PathCch|GetPackage|CreateFile2|"
                    r"PointerInfo|SystemTimePrecise|WaitOnAddress|RoInitialize|SetThreadDescription")
-LIMIT = 600 * 1024
+# What it does not do: write into the registry, or into the settings that all programs share.
+FOREIGN = re.compile(r"Reg(Set|Create|Delete|Replace|Restore|Load)|SHRegSet|SHSetValue|WriteProfile")
+# What its manifest tells the system: names in UTF-8, its own dots an inch, controls that are not those
+# of the oldest systems.
+MANIFEST = (b"<activeCodePage", b"PerMonitorV2", b"Microsoft.Windows.Common-Controls", b"asInvoker")
+LIMIT = 600 * 1000
 
 
 def main(objdump, program):
@@ -29,12 +33,18 @@ def main(objdump, program):
     newer = [name for name in functions if NEWER.search(name)]
     if newer:
         wrong.append(f"imports functions that Windows 7 does not have: {newer}")
+    foreign = [name for name in functions if FOREIGN.search(name)]
+    if foreign:
+        wrong.append(f"imports functions that write elsewhere: {foreign}")
     version = [int(re.search(rf"{part}SubsystemVersion\s+(\d+)", headers)[1])
                for part in ("Major", "Minor")]
     if version > [6, 1]:
         wrong.append(f"wants Windows {version}")
-    if os.path.getsize(program) >= LIMIT:
-        wrong.append(f"has {os.path.getsize(program)} bytes")
+    with open(program, "rb") as file:
+        content = file.read()
+    wrong += [f"has no {part.decode()} in its manifest" for part in MANIFEST if part not in content]
+    if len(content) >= LIMIT:
+        wrong.append(f"has {len(content)} bytes")
     sys.exit("\n".join(wrong) or 0)
 
 

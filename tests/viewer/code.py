@@ -1,14 +1,16 @@
 #!/usr/bin/env python3
 """What the viewer shows as code, built and run: code.py LANGUAGE build/<preset>/interface.json PROGRAM
 
-PROGRAM writes the code of every effect. In C, C#, Pascal and Python it is compiled as it is and run;
-its picture is the one that the effect itself has made. Visual Basic is held against its declarations.
+PROGRAM writes the code of every effect. In C, C#, Pascal and Python it is compiled as it is and run,
+and the command line is run by the tool; its picture is the one that the effect itself has made. Visual
+Basic is held against its declarations.
 A check whose compiler is missing is skipped (exit code 77).
 """
 import json
 import os
 import pathlib
 import re
+import shlex
 import shutil
 import subprocess
 import sys
@@ -43,7 +45,7 @@ def snippets(folder, extension):
     """Name, code, and the variable of its result."""
     found = []
     for path in sorted(folder.glob("*." + extension)):
-        if path.stem.startswith("all") or path.stem == "one":
+        if path.stem.startswith("all"):
             continue  # what was made of them
         code = path.read_text()
         found.append((path.stem, code, re.search(r"the result is (\w+)", code)[1]))
@@ -151,14 +153,30 @@ end.
 
 
 def as_python(folder):
+    text = "import sys\nimport kirvo\nfrom ctypes import byref, c_void_p\nfrom kirvo import flat_files\n\n"
+    cases = ""
     for name, code, result in snippets(folder, "py"):
-        text = "import kirvo\nfrom ctypes import byref, c_void_p\nfrom kirvo import flat_files\n" \
-               "opened = c_void_p()\n" \
-               "flat_files.check(flat_files.KirvoFilesOpen('picture.bmp', None, byref(opened), None))\n" \
-               f"dib = opened.value\n\n{code}\n" \
-               f"flat_files.check(flat_files.KirvoFilesSave('{name}-py.bmp', {result}, None, None, None))\n"
-        (folder / "one.py").write_text(text)
-        run(sys.executable, "one.py", folder=folder)
+        text += f"def {function(name)}(dib):\n{indented(code, 4)}    return {result}\n\n"
+        cases += f"    {name!r}: {function(name)},\n"
+    text += f"""cases = {{
+{cases}}}
+for name in sys.argv[1:]:
+    opened = c_void_p()
+    flat_files.check(flat_files.KirvoFilesOpen('picture.bmp', None, byref(opened), None))
+    result = cases[name](opened.value)
+    flat_files.check(flat_files.KirvoFilesSave(name + '-py.bmp', result, None, None, None))
+"""
+    (folder / "all.py").write_text(text)
+    run(sys.executable, "all.py", *(name for name, _, _ in snippets(folder, "py")), folder=folder)
+
+
+def as_line(folder):
+    lines = sorted(folder.glob("*.line"))
+    assert len(lines) > 60
+    for path in lines:
+        tool, *words = shlex.split(path.read_text())
+        assert tool == "kirvo"
+        run(BUILD / tool, "--quiet", *words, folder=folder)
 
 
 def as_basic(folder):
@@ -206,10 +224,12 @@ def main():
         globals()["as_" + language](folder)
         if language == "basic":
             return
-        extension = {"c": "c", "csharp": "cs", "pascal": "pas", "python": "py"}[language]
-        for name, _, _ in snippets(folder, extension):
-            made = folder / f"{name}-{extension}.bmp"
-            assert made.read_bytes() == expected[name], f"{name}: another picture"
+        assert len(expected) > 60
+        extension = {"c": "c", "csharp": "cs", "pascal": "pas", "python": "py", "line": "line"}[language]
+        for name in expected.keys() - {"picture", "it's an other"}:
+            if (folder / f"{name}.{extension}").exists():  # none of a part of a picture as a line
+                made = folder / f"{name}-{extension}.bmp"
+                assert made.read_bytes() == expected[name], f"{name}: another picture"
 
 
 main()

@@ -1,7 +1,9 @@
 #include "driver.hpp"
 
 #include "../../viewer/commands.hpp"
+#include "../../viewer/text.hpp"
 
+#include <commctrl.h>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -15,8 +17,9 @@ namespace {
 
 constexpr int patience = 30000; // milliseconds, on a machine that has other work
 
-std::string file_text(const std::string& name) {
+std::string file_text(const std::string& name, size_t from = 0) {
     std::ifstream file(name, std::ios::binary);
+    file.seekg(static_cast<std::streamoff>(from));
     std::ostringstream text;
     text << file.rdbuf();
     return text.str();
@@ -64,15 +67,17 @@ Viewer::Viewer(const std::string& picture, const std::string& settings) {
     for (const char* name : {"KirvoView.exe", "Kirvo.dll", "KirvoFiles.dll"})
         std::filesystem::copy_file(name, folder_.path(name),
                                    std::filesystem::copy_options::overwrite_existing);
-    folder_.write("KirvoView.ini", "[KirvoView]\r\n" + settings);
+    if (settings != in_app_data)
+        folder_.write("KirvoView.ini", "[KirvoView]\r\n" + settings);
     std::string line =
         "\"" + folder_.path("KirvoView.exe") + "\" --trace \"" + folder_.path("log.txt") + "\"";
     if (!picture.empty())
         line += " \"" + picture + "\"";
-    STARTUPINFOA startup = {};
+    STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
-    CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                   &process_);
+    std::wstring wide_line = wide(line);
+    CreateProcessW(nullptr, wide_line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                   &startup, &process_);
     EXPECT_TRUE(wait_for("window shown"));
     EXPECT_TRUE(eventually([&] {
         window_ = window_of(process_.dwProcessId, "KirvoView", "");
@@ -117,18 +122,19 @@ void Viewer::send(HWND window, UINT message, WPARAM wparam, const RECT& rectangl
 }
 
 void Viewer::drop(const std::string& name) const {
-    std::vector<char> block(sizeof(DROPFILES));
-    const DROPFILES head = {sizeof head, {}, FALSE, FALSE};
+    const std::wstring wide_name = wide(name);
+    std::vector<char> block(sizeof(DROPFILES) +
+                            (wide_name.size() + 2) * sizeof(wchar_t)); // two ends
+    const DROPFILES head = {sizeof head, {}, FALSE, TRUE};
     std::memcpy(block.data(), &head, sizeof head);
-    block.insert(block.end(), name.begin(), name.end());
-    block.resize(block.size() + 2); // the name's end, and the list's
+    std::memcpy(&block[sizeof head], wide_name.data(), wide_name.size() * sizeof(wchar_t));
     void* there = VirtualAllocEx(process_.hProcess, nullptr, block.size(), MEM_COMMIT | MEM_RESERVE,
                                  PAGE_READWRITE);
     WriteProcessMemory(process_.hProcess, there, block.data(), block.size(), nullptr);
     PostMessageA(window_, WM_DROPFILES, reinterpret_cast<WPARAM>(there), 0);
 }
 
-std::string Viewer::log() const { return file_text(folder_.path("log.txt")); }
+std::string Viewer::log(size_t from) const { return file_text(folder_.path("log.txt"), from); }
 
 int Viewer::effect(const std::string& option) const {
     const std::string text = log();
@@ -146,14 +152,14 @@ int Viewer::effect_count() const {
 }
 
 bool Viewer::wrote(const std::string& words) {
-    const std::string text = log();
-    const size_t at = text.find(words, seen_);
+    const std::string text = log(seen_);
+    const size_t at = text.find(words);
     const size_t end = at == std::string::npos ? at : text.find('\n', at);
     if (end == std::string::npos)
         return false;
     const size_t start = text.rfind('\n', at) + 1; // 0 where there is none
     line_ = text.substr(start, end - start);
-    seen_ = end;
+    seen_ += end;
     return true;
 }
 
@@ -187,6 +193,48 @@ bool Viewer::ends() {
     return WaitForSingleObject(process_.hProcess, patience) == WAIT_OBJECT_0;
 }
 
+bool Viewer::has_ended() const {
+    return WaitForSingleObject(process_.hProcess, patience) == WAIT_OBJECT_0;
+}
+
+void Viewer::to_front() const {
+    EXPECT_TRUE(eventually([&] {
+        return (GetForegroundWindow() == window_ && focus() == window_) ||
+               (SetForegroundWindow(window_), false);
+    }));
+}
+
+GUITHREADINFO Viewer::thread() const {
+    GUITHREADINFO info = {};
+    info.cbSize = sizeof info;
+    GetGUIThreadInfo(GetWindowThreadProcessId(window_, nullptr), &info);
+    return info;
+}
+
+HWND Viewer::focus() const { return thread().hwndFocus; }
+
+bool Viewer::in_menu() const { return (thread().flags & GUI_INMENUMODE) != 0; }
+
+HWND Viewer::popup(const std::string& window_class, const std::string& title) const {
+    return window_of(process_.dwProcessId, window_class, title);
+}
+
+HWND Viewer::code() const {
+    HWND edit = FindWindowExA(window_, nullptr, "Edit", nullptr);
+    return IsWindowVisible(edit) ? edit : nullptr;
+}
+
+std::string Viewer::status(int part) const {
+    HWND bar = FindWindowExA(window_, nullptr, "msctls_statusbar32", nullptr);
+    char text[512] = {};
+    void* there = VirtualAllocEx(process_.hProcess, nullptr, sizeof text, MEM_COMMIT | MEM_RESERVE,
+                                 PAGE_READWRITE);
+    SendMessageA(bar, SB_GETTEXTA, static_cast<WPARAM>(part), reinterpret_cast<LPARAM>(there));
+    ReadProcessMemory(process_.hProcess, there, text, sizeof text - 1, nullptr);
+    VirtualFreeEx(process_.hProcess, there, 0, MEM_RELEASE);
+    return text;
+}
+
 std::string Viewer::settings() const { return file_text(folder_.path("KirvoView.ini")); }
 
 std::vector<uint8_t> Viewer::copied() {
@@ -210,6 +258,17 @@ std::vector<uint8_t> clipboard_picture() {
         bytes = picture_bytes(block);
     CloseClipboard();
     return bytes;
+}
+
+void press(const std::vector<WORD>& keys) {
+    std::vector<INPUT> inputs(keys.size() * 2);
+    for (size_t i = 0; i < keys.size(); ++i) {
+        inputs[i].type = INPUT_KEYBOARD;
+        inputs[i].ki.wVk = keys[i];
+        inputs[inputs.size() - 1 - i] = inputs[i];
+        inputs[inputs.size() - 1 - i].ki.dwFlags = KEYEVENTF_KEYUP;
+    }
+    SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
 }
 
 void set_text(HWND control, const std::string& text) {

@@ -12,7 +12,9 @@ namespace kirvo_test {
 
 class Viewer {
   public:
-    // With its settings in a folder of its own.
+    static constexpr char in_app_data[] =
+        "in %APPDATA%"; // settings that lie not beside the program
+    // Names are in UTF-8. With its settings in a folder of its own.
     explicit Viewer(const std::string& picture = "", const std::string& settings = "");
     ~Viewer();
     Viewer(const Viewer&) = delete;
@@ -37,14 +39,25 @@ class Viewer {
     HWND dialog_now() const;                          // any that is open
     bool gone(HWND dialog) const;                     // false when it stays
     std::string title() const;
-    bool ends(); // closes the window; false when the program goes on
+    bool ends();            // closes the window; false when the program goes on
+    bool has_ended() const; // by itself
+
+    // For keys that are pressed: the window has the focus; which has it now.
+    void to_front() const;
+    HWND focus() const;
+    bool in_menu() const;
+    HWND popup(const std::string& window_class,
+               const std::string& title = "") const; // that is seen
+    HWND code() const;                               // null where it is not shown
+    std::string status(int part) const;
 
     std::vector<uint8_t> copied(); // the picture, by the clipboard
     std::string settings() const;
     const TempFolder& folder() const { return folder_; }
 
   private:
-    std::string log() const;
+    GUITHREADINFO thread() const;
+    std::string log(size_t from = 0) const;
 
     TempFolder folder_;
     PROCESS_INFORMATION process_ = {};
@@ -59,6 +72,8 @@ std::vector<uint8_t> clipboard_picture();
 std::string clipboard_text();
 void put_on_clipboard(UINT format, const std::vector<uint8_t>& bytes);
 
+// Keys held down together, then let go, of the keyboard.
+void press(const std::vector<WORD>& keys);
 // Typed into a control.
 void set_text(HWND control, const std::string& text);
 // A file of the picture.

@@ -225,6 +225,21 @@ TEST(ViewerLooks, GrowsOnAScreenOfMoreDots) {
     EXPECT_TRUE(viewer.ends());
 }
 
+TEST(ViewerLooks, BeginsOnAScreenOfMoreDots) {
+    TempFolder folder;
+    const std::string picture = small_picture(folder);
+    int usual = 0;
+    for (const DWORD dots : {96, 144, 192}) {
+        SCOPED_TRACE(dots);
+        const Setting setting("Control Panel\\Desktop", "LogPixels", REG_DWORD, &dots, sizeof dots);
+        Viewer viewer(picture);
+        usual = dots == 96 ? height_of(status_of(viewer)) : usual;
+        EXPECT_NEAR(height_of(status_of(viewer)), usual * static_cast<int>(dots) / 96, 4);
+        expect_dialogs_have_room(viewer, dots / 96.0);
+        EXPECT_TRUE(viewer.ends());
+    }
+}
+
 TEST(ViewerLooks, TakesTheColoursOfHighContrastBeforeItsOwn) {
     TempFolder folder;
     const std::string picture = small_picture(folder);

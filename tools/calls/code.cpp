@@ -125,10 +125,8 @@ std::string code_of(Language language, const std::vector<Step>& steps) {
     return steps.empty() ? "" : Writer(language).text(steps);
 }
 
-std::string command_line_of(const std::vector<Step>& steps, const std::string& in) {
-    const size_t dot = in.find_last_of('.');
-    std::string out = in;
-    out.insert(dot == std::string::npos ? in.size() : dot, "-changed");
+std::string command_line_of(const std::vector<Step>& steps, const std::string& in,
+                            const std::string& out) {
     std::string line = "kirvo convert " + shell_word(in) + " " + shell_word(out);
     for (const Step& step : steps) {
         if (step.place)

@@ -12,6 +12,7 @@ const char* language_name(Language language);
 // The calls of the steps in their order; empty without steps.
 std::string code_of(Language language, const std::vector<Step>& steps);
 
-// The tool's options for the steps. Throws Failure for a step on a part of the picture, which the
-// tool does not have.
-std::string command_line_of(const std::vector<Step>& steps, const std::string& in);
+// The tool called for the steps. Throws Failure for a step on a part of the picture, which the tool
+// does not have.
+std::string command_line_of(const std::vector<Step>& steps, const std::string& in,
+                            const std::string& out);

@@ -160,15 +160,20 @@ void turn(const Conversion& conversion, const Job& job, Outcome& outcome) {
     const uint32_t flags = conversion.writing.strip ? KIRVO_FILES_STRIP : 0;
     make_folder_of(job, job.output);
     Output output(job.output, job.in_place || settings.force);
+    const std::string passing = output.passing_name();
     Known known;
     int32_t status = 0;
     {
         const Uninterrupted now; // its own passing file would stay
-        status = KirvoFilesTurn(job.input.c_str(), output.passing_name().c_str(),
-                                conversion.turning->way, conversion.turning->edges, flags,
-                                known.receiver());
+        status = KirvoFilesTurn(job.input.c_str(), passing.c_str(), conversion.turning->way,
+                                conversion.turning->edges, flags, known.receiver());
     }
+    const std::string reason = known.text(KIRVO_FILES_TEXT_REASON);
+    if (reason.starts_with(passing + ": ")) // a name that nobody knows
+        throw Failure(job.output, reason.substr(passing.size() + 2), status);
     expect(status, known, job.input);
+    if (!job.in_place && format_for(job.output, "") != KIRVO_FILES_JPEG)
+        throw Failure(job.output, "what was turned is a JPEG: name it .jpg");
     output.complete();
     const KirvoFilesDescription turned = known.description();
     outcome.record["output"] = job.output;

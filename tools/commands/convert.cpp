@@ -101,8 +101,13 @@ void check(const Conversion& conversion, const std::vector<Job>& jobs) {
         throw UsageError("--mask saves one mask: convert the pictures one by one");
     for (const Job& job : jobs) {
         const Format format = format_for(job.output, conversion.writing.to);
-        if (conversion.writing.largest && format != KIRVO_FILES_JPEG && format != KIRVO_FILES_WEBP)
+        const bool is_jpeg = format == KIRVO_FILES_JPEG;
+        if (conversion.writing.largest && !is_jpeg && format != KIRVO_FILES_WEBP)
             throw UsageError(job.output + ": --size: only JPEG and WebP files are made to a size");
+        if (conversion.writing.grey && !is_jpeg)
+            throw UsageError(job.output + ": --grey: only JPEG files are written so");
+        if (conversion.turning && job.is_pattern)
+            throw UsageError(job.output + ": {width} and {height} are not known before a turn");
     }
 }
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-struct Everything {
+struct ConvertOptions {
     Conversion conversion;
     Operands operands;
     Run run;
@@ -102,7 +102,7 @@ void add_writing(Command* command, Conversion& c) {
 } // namespace
 
 void add_convert(Command& program, bool& good) {
-    static Everything all;
+    static ConvertOptions all;
     Command* command =
         program.add("convert", "Reads pictures, applies effects, writes the results");
     command->usage = {"[options] INPUT OUTPUT", "[options] INPUT... DIR",
@@ -121,7 +121,8 @@ void add_convert(Command& program, bool& good) {
         written_formats(", .") +
         ". - is standard input or output. An output that exists is replaced with --force only. A "
         "damaged picture is written with --keep-going only, and never replaces a file.";
-    add_operands(command, all.operands, "Pictures to read, and the one to write");
+    add_operands(command, all.operands, "Pictures to read, and the one to write",
+                 ", {width}, {height}");
     command->add_flag("--in-place", all.operands.in_place, "Replace the inputs");
     add_run(command, all.run);
     add_writing(command, all.conversion);

@@ -10,12 +10,12 @@
 
 namespace {
 
-struct Wanted {
+struct InfoOptions {
     std::vector<std::string> names;
     bool recursive = false, tables = false;
 };
 
-bool print_info(const Wanted& wanted) {
+bool print_info(const InfoOptions& wanted) {
     Json all = Json::array();
     bool good = true;
     for (const Found& input : inputs_of(wanted.names, wanted.recursive)) {
@@ -39,7 +39,7 @@ bool print_info(const Wanted& wanted) {
 } // namespace
 
 void add_info(Command& program, bool& good) {
-    static Wanted wanted;
+    static InfoOptions wanted;
     Command* command = program.add("info", "Describes picture files");
     command->usage = {"[options] FILE..."};
     command->examples = {"kirvo info photo.jpg icon.ico", "kirvo info -r photos --json",

@@ -7,7 +7,7 @@
 
 namespace {
 
-struct Wanted {
+struct MakeOptions {
     std::string size, output, to, colours;
     bool vertical = false;
 };
@@ -20,7 +20,7 @@ std::vector<uint32_t> colours_of(const std::string& list) {
     return colours;
 }
 
-Image picture_of(const Wanted& wanted, const std::vector<uint32_t>& c, bool gradient) {
+Image picture_of(const MakeOptions& wanted, const std::vector<uint32_t>& c, bool gradient) {
     const Size size = parse_size(wanted.size);
     if (size.width == 0 || size.height == 0)
         throw UsageError("'" + wanted.size + "': the size of a new picture is written 640x480");
@@ -36,7 +36,7 @@ Image picture_of(const Wanted& wanted, const std::vector<uint32_t>& c, bool grad
     return make_gradient(size.width, size.height, {c[0], c[1], c[2], c[3]});
 }
 
-void make(const Wanted& wanted, bool gradient) {
+void make(const MakeOptions& wanted, bool gradient) {
     WriteOptions options;
     options.to = wanted.to;
     check_writable(wanted.output, wanted.to);
@@ -66,7 +66,7 @@ Image make_gradient(int32_t width, int32_t height, const uint32_t (&corners)[4])
 }
 
 void add_make(Command& program) {
-    static Wanted wanted;
+    static MakeOptions wanted;
     Command* command = program.add("make", "Makes a picture of one colour or a gradient");
     command->require_subcommand(1);
     command->usage = {"KIND SIZE OUTPUT --colour COLOUR..."};

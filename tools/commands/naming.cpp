@@ -28,9 +28,10 @@ bool ends_with_place(const Operands& operands) {
     if (operands.names.size() < 2)
         return false;
     const std::string& last = operands.names.back();
+    const bool several =
+        operands.names.size() > 2 || (operands.recursive && is_folder(operands.names.front()));
     return is_folder(last) || is_pattern(last) ||
-           (operands.recursive && is_folder(operands.names.front()) && !is_there(last) &&
-            extension(last).empty());
+           (several && last != "-" && !is_there(last) && extension(last).empty());
 }
 
 std::string stem(const std::string& input) {
@@ -90,8 +91,9 @@ class Naming {
         const fs::path beside = path_of(job.input).parent_path();
         const fs::path folder =
             operands_.output.empty() ? beside : path_of(operands_.output) / path_of(job.folder);
+        const std::string ending = ending_of(job.input, to_);
         const std::string name =
-            stem(job.input) + operands_.suffix + "." + ending_of(job.input, to_);
+            stem(job.input) + operands_.suffix + (ending.empty() ? "" : "." + ending);
         job.output = text_of(folder / path_of(name));
         job.makes_folders = !operands_.output.empty();
     }
@@ -125,7 +127,8 @@ void check_no_folder(const std::string& name) {
 void check_outputs(const std::vector<Job>& jobs, const std::string& to) {
     std::map<std::string, std::string> sources;
     for (const Job& job : jobs) {
-        check_writable(job.output, to);
+        if (!job.in_place || !extension(job.output).empty()) // else its content tells
+            check_writable(job.output, to);
         if (job.in_place && !to.empty() && format_for(job.output, to) != format_for(job.output, ""))
             throw UsageError(job.input + ": --in-place keeps a file's format; to change it, name "
                                          "an output or a folder with -o");

@@ -4,12 +4,12 @@
 
 #include <algorithm>
 
-void add_operands(Command* command, Operands& operands, const char* help) {
+void add_operands(Command* command, Operands& operands, const char* help, const char* sizes) {
     command->add_option("FILE", operands.names, help)->type_name("FILE")->required();
     command
         ->add_option("-o,--output", operands.output,
-                     "Folder, made if missing, or a name with {name}, {ext}, {folder}, {number}, "
-                     "{width}, {height}")
+                     "Folder, made if missing, or a name with {name}, {ext}, {folder}, {number}" +
+                         std::string(sizes))
         ->type_name("DIR");
     command->add_option("--suffix", operands.suffix, "Put this behind the inputs' names: _small")
         ->type_name("TEXT");

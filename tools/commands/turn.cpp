@@ -5,7 +5,7 @@
 
 namespace {
 
-struct Everything {
+struct TurnOptions {
     Conversion conversion;
     Operands operands;
     Run run;
@@ -14,10 +14,13 @@ struct Everything {
 
 const std::vector<std::string> ways = {"upright", "90", "180", "270", "flip", "mirror"};
 
-bool run(Everything& all) {
+bool run(TurnOptions& all) {
     all.conversion.turning->way = Values("kirvo turn", {mode("WAY", ways, 0)}, all.way).integer(0);
-    // One file alone is turned itself: nothing is lost by it.
     Operands& operands = all.operands;
+    for (const std::string& name : operands.names)
+        if (name == "-")
+            throw UsageError("kirvo turn works on files, not on standard input and output");
+    // One file alone is turned itself: nothing is lost by it.
     if (operands.names.size() == 1 && operands.output.empty() && operands.suffix.empty())
         operands.in_place = true;
     return convert(all.conversion, operands, all.run);
@@ -26,7 +29,7 @@ bool run(Everything& all) {
 } // namespace
 
 void add_turn(Command& program, bool& good) {
-    static Everything all;
+    static TurnOptions all;
     all.conversion.turning.emplace();
     Command* command = program.add("turn", "Turns JPEG files without loss");
     command->usage = {"WAY FILE", "WAY INPUT OUTPUT", "WAY INPUT... --in-place",
@@ -46,7 +49,7 @@ void add_turn(Command& program, bool& good) {
             ->type_name("WAY")
             ->required();
     command->offer(way, ways);
-    add_operands(command, all.operands, "JPEG files");
+    add_operands(command, all.operands, "JPEG files", "");
     command->add_flag("--in-place", all.operands.in_place, "Replace the inputs");
     CLI::Option* trim = command->add_flag_callback(
         "--trim", [] { all.conversion.turning->edges = KIRVO_FILES_EDGES_TRIM; },

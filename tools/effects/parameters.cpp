@@ -80,16 +80,6 @@ size_t place_of(const Parameter& parameter, const std::string& text) {
     return static_cast<size_t>(found - parameter.words.begin());
 }
 
-std::vector<std::string> split(const std::string& text) {
-    std::vector<std::string> pieces;
-    for (size_t start = 0; start <= text.size();) {
-        const size_t comma = std::min(text.find(',', start), text.size());
-        pieces.push_back(text.substr(start, comma - start));
-        start = comma + 1;
-    }
-    return pieces;
-}
-
 // Not a number where the text is none that suits.
 double number_of(const Parameter& parameter, const std::string& text) {
     const auto none = std::numeric_limits<double>::quiet_NaN();
@@ -124,6 +114,16 @@ void join_name(const std::vector<Parameter>& parameters, std::vector<std::string
 }
 
 } // namespace
+
+std::vector<std::string> split(const std::string& text) {
+    std::vector<std::string> pieces;
+    for (size_t start = 0; start <= text.size();) {
+        const size_t comma = std::min(text.find(',', start), text.size());
+        pieces.push_back(text.substr(start, comma - start));
+        start = comma + 1;
+    }
+    return pieces;
+}
 
 Parameter whole(const char* name, double least, double most) {
     return {name, Kind::whole, least, most, {}};

@@ -38,6 +38,7 @@ struct Size {
     Size of(int32_t old_width, int32_t old_height) const;
 };
 Size parse_size(const std::string& text);
+std::vector<std::string> split(const std::string& text); // at its commas
 
 // Values that fit their parameters.
 class Values {

@@ -61,17 +61,6 @@ std::string first_value(const Parameter& parameter, const RECT& whole) {
     return number(static_cast<LONG>(std::clamp(0.0, parameter.least, parameter.most)));
 }
 
-std::vector<std::string> split(const std::string& text) {
-    std::vector<std::string> pieces(1);
-    for (const char character : text) {
-        if (character == ',')
-            pieces.emplace_back();
-        else
-            pieces.back() += character;
-    }
-    return pieces;
-}
-
 } // namespace
 
 const std::vector<std::string>& effect_groups() {

@@ -50,6 +50,9 @@ std::string explained_lack(const Command& command, const CLI::ParseError& error)
             list += (list.empty() ? "" : name == names.back() ? " or " : ", ") + name;
         return command.full_name() + ": " + list + " is wanted";
     }
+    const size_t twice = words.find(": At Most 1 required");
+    if (twice != std::string::npos)
+        return words.substr(0, twice) + " is given more than once";
     const size_t value = words.find(" 1 required "), end = words.rfind(" missing");
     if (error.get_name() == "ArgumentMismatch" && value != std::string::npos &&
         end != std::string::npos)

@@ -80,6 +80,9 @@ Format format_for(const std::string& name, const std::string& to) {
 void check_writable(const std::string& name, const std::string& to) {
     if (name == "-" && to.empty())
         throw UsageError("standard output has no extension: name the format with --to");
+    if (to.empty() && extension(name).empty())
+        throw UsageError(name +
+                         " has no extension: name the format with --to, or a folder with -o");
     if (format_for(name, to) == KIRVO_FILES_UNKNOWN)
         throw UsageError((to.empty() ? name : "--to " + to) + ": pictures are written as ." +
                          written_formats(", ."));

@@ -71,9 +71,6 @@ ALWAYS_INLINE void refill(BitBuffer& bits) {
     bits.count |= BitBuffer::full;
 }
 
-// For a code and its value, or a full buffer if that is less.
-constexpr int32_t enough = std::min<int32_t>(2 * longest_code, BitBuffer::full);
-
 // Where a code and its value may be longer than a full buffer.
 ALWAYS_INLINE void refill_for_value(BitBuffer& bits) {
     if constexpr (BitBuffer::full < 2 * longest_code)
