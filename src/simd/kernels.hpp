@@ -13,19 +13,15 @@ namespace kirvo {
 struct Kernels {
     // Rows of bytes, whatever they stand for. `to` may be `from` but in the first three, which
     // change `to` by `from`.
-    // Of what the first three make the bits stay that are set in kept, which repeats every 4 bytes.
-    using BlendBytes = void (*)(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept);
-    BlendBytes add;      // at most 255
-    BlendBytes average;  // rounded down
-    BlendBytes subtract; // at least 0
+    using WithPattern = void (*)(uint8_t* to, const uint8_t* from, size_t bytes,
+                                 uint32_t pattern); // that repeats every 4 bytes
+    // Sums, at most 255; means, rounded down; differences, at least 0. Only bits of the pattern stay.
+    WithPattern add, average, subtract;
+    WithPattern invert, keep_bits; // those of the pattern
     // clamp(byte * factor / 100 + offset) with factor 0..200 and offset -255..255
     void (*scale)(uint8_t* to, const uint8_t* from, size_t bytes, int32_t factor, int32_t offset);
     // levels[byte]
     void (*map)(uint8_t* to, const uint8_t* from, size_t bytes, const Levels& levels);
-    // Inverts the bits that are set in pattern, which repeats every 4 bytes.
-    void (*invert)(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern);
-    // Keeps the bits that are set in pattern, which repeats every 4 bytes.
-    void (*keep_bits)(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern);
     // from + plus - minus, clamped, where plus or minus is 0; no overlap
     void (*correct)(uint8_t* to, const uint8_t* from, const uint8_t* plus, const uint8_t* minus,
                     size_t bytes);

@@ -10,20 +10,14 @@
 namespace kirvo::scalar {
 namespace {
 
-void add(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept) {
+template<auto blend>
+void blended(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept) {
     for (size_t i = 0; i < bytes; ++i)
-        to[i] = static_cast<uint8_t>(std::min(to[i] + from[i], 255) & kept >> 8 * (i % 4));
+        to[i] = static_cast<uint8_t>(blend(to[i], from[i]) & kept >> 8 * (i % 4));
 }
-
-void average(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept) {
-    for (size_t i = 0; i < bytes; ++i)
-        to[i] = static_cast<uint8_t>(((to[i] + from[i]) >> 1) & kept >> 8 * (i % 4));
-}
-
-void subtract(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept) {
-    for (size_t i = 0; i < bytes; ++i)
-        to[i] = static_cast<uint8_t>(std::max(to[i] - from[i], 0) & kept >> 8 * (i % 4));
-}
+constexpr auto add = blended<[](int a, int b) { return std::min(a + b, 255); }>;
+constexpr auto average = blended<[](int a, int b) { return (a + b) / 2; }>;
+constexpr auto subtract = blended<[](int a, int b) { return std::max(a - b, 0); }>;
 
 void scale(uint8_t* to, const uint8_t* from, size_t bytes, int32_t factor, int32_t offset) {
     for (size_t i = 0; i < bytes; ++i)

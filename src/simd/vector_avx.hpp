@@ -57,6 +57,4 @@ struct VectorAvx : VectorX86 {
 
 #undef KIRVO_REGISTER
 #undef KIRVO_MM
-#undef KIRVO_RECIPROCAL
-#undef KIRVO_STREAM
 #undef KIRVO_BROADCAST

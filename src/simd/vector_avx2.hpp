@@ -12,8 +12,6 @@ namespace {
 
 #define KIRVO_REGISTER __m256i
 #define KIRVO_MM(operation) _mm256_##operation
-#define KIRVO_RECIPROCAL _mm256_rcp_ps
-#define KIRVO_STREAM _mm256_stream_si256
 #define KIRVO_BROADCAST _mm256_broadcastsi128_si256
 #include "simd/vector_avx.hpp"
 

@@ -13,8 +13,6 @@ namespace {
 
 #define KIRVO_REGISTER __m512i
 #define KIRVO_MM(operation) _mm512_##operation
-#define KIRVO_RECIPROCAL _mm512_rcp14_ps
-#define KIRVO_STREAM _mm512_stream_si512
 #define KIRVO_BROADCAST _mm512_broadcast_i32x4
 #include "simd/vector_avx.hpp"
 

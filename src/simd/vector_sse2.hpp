@@ -13,13 +13,9 @@ namespace {
 
 #define KIRVO_REGISTER __m128i
 #define KIRVO_MM(operation) _mm_##operation
-#define KIRVO_RECIPROCAL _mm_rcp_ps
-#define KIRVO_STREAM _mm_stream_si128
 #include "simd/vector_x86.hpp"
 #undef KIRVO_REGISTER
 #undef KIRVO_MM
-#undef KIRVO_RECIPROCAL
-#undef KIRVO_STREAM
 
 struct Vector : VectorX86 {
     static Register equal8(Register a, Register b) { return _mm_cmpeq_epi8(a, b); }

@@ -1,7 +1,6 @@
 // What the wrappers of all x86 levels have in common: operations whose names differ in a prefix
-// only. A level includes this inside its own namespace, with KIRVO_REGISTER the type of its vectors,
-// KIRVO_MM(operation) the intrinsic of that width, KIRVO_RECIPROCAL that of the estimate and
-// KIRVO_STREAM that of a store past the caches.
+// only. A level includes this inside its own namespace, with KIRVO_REGISTER the type of its vectors
+// and KIRVO_MM(operation) the intrinsic of that width.
 //
 // Numbers at the end of a name are the bits of a lane. Operations that pair, widen or narrow work
 // within each 16 bytes, as the processor does; what is widened low and high comes back in order
@@ -9,6 +8,7 @@
 
 struct VectorX86 {
     using Register = KIRVO_REGISTER;
+    using Floats = decltype(KIRVO_MM(setzero_ps)());
     static constexpr size_t size = sizeof(Register); // bytes
 
     // 16-bit numbers made of the two halves of a vector of bytes.
@@ -38,7 +38,7 @@ struct VectorX86 {
     static void store_run(uint8_t* to, Register v) { store(to, v); }
     // Past the caches, to a multiple of the size.
     static void stream(uint8_t* to, Register v) {
-        KIRVO_STREAM(reinterpret_cast<Register*>(to), v);
+        KIRVO_MM(stream_ps)(reinterpret_cast<float*>(to), reinterpret_cast<Floats>(v));
     }
     static void end_stream() { _mm_sfence(); }
     static Register zero() { return Register{}; }
@@ -151,9 +151,8 @@ struct VectorX86 {
         return even | KIRVO_MM(slli_epi64)(odd, 32);
     }
 
-    // a / b for 16-bit lanes with 1 <= b <= 255 and a <= 60 * b. a + 1/2 over b stays 1/510 or
-    // more away from whole numbers, and the reciprocal, refined once, errs by less than 1e-6 of
-    // its value, whichever processor estimates it.
+    // a / b for 16-bit lanes with 1 <= b <= 255 and a <= 60 * b: a + 1/2 over b stays 1/510 or more
+    // away from whole numbers.
     static Register quotient16(Register a, Register b) {
         return narrow32(quotient32(widen_low16(a), widen_low16(b)),
                         quotient32(widen_high16(a), widen_high16(b)));
@@ -181,15 +180,11 @@ struct VectorX86 {
   private:
     template<int places>
     static Register shuffled32(Register a, Register b) {
-        using Floats = decltype(KIRVO_MM(setzero_ps)());
         return reinterpret_cast<Register>(
             KIRVO_MM(shuffle_ps)(reinterpret_cast<Floats>(a), reinterpret_cast<Floats>(b), places));
     }
     static Register quotient32(Register a, Register b) {
-        const auto divisor = KIRVO_MM(cvtepi32_ps)(b), rough = KIRVO_RECIPROCAL(divisor);
-        const auto reciprocal = KIRVO_MM(mul_ps)(
-            rough, KIRVO_MM(sub_ps)(KIRVO_MM(set1_ps)(2.0f), KIRVO_MM(mul_ps)(divisor, rough)));
         const auto dividend = KIRVO_MM(add_ps)(KIRVO_MM(cvtepi32_ps)(a), KIRVO_MM(set1_ps)(0.5f));
-        return KIRVO_MM(cvttps_epi32)(KIRVO_MM(mul_ps)(dividend, reciprocal));
+        return KIRVO_MM(cvttps_epi32)(KIRVO_MM(div_ps)(dividend, KIRVO_MM(cvtepi32_ps)(b)));
     }
 };

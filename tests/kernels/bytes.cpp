@@ -10,7 +10,7 @@ namespace kirvo_test {
 
 namespace {
 
-using Blend = Kernels::BlendBytes;
+using Blend = Kernels::WithPattern;
 
 // The first 256 rounds hold every pair of bytes.
 void every_pair(Blend kernel, Trial& trial) {

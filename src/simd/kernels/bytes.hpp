@@ -13,25 +13,25 @@ struct ByteKernels {
     using Register = typename V::Register;
 
     // Stores at(phase)(i) at every offset i, where phase is i but for whole vectors. `to` may be the
-    // source: the first and the last vector, which overlap others, are made before any is stored.
-    // All others are aligned; two steps at once make up to 20 %. False where there are fewer bytes
-    // than a vector has: nothing is done.
+    // source: the first and the last vector, which overlap others, are made before those are stored,
+    // but the last no sooner, since its memory comes late. All others are aligned; two steps at once
+    // make up to 20 %. False where there are fewer bytes than a vector has: nothing is done.
     template<typename F>
     [[gnu::always_inline]] static bool each_vector(uint8_t* to, size_t bytes, const F& at) {
         if (bytes < V::size)
             return false;
         const size_t end = bytes - V::size;
-        const size_t places[] = {0, end};
-        Register ends[2];
-        for (int k = 0; k < 2; ++k)
-            ends[k] = at(places[k])(places[k]);
+        const Register first = at(0)(0);
         size_t i = -reinterpret_cast<uintptr_t>(to) % V::size;
         const auto made = at(i);
 #pragma GCC unroll 2
-        for (; i < end; i += V::size)
+        for (; i + V::size <= end; i += V::size)
             V::store(to + i, made(i));
-        V::store(to, ends[0]);
-        V::store(to + end, ends[1]);
+        const Register last = at(end)(end);
+        if (i < end)
+            V::store(to + i, made(i));
+        V::store(to, first);
+        V::store(to + end, last);
         return true;
     }
 
@@ -40,24 +40,34 @@ struct ByteKernels {
         return V::all32(static_cast<int>(std::rotr(pattern, static_cast<int>(phase % 4 * 8))));
     }
 
-    // Changes `to` by `from`.
-    template<Register blend(Register, Register), Kernels::BlendBytes Kernels::*few>
-    static void blended(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept) {
+    // Stores combine(to, from, pattern).
+    template<auto combine, Kernels::WithPattern Kernels::*few>
+    static void with_pattern(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
         const auto at = [&](size_t phase) {
-            return [=, mask = repeated(kept, phase)](size_t i) {
-                return V::both(blend(V::load(to + i), V::load(from + i)), mask);
+            return [=, part = repeated(pattern, phase)](size_t i) {
+                return combine(to + i, V::load(from + i), part);
             };
         };
         if (!each_vector(to, bytes, at))
-            (scalar::kernels.*few)(to, from, bytes, kept);
+            (scalar::kernels.*few)(to, from, bytes, pattern);
+    }
+    template<Register blend(Register, Register)>
+    static Register blended(const uint8_t* to, Register from, Register kept) {
+        return V::both(blend(V::load(to), from), kept);
+    }
+    template<Register change(Register, Register)>
+    static Register changed(const uint8_t*, Register from, Register pattern) {
+        return change(from, pattern);
     }
     // The average of the processor rounds up.
     static Register rounded_down(Register a, Register b) {
         return V::sub8(V::average8(a, b), V::both(V::differing(a, b), V::all8(1)));
     }
-    static constexpr auto add = blended<V::add8_to_255, &Kernels::add>;
-    static constexpr auto average = blended<rounded_down, &Kernels::average>;
-    static constexpr auto subtract = blended<V::sub8_to_0, &Kernels::subtract>;
+    static constexpr auto add = with_pattern<blended<V::add8_to_255>, &Kernels::add>;
+    static constexpr auto average = with_pattern<blended<rounded_down>, &Kernels::average>;
+    static constexpr auto subtract = with_pattern<blended<V::sub8_to_0>, &Kernels::subtract>;
+    static constexpr auto invert = with_pattern<changed<V::differing>, &Kernels::invert>;
+    static constexpr auto keep_bits = with_pattern<changed<V::both>, &Kernels::keep_bits>;
 
     static void scale(uint8_t* to, const uint8_t* from, size_t bytes, int32_t factor,
                       int32_t offset) {
@@ -87,19 +97,6 @@ struct ByteKernels {
         }
         scalar::kernels.map(to, from, bytes, levels);
     }
-
-    template<Register combine(Register, Register), auto few>
-    static void with_pattern(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
-        const auto at = [&](size_t phase) {
-            return [=, part = repeated(pattern, phase)](size_t i) {
-                return combine(V::load(from + i), part);
-            };
-        };
-        if (!each_vector(to, bytes, at))
-            (scalar::kernels.*few)(to, from, bytes, pattern);
-    }
-    static constexpr auto invert = with_pattern<V::differing, &Kernels::invert>;
-    static constexpr auto keep_bits = with_pattern<V::both, &Kernels::keep_bits>;
 
     // One of plus and minus is 0, so that the order of the two does not matter.
     static void correct(uint8_t* to, const uint8_t* from, const uint8_t* plus, const uint8_t* minus,

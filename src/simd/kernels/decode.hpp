@@ -157,27 +157,20 @@ struct DecodeKernels {
         });
     }
 
-    static void colour(const int16_t* y, ChromaTerms terms, uint8_t* bgr, size_t pixels) {
+    template<Halves terms_at(const int16_t*, size_t)>
+    static void coloured(const int16_t* y, ChromaTerms terms, uint8_t* bgr, size_t pixels) {
         write(bgr, pixels, [&](size_t i) -> Planes {
             const Halves luma = V::load_halves16(y + i);
-            return {channel(luma, V::load_halves16(terms.blue + i)),
-                    channel(luma, V::load_halves16(terms.green + i)),
-                    channel(luma, V::load_halves16(terms.red + i))};
+            return {channel(luma, terms_at(terms.blue, i)), channel(luma, terms_at(terms.green, i)),
+                    channel(luma, terms_at(terms.red, i))};
         });
     }
-
-    static void colour_wide(const int16_t* y, ChromaTerms terms, uint8_t* bgr, size_t pixels) {
-        const auto twice = [](const int16_t* from) {
-            const Register v = V::load(from);
-            return Halves{V::zip_low16(v, v), V::zip_high16(v, v)};
-        };
-        write(bgr, pixels, [&](size_t i) -> Planes {
-            const Halves luma = V::load_halves16(y + i);
-            return {channel(luma, twice(terms.blue + i / 2)),
-                    channel(luma, twice(terms.green + i / 2)),
-                    channel(luma, twice(terms.red + i / 2))};
-        });
+    static Halves each(const int16_t* terms, size_t i) { return V::load_halves16(terms + i); }
+    static Halves twice(const int16_t* terms, size_t i) {
+        const Register v = V::load(terms + i / 2);
+        return {V::zip_low16(v, v), V::zip_high16(v, v)};
     }
+    static constexpr auto colour = coloured<each>, colour_wide = coloured<twice>;
 
   private:
     static Register channel(const Halves& y, const Halves& terms) {

@@ -60,23 +60,14 @@ struct EncodeKernels {
     // one factor is left, the shift by 13 is the high word of (8 * x) * factor. The rounded shift by 19
     // is done as floor(x / 2^16), plus 4, floor of an 8th, which is the same number.
     static void transpose(Register (&r)[8]) {
-        Register a[8], b[8];
+#pragma GCC unroll 3
+        for (int round = 0; round < 3; ++round) {
+            const Register whole[] = {r[0], r[1], r[2], r[3], r[4], r[5], r[6], r[7]};
 #pragma GCC unroll 4
-        for (int i = 0; i < 4; ++i) {
-            a[2 * i] = V::zip_low16(r[2 * i], r[2 * i + 1]);
-            a[2 * i + 1] = V::zip_high16(r[2 * i], r[2 * i + 1]);
-        }
-#pragma GCC unroll 2
-        for (int i = 0; i < 8; i += 4) {
-            b[i] = V::zip_low32(a[i], a[i + 2]);
-            b[i + 1] = V::zip_high32(a[i], a[i + 2]);
-            b[i + 2] = V::zip_low32(a[i + 1], a[i + 3]);
-            b[i + 3] = V::zip_high32(a[i + 1], a[i + 3]);
-        }
-#pragma GCC unroll 4
-        for (int i = 0; i < 4; ++i) {
-            r[2 * i] = V::zip_low64(b[i], b[i + 4]);
-            r[2 * i + 1] = V::zip_high64(b[i], b[i + 4]);
+            for (int i = 0; i < 4; ++i) {
+                r[2 * i] = V::zip_low16(whole[i], whole[i + 4]);
+                r[2 * i + 1] = V::zip_high16(whole[i], whole[i + 4]);
+            }
         }
     }
 

@@ -36,13 +36,14 @@ template<size_t size, size_t step, typename F>
         block(to, from);
 }
 
-// Calls block(i) for every step of a count; the last step is moved back to end where the count ends,
-// so that some elements are made twice. False where the count is less than a step: nothing is done.
+// Calls block(i) for every step of a count, the second at `next`; the last step is moved back to end
+// where the count ends, so that some elements are made twice. False where the count is less than a
+// step: nothing is done.
 template<size_t step, typename F>
-[[gnu::always_inline]] inline bool each_step(size_t count, const F& block) {
+[[gnu::always_inline]] inline bool each_step(size_t count, const F& block, size_t next = step) {
     if (count < step)
         return false;
-    for (size_t i = 0; i < count; i += step)
+    for (size_t i = 0; i < count; i = next, next += step)
         block(i + step <= count ? i : count - step);
     return true;
 }
@@ -63,13 +64,8 @@ size_t elements_to_line(const uint8_t* to) {
 template<size_t step, size_t size, typename F>
 [[gnu::always_inline]] inline bool each_aligned_step(const uint8_t* to, size_t count,
                                                      const F& block) {
-    if (count < step)
-        return false;
     const size_t first = elements_to_line<size>(to) % step;
-    size_t next = first != 0 ? first : step;
-    for (size_t i = 0; i < count; i = next, next += step)
-        block(i + step <= count ? i : count - step);
-    return true;
+    return each_step<step>(count, block, first != 0 ? first : step);
 }
 
 } // namespace
