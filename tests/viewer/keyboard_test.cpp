@@ -470,6 +470,7 @@ TEST(ViewerByKeyboard, ChoosesColoursAndEnds) {
 TEST(ViewerByKeyboard, KnowsFurtherKeys) {
     TempFolder folder;
     saved(folder, "b.bmp", picture_of(40, 30));
+    saved(folder, "c.bmp", picture_of(40, 30));
     Program viewer(saved(folder, "a.bmp", picture_of(40, 30)));
     viewer.to_front();
     const auto reads = [&](const char* text) {

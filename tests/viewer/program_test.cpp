@@ -395,7 +395,7 @@ TEST(Viewer, ShowsTheCallsAsCodeOfEachLanguage) {
         EXPECT_NE(clipboard_text().find(lines[language]), std::string::npos) << clipboard_text();
         viewer.command(command_copy_line);
         ASSERT_TRUE(viewer.wait_for("says: Copied"));
-        EXPECT_NE(clipboard_text().find(" --brightness 30"), std::string::npos);
+        EXPECT_NE(clipboard_text().find("in-changed.bmp --brightness 30"), std::string::npos);
     }
 }
 
@@ -408,6 +408,7 @@ TEST(Viewer, RefusesValuesOutOfTheirRangeInItsDialog) {
     ASSERT_NE(dialog, nullptr);
     set_text(GetDlgItem(dialog, 100), "101");
     EXPECT_FALSE(IsWindowEnabled(GetDlgItem(dialog, IDOK)));
+    EXPECT_EQ(text_in(GetDlgItem(dialog, 90)), "-100 to 100, not '101'");
     set_text(GetDlgItem(dialog, 100), "100");
     EXPECT_TRUE(IsWindowEnabled(GetDlgItem(dialog, IDOK)));
     EXPECT_TRUE(viewer.wait_for("preview --brightness of 40 x 30"));

@@ -624,6 +624,14 @@ TEST(Menus, OfferWhatCanBeDone) {
     EXPECT_FALSE(has_state(viewer, 0, command_save, MF_GRAYED));
 }
 
+TEST(Menus, MarkTheFirstLetterOrDigitThatIsFree) {
+    std::wstring taken;
+    EXPECT_EQ(with_key(L"Kernel", taken), L"&Kernel");
+    EXPECT_EQ(with_key(L"K1", taken), L"K&1");
+    EXPECT_EQ(with_key(L"\u00d7 keen", taken), L"\u00d7 k&een");
+    EXPECT_EQ(with_key(L"1 k", taken), L"1 k");
+}
+
 TEST(Menus, MarkWhatIsChosen) {
     Program program;
     ::Viewer& viewer = program.viewer;
