@@ -117,6 +117,7 @@ class ChannelKind {
 
     explicit operator bool() const { return static_cast<bool>(buffers_); }
 
+    bool loads() const { return !in_place_; }
     // The cells of a row of the reach, as far as it lies in the image, if that has them.
     const uint8_t* in_place(const Patch& patch, int32_t row) const {
         return in_place_ ? setting_.pixels(patch, row) : nullptr;
@@ -175,6 +176,7 @@ class LuminanceKind {
 
     explicit operator bool() const { return static_cast<bool>(memory_); }
 
+    static constexpr bool loads() { return true; }
     const uint16_t* in_place(const Patch&, int32_t) const { return nullptr; }
     static constexpr ptrdiff_t stride_ahead() { return 0; }
     void load(const Patch& patch, int32_t row, uint16_t* cells) const {
@@ -270,7 +272,7 @@ class ExtremeFilter {
                 abreast_),
           cells_(static_cast<size_t>(std::min(setting.operation.rect().width, Kind::strip) + side_ -
                                      1)),
-          kind_(setting, cells_), rows_(reached_, cells_ * elements_),
+          kind_(setting, cells_), rows_(kind_.loads() ? reached_ : 0, cells_ * elements_),
           blocks_(of_blocks_ ? kept_blocks + 1 : 0, cells_ * elements_),
           lines_(abreast_ + 1, cells_ * elements_) {}
 
