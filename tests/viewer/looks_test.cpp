@@ -123,7 +123,18 @@ BOOL CALLBACK expect_fits(HWND control, LPARAM parameter) {
     return TRUE;
 }
 
+// A window manager may move a dialog that has just appeared.
+bool stands_still(HWND dialog) {
+    return eventually([=] {
+        const RECT before = place_of(dialog);
+        Sleep(50);
+        const RECT after = place_of(dialog);
+        return EqualRect(&before, &after) != 0;
+    });
+}
+
 void expect_no_text_is_cut(HWND dialog, int text_height) {
+    EXPECT_TRUE(stands_still(dialog));
     Look look = {text_height, dialog};
     EnumChildWindows(dialog, expect_fits, reinterpret_cast<LPARAM>(&look));
     RECT work;
