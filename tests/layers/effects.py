@@ -20,7 +20,7 @@ LOW, OTHERS = Range(0, 120, 1), Range(50, 99, 2)
 # What methods are given; other pictures by their sizes.
 SMALL, SAME = (4, 5), (7, 9)
 GIVEN = {
-    "crop": (1, 2, 4, 3), "resize": (5, 11), "brightness": (17,), "contrast": (-30,), "gamma": (0.5,),
+    "crop": (1, 2, 4, 3), "resize": (3, 4), "brightness": (17,), "contrast": (-30,), "gamma": (0.5,),
     "gamma_channels": (0.5, 1.5, 2), "tone": (1, 2), "tone_channels": (0.5, 1.5, 0.25), "swap_channels": (3,),
     "map_channels": (bytes(range(255, -1, -1)),), "change_hue": (2, 120), "exclusive_or": (COLOUR,),
     "keep_channels": (LOW, OTHERS, LOW), "mosaic": (3,), "mosaic_average": (2,), "keep_bits": (3, 4, 2),
@@ -30,7 +30,7 @@ GIVEN = {
     "gradient_corners": (4, 5, 1, COLOUR, 3000, 0xFF)}
 # What those are given besides whose parameters all have defaults.
 OTHERWISE = {"sharpen": (2,), "relief": (3,), "colour_edges": (5, 1), "dilate": (2, True), "erode": (1, True),
-             "rotate_90": (1,), "resize": (5, 11, False), "exact_256": (0,), "paste": (SMALL,), "compose": (SAME,),
+             "rotate_90": (1,), "resize": (3, 4, False), "exact_256": (0,), "paste": (SMALL,), "compose": (SAME,),
              "gamma_channels": (), "tone_channels": ()}
 
 
