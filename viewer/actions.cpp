@@ -34,18 +34,13 @@ void toggle_code(Viewer& viewer) {
         SetFocus(viewer.window);
 }
 
-// Beside the picture, and of its format where that is written.
-std::string changed_name(const std::string& name) {
-    const size_t folder = name.find_last_of("\\/") + 1, dot = name.find_last_of('.'); // 0: in none
-    const size_t end = dot != std::string::npos && dot > folder ? dot : name.size();
-    const bool written = KirvoFilesAbilities(KirvoFilesFormatOf(name.c_str())) & KIRVO_FILES_WRITES;
-    return name.substr(0, end) + "-changed" + (written ? name.substr(end) : ".png");
-}
-
 void copy_command_line(Viewer& viewer) {
     const std::string name = viewer.origin.empty() ? "picture.bmp" : narrow(viewer.origin);
     try {
-        const std::string line = command_line_of(viewer.history.steps(), name, changed_name(name));
+        const bool written =
+            KirvoFilesAbilities(KirvoFilesFormatOf(name.c_str())) & KIRVO_FILES_WRITES;
+        const std::string line =
+            command_line_of(viewer.history.steps(), name, changed_name(name, written));
         if (copy_text(viewer.window, wide(line)))
             viewer.say("Copied: " + line);
     } catch (const Failure& failure) {

@@ -136,3 +136,9 @@ std::string command_line_of(const std::vector<Step>& steps, const std::string& i
     }
     return line;
 }
+
+std::string changed_name(const std::string& name, bool written) {
+    const size_t folder = name.find_last_of("\\/") + 1, dot = name.find_last_of('.'); // 0: in none
+    const size_t end = dot != std::string::npos && dot > folder ? dot : name.size();
+    return name.substr(0, end) + "-changed" + (written ? name.substr(end) : ".png");
+}

@@ -16,3 +16,6 @@ std::string code_of(Language language, const std::vector<Step>& steps);
 // does not have.
 std::string command_line_of(const std::vector<Step>& steps, const std::string& in,
                             const std::string& out);
+
+// A name for what became of a picture, beside it: of its format where that is written, else of PNG.
+std::string changed_name(const std::string& name, bool written);
