@@ -152,5 +152,6 @@ EXPORTED const char* live_code(int32_t language) {
     return told(code_of(static_cast<Language>(language), steps));
 }
 EXPORTED const char* live_command_line(const char* in) {
-    return told(command_line_of(steps, in, changed_name(in, false))); // PNG, which the page saves, too
+    // A PNG file, as the page itself saves.
+    return told(command_line_of(steps, in, changed_name(in, false)));
 }
