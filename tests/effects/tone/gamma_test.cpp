@@ -166,9 +166,8 @@ TEST(ChannelGamma, EveryPixelAtEveryDepth) {
          {std::array{1.0, 1.0, 1.0}, std::array{0.4, 1.0, 2.5}, std::array{1.8, 0.0, 0.7}})
         expect_maker(
             {16, 24, 32}, corrected_by_channel(red, green, blue),
-            [=](Colour c) {
-                return rgb(corrected(c.red, red), corrected(c.green, green),
-                           corrected(c.blue, blue));
+            [r = red, g = green, b = blue](Colour c) {
+                return rgb(corrected(c.red, r), corrected(c.green, g), corrected(c.blue, b));
             },
             91);
 }

@@ -205,8 +205,9 @@ TEST(ToneByFraction, MultipliesAndStopsAt255) {
     EXPECT_EQ(one_pixel(tone(1, INT32_MAX), {0, 1, 255}), (rgb(0, 0, 0)));
     const int32_t fractions[][2] = {{1, 1}, {3, 2}, {255, 254}, {7, 200}, {255, 65025}};
     for (const auto& [numerator, denominator] : fractions)
-        expect_maker({24, 32}, tone(numerator, denominator), on_each([=](int v) {
-                         const int result = v * numerator / denominator;
+        expect_maker({24, 32}, tone(numerator, denominator),
+                     on_each([n = numerator, d = denominator](int v) {
+                         const int result = v * n / d;
                          return result >= 255 ? 255 : result;
                      }),
                      50);
@@ -245,8 +246,8 @@ TEST(ToneByFactors, MultipliesEachChannelByItsOwn) {
           std::array{1.0 / 3, 2.0 / 3, 4.0 / 3}})
         expect_maker(
             {24, 32}, factors(red, green, blue),
-            [=](Colour c) {
-                return rgb(scaled(c.red, red), scaled(c.green, green), scaled(c.blue, blue));
+            [r = red, g = green, b = blue](Colour c) {
+                return rgb(scaled(c.red, r), scaled(c.green, g), scaled(c.blue, b));
             },
             60);
 }
