@@ -246,7 +246,7 @@ TEST(ToneByFactors, MultipliesEachChannelByItsOwn) {
           std::array{1.0 / 3, 2.0 / 3, 4.0 / 3}})
         expect_maker(
             {24, 32}, factors(red, green, blue),
-            [r = red, g = green, b = blue](Colour c) {
+            [=, r = red, g = green, b = blue](Colour c) {
                 return rgb(scaled(c.red, r), scaled(c.green, g), scaled(c.blue, b));
             },
             60);
