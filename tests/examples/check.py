@@ -13,6 +13,10 @@ import subprocess
 import sys
 import tempfile
 
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "support"))
+import programs
+
 EXAMPLE, FOLDER, LAUNCHER = sys.argv[1], pathlib.Path(sys.argv[2]).resolve(), sys.argv[3:]
 PHOTO = pathlib.Path(__file__).resolve().parents[2] / "docs/contact-sheet.jpg"
 WORK = pathlib.Path(tempfile.mkdtemp(prefix=f"kirvo-{EXAMPLE}-", dir=FOLDER))
@@ -79,14 +83,12 @@ def run(program, *arguments, code=0):
     path = FOLDER / program
     if not path.exists():
         path = path.with_suffix(".exe")
-    # A file, not a pipe: Windows services that the first program starts would keep a pipe open.
-    with open(WORK / "output", "w+") as output:
-        done = subprocess.run([*LAUNCHER, path, *map(str, arguments)], cwd=WORK, timeout=100,
-                              stdout=output, stderr=subprocess.STDOUT)
-        output.seek(0)
-        text = output.read()
-    assert done.returncode == code, f"{program} {arguments}: exit code {done.returncode}\n{text}"
-    return text
+    return programs.run(*LAUNCHER, path, *arguments, code=code, cwd=WORK, timeout=100)
+
+
+def fails_with(words, program, *arguments, code=1):
+    said = run(program, *arguments, code=code)
+    assert words in said, said
 
 
 def check_convert():
@@ -111,9 +113,9 @@ def check_convert():
     tga = (WORK / "grey.tga").read_bytes()
     assert tga[18:18 + 12] == bytes(v for v in (0, 80, 160, 240) for _ in range(3))
 
-    assert "status -4" in run("convert", "missing.jpg", "e.bmp", code=1)
-    assert "status -4" in run("convert", "in.bmp", "missing/e.jpg", code=1)
-    assert "usage" in run("convert", "in.bmp", "e.png", code=2)
+    fails_with("status -4", "convert", "missing.jpg", "e.bmp")
+    fails_with("status -4", "convert", "in.bmp", "missing/e.jpg")
+    fails_with("usage", "convert", "in.bmp", "e.png", code=2)
     assert not list(WORK.glob("e.*"))
 
 
@@ -130,8 +132,8 @@ def check_pieces():
 
     (WORK / "cut.jpg").write_bytes((WORK / "photo.jpg").read_bytes()[:300])
     (WORK / "text.jpg").write_bytes(b"no picture at all" * 100)
-    assert "status -13" in run("pieces", "cut.jpg", "e.bmp", code=1)
-    assert "status -10" in run("pieces", "text.jpg", "e.bmp", code=1)
+    fails_with("status -13", "pieces", "cut.jpg", "e.bmp")
+    fails_with("status -10", "pieces", "text.jpg", "e.bmp")
     assert not (WORK / "e.bmp").exists()
 
 
@@ -160,7 +162,7 @@ def check_thumbnails():
         assert (thumbnail.width, thumbnail.height) == size, name
         for small, large in zip(thumbnail.mean(), whole.mean()):
             assert abs(small - large) < 4, f"{name}: {thumbnail.mean()} of {whole.mean()}"
-    assert "missing" in run("thumbnails", "missing", "small", code=1)
+    fails_with("missing", "thumbnails", "missing", "small")
 
 
 def check_vignette():
@@ -179,7 +181,7 @@ def check_vignette():
     Picture.drawn(40, 40).write("cut.bmp")
     whole = (WORK / "cut.bmp").read_bytes()
     (WORK / "cut.bmp").write_bytes(whole[:-200])
-    assert "cut.bmp: " in run("vignette", "cut.bmp", "e.bmp", code=1)
+    fails_with("cut.bmp: ", "vignette", "cut.bmp", "e.bmp")
     assert not (WORK / "e.bmp").exists()
 
 
@@ -198,7 +200,7 @@ def check_photo():
     for small, large in zip(made.mean(), part.mean()):
         assert abs(small - large) < 4, f"{made.mean()} of {part.mean()}"
     (WORK / "text.jpg").write_bytes(b"no picture at all" * 100)
-    assert "text.jpg: " in run("photo", "text.jpg", "e.bmp", code=1)
+    fails_with("text.jpg: ", "photo", "text.jpg", "e.bmp")
     assert not (WORK / "e.bmp").exists()
 
 

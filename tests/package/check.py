@@ -15,6 +15,7 @@ sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "support"))
 import version
 from photo import check_photo
+from programs import run
 
 PACKAGE, CHECK, FOLDER = sys.argv[1:]
 ROOT = pathlib.Path(__file__).resolve().parents[2]
@@ -40,13 +41,6 @@ else:
     TRIPLE = f"{MACHINE}-w64-mingw32"
     LAUNCHER, TOOL, SUFFIX = [ROOT / "script/wine", BITS], "kirvo.exe", ".exe"
     CC, CXX = f"{TRIPLE}-gcc-win32", f"{TRIPLE}-g++-win32"
-
-
-def run(*command, code=0, **options):
-    done = subprocess.run(list(map(str, command)), text=True, stdout=subprocess.PIPE,
-                          stderr=subprocess.STDOUT, **options)
-    assert done.returncode == code, f"{command}: exit code {done.returncode}\n{done.stdout}"
-    return done.stdout
 
 
 def run_example(name, folder):
@@ -157,11 +151,8 @@ def check_library():
 
 
 def check_tool():
-    output = WORK / "output"
-    with output.open("w") as file:
-        subprocess.run([*LAUNCHER, PREFIX / "bin" / TOOL, "info", "contact-sheet.jpg"], check=True,
-                       cwd=DOCUMENTS / "docs", stdout=file, stderr=subprocess.STDOUT)
-    assert re.search(DESCRIBED, output.read_text()), output.read_text()
+    said = run(*LAUNCHER, PREFIX / "bin" / TOOL, "info", "contact-sheet.jpg", cwd=DOCUMENTS / "docs")
+    assert re.search(DESCRIBED, said), said
 
 
 def compile_example(compiler, source, *flags):
@@ -293,7 +284,7 @@ def check_microsoft_linker():
     run("lld-link", "/nodefaultlib", "/entry:start", "/subsystem:console", f"/out:{WORK}/program.exe",
         WORK / "program.obj", LIB / "Kirvo.lib", WORK / "kernel32.lib")
     shutil.copy(PREFIX / "bin/Kirvo.dll", WORK)
-    subprocess.run([*LAUNCHER, WORK / "program.exe"], check=True)
+    run(*LAUNCHER, WORK / "program.exe")
 
 
 def check_install():

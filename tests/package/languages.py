@@ -6,7 +6,6 @@ import os
 import pathlib
 import re
 import shutil
-import subprocess
 import sys
 import tarfile
 import xml.etree.ElementTree
@@ -17,6 +16,7 @@ import yaml
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "support"))
+import programs
 import version
 from photo import check_photo
 
@@ -36,11 +36,8 @@ PROGRAM = """
     """
 
 
-def run(*command, code=0, **options):
-    done = subprocess.run(list(map(str, command)), text=True, stdout=subprocess.PIPE,
-                          stderr=subprocess.STDOUT, **{"cwd": WORK, "env": ENVIRONMENT, **options})
-    assert done.returncode == code, f"{command}: exit code {done.returncode}\n{done.stdout}"
-    return done.stdout
+def run(*command, **options):
+    return programs.run(*command, **{"cwd": WORK, "env": ENVIRONMENT, **options})
 
 
 def the(pattern):

@@ -3,8 +3,9 @@ import json
 import os
 import pathlib
 import shutil
-import subprocess
 import sys
+
+import programs
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 CONFIG = json.loads(pathlib.Path(sys.argv[2]).read_text())
@@ -21,10 +22,7 @@ def run(*command, code=0, folder=None):
         command = (SOURCE / "script/wine", BITS, *command)
     environment = {**os.environ, "LD_LIBRARY_PATH": str(LIBRARY.parent), "KIRVO_LIBRARY": str(LIBRARY),
                    "KIRVO_FILES_LIBRARY": str(FILES_LIBRARY), "PYTHONDONTWRITEBYTECODE": "1"}
-    result = subprocess.run(list(map(str, command)), env=environment, text=True,
-                            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, cwd=folder)
-    assert result.returncode == code, f"{command}: {result.returncode}\n{result.stdout}"
-    return result.stdout
+    return programs.run(*command, code=code, env=environment, cwd=folder)
 
 
 def need(program, package):
