@@ -15,9 +15,9 @@ void blended(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t kept) {
     for (size_t i = 0; i < bytes; ++i)
         to[i] = static_cast<uint8_t>(blend(to[i], from[i]) & kept >> 8 * (i % 4));
 }
-constexpr auto add = blended<[](int a, int b) { return std::min(a + b, 255); }>;
-constexpr auto average = blended<[](int a, int b) { return (a + b) / 2; }>;
-constexpr auto subtract = blended<[](int a, int b) { return std::max(a - b, 0); }>;
+constexpr auto add = blended<[](uint32_t a, uint32_t b) { return std::min(a + b, 255u); }>;
+constexpr auto average = blended<[](uint32_t a, uint32_t b) { return (a + b) / 2; }>;
+constexpr auto subtract = blended<[](uint32_t a, uint32_t b) { return a - std::min(a, b); }>;
 
 void scale(uint8_t* to, const uint8_t* from, size_t bytes, int32_t factor, int32_t offset) {
     for (size_t i = 0; i < bytes; ++i)

@@ -184,7 +184,8 @@ struct Vector : VectorAvx {
         const Register natural[4] = {
             _mm512_shuffle_i32x4(low01, low23, 0x88), _mm512_shuffle_i32x4(low01, low23, 0xDD),
             _mm512_shuffle_i32x4(high01, high23, 0x88), _mm512_shuffle_i32x4(high01, high23, 0xDD)};
-        const Register order = load(zigzag.data());
+        static constexpr auto places = zigzag; // a level lends no other its data
+        const Register order = load(places.data());
         for (int block = 0; block < 4; ++block) {
             const Register levels = _mm512_permutexvar_epi8(order, natural[block]);
             store(small[block], add8(levels, all8(small_levels)));
