@@ -203,6 +203,33 @@ class Interruption(InFolder):
         self.assertIn("out.bmp: File too large", result.stderr)
         self.assertEqual(list(self.folder.iterdir()), [self.picture])
 
+    def test_a_gallery_appears_whole_or_not_at_all(self):
+        # Its sheet, which comes last but one, is larger than its pictures.
+        small, gallery = self.folder / "small.bmp", self.folder / "gallery"
+        run("make", "solid", "40x30", small, "-c", "blue")
+        limit = "ulimit -f 10; trap '' XFSZ; exec \"$@\""
+        command = ["bash", "-c", limit, "bash", kirvo, "gallery", str(small), str(gallery)]
+        for there in False, True:
+            result = subprocess.run(command, capture_output=True, text=True, check=False)
+            self.assertEqual(result.returncode, 1)
+            self.assertIn("contact-sheet.jpg: File too large", result.stderr)
+            self.assertEqual(gallery.exists(), there)
+            self.assertEqual(list(gallery.glob("*")), [])
+            gallery.mkdir(exist_ok=True)
+
+    def test_ctrl_c_leaves_nothing_of_a_gallery(self):
+        gallery, code = self.folder / "gallery", 0
+        for _ in range(10):  # a busy machine may notice the files only when the gallery is done
+            child = subprocess.Popen([kirvo, "gallery", "--quiet", str(self.picture), str(gallery)])
+            self.assertTrue(wait_for(lambda: len(list(gallery.glob("*"))) > 10))
+            child.send_signal(signal.SIGINT)
+            code = child.wait(60)
+            if code != 0:
+                break
+            shutil.rmtree(gallery)
+        self.assertEqual(code, -signal.SIGINT)
+        self.assertEqual(list(self.folder.iterdir()), [self.picture])
+
 
 class WindowsInterruption(unittest.TestCase):
     """Wine gives a Windows program ctrl-C when its process gets SIGINT."""

@@ -112,12 +112,8 @@ std::string output_of(const Job& job, const Image& image) {
 
 void make_folder_of(const Job& job, const std::string& output) {
     const fs::path folder = path_of(output).parent_path();
-    std::error_code error;
-    if (!job.makes_folders || folder.empty() || fs::is_directory(folder, error))
-        return;
-    fs::create_directories(folder, error);
-    if (!fs::is_directory(folder))
-        throw Failure(text_of(folder), "the folder cannot be made: " + error.message());
+    if (job.makes_folders && !folder.empty())
+        make_folder(folder);
 }
 
 void tell(Outcome& outcome, const Job& job, const std::vector<std::string>& notes) {

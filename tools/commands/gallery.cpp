@@ -12,6 +12,7 @@
 #include "system/streams.hpp"
 
 #include <cstdio>
+#include <deque>
 
 namespace fs = std::filesystem;
 
@@ -41,20 +42,44 @@ Image blank_sheet(size_t pictures) {
                       gap + rows * (thumbnail_height + letter_height + 2 * gap), paper);
 }
 
-void write_text(const std::string& name, const std::string& text) {
-    Output output(name, true);
-    output.write(text.data(), text.size());
-    output.complete();
-}
+// Files of one folder that appear together, once all are complete.
+class Gallery {
+  public:
+    explicit Gallery(const fs::path& name) : name_(name), folder_(name) {
+        std::error_code error;
+        if (!settings.force && !fs::is_empty(name, error))
+            throw Failure(text_of(name), "the folder is not empty; --force writes into it");
+    }
 
-void prepare(const fs::path& folder) {
-    std::error_code error;
-    fs::create_directories(folder, error);
-    if (!fs::is_directory(folder))
-        throw Failure(text_of(folder), "the folder cannot be made: " + error.message());
-    if (!settings.force && !fs::is_empty(folder, error))
-        throw Failure(text_of(folder), "the folder is not empty; --force writes into it");
-}
+    // Both give the file's passing name.
+    std::string add(const std::string& file, Image image) {
+        WriteOptions fine;
+        fine.level = 2;
+        Picture picture;
+        picture.image = std::move(image);
+        fill(begin(file), file, std::move(picture), fine);
+        return files_.back().passing_name();
+    }
+    std::string add(const std::string& file, const std::string& text) {
+        begin(file).write(text.data(), text.size());
+        return files_.back().passing_name();
+    }
+
+    void complete() {
+        const Uninterrupted now;
+        for (Output& file : files_)
+            file.complete();
+    }
+
+  private:
+    Output& begin(const std::string& file) {
+        return files_.emplace_back(text_of(name_ / file), true);
+    }
+
+    fs::path name_;
+    NewFolder folder_;
+    std::deque<Output> files_;
+};
 
 void report(const std::string& folder, size_t pictures) {
     if (settings.json)
@@ -66,36 +91,32 @@ void report(const std::string& folder, size_t pictures) {
 
 void make_gallery(const std::string& input, const std::string& folder_name) {
     const Image original = fitted(to_24_bits(read_image(input)), picture_width, picture_width);
-    const fs::path folder = path_of(folder_name);
-    prepare(folder);
-    const auto inside = [&](const std::string& name) { return text_of(folder / name); };
-
-    WriteOptions fine;
-    fine.level = 2;
-    fine.replace = true;
-    write_image(inside("00-original.jpg"), copy_at_24_bits(original), fine);
-    const Image picture = to_24_bits(read_image(inside("00-original.jpg")));
+    Gallery gallery(path_of(folder_name));
+    const std::string first = gallery.add("00-original.jpg", copy_at_24_bits(original));
+    const Image picture = to_24_bits(read_image(first));
     const int32_t width = picture.width(), height = picture.height();
-    write_image(inside("gradient.bmp"),
-                make_gradient(width, height, {0x000000, 0x004080, 0x804000, 0xC0C0C0}), fine);
+    const std::string other = "gradient.bmp"; // the page's commands are run in the folder
+    const std::string other_now =
+        gallery.add(other, make_gradient(width, height, {0x000000, 0x004080, 0x804000, 0xC0C0C0}));
 
-    const std::vector<Exhibit> all = exhibits(width, height, "gradient.bmp");
+    const std::vector<Exhibit> all = exhibits(width, height, other);
     const Image sheet = blank_sheet(all.size() + 1);
     mount(sheet, 0, picture, "original");
     expect_work(all.size());
     for (size_t i = 0; i < all.size(); ++i) {
         const Exhibit& e = all[i];
         const Watch watch(e.effect->name());
-        // The page's commands are run in the folder.
-        const bool other = e.value.starts_with("gradient.bmp");
-        const Values values(e.effect->option, e.effect->parameters,
-                            other ? inside(e.value) : e.value);
+        std::string value = e.value;
+        if (value.starts_with(other))
+            value.replace(0, other.size(), other_now);
+        const Values values(e.effect->option, e.effect->parameters, value);
         Image result = e.effect->apply(copy_at_24_bits(picture), values);
         mount(sheet, i + 1, result, e.command().substr(2));
-        write_image(inside(e.file), std::move(result), fine);
+        gallery.add(e.file, std::move(result));
     }
-    write_image(inside("contact-sheet.jpg"), copy_at_24_bits(sheet), fine);
-    write_text(inside("index.html"), gallery_page(all));
+    gallery.add("contact-sheet.jpg", copy_at_24_bits(sheet));
+    gallery.add("index.html", gallery_page(all));
+    gallery.complete();
     report(folder_name, all.size() + 1);
 }
 

@@ -4,6 +4,7 @@
 #include "pictures/formats.hpp"
 #include "pictures/image.hpp"
 #include "pictures/known.hpp"
+#include "system/streams.hpp"
 
 #include <optional>
 
@@ -53,3 +54,5 @@ Format format_for(const std::string& name, const std::string& to);
 // The file appears once it is complete; "-" writes to standard output.
 Written write_picture(const std::string& name, Picture picture, const WriteOptions& options = {});
 Written write_image(const std::string& name, Image image, const WriteOptions& options = {});
+// As the file of this name is to be, which the caller completes.
+Written fill(Output& file, const std::string& name, Picture picture, const WriteOptions& options);

@@ -2,7 +2,6 @@
 #include "pictures/picture.hpp"
 #include "running/watch.hpp"
 #include "system/settings.hpp"
-#include "system/streams.hpp"
 
 namespace {
 
@@ -88,8 +87,7 @@ void check_writable(const std::string& name, const std::string& to) {
                          written_formats(", ."));
 }
 
-Written write_picture(const std::string& name, Picture picture, const WriteOptions& options) {
-    check_writable(name, options.to);
+Written fill(Output& file, const std::string& name, Picture picture, const WriteOptions& options) {
     const Watch watch("writing");
     const Format format = format_for(name, options.to);
     KirvoFilesSaveOptions how = as_structure(options, format);
@@ -101,10 +99,16 @@ Written write_picture(const std::string& name, Picture picture, const WriteOptio
         picture.known.set_data(KIRVO_FILES_DATA_COMMENT, options.comment.data(),
                                options.comment.size());
     const Encoded encoded(picture, how, shown(name, "standard output"));
-    Output output(name, options.replace || settings.force);
-    output.write(encoded.bytes(), encoded.count());
-    output.complete();
+    file.write(encoded.bytes(), encoded.count());
     return {encoded.count(), encoded.notes()};
+}
+
+Written write_picture(const std::string& name, Picture picture, const WriteOptions& options) {
+    check_writable(name, options.to);
+    Output output(name, options.replace || settings.force);
+    const Written written = fill(output, name, std::move(picture), options);
+    output.complete();
+    return written;
 }
 
 Written write_image(const std::string& name, Image image, const WriteOptions& options) {

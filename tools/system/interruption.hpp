@@ -10,7 +10,7 @@ void clean_up_when_interrupted();
 
 constexpr size_t most_workers = 60;
 
-// A file that must not outlive the program.
+// A file, or a folder if it is empty by then, that must not outlive the program.
 class Perishable {
   public:
     explicit Perishable(const std::filesystem::path& name);

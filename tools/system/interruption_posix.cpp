@@ -2,6 +2,7 @@
 #include "system/interruption_table.hpp"
 
 #include <csignal>
+#include <ranges>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,9 +20,9 @@ void on_interrupt(int signal) {
         if (process != 0)
             waitpid(static_cast<pid_t>(process), nullptr, 0);
     }
-    for (const char* name : perishable) {
-        if (name != nullptr)
-            unlink(name);
+    for (const char* name : perishable | std::views::reverse) {
+        if (name != nullptr && unlink(name) != 0)
+            rmdir(name);
     }
     if (bar_is_drawn()) [[maybe_unused]]
         const auto written = write(STDERR_FILENO, "\n", 1);

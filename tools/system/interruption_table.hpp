@@ -5,6 +5,6 @@
 
 #include <atomic>
 
-constexpr size_t most_perishable = most_workers + 8;
+constexpr size_t most_perishable = 200; // a gallery has some seventy files
 extern std::atomic<const std::filesystem::path::value_type*> perishable[most_perishable];
 extern std::atomic<std::ptrdiff_t> mortal[most_workers];

@@ -1,6 +1,7 @@
 #include "system/interruption_table.hpp"
 #include "system/terminal.hpp"
 
+#include <ranges>
 #include <windows.h>
 
 namespace {
@@ -15,13 +16,14 @@ void end_process(HANDLE process) {
     WaitForSingleObject(process, 3000);
 }
 
-void delete_file(const wchar_t* name) {
+void remove(const wchar_t* name) {
     // While the other thread is still writing; it closes the file soon.
     for (int attempt = 0; attempt < 300; ++attempt) {
         if (DeleteFileW(name) || GetLastError() != ERROR_SHARING_VIOLATION)
             break;
         Sleep(10);
     }
+    RemoveDirectoryW(name);
 }
 
 BOOL WINAPI on_interrupt(DWORD) {
@@ -30,9 +32,9 @@ BOOL WINAPI on_interrupt(DWORD) {
         if (process != 0)
             end_process(reinterpret_cast<HANDLE>(process.load()));
     }
-    for (const wchar_t* name : perishable) {
+    for (const wchar_t* name : perishable | std::views::reverse) {
         if (name != nullptr)
-            delete_file(name);
+            remove(name);
     }
     restore_console();
     return TerminateProcess(GetCurrentProcess(), 130);

@@ -79,6 +79,25 @@ void check_replaceable(const std::string& name, bool replace) {
         throw Failure(name, "the file exists; --force replaces it");
 }
 
+bool make_folder(const fs::path& name) {
+    std::error_code error;
+    const bool made = fs::create_directories(name, error);
+    if (!fs::is_directory(name))
+        throw Failure(text_of(name), "the folder cannot be made: " + error.message());
+    return made;
+}
+
+NewFolder::NewFolder(const fs::path& name) {
+    if (make_folder(name))
+        made_.emplace(name);
+}
+
+NewFolder::~NewFolder() {
+    std::error_code error;
+    if (made_)
+        fs::remove(made_->name(), error); // which leaves a folder that holds something
+}
+
 Output::Output(const std::string& name, bool replace) : name_(name), replace_(replace) {
     check_replaceable(name, replace);
     if (name != "-")

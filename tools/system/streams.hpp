@@ -25,6 +25,21 @@ class Output {
     std::optional<Part> part_; // none for standard output
 };
 
+// Makes a folder that is missing; false where it is there. Throws Failure.
+bool make_folder(const std::filesystem::path& name);
+
+// A folder to write into, made where it is missing, and gone again where nothing came into it.
+class NewFolder {
+  public:
+    explicit NewFolder(const std::filesystem::path& name);
+    ~NewFolder();
+    NewFolder(const NewFolder&) = delete;
+    NewFolder& operator=(const NewFolder&) = delete;
+
+  private:
+    std::optional<Perishable> made_; // unless it was there
+};
+
 // Throws as Output does; asked before long work.
 void check_replaceable(const std::string& name, bool replace);
 
