@@ -11,6 +11,11 @@ if(NOT Python3_FOUND)
     message(WARNING "The tests are not built: they need Debian's python3 package")
     return()
 endif()
+set(kirvo_wine ${CMAKE_CROSSCOMPILING_EMULATOR})
+if(kirvo_wine)
+    set(CMAKE_CROSSCOMPILING_EMULATOR
+        ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/support/emulated.py ${kirvo_wine})
+endif()
 if(WIN32)
     target_include_directories(gtest SYSTEM BEFORE PUBLIC ${PROJECT_SOURCE_DIR}/tests/support/mingw)
 endif()
@@ -147,7 +152,7 @@ if(NOT KIRVO_SANITIZE)
     target_link_libraries(kirvo_agreement PRIVATE kirvo_public_test_support)
     add_test(NAME kirvo_agreement
              COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/agreement/compare.py 3000
-                     ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:kirvo_agreement>)
+                     ${kirvo_wine} $<TARGET_FILE:kirvo_agreement>)
     set_tests_properties(kirvo_agreement PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 900)
 endif()
 
@@ -265,7 +270,7 @@ endif()
 set(terminal ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/tool/terminal.py)
 if(TARGET kirvo_tool AND WIN32)
     add_test(NAME kirvo_tool_interruption
-             COMMAND ${terminal} WindowsInterruption ${CMAKE_CROSSCOMPILING_EMULATOR}
+             COMMAND ${terminal} WindowsInterruption ${kirvo_wine}
                      $<TARGET_FILE:kirvo_tool>)
 elseif(TARGET kirvo_tool AND NOT KIRVO_SANITIZE)
     foreach(group IN ITEMS Interruption ProgressBar Colours Completions ManualPage)
@@ -336,6 +341,6 @@ if(KIRVO_EXAMPLES)
     foreach(example IN LISTS examples)
         add_test(NAME kirvo_example_${example}
                  COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tests/examples/check.py
-                         ${example} ${PROJECT_BINARY_DIR}/examples ${CMAKE_CROSSCOMPILING_EMULATOR})
+                         ${example} ${PROJECT_BINARY_DIR}/examples ${kirvo_wine})
     endforeach()
 endif()

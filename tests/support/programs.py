@@ -3,18 +3,24 @@ import subprocess
 import tempfile
 
 
-def run(*command, code=0, **options):
-    """What a command prints, which must end with an exit code.
+ATTEMPTS = 3
 
-    Under load Wine now and then does not start a program, or its own loader fails when the program
-    has ended. Such a program is run again: those under test say why they fail, and none ends with 127.
+
+def is_unexplained(code, spoke):
+    """Whether it was Wine that failed.
+
+    Under load it now and then does not start a program, without a word, or its own loader fails when
+    the program has ended. Programs under test say why they fail, and none ends with 127.
     """
+    return code == 127 or (code == 1 and not spoke)
+
+
+def run(*command, code=0, **options):
+    """What a command prints, which must end with an exit code."""
     command = list(map(str, command))
-    emulated = command[0].endswith("script/wine")
-    for _ in range(3 if emulated else 1):
+    for _ in range(ATTEMPTS if command[0].endswith("script/wine") else 1):
         returned, text = outcome(command, options)
-        unexplained = returned == 127 or (returned != 0 and not text)
-        if not unexplained:
+        if not is_unexplained(returned, text):
             break
     assert returned == code, f"{command}: exit code {returned}\n{text}"
     return text
