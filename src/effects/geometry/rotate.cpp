@@ -1,6 +1,7 @@
 // A quarter turn of a rectangle into a new image.
 #include "image/masks.hpp"
 #include "image/progress.hpp"
+#include "image/stream.hpp"
 #include "simd/kernels.hpp"
 
 namespace kirvo {
@@ -11,15 +12,11 @@ constexpr RowStart start = RowStart::after_40;
 
 enum class Direction : int32_t { clockwise, counter_clockwise };
 
-enum class Use { read, write };
-
-// Asks for rows of bytes ahead of their use: the processor does not foresee steps from row to row.
-template<Use use>
-void prefetch(const uint8_t* rows, ptrdiff_t step, size_t bytes, int32_t count) {
+// Asks for a tile ahead of its use, whose rows may begin anywhere in lines of the caches.
+void prefetch_rows(const uint8_t* rows, ptrdiff_t step, size_t bytes, int32_t count) {
     constexpr size_t line = 64;
     for (int32_t i = 0; i < count; ++i, rows += step)
-        for (size_t at = 0; at < bytes + line - 1; at += line)
-            __builtin_prefetch(rows + at, use == Use::write);
+        prefetch(rows, bytes + line - 1);
 }
 
 // Stored row k of the rectangle, from its bottom, becomes column k from the left and runs downward
@@ -71,10 +68,10 @@ class QuarterTurn {
             prefetch_tile(x + columns, 0);
     }
     [[gnu::always_inline]] void prefetch_tile(int32_t x, int32_t k) const {
-        prefetch<Use::read>(source(x, k), from_.stride, bytes_ * static_cast<size_t>(columns_at(x)),
-                            rows_at(k));
-        prefetch<Use::write>(target(x, k), to_.stride, bytes_ * static_cast<size_t>(rows_at(k)),
-                             columns_at(x));
+        prefetch_rows(source(x, k), from_.stride, bytes_ * static_cast<size_t>(columns_at(x)),
+                      rows_at(k));
+        prefetch_rows(target(x, k), to_.stride, bytes_ * static_cast<size_t>(rows_at(k)),
+                      columns_at(x));
     }
 
     Rows to_, from_;

@@ -127,8 +127,10 @@ struct ByteKernels {
         size_t at = head;
         for (; at + line <= bytes; at += line) {
             Register parts[line / V::size];
+#pragma GCC unroll 4
             for (size_t i = 0; i < line / V::size; ++i)
                 parts[i] = V::load(from + at + i * V::size);
+#pragma GCC unroll 4
             for (size_t i = 0; i < line / V::size; ++i)
                 V::stream(to + at + i * V::size, parts[i]);
         }
