@@ -90,7 +90,7 @@ constexpr Kernels table_of() {
                               Exchange::template exchange_reversed<3>,
                               Exchange::template exchange_reversed<4>},
         .transpose = {Turn::template transpose<1>, Turn::template transpose<2>,
-                      Turn::template transpose<3>, Turn::template transpose<4>},
+                      Turn::template transpose<3>, Exchange::template transpose<4>},
         .inverse_dct = InverseDct<Narrow>::inverse_dct,
         .chroma_terms = Decode::chroma_terms,
         .decoded_grey = Decode::grey,
