@@ -24,6 +24,7 @@ class SourceReader {
     const uint8_t* operator[](int32_t row) const {
         const size_t bytes = format_.bytes() * count_;
         const uint8_t* pixels = rows_[row] + format_.bytes() * first_;
+        prefetch(pixels - rows_.stride, bytes); // the one that comes next
         // The padding of the last row may be missing from the block.
         if (static_cast<size_t>(rows_.end - pixels) < bytes) {
             copy_up_to(raw_.data(), pixels, bytes, rows_.end);
