@@ -64,11 +64,13 @@ template<typename T>
 void pick_along(T* to, const T* line, size_t count, size_t step, size_t side,
                 const Kernels::Pick<T> (&pick)[3], T* a, T* b) {
     size_t run = 1;
-    for (; 4 * run < side; run *= 4) {
+    while (4 * run < side) {
         T* next = line == a ? b : a;
         const size_t one = step * run;
-        pick[2](next, line, line + one, line + 2 * one, line + 3 * one,
-                step * (count + side - 4 * run));
+        const size_t runs = std::min<size_t>(4, (side + 4 * run - 1) / (4 * run));
+        run *= runs;
+        pick[runs - 2](next, line, line + one, line + 2 * one, line + 3 * one,
+                       step * (count + side - run));
         line = next;
     }
     // Two to four runs cover the side; the last one ends where it does.

@@ -23,8 +23,13 @@ struct ExtremeKernels {
                 extreme = of(extreme, of(V::load(c + i), V::load(d + i)));
             V::store(to + i, extreme);
         };
-        if (!each_step<step>(count, block))
-            (scalar::kernels.*rest)[rows - 2](to, a, b, c, d, count);
+        if (count < step)
+            return (scalar::kernels.*rest)[rows - 2](to, a, b, c, d, count);
+        const size_t last = count - step;
+        for (size_t i = 0; i < count; i += 2 * step) { // two at once: up to a fifth
+            block(i < last ? i : last);
+            block(i + step < last ? i + step : last);
+        }
     }
 
     // All windows share the rows from where the last one begins to where the first one ends.
