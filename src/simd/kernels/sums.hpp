@@ -13,6 +13,10 @@ struct ExtremeKernels {
     using Register = typename V::Register;
     static constexpr size_t step = V::size / sizeof(T);
 
+    static size_t to_line(const T* to) {
+        return elements_to_line<sizeof(T)>(reinterpret_cast<const uint8_t*>(to)) % step;
+    }
+
     template<int rows>
     static void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
         const auto block = [&](size_t i) {
@@ -26,7 +30,8 @@ struct ExtremeKernels {
         if (count < step)
             return (scalar::kernels.*rest)[rows - 2](to, a, b, c, d, count);
         const size_t last = count - step;
-        for (size_t i = 0; i < count; i += 2 * step) { // two at once: up to a fifth
+        block(0);
+        for (size_t i = to_line(to); i < count; i += 2 * step) { // two at once: up to a fifth
             block(i < last ? i : last);
             block(i + step < last ? i + step : last);
         }
@@ -60,7 +65,8 @@ struct ExtremeKernels {
             if (to[windows] != nullptr)
                 V::store(to[windows] + i, of(after, at(n - 1)));
         };
-        if (!each_step<step>(count, block))
+        const size_t first = to_line(to[0]);
+        if (!each_step<step>(count, block, first != 0 ? first : step))
             (scalar::kernels.*rest_of_rows)[windows / 4](to, rows, n, count, ahead);
     }
 };
