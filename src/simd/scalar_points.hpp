@@ -29,15 +29,13 @@ void map(uint8_t* to, const uint8_t* from, size_t bytes, const Levels& levels) {
         to[i] = levels.level[from[i]];
 }
 
-void invert(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
+template<auto change>
+void changed(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
     for (size_t i = 0; i < bytes; ++i)
-        to[i] = static_cast<uint8_t>(from[i] ^ pattern >> 8 * (i % 4));
+        to[i] = static_cast<uint8_t>(change(from[i], pattern >> 8 * (i % 4)));
 }
-
-void keep_bits(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
-    for (size_t i = 0; i < bytes; ++i)
-        to[i] = static_cast<uint8_t>(from[i] & pattern >> 8 * (i % 4));
-}
+constexpr auto invert = changed<[](uint32_t byte, uint32_t bits) { return byte ^ bits; }>;
+constexpr auto keep_bits = changed<[](uint32_t byte, uint32_t bits) { return byte & bits; }>;
 
 void correct(uint8_t* to, const uint8_t* from, const uint8_t* plus, const uint8_t* minus,
              size_t bytes) {

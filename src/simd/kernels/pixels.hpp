@@ -3,8 +3,6 @@
 
 #include "simd/kernels/loops.hpp"
 
-#include <array>
-
 namespace kirvo {
 namespace {
 
@@ -28,31 +26,8 @@ struct PixelKernels {
         }
     }
 
-    // What stays of a vector whose first byte is so many behind a pixel's, where channels stay or go.
-    static Register kept(const ChannelOrder& order, size_t offset) {
-        static constexpr auto every_third = [] {
-            std::array<uint8_t, V::size + 2> bytes = {};
-            for (size_t i = 0; i < bytes.size(); i += 3)
-                bytes[i] = 0xFF;
-            return bytes;
-        }();
-        Register sum = V::zero();
-        for (size_t c = 0; c < 3; ++c)
-            if (order.from[c] == c)
-                sum = V::either(sum, V::load(every_third.data() + (offset + 3 - c) % 3));
-        return sum;
-    }
     static void permute(uint8_t* to, const uint8_t* from, size_t pixels,
                         const ChannelOrder& order) {
-        const auto stays = [&](size_t c) { return order.from[c] == c || order.from[c] == no_byte; };
-        if (stays(0) && stays(1) && stays(2)) {
-            const Planes masks = {kept(order, 0), kept(order, V::size), kept(order, 2 * V::size)};
-            return each_block<3, V::size>(to, from, pixels, [&](uint8_t* out, const uint8_t* in) {
-                V::store(out, V::both(V::load(in), masks.blue));
-                V::store(out + V::size, V::both(V::load(in + V::size), masks.green));
-                V::store(out + 2 * V::size, V::both(V::load(in + 2 * V::size), masks.red));
-            });
-        }
         each_block<3, V::size>(to, from, pixels, [&](uint8_t* out, const uint8_t* in) {
             const Planes p = V::load_planes(in);
             const Register source[] = {p.blue, p.green, p.red, V::zero()};

@@ -13,10 +13,6 @@ struct ExtremeKernels {
     using Register = typename V::Register;
     static constexpr size_t step = V::size / sizeof(T);
 
-    static size_t to_line(const T* to) {
-        return elements_to_line<sizeof(T)>(reinterpret_cast<const uint8_t*>(to)) % step;
-    }
-
     template<int rows>
     static void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
         const auto block = [&](size_t i) {
@@ -31,7 +27,8 @@ struct ExtremeKernels {
             return (scalar::kernels.*rest)[rows - 2](to, a, b, c, d, count);
         const size_t last = count - step;
         block(0);
-        for (size_t i = to_line(to); i < count; i += 2 * step) { // two at once: up to a fifth
+        for (size_t i = elements_to_line<sizeof(T)>(to) % step; i < count;
+             i += 2 * step) { // two at once: up to a fifth
             block(i < last ? i : last);
             block(i + step < last ? i + step : last);
         }
@@ -65,8 +62,7 @@ struct ExtremeKernels {
             if (to[windows] != nullptr)
                 V::store(to[windows] + i, of(after, at(n - 1)));
         };
-        const size_t first = to_line(to[0]);
-        if (!each_step<step>(count, block, first != 0 ? first : step))
+        if (!each_aligned_step<step, sizeof(T)>(to[0], count, block))
             (scalar::kernels.*rest_of_rows)[windows / 4](to, rows, n, count, ahead);
     }
 };
