@@ -108,4 +108,18 @@ void pack_row(const PixelFormat& format, const uint8_t* bgr, uint8_t* row, size_
     convert_row(format24, bgr, format, row, count);
 }
 
+void ChannelBits::keep(uint8_t* to, const uint8_t* from, size_t count) const {
+    const ChannelBits bits = *this; // which no row changes
+    const size_t bytes = 3 * count;
+    size_t i = 0;
+    for (; i + sizeof pattern_ <= bytes; i += sizeof pattern_) {
+#pragma GCC ivdep
+#pragma GCC unroll 6
+        for (size_t j = 0; j < sizeof pattern_; ++j)
+            to[i + j] = from[i + j] & bits.pattern_[j];
+    }
+    for (size_t j = 0; i + j < bytes; ++j)
+        to[i + j] = from[i + j] & bits.pattern_[j];
+}
+
 } // namespace kirvo
