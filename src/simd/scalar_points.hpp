@@ -59,7 +59,7 @@ void map_channels(uint8_t* to, const uint8_t* from, size_t pixels, const Channel
 
 void permute(uint8_t* to, const uint8_t* from, size_t pixels, const ChannelOrder& order) {
     for (; pixels != 0; --pixels, to += 3, from += 3) {
-        const uint8_t source[4] = {from[0], from[1], from[2], 0};
+        const uint8_t source[] = {from[0], from[1], from[2]};
         for (int c = 0; c < 3; ++c)
             to[c] = source[order.from[c]];
     }
