@@ -3,6 +3,7 @@
 #include "simd/kernels.hpp"
 
 #include <cstring>
+#include <iterator>
 
 namespace kirvo {
 
@@ -109,17 +110,21 @@ void pack_row(const PixelFormat& format, const uint8_t* bgr, uint8_t* row, size_
 }
 
 void ChannelBits::keep(uint8_t* to, const uint8_t* from, size_t count) const {
-    const ChannelBits bits = *this; // which no row changes
+    // Vectors by name: the compiler makes none of bytes that may be those just stored.
+    using Vector [[gnu::vector_size(16), gnu::aligned(1), gnu::may_alias]] = uint8_t;
+    Vector kept[sizeof pattern_ / sizeof(Vector)];
+    std::memcpy(kept, pattern_, sizeof kept);
     const size_t bytes = 3 * count;
     size_t i = 0;
-    for (; i + sizeof pattern_ <= bytes; i += sizeof pattern_) {
-#pragma GCC ivdep
-#pragma GCC unroll 6
-        for (size_t j = 0; j < sizeof pattern_; ++j)
-            to[i + j] = from[i + j] & bits.pattern_[j];
+    for (; i + sizeof kept <= bytes; i += sizeof kept) {
+        const auto* in = reinterpret_cast<const Vector*>(from + i);
+        auto* out = reinterpret_cast<Vector*>(to + i);
+#pragma GCC unroll 3
+        for (size_t j = 0; j < std::size(kept); ++j)
+            out[j] = in[j] & kept[j];
     }
     for (size_t j = 0; i + j < bytes; ++j)
-        to[i + j] = from[i + j] & bits.pattern_[j];
+        to[i + j] = from[i + j] & pattern_[j];
 }
 
 } // namespace kirvo

@@ -79,7 +79,7 @@ class ChannelBits {
     void keep(uint8_t* to, const uint8_t* from, size_t count) const;
 
   private:
-    uint8_t pattern_[96] = {}; // whole pixels and whole vectors
+    uint8_t pattern_[48] = {}; // whole pixels and whole vectors
 };
 
 // The entries of the colour table at the given byte of the block; those beyond its end are black.
