@@ -117,8 +117,8 @@ void ChannelBits::keep(uint8_t* to, const uint8_t* from, size_t count) const {
     const size_t bytes = 3 * count;
     size_t i = 0;
     for (; i + sizeof kept <= bytes; i += sizeof kept) {
-        const auto* in = reinterpret_cast<const Vector*>(from + i);
-        auto* out = reinterpret_cast<Vector*>(to + i);
+        const Vector* in = reinterpret_cast<const Vector*>(from + i);
+        Vector* out = reinterpret_cast<Vector*>(to + i);
 #pragma GCC unroll 3
         for (size_t j = 0; j < std::size(kept); ++j)
             out[j] = in[j] & kept[j];
