@@ -3,8 +3,6 @@
 #include "image/pixel_reader.hpp"
 #include "image/progress.hpp"
 
-#include <array>
-
 namespace kirvo {
 
 namespace {
@@ -62,21 +60,6 @@ HGLOBAL convert(HGLOBAL from, const Depths& depths, int32_t bits, int32_t* statu
 constexpr bool is_bit_count(int32_t bits) { return bits >= 0 && bits <= 8; }
 constexpr uint8_t top_bits(int32_t count) { return static_cast<uint8_t>(0xFF00 >> count); }
 
-// What stays of the bytes of a row: whole pixels and whole vectors.
-using KeptBits = std::array<uint8_t, 96>;
-
-void keep_bits(uint8_t* bgr, size_t count, const KeptBits& kept) {
-    const KeptBits pattern = kept; // no row changes it
-    const size_t bytes = 3 * count;
-    size_t i = 0;
-    for (; i + pattern.size() <= bytes; i += pattern.size()) {
-        for (size_t j = 0; j < pattern.size(); ++j)
-            bgr[i + j] &= pattern[j];
-    }
-    for (size_t j = 0; i + j < bytes; ++j)
-        bgr[i + j] &= pattern[j];
-}
-
 Status cut_depth(const LockedDib& from, const uint8_t (&keep)[3], OwnedBlock& result) {
     if (!from)
         return Status::null_handle;
@@ -87,11 +70,9 @@ Status cut_depth(const LockedDib& from, const uint8_t (&keep)[3], OwnedBlock& re
         return status;
     const LockedDib copy(result.get());
     const Rows rows = copy.rows(RowStart::after_header);
-    KeptBits kept;
-    for (size_t i = 0; i < kept.size(); ++i)
-        kept[i] = keep[i % 3];
+    const ChannelBits kept(keep);
     for (int32_t row = 0; row < copy.height(); ++row)
-        keep_bits(rows[row], static_cast<size_t>(copy.width()), kept);
+        kept.keep(rows[row], rows[row], static_cast<size_t>(copy.width()));
     return Status::ok;
 }
 

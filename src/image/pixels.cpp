@@ -3,6 +3,7 @@
 #include "simd/kernels.hpp"
 
 #include <cstring>
+#include <iterator>
 
 namespace kirvo {
 
@@ -106,6 +107,24 @@ void unpack_row(const PixelFormat& format, const uint8_t* row, uint8_t* bgr, siz
 
 void pack_row(const PixelFormat& format, const uint8_t* bgr, uint8_t* row, size_t count) {
     convert_row(format24, bgr, format, row, count);
+}
+
+void ChannelBits::keep(uint8_t* to, const uint8_t* from, size_t count) const {
+    // Vectors by name: the compiler makes none of bytes that may be those just stored.
+    using Vector [[gnu::vector_size(16), gnu::aligned(1), gnu::may_alias]] = uint8_t;
+    Vector kept[sizeof pattern_ / sizeof(Vector)];
+    std::memcpy(kept, pattern_, sizeof kept);
+    const size_t bytes = 3 * count;
+    size_t i = 0;
+    for (; i + sizeof kept <= bytes; i += sizeof kept) {
+        const Vector* in = reinterpret_cast<const Vector*>(from + i);
+        Vector* out = reinterpret_cast<Vector*>(to + i);
+#pragma GCC unroll 3
+        for (size_t j = 0; j < std::size(kept); ++j)
+            out[j] = in[j] & kept[j];
+    }
+    for (size_t j = 0; i + j < bytes; ++j)
+        to[i + j] = from[i + j] & pattern_[j];
 }
 
 } // namespace kirvo

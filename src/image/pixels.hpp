@@ -68,6 +68,20 @@ void convert_row(const PixelFormat& from_format, const uint8_t* from, const Pixe
 void unpack_row(const PixelFormat& format, const uint8_t* row, uint8_t* bgr, size_t count);
 void pack_row(const PixelFormat& format, const uint8_t* bgr, uint8_t* row, size_t count);
 
+// Bits of the channels of 24-bit pixels: blue, green, red.
+class ChannelBits {
+  public:
+    constexpr explicit ChannelBits(const uint8_t (&bits)[3]) {
+        for (size_t i = 0; i < sizeof pattern_; ++i)
+            pattern_[i] = bits[i % 3];
+    }
+    // What has these bits of count pixels; both rows may be the same.
+    void keep(uint8_t* to, const uint8_t* from, size_t count) const;
+
+  private:
+    uint8_t pattern_[48] = {}; // whole pixels and whole vectors
+};
+
 // The entries of the colour table at the given byte of the block; those beyond its end are black.
 struct ColourTable {
     RGBQUAD entry[256];

@@ -114,6 +114,7 @@ class RectOperation {
         return rows_[bottom_row(source_.height(), rect_) + r] +
                static_cast<size_t>(rect_.x) * static_cast<size_t>(source_.bits() / 8);
     }
+    ptrdiff_t stride() const { return rows_.stride; }
     // Calls work(r) for the rectangle's rows in the order of storage and reports the progress.
     template<typename F>
     void each_row(const F& work) const {

@@ -80,7 +80,8 @@ class Spares {
 
     void keep(Memory memory) {
         if (memory.mapped <= largest) {
-            madvise(memory.address, memory.mapped, MADV_FREE);
+            if (memory.mapped > held)
+                madvise(memory.address, memory.mapped, MADV_FREE);
             memory.zero = false;
             const kirvo::SpinGuard guard(lock_);
             std::swap(memory, *place());
@@ -98,6 +99,8 @@ class Spares {
     }
 
     static constexpr size_t largest = size_t{128} << 20;
+    // What is not worth a call of the system, which also takes away the pages' translations.
+    static constexpr size_t held = size_t{8} << 20;
     static constexpr uint32_t count = 4;
 
     Memory kept_[count] = {};
@@ -107,15 +110,19 @@ class Spares {
 
 Spares spares;
 
+bool comes_from_heap(size_t bytes) { return bytes < mapped_from || bytes >= SIZE_MAX / 2; }
+
 Memory acquire(size_t bytes) {
-    if (bytes < mapped_from || bytes >= SIZE_MAX / 2)
-        return {std::calloc(1, bytes == 0 ? 1 : bytes), 0, true};
+    if (comes_from_heap(bytes))
+        return {std::malloc(bytes == 0 ? 1 : bytes), 0, false};
     const Memory spare = spares.take(bytes);
     return spare.mapped != 0 ? spare : map_huge(bytes);
 }
 
 // Clearing much memory that may never be touched takes longer than mapping it.
 Memory acquire_zeroed(size_t bytes) {
+    if (comes_from_heap(bytes))
+        return {std::calloc(1, bytes == 0 ? 1 : bytes), 0, true};
     constexpr size_t cleared_at_most = std::max(size_t{64} << 20, mapped_from);
     if (bytes > cleared_at_most && bytes < SIZE_MAX / 2)
         return map_huge(bytes);

@@ -22,9 +22,9 @@ struct ChannelLevels {
     Levels channel[3];
 };
 
-enum ChannelByte : uint8_t { blue_byte, green_byte, red_byte, no_byte };
+enum ChannelByte : uint8_t { blue_byte, green_byte, red_byte };
 
-// Each byte of a 24-bit pixel comes from the byte of that place in the source, or is 0 from no_byte.
+// Each byte of a 24-bit pixel comes from the byte of that place in the source.
 struct ChannelOrder {
     uint8_t from[3];
 };

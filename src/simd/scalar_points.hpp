@@ -29,15 +29,13 @@ void map(uint8_t* to, const uint8_t* from, size_t bytes, const Levels& levels) {
         to[i] = levels.level[from[i]];
 }
 
-void invert(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
+template<auto change>
+void changed(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
     for (size_t i = 0; i < bytes; ++i)
-        to[i] = static_cast<uint8_t>(from[i] ^ pattern >> 8 * (i % 4));
+        to[i] = static_cast<uint8_t>(change(from[i], pattern >> 8 * (i % 4)));
 }
-
-void keep_bits(uint8_t* to, const uint8_t* from, size_t bytes, uint32_t pattern) {
-    for (size_t i = 0; i < bytes; ++i)
-        to[i] = static_cast<uint8_t>(from[i] & pattern >> 8 * (i % 4));
-}
+constexpr auto invert = changed<[](uint32_t byte, uint32_t bits) { return byte ^ bits; }>;
+constexpr auto keep_bits = changed<[](uint32_t byte, uint32_t bits) { return byte & bits; }>;
 
 void correct(uint8_t* to, const uint8_t* from, const uint8_t* plus, const uint8_t* minus,
              size_t bytes) {
@@ -61,7 +59,7 @@ void map_channels(uint8_t* to, const uint8_t* from, size_t pixels, const Channel
 
 void permute(uint8_t* to, const uint8_t* from, size_t pixels, const ChannelOrder& order) {
     for (; pixels != 0; --pixels, to += 3, from += 3) {
-        const uint8_t source[4] = {from[0], from[1], from[2], 0};
+        const uint8_t source[] = {from[0], from[1], from[2]};
         for (int c = 0; c < 3; ++c)
             to[c] = source[order.from[c]];
     }

@@ -15,12 +15,10 @@ struct Field {
         return int64_t{x} + width <= dib.width() && int64_t{stored_row} + height <= dib.height() &&
                dib.holds_rows(RowStart::after_40);
     }
-    // Copies bytes from the field's row on: the padding of the result comes from the pixels that
-    // follow.
-    void copy_row(uint8_t* to, int32_t row, size_t bytes) const {
-        const size_t left = static_cast<size_t>(x) * static_cast<size_t>(dib.bits() / 8);
-        copy_up_to(to, dib.rows(RowStart::after_40)[int64_t{stored_row} + row] + left, bytes,
-                   dib.end());
+    Rows rows() const {
+        Rows rows = dib.rows(RowStart::after_40);
+        rows.first = rows[stored_row] + ptrdiff_t{x} * (dib.bits() / 8);
+        return rows;
     }
 };
 
@@ -47,11 +45,13 @@ Status interleave(const Field& even, const Field& odd, int32_t width, int32_t he
     if (!to)
         return Status::no_memory;
     copy_masks(to, even.dib);
-    const Rows rows = to.rows(RowStart::after_40);
+    const Rows rows = to.rows(RowStart::after_40), evens = even.rows(), odds = odd.rows();
+    // Whole rows of the result: their padding comes from the pixels that follow in the field.
     const auto bytes = static_cast<size_t>(to.stride());
+    const CopyBytes copy = copy_for(bytes, 2 * static_cast<uint64_t>(height));
     each_step(height, [&](int32_t i) {
-        even.copy_row(rows[2 * int64_t{i}], i, bytes);
-        odd.copy_row(rows[2 * int64_t{i} + 1], i, bytes);
+        copy_up_to(rows[2 * int64_t{i}], evens[i], bytes, evens.end, copy);
+        copy_up_to(rows[2 * int64_t{i} + 1], odds[i], bytes, odds.end, copy);
     });
     result.reset(block.release());
     return Status::ok;

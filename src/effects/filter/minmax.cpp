@@ -21,14 +21,14 @@ constexpr int32_t most_abreast = 8;        // squares
 constexpr int32_t smallest_of_blocks = 32; // the side of a square that is worth the making
 constexpr int32_t kept_blocks = 2 * largest_radius / most_abreast;
 
-// Rows of as many elements that start on cache lines.
+// Rows of as many elements, all of which start at one place of their cache lines.
 template<typename T>
 class AlignedLines {
   public:
-    AlignedLines(int32_t rows, size_t count)
+    AlignedLines(int32_t rows, size_t count, uintptr_t place)
         : elements_(static_cast<uint64_t>(rows) * in_lines(count)), row_(in_lines(count)),
           memory_(elements_ * sizeof(T) + line_bytes), first_(memory_.as<T>()) {
-        first_ += -reinterpret_cast<uintptr_t>(first_) % line_bytes / sizeof(T);
+        first_ += (place - reinterpret_cast<uintptr_t>(first_)) % line_bytes / sizeof(T);
     }
 
     explicit operator bool() const { return static_cast<bool>(memory_); }
@@ -64,11 +64,13 @@ template<typename T>
 void pick_along(T* to, const T* line, size_t count, size_t step, size_t side,
                 const Kernels::Pick<T> (&pick)[3], T* a, T* b) {
     size_t run = 1;
-    for (; 4 * run < side; run *= 4) {
+    while (4 * run < side) {
         T* next = line == a ? b : a;
         const size_t one = step * run;
-        pick[2](next, line, line + one, line + 2 * one, line + 3 * one,
-                step * (count + side - 4 * run));
+        const size_t runs = std::min<size_t>(4, (side + 4 * run - 1) / (4 * run));
+        run *= runs;
+        pick[runs - 2](next, line, line + one, line + 2 * one, line + 3 * one,
+                       step * (count + side - run));
         line = next;
     }
     // Two to four runs cover the side; the last one ends where it does.
@@ -90,6 +92,17 @@ struct Setting {
     const uint8_t* pixels(const Patch& patch, int32_t row) const {
         const int64_t column = patch.first_column + static_cast<int64_t>(patch.begin);
         return from[patch.first_row + row] + static_cast<size_t>(column) * format.bytes();
+    }
+    // Where the pixels of the rectangle begin. What is made of them begins at the same place of its
+    // lines of the cache, so that vectors which are whole lines there are so everywhere.
+    uintptr_t place() const {
+        const int64_t row = bottom_row(operation.source().height(), operation.rect());
+        return reinterpret_cast<uintptr_t>(from[row]) +
+               static_cast<size_t>(operation.rect().x) * format.bytes();
+    }
+    // The same of what the squares reach, in cells of so many bytes.
+    uintptr_t reach_place(size_t cell_bytes) const {
+        return place() - static_cast<size_t>(radius) * cell_bytes;
     }
     uint8_t* result_pixels(const Patch& patch, int32_t row) const {
         return to[patch.row + row] + static_cast<size_t>(patch.column) * format.bytes();
@@ -113,7 +126,7 @@ class ChannelKind {
           copy_(copy_for(setting.operation.width() * setting.format.bytes(),
                          static_cast<uint64_t>(setting.operation.rect().height))),
           pick_(setting.maximum ? kernels().highest8 : kernels().lowest8),
-          buffers_(3, elements_ * cells) {}
+          buffers_(3, elements_ * cells, setting.reach_place(elements_)) {}
 
     explicit operator bool() const { return static_cast<bool>(buffers_); }
 
@@ -272,9 +285,11 @@ class ExtremeFilter {
                 abreast_),
           cells_(static_cast<size_t>(std::min(setting.operation.rect().width, Kind::strip) + side_ -
                                      1)),
-          kind_(setting, cells_), rows_(kind_.loads() ? reached_ : 0, cells_ * elements_),
-          blocks_(of_blocks_ ? kept_blocks + 1 : 0, cells_ * elements_),
-          lines_(abreast_ + 1, cells_ * elements_) {}
+          kind_(setting, cells_),
+          rows_(kind_.loads() ? reached_ : 0, cells_ * elements_, setting.place()),
+          blocks_(of_blocks_ ? kept_blocks + 1 : 0, cells_ * elements_, setting.place()),
+          lines_(abreast_ + 1, cells_ * elements_,
+                 setting.reach_place(elements_ * sizeof(Element))) {}
 
     explicit operator bool() const { return kind_ && rows_ && blocks_ && lines_; }
 

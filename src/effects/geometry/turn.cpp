@@ -1,5 +1,6 @@
 // Turns in place: upside down, left to right, both.
 #include "image/rect_operation.hpp"
+#include "image/stream.hpp"
 #include "simd/kernels.hpp"
 
 #include <algorithm>
@@ -51,11 +52,22 @@ Status exchange_rows(const RectOperation& operation, Exchange exchange, Middle m
     return Status::ok;
 }
 
+// The processor does not foresee which rows come next.
 Status flip(const RectOperation& operation) {
+    constexpr size_t part = 1024, in_caches = 2 << 20;
+    const size_t size = PixelRun(operation).size();
+    const bool outgrows_caches = size * static_cast<size_t>(operation.rect().height) > in_caches;
     return exchange_rows(
         operation,
         [&](uint8_t* lower, uint8_t* upper, uint8_t*) {
-            std::swap_ranges(lower, lower + PixelRun(operation).size(), upper);
+            for (size_t at = 0, now; at < size; at += now) {
+                now = std::min(part, size - at);
+                if (outgrows_caches) {
+                    prefetch(lower + at + operation.stride(), now);
+                    prefetch(upper + at - operation.stride(), now);
+                }
+                std::swap_ranges(lower + at, lower + at + now, upper + at);
+            }
         },
         [](uint8_t*) {});
 }

@@ -1,6 +1,7 @@
 // The mean of a box of source pixels under each pixel of a reduced image.
 #include "effects/geometry/zoom.hpp"
 #include "image/pixels.hpp"
+#include "image/stream.hpp"
 #include "simd/kernels.hpp"
 
 #include <bit>
@@ -23,6 +24,7 @@ class SourceReader {
     const uint8_t* operator[](int32_t row) const {
         const size_t bytes = format_.bytes() * count_;
         const uint8_t* pixels = rows_[row] + format_.bytes() * first_;
+        prefetch(pixels - rows_.stride, bytes); // the one that comes next
         // The padding of the last row may be missing from the block.
         if (static_cast<size_t>(rows_.end - pixels) < bytes) {
             copy_up_to(raw_.data(), pixels, bytes, rows_.end);
@@ -132,13 +134,6 @@ bool are_even(const Zoom& zoom, const BoxColumns* spans) {
             return false;
     return zoom.column(0) + int64_t{columns} * zoom.width() <= source.width() &&
            zoom.row(zoom.height() - 1) + int64_t{rows} <= source.height();
-}
-
-// Asks for a row of the boxes that follow: the processor does not foresee steps from row to row.
-void prefetch(const uint8_t* row, size_t bytes) {
-    constexpr size_t line = 64;
-    for (size_t at = 0; at < bytes; at += line)
-        __builtin_prefetch(row + at);
 }
 
 bool average_even(const Zoom& zoom, const Rows& to) {

@@ -14,7 +14,9 @@ class NumberSet {
     explicit NumberSet(int bits) : words_((size_t{1} << bits) / 32), memory_(4 * words_) {}
 
     explicit operator bool() const { return static_cast<bool>(memory_); }
-    void add(uint32_t number) const { memory_.as<uint32_t>()[number / 32] |= 1u << number % 32; }
+    void add(uint32_t number) const { add(words(), number); }
+    static void add(uint32_t* words, uint32_t number) { words[number / 32] |= 1u << number % 32; }
+    uint32_t* words() const { return memory_.as<uint32_t>(); }
     uint32_t count() const {
         uint32_t sum = 0;
         for (size_t i = 0; i < words_; i += in_line)
@@ -106,26 +108,35 @@ Status count_words(const LockedDib& dib, uint32_t& count) {
     return Status::ok;
 }
 
+// Adds 24-bit pixels after one of the last colour and answers that of their own last: runs of one
+// colour would wait for each other's stores. Alone, so that all it works on stays in registers.
+[[gnu::noinline]] uint32_t add_colours(const NumberSet& seen, uint32_t last, const uint8_t* bgr,
+                                       size_t pixels) {
+    uint32_t* const words = seen.words();
+    const auto add = [&](uint32_t colour) {
+        if (colour != last)
+            NumberSet::add(words, colour);
+        last = colour;
+    };
+    // All pixels but the last are loaded with a byte of the one that follows.
+    for (; pixels > 1; --pixels, bgr += 3) {
+        uint32_t word;
+        std::memcpy(&word, bgr, sizeof word);
+        add(word & 0xFFFFFF);
+    }
+    add(load_word(bgr, 3));
+    return last;
+}
+
 Status count_channels(const LockedDib& dib, uint32_t& count) {
     const NumberSet seen(24);
     if (!seen)
         return Status::no_memory;
     const PixelFormat format = PixelFormat::of(dib);
     const Rows rows = dib.rows(RowStart::after_header);
-    uint32_t last = UINT32_MAX; // runs of one colour would wait for each other's stores
-    const auto add_colour = [&](uint32_t colour) {
-        if (colour != last)
-            seen.add(colour);
-        last = colour;
-    };
-    // All pixels but the last are loaded with a byte of the one that follows.
+    uint32_t last = UINT32_MAX;
     const auto add = [&](const uint8_t* bgr, size_t pixels) {
-        for (; pixels > 1; --pixels, bgr += 3) {
-            uint32_t word;
-            std::memcpy(&word, bgr, sizeof word);
-            add_colour(word & 0xFFFFFF);
-        }
-        add_colour(load_word(bgr, 3));
+        last = add_colours(seen, last, bgr, pixels);
     };
     for (int32_t row = 0; row < dib.height(); ++row)
         read_row(format, rows[row], static_cast<size_t>(dib.width()), add);

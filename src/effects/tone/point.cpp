@@ -32,6 +32,17 @@ auto permuted(const ChannelOrder& order) {
     };
 }
 
+// One channel of count pixels, the others 0: red, green or blue.
+void keep_channel(int channel, const PixelFormat& format, uint8_t* to, const uint8_t* from,
+                  size_t count) {
+    static constexpr ChannelBits bits[] = {ChannelBits({0, 0, 255}), ChannelBits({0, 255, 0}),
+                                           ChannelBits({255, 0, 0})};
+    if (format.bits == 32 && format.has_byte_channels())
+        return kernels().keep_bits(to, from, 4 * count, format.masks.mask[channel]);
+    run_row([&](uint8_t* kept, const uint8_t* bgr, size_t n) { bits[channel].keep(kept, bgr, n); },
+            format, from, format, to, count);
+}
+
 // The 12 bytes behind the header go along whatever they are: masks, or pixels of an image without.
 void copy_mask_bytes(HGLOBAL to, const LockedDib& from) {
     uint8_t masks[mask_bytes];
@@ -190,9 +201,6 @@ HGLOBAL WINAPI DibColorMapEx(HGLOBAL dib, int32_t x, int32_t y, int32_t width, i
 
 int32_t WINAPI Dib24Separate(HGLOBAL dib, int32_t x, int32_t y, int32_t width, int32_t height,
                              HGLOBAL* red, HGLOBAL* green, HGLOBAL* blue) {
-    static constexpr ChannelOrder kept[] = {{{no_byte, no_byte, red_byte}},
-                                            {{no_byte, green_byte, no_byte}},
-                                            {{blue_byte, no_byte, no_byte}}};
     HGLOBAL* const outs[] = {red, green, blue};
     for (HGLOBAL* out : outs)
         report(out, HGLOBAL{});
@@ -208,8 +216,7 @@ int32_t WINAPI Dib24Separate(HGLOBAL dib, int32_t x, int32_t y, int32_t width, i
     }
     operation.each_row([&](int32_t r) {
         for (int c = 0; c < 3; ++c)
-            run_row(permuted(kept[c]), format, operation.row(r), format, results[c].row(r),
-                    operation.width());
+            keep_channel(c, format, results[c].row(r), operation.row(r), operation.width());
     });
     for (int c = 0; c < 3; ++c) {
         if (outs[c] != nullptr)

@@ -120,19 +120,14 @@ struct ByteKernels {
 
     // Lines of the cache that are written in part go through it.
     static void copy_past_caches(uint8_t* to, const uint8_t* from, size_t bytes) {
-        constexpr size_t line = 64;
-        const size_t to_line = -reinterpret_cast<uintptr_t>(to) % line;
-        const size_t head = bytes < to_line ? bytes : to_line;
+        const size_t to_line = elements_to_line<1>(to), head = bytes < to_line ? bytes : to_line;
+        const size_t end = bytes - (bytes - head) % line_bytes;
         std::memcpy(to, from, head);
-        size_t at = head;
-        for (; at + line <= bytes; at += line) {
-            Register parts[line / V::size];
-            for (size_t i = 0; i < line / V::size; ++i)
-                parts[i] = V::load(from + at + i * V::size);
-            for (size_t i = 0; i < line / V::size; ++i)
-                V::stream(to + at + i * V::size, parts[i]);
-        }
-        std::memcpy(to + at, from + at, bytes - at);
+        for (size_t line = head; line < end; line += line_bytes)
+#pragma GCC unroll 4
+            for (size_t at = line; at < line + line_bytes; at += V::size)
+                V::stream(to + at, V::load(from + at));
+        std::memcpy(to + end, from + end, bytes - end);
         V::end_stream();
     }
 };

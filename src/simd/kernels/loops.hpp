@@ -52,7 +52,7 @@ constexpr size_t line_bytes = 64; // of the cache
 
 // Elements of 1 to 4 bytes from an address to the next line of the cache, or 0 where none begins one.
 template<size_t size>
-size_t elements_to_line(const uint8_t* to) {
+size_t elements_to_line(const void* to) {
     const size_t bytes = -reinterpret_cast<uintptr_t>(to) % line_bytes;
     if constexpr (size == 3)
         return bytes * 43 % line_bytes; // 3 * 43 = 2 * 64 + 1
@@ -62,8 +62,7 @@ size_t elements_to_line(const uint8_t* to) {
 // As each_step, with all steps but the first and the last written to whole lines of the cache, or to
 // whole vectors: one as long as a line would otherwise be written to two of them.
 template<size_t step, size_t size, typename F>
-[[gnu::always_inline]] inline bool each_aligned_step(const uint8_t* to, size_t count,
-                                                     const F& block) {
+[[gnu::always_inline]] inline bool each_aligned_step(const void* to, size_t count, const F& block) {
     const size_t first = elements_to_line<size>(to) % step;
     return each_step<step>(count, block, first != 0 ? first : step);
 }

@@ -30,7 +30,7 @@ struct PixelKernels {
                         const ChannelOrder& order) {
         each_block<3, V::size>(to, from, pixels, [&](uint8_t* out, const uint8_t* in) {
             const Planes p = V::load_planes(in);
-            const Register source[] = {p.blue, p.green, p.red, V::zero()};
+            const Register source[] = {p.blue, p.green, p.red};
             V::store_planes(out,
                             {source[order.from[0]], source[order.from[1]], source[order.from[2]]});
         });

@@ -23,8 +23,15 @@ struct ExtremeKernels {
                 extreme = of(extreme, of(V::load(c + i), V::load(d + i)));
             V::store(to + i, extreme);
         };
-        if (!each_step<step>(count, block))
-            (scalar::kernels.*rest)[rows - 2](to, a, b, c, d, count);
+        if (count < step)
+            return (scalar::kernels.*rest)[rows - 2](to, a, b, c, d, count);
+        const size_t last = count - step;
+        block(0);
+        for (size_t i = elements_to_line<sizeof(T)>(to) % step; i < count;
+             i += 2 * step) { // two at once: up to a fifth
+            block(i < last ? i : last);
+            block(i + step < last ? i + step : last);
+        }
     }
 
     // All windows share the rows from where the last one begins to where the first one ends.
@@ -55,7 +62,7 @@ struct ExtremeKernels {
             if (to[windows] != nullptr)
                 V::store(to[windows] + i, of(after, at(n - 1)));
         };
-        if (!each_step<step>(count, block))
+        if (!each_aligned_step<step, sizeof(T)>(to[0], count, block))
             (scalar::kernels.*rest_of_rows)[windows / 4](to, rows, n, count, ahead);
     }
 };

@@ -13,9 +13,9 @@
 namespace kirvo {
 namespace {
 
-// Narrow is the wrapper of at most 32 bytes: for blocks of 8 x 8, and for pixels that are exchanged
-// anywhere, whose vectors then cross fewer lines of the cache. Pixels are gathered one by one at
-// every level.
+// Narrow is the wrapper of at most 32 bytes: for blocks of 8 x 8, for pixels that are exchanged
+// anywhere, whose vectors then cross fewer lines of the cache, and for squares of pixels of 4 bytes,
+// as many of whose rows may share a place of it. Pixels are gathered one by one at every level.
 template<typename V, typename Narrow>
 constexpr Kernels table_of() {
     using Bytes = ByteKernels<V>;
@@ -90,7 +90,7 @@ constexpr Kernels table_of() {
                               Exchange::template exchange_reversed<3>,
                               Exchange::template exchange_reversed<4>},
         .transpose = {Turn::template transpose<1>, Turn::template transpose<2>,
-                      Turn::template transpose<3>, Turn::template transpose<4>},
+                      Turn::template transpose<3>, Exchange::template transpose<4>},
         .inverse_dct = InverseDct<Narrow>::inverse_dct,
         .chroma_terms = Decode::chroma_terms,
         .decoded_grey = Decode::grey,

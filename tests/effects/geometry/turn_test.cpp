@@ -71,6 +71,20 @@ TEST(Turn, InPlaceMovesEveryPixelOfTheRectangleAndNothingElse) {
             }
 }
 
+TEST(Turn, LargePicturesAreFlippedAsSmallOnesAre) {
+    Random random(5);
+    const Dib dib = make_random_dib({1023, 701, 24}, random);
+    const std::vector<uint8_t> before = block(dib);
+    ASSERT_EQ(Dib24Flip(dib, 0, 0, 1023, 701), 0);
+    const std::vector<uint8_t> after = block(dib);
+    constexpr ptrdiff_t header = 40, stride = 3072, pixels = 3 * 1023;
+    for (ptrdiff_t row = 0; row < 701; ++row)
+        ASSERT_TRUE(std::equal(&before[0] + header + row * stride,
+                               &before[0] + header + row * stride + pixels,
+                               &after[0] + header + (700 - row) * stride))
+            << row;
+}
+
 TEST(Turn, FlipMirrorMovesTheCornersAndKeepsTheCentre) {
     Dib dib = make_dib({3, 3, 24});
     for (uint32_t i = 0; i < 9; ++i)
@@ -166,6 +180,18 @@ TEST(Rotate, TurnsEveryPixelByAQuarter) {
                                round % 4 == 0 ? Area{0, 0, width, height}
                                               : random_area(width, height, random),
                                direction);
+            }
+}
+
+// Such rows meet in a few places of a cache.
+TEST(Rotate, TurnsRowsThatLieAPowerOfTwoApart) {
+    Random random(4);
+    for (int bits : depths)
+        for (int direction : {0, 1})
+            for (int width : {16384 / bits, 3 * 16384 / bits, 16384 / bits - 1}) {
+                const Dib from = make_random_dib(padded(width, 133, bits), random);
+                check_rotation(from, {0, 0, width, 133}, direction);
+                check_rotation(from, {width - 71, 2, 70, 130}, direction);
             }
 }
 
