@@ -25,7 +25,11 @@ struct Places {
         for (int i = 0; i < 64; ++i)
             from[i] = static_cast<uint8_t>(from_(i));
     }
-    __m512i vector() const { return _mm512_load_si512(from); }
+    // 32-bit code loads it for each use: in a register all the time, it would drive sums out of theirs.
+    __m512i vector() const {
+        const __m512i v = _mm512_load_si512(from);
+        return sizeof(void*) == 4 ? VectorX86::opaque(v) : v;
+    }
 };
 
 struct Vector : VectorAvx {
@@ -35,6 +39,7 @@ struct Vector : VectorAvx {
     static Register equal16(Register a, Register b) {
         return _mm512_movm_epi16(_mm512_cmpeq_epi16_mask(a, b));
     }
+    static Register rotated32(Register a, Register counts) { return _mm512_rolv_epi32(a, counts); }
     static Register select(Register mask, Register yes, Register no) {
         return _mm512_ternarylogic_epi32(mask, yes, no, 0xCA);
     }
@@ -145,10 +150,15 @@ struct Vector : VectorAvx {
     static constexpr size_t run = 21;
     static Register run_of(const uint8_t* bgr) { return pixels_of<64>(bgr); }
     static Register equal_pixels(Register a, Register b) {
-        constexpr __mmask64 first_bytes = 0x1249249249249249;
-        const __mmask64 same = _mm512_cmpeq_epi8_mask(a, b);
-        const __mmask64 first = same & same >> 1 & same >> 2 & first_bytes;
-        return _mm512_movm_epi8(first | first << 1 | first << 2 | __mmask64{1} << 63);
+        static constexpr auto turned = [](int by) {
+            return Places([=](int i) { return i / 3 * 3 + (i + by) % 3; });
+        };
+        static constexpr Places places[] = {turned(1), turned(2)};
+        static constexpr Places behind([](int i) { return i < 63 ? 0 : 0xFF; });
+        const Register same = equal8(a, b);
+        const Register others = _mm512_permutexvar_epi8(places[0].vector(), same) &
+                                _mm512_permutexvar_epi8(places[1].vector(), same);
+        return (same & others) | behind.vector();
     }
 
     // Four registers: two permutes of 128 bytes each, and the byte's top bit chooses.

@@ -74,15 +74,21 @@ struct PixelKernels {
             scalar::kernels.luminance(to, bgr, pixels);
     }
 
+    // By one operation where the level rotates words: what comes round is not kept.
     struct Move {
         typename V::Count right, left;
-        Register keep;
+        Register turn, keep;
 
         explicit Move(const FieldMove& move)
-            : right(move.right), left(move.left), keep(V::all32(static_cast<int>(move.keep))) {}
+            : right(move.right), left(move.left), turn(all(move.left - move.right)),
+              keep(all(move.keep & ~0u >> move.right << move.left)) {}
         Register operator()(Register words) const {
-            return V::both(V::shift_left32(V::shift_right32(words, right), left), keep);
+            if constexpr (requires { V::rotated32(words, turn); })
+                return V::both(V::rotated32(words, turn), keep);
+            else
+                return V::both(V::shift_left32(V::shift_right32(words, right), left), keep);
         }
+        static Register all(uint32_t word) { return V::all32(static_cast<int>(word)); }
     };
     template<int from_bytes, int to_bytes, Kernels::ConvertPixels Kernels::*few>
     static void convert(const uint8_t* from, uint8_t* to, size_t pixels, const PixelMoves& moves) {
