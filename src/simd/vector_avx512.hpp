@@ -50,7 +50,7 @@ struct Vector : VectorAvx {
         return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), a);
     }
     static Halves load_halves16(const int16_t* from) {
-        const Register first = load(from), second = load(from + 32);
+        const Register first = load_once(from), second = load_once(from + 32);
         return {
             _mm512_permutex2var_epi64(first, _mm512_setr_epi64(0, 1, 4, 5, 8, 9, 12, 13), second),
             _mm512_permutex2var_epi64(first, _mm512_setr_epi64(2, 3, 6, 7, 10, 11, 14, 15),

@@ -167,7 +167,7 @@ struct DecodeKernels {
     }
     static Halves each(const int16_t* terms, size_t i) { return V::load_halves16(terms + i); }
     static Halves twice(const int16_t* terms, size_t i) {
-        const Register v = V::load(terms + i / 2);
+        const Register v = V::load_once(terms + i / 2);
         return {V::zip_low16(v, v), V::zip_high16(v, v)};
     }
     static constexpr auto colour = coloured<each>, colour_wide = coloured<twice>;

@@ -44,7 +44,8 @@ struct PixelKernels {
         if (pixels > step) {
             Register target = V::load_run(to);
             for (; pixels > 2 * step; pixels -= step, to += bytes, from += bytes) {
-                const Register source = V::load_run(from), next = V::load_run(to + bytes);
+                const Register source = V::opaque(V::load_run(from));
+                const Register next = V::load_run(to + bytes);
                 V::store_run(to, V::select(V::equal_pixels(source, keys), target, source));
                 target = next;
             }

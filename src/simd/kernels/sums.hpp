@@ -16,14 +16,17 @@ struct ExtremeKernels {
     template<int rows>
     static void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
         const auto block = [&](size_t i) {
-            Register extreme = of(V::load(a + i), V::load(b + i));
+            const auto at = [=](const T* row) {
+                return V::load(reinterpret_cast<const uint8_t*>(row) + i);
+            };
+            Register extreme = of(at(a), at(b));
             if constexpr (rows == 3)
-                extreme = of(extreme, V::load(c + i));
+                extreme = of(extreme, at(c));
             if constexpr (rows == 4)
-                extreme = of(extreme, of(V::load(c + i), V::load(d + i)));
-            V::store(to + i, extreme);
+                extreme = of(extreme, of(at(c), at(d)));
+            V::store(reinterpret_cast<uint8_t*>(to) + i, extreme);
         };
-        if (!each_step<step>(count, block))
+        if (!each_step<V::size>(count * sizeof(T), block))
             (scalar::kernels.*rest)[rows - 2](to, a, b, c, d, count);
     }
 
