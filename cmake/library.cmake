@@ -47,8 +47,8 @@ foreach(source IN LISTS kirvo_sources)
             # A loop across lines of the cache may take a quarter more. The DLL is kept small instead.
             list(APPEND source_flags -falign-loops=64)
         elseif(kirvo_small_dll)
-            # Sums that wait for their last use fill the eight vectors that 32-bit code has.
-            list(APPEND source_flags -fno-tree-ter)
+            # Sums put together anew, or for their last use, fill the eight vectors of 32-bit code.
+            list(APPEND source_flags -fno-tree-ter -fno-tree-reassoc)
         endif()
     endif()
     if(kirvo_small_dll AND source MATCHES "${kirvo_small_files}")

@@ -134,7 +134,7 @@ struct DecodeKernels {
                              size_t count) {
         const Register middle = V::all16(128), green_factors = V::all_pairs16(-22525, 18724);
         for (size_t i = 0; i < count; i += V::size / 2) {
-            const Register cb = V::load(cb_row + i), cr = V::load(cr_row + i);
+            const Register cb = V::load_once(cb_row + i), cr = V::load_once(cr_row + i);
             const Register blue =
                 V::add16(V::add16(cb, cb), V::multiply_high16_signed(cb, V::all16(-15073)));
             const Register red = V::add16(cr, V::multiply_high16_signed(cr, V::all16(26345)));
