@@ -180,11 +180,16 @@ struct DecodeKernels {
     // Whole steps straight into the row, the last pixels by way of a buffer.
     template<typename Made>
     [[gnu::always_inline]] static void write(uint8_t* bgr, size_t pixels, const Made& made) {
+        const size_t rest = pixels % V::size, whole = pixels - rest;
         uint8_t last[3 * V::size];
-        for (size_t i = 0; i < pixels; i += V::size)
-            V::store_planes(pixels - i >= V::size ? bgr + 3 * i : last, made(i));
-        const size_t rest = pixels % V::size;
-        std::memcpy(bgr + 3 * (pixels - rest), last, 3 * rest);
+        uint8_t* to = bgr;
+        size_t i = 0;
+        for (const size_t end : {whole, pixels}) {
+            for (; i < end; i += V::size, to += 3 * V::size)
+                V::store_planes(to, made(i));
+            to = last;
+        }
+        std::memcpy(bgr + 3 * whole, last, 3 * rest);
     }
 };
 
