@@ -27,8 +27,7 @@ struct Places {
     }
     // 32-bit code loads it for each use: in a register all the time, it would drive sums out of theirs.
     __m512i vector() const {
-        const __m512i v = _mm512_load_si512(from);
-        return sizeof(void*) == 4 ? VectorX86::opaque(v) : v;
+        return sizeof(void*) == 4 ? VectorX86::load_once(from) : VectorX86::load(from);
     }
 };
 
@@ -150,15 +149,13 @@ struct Vector : VectorAvx {
     static constexpr size_t run = 21;
     static Register run_of(const uint8_t* bgr) { return pixels_of<64>(bgr); }
     static Register equal_pixels(Register a, Register b) {
-        static constexpr auto turned = [](int by) {
-            return Places([=](int i) { return i / 3 * 3 + (i + by) % 3; });
-        };
-        static constexpr Places places[] = {turned(1), turned(2)};
+        static constexpr Places second([](int i) { return i / 3 * 3 + (i + 1) % 3; });
+        static constexpr Places third([](int i) { return i / 3 * 3 + (i + 2) % 3; });
         static constexpr Places behind([](int i) { return i < 63 ? 0 : 0xFF; });
         const Register same = equal8(a, b);
-        const Register others = _mm512_permutexvar_epi8(places[0].vector(), same) &
-                                _mm512_permutexvar_epi8(places[1].vector(), same);
-        return (same & others) | behind.vector();
+        return (same & _mm512_permutexvar_epi8(second.vector(), same) &
+                _mm512_permutexvar_epi8(third.vector(), same)) |
+               behind.vector();
     }
 
     // Four registers: two permutes of 128 bytes each, and the byte's top bit chooses.
