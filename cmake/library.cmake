@@ -46,6 +46,9 @@ foreach(source IN LISTS kirvo_sources)
         if(NOT WIN32)
             # A loop across lines of the cache may take a quarter more. The DLL is kept small instead.
             list(APPEND source_flags -falign-loops=64)
+        elseif(kirvo_small_dll)
+            # Sums put together anew, or for their last use, fill the eight vectors of 32-bit code.
+            list(APPEND source_flags -fno-tree-ter -fno-tree-reassoc)
         endif()
     endif()
     if(kirvo_small_dll AND source MATCHES "${kirvo_small_files}")

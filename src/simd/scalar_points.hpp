@@ -127,7 +127,7 @@ void keep_hsv(uint8_t* to, const uint8_t* from, size_t pixels, const PassBand (&
 
 void replace(uint8_t* to, const uint8_t* from, size_t pixels, const uint8_t* key) {
     for (; pixels != 0; --pixels, to += 3, from += 3) {
-        if (std::memcmp(from, key, 3) != 0)
+        if (from[0] != key[0] || from[1] != key[1] || from[2] != key[2])
             std::memcpy(to, from, 3);
     }
 }

@@ -1,6 +1,13 @@
 // What several wrappers do by the same operations of their own.
 #pragma once
 
+// A shift by a count that is known, of an operation that takes it behind the vector.
+#define KIRVO_SHIFT(name, operation)                                                               \
+    template<int count>                                                                            \
+    static Register name(Register a) {                                                             \
+        return operation(a, count);                                                                \
+    }
+
 namespace kirvo {
 namespace {
 

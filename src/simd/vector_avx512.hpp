@@ -25,7 +25,10 @@ struct Places {
         for (int i = 0; i < 64; ++i)
             from[i] = static_cast<uint8_t>(from_(i));
     }
-    __m512i vector() const { return _mm512_load_si512(from); }
+    // 32-bit code loads it for each use: in a register all the time, it would drive sums out of theirs.
+    __m512i vector() const {
+        return sizeof(void*) == 4 ? VectorX86::load_once(from) : VectorX86::load(from);
+    }
 };
 
 struct Vector : VectorAvx {
@@ -35,6 +38,7 @@ struct Vector : VectorAvx {
     static Register equal16(Register a, Register b) {
         return _mm512_movm_epi16(_mm512_cmpeq_epi16_mask(a, b));
     }
+    static Register rotated32(Register a, Register counts) { return _mm512_rolv_epi32(a, counts); }
     static Register select(Register mask, Register yes, Register no) {
         return _mm512_ternarylogic_epi32(mask, yes, no, 0xCA);
     }
@@ -45,7 +49,7 @@ struct Vector : VectorAvx {
         return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), a);
     }
     static Halves load_halves16(const int16_t* from) {
-        const Register first = load(from), second = load(from + 32);
+        const Register first = load_once(from), second = load_once(from + 32);
         return {
             _mm512_permutex2var_epi64(first, _mm512_setr_epi64(0, 1, 4, 5, 8, 9, 12, 13), second),
             _mm512_permutex2var_epi64(first, _mm512_setr_epi64(2, 3, 6, 7, 10, 11, 14, 15),
@@ -145,10 +149,13 @@ struct Vector : VectorAvx {
     static constexpr size_t run = 21;
     static Register run_of(const uint8_t* bgr) { return pixels_of<64>(bgr); }
     static Register equal_pixels(Register a, Register b) {
-        constexpr __mmask64 first_bytes = 0x1249249249249249;
-        const __mmask64 same = _mm512_cmpeq_epi8_mask(a, b);
-        const __mmask64 first = same & same >> 1 & same >> 2 & first_bytes;
-        return _mm512_movm_epi8(first | first << 1 | first << 2 | __mmask64{1} << 63);
+        static constexpr Places second([](int i) { return i / 3 * 3 + (i + 1) % 3; });
+        static constexpr Places third([](int i) { return i / 3 * 3 + (i + 2) % 3; });
+        static constexpr Places behind([](int i) { return i < 63 ? 0 : 0xFF; });
+        const Register same = equal8(a, b);
+        return (same & _mm512_permutexvar_epi8(second.vector(), same) &
+                _mm512_permutexvar_epi8(third.vector(), same)) |
+               behind.vector();
     }
 
     // Four registers: two permutes of 128 bytes each, and the byte's top bit chooses.

@@ -74,21 +74,12 @@ struct Vector {
     static Register multiply_high16_signed(Register a, Register b) {
         return high_words(wasm_i32x4_extmul_low_i16x8(a, b), wasm_i32x4_extmul_high_i16x8(a, b));
     }
-    template<int count>
-    static Register shift_left16(Register a) {
-        return wasm_i16x8_shl(a, count);
-    }
-    template<int count>
-    static Register shift_right16(Register a) {
-        return wasm_u16x8_shr(a, count);
-    }
+    KIRVO_SHIFT(shift_left16, wasm_i16x8_shl)
+    KIRVO_SHIFT(shift_right16, wasm_u16x8_shr)
     static Register shift_right16(Register a, int count) {
         return wasm_u16x8_shr(a, static_cast<uint32_t>(count));
     }
-    template<int count>
-    static Register shift_right16_signed(Register a) {
-        return wasm_i16x8_shr(a, count);
-    }
+    KIRVO_SHIFT(shift_right16_signed, wasm_i16x8_shr)
     static Register zip_low16(Register a, Register b) { return zipped<2, 0>(a, b); }
     static Register zip_high16(Register a, Register b) { return zipped<2, 8>(a, b); }
     static Register narrow32(Register low, Register high) {
@@ -118,18 +109,9 @@ struct Vector {
     };
     static Register shift_left32(Register a, Count count) { return wasm_i32x4_shl(a, count.bits); }
     static Register shift_right32(Register a, Count count) { return wasm_u32x4_shr(a, count.bits); }
-    template<int count>
-    static Register shift_left32(Register a) {
-        return wasm_i32x4_shl(a, count);
-    }
-    template<int count>
-    static Register shift_right32(Register a) {
-        return wasm_u32x4_shr(a, count);
-    }
-    template<int count>
-    static Register shift_right32_signed(Register a) {
-        return wasm_i32x4_shr(a, count);
-    }
+    KIRVO_SHIFT(shift_left32, wasm_i32x4_shl)
+    KIRVO_SHIFT(shift_right32, wasm_u32x4_shr)
+    KIRVO_SHIFT(shift_right32_signed, wasm_i32x4_shr)
     static Register zip_low32(Register a, Register b) { return zipped<4, 0>(a, b); }
     static Register zip_high32(Register a, Register b) { return zipped<4, 8>(a, b); }
     static Register zip_low64(Register a, Register b) { return zipped<8, 0>(a, b); }

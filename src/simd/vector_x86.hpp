@@ -78,21 +78,12 @@ struct VectorX86 {
     static Register multiply_high16_signed(Register a, Register b) {
         return KIRVO_MM(mulhi_epi16)(a, b);
     }
-    template<int count>
-    static Register shift_left16(Register a) {
-        return KIRVO_MM(slli_epi16)(a, count);
-    }
-    template<int count>
-    static Register shift_right16(Register a) {
-        return KIRVO_MM(srli_epi16)(a, count);
-    }
+    KIRVO_SHIFT(shift_left16, KIRVO_MM(slli_epi16))
+    KIRVO_SHIFT(shift_right16, KIRVO_MM(srli_epi16))
     static Register shift_right16(Register a, int count) {
         return KIRVO_MM(srl_epi16)(a, _mm_cvtsi32_si128(count));
     }
-    template<int count>
-    static Register shift_right16_signed(Register a) {
-        return KIRVO_MM(srai_epi16)(a, count);
-    }
+    KIRVO_SHIFT(shift_right16_signed, KIRVO_MM(srai_epi16))
     static Register zip_low16(Register a, Register b) { return KIRVO_MM(unpacklo_epi16)(a, b); }
     static Register zip_high16(Register a, Register b) { return KIRVO_MM(unpackhi_epi16)(a, b); }
     static Register widen_low16(Register a) { return zip_low16(a, zero()); }
@@ -125,18 +116,9 @@ struct VectorX86 {
     static Register shift_right32(Register a, Count count) {
         return KIRVO_MM(srl_epi32)(a, count.bits);
     }
-    template<int count>
-    static Register shift_left32(Register a) {
-        return KIRVO_MM(slli_epi32)(a, count);
-    }
-    template<int count>
-    static Register shift_right32(Register a) {
-        return KIRVO_MM(srli_epi32)(a, count);
-    }
-    template<int count>
-    static Register shift_right32_signed(Register a) {
-        return KIRVO_MM(srai_epi32)(a, count);
-    }
+    KIRVO_SHIFT(shift_left32, KIRVO_MM(slli_epi32))
+    KIRVO_SHIFT(shift_right32, KIRVO_MM(srli_epi32))
+    KIRVO_SHIFT(shift_right32_signed, KIRVO_MM(srai_epi32))
     static Register zip_low32(Register a, Register b) { return KIRVO_MM(unpacklo_epi32)(a, b); }
     static Register zip_high32(Register a, Register b) { return KIRVO_MM(unpackhi_epi32)(a, b); }
     static Register zip_low64(Register a, Register b) { return KIRVO_MM(unpacklo_epi64)(a, b); }

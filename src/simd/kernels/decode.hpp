@@ -134,7 +134,7 @@ struct DecodeKernels {
                              size_t count) {
         const Register middle = V::all16(128), green_factors = V::all_pairs16(-22525, 18724);
         for (size_t i = 0; i < count; i += V::size / 2) {
-            const Register cb = V::load(cb_row + i), cr = V::load(cr_row + i);
+            const Register cb = V::load_once(cb_row + i), cr = V::load_once(cr_row + i);
             const Register blue =
                 V::add16(V::add16(cb, cb), V::multiply_high16_signed(cb, V::all16(-15073)));
             const Register red = V::add16(cr, V::multiply_high16_signed(cr, V::all16(26345)));
@@ -167,7 +167,7 @@ struct DecodeKernels {
     }
     static Halves each(const int16_t* terms, size_t i) { return V::load_halves16(terms + i); }
     static Halves twice(const int16_t* terms, size_t i) {
-        const Register v = V::load(terms + i / 2);
+        const Register v = V::load_once(terms + i / 2);
         return {V::zip_low16(v, v), V::zip_high16(v, v)};
     }
     static constexpr auto colour = coloured<each>, colour_wide = coloured<twice>;
@@ -180,11 +180,16 @@ struct DecodeKernels {
     // Whole steps straight into the row, the last pixels by way of a buffer.
     template<typename Made>
     [[gnu::always_inline]] static void write(uint8_t* bgr, size_t pixels, const Made& made) {
+        const size_t rest = pixels % V::size, whole = pixels - rest;
         uint8_t last[3 * V::size];
-        for (size_t i = 0; i < pixels; i += V::size)
-            V::store_planes(pixels - i >= V::size ? bgr + 3 * i : last, made(i));
-        const size_t rest = pixels % V::size;
-        std::memcpy(bgr + 3 * (pixels - rest), last, 3 * rest);
+        uint8_t* to = bgr;
+        size_t i = 0;
+        for (const size_t end : {whole, pixels}) {
+            for (; i < end; i += V::size, to += 3 * V::size)
+                V::store_planes(to, made(i));
+            to = last;
+        }
+        std::memcpy(bgr + 3 * whole, last, 3 * rest);
     }
 };
 

@@ -136,10 +136,10 @@ struct FilterKernels {
     static void gradient(int16_t* to, ThreeRows rows, size_t count) {
         const uint8_t *below = rows[0], *row = rows[1], *above = rows[2];
         const auto block = [&](size_t i) {
-            const Halves after = sum(widened(row + i + 1), widened(above + i));
-            const Halves before = sum(widened(row + i - 1), widened(below + i));
             const Halves corners = difference(widened(above + i + 1), widened(below + i - 1));
-            store16(to + i, sum(difference(after, before), sum(corners, corners)));
+            const Halves right = sum(sum(corners, corners), widened(row + i + 1));
+            const Halves both = difference(right, widened(row + i - 1));
+            store16(to + i, difference(sum(both, widened(above + i)), widened(below + i)));
         };
         if (!each_step<V::size>(count, block))
             scalar::kernels.gradient(to, rows, count);

@@ -43,9 +43,16 @@ template<size_t step, typename F>
 [[gnu::always_inline]] inline bool each_step(size_t count, const F& block, size_t next = step) {
     if (count < step)
         return false;
-    for (size_t i = 0; i < count; i = next, next += step)
-        block(i + step <= count ? i : count - step);
-    return true;
+    const size_t last = count - step;
+    for (size_t i = 0, end = last;; i = last, end = count) {
+        do {
+            block(i);
+            i += next;
+            next = step;
+        } while (i < end);
+        if (end == count)
+            return true;
+    }
 }
 
 constexpr size_t line_bytes = 64; // of the cache

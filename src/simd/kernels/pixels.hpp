@@ -44,7 +44,8 @@ struct PixelKernels {
         if (pixels > step) {
             Register target = V::load_run(to);
             for (; pixels > 2 * step; pixels -= step, to += bytes, from += bytes) {
-                const Register source = V::load_run(from), next = V::load_run(to + bytes);
+                const Register source = V::opaque(V::load_run(from));
+                const Register next = V::load_run(to + bytes);
                 V::store_run(to, V::select(V::equal_pixels(source, keys), target, source));
                 target = next;
             }
@@ -74,15 +75,21 @@ struct PixelKernels {
             scalar::kernels.luminance(to, bgr, pixels);
     }
 
+    // By one operation where the level rotates words: what comes round is not kept.
     struct Move {
         typename V::Count right, left;
-        Register keep;
+        Register turn, keep;
 
         explicit Move(const FieldMove& move)
-            : right(move.right), left(move.left), keep(V::all32(static_cast<int>(move.keep))) {}
+            : right(move.right), left(move.left), turn(all(move.left - move.right)),
+              keep(all(move.keep & ~0u >> move.right << move.left)) {}
         Register operator()(Register words) const {
-            return V::both(V::shift_left32(V::shift_right32(words, right), left), keep);
+            if constexpr (requires { V::rotated32(words, turn); })
+                return V::both(V::rotated32(words, turn), keep);
+            else
+                return V::both(V::shift_left32(V::shift_right32(words, right), left), keep);
         }
+        static Register all(uint32_t word) { return V::all32(static_cast<int>(word)); }
     };
     template<int from_bytes, int to_bytes, Kernels::ConvertPixels Kernels::*few>
     static void convert(const uint8_t* from, uint8_t* to, size_t pixels, const PixelMoves& moves) {

@@ -16,21 +16,25 @@ struct ExtremeKernels {
     template<int rows>
     static void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
         const auto block = [&](size_t i) {
-            Register extreme = of(V::load(a + i), V::load(b + i));
+            const auto at = [=](const T* row) {
+                return V::load(reinterpret_cast<const uint8_t*>(row) + i);
+            };
+            Register extreme = of(at(a), at(b));
             if constexpr (rows == 3)
-                extreme = of(extreme, V::load(c + i));
+                extreme = of(extreme, at(c));
             if constexpr (rows == 4)
-                extreme = of(extreme, of(V::load(c + i), V::load(d + i)));
-            V::store(to + i, extreme);
+                extreme = of(extreme, of(at(c), at(d)));
+            V::store(reinterpret_cast<uint8_t*>(to) + i, extreme);
         };
-        if (count < step)
+        const size_t bytes = count * sizeof(T);
+        if (bytes < V::size)
             return (scalar::kernels.*rest)[rows - 2](to, a, b, c, d, count);
-        const size_t last = count - step;
+        const size_t last = bytes - V::size;
         block(0);
-        for (size_t i = elements_to_line<sizeof(T)>(to) % step; i < count;
-             i += 2 * step) { // two at once: up to a fifth
+        for (size_t i = elements_to_line<1>(to) % V::size; i < bytes;
+             i += 2 * V::size) { // two at once: up to a fifth
             block(i < last ? i : last);
-            block(i + step < last ? i + step : last);
+            block(i + V::size < last ? i + V::size : last);
         }
     }
 
