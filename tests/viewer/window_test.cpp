@@ -6,6 +6,7 @@
 #include "commands.hpp"
 #include "effect.hpp"
 #include "effects_menu.hpp"
+#include "look.hpp"
 #include "sizes.hpp"
 #include "text.hpp"
 #include "viewer.hpp"
@@ -777,6 +778,23 @@ TEST(EffectDialogs, LetSlidersAndNumbersFollowEachOther) {
     EXPECT_TRUE(pumped([&] { return !program.viewer.working; }));
     ASSERT_EQ(program.viewer.history.steps().size(), 1u);
     EXPECT_EQ(program.viewer.history.steps()[0].values, "0.6,2.5,0.75");
+}
+
+// A pixel of a large picture is less than one of the reduced picture that is looked at first.
+TEST(Look, HasRoomForTheSmallestSelection) {
+    Program program;
+    program.show(picture_of(1200, 900));
+    Look look(program.viewer);
+    for (LONG at = 500; at < 505; ++at) {
+        Step step;
+        step.option = "--brightness";
+        step.values = "30";
+        step.place = RECT{at, at, at + 1, at + 1};
+        std::optional<std::string> wrong;
+        look.at_once(step, [&](const std::string& what) { wrong = what; });
+        ASSERT_TRUE(pumped([&] { return wrong.has_value(); }));
+        EXPECT_EQ(*wrong, "");
+    }
 }
 
 TEST(SelectDialog, TakesWhatLiesInThePicture) {
