@@ -142,6 +142,32 @@ TEST(Formats, what_loses_nothing_comes_back_as_it_was) {
     }
 }
 
+TEST(Formats, every_colour_of_a_palette_comes_back) {
+    const auto colour = [](uint32_t i) { return (i * 37 & 255) << 16 | (255 - i) << 8 | i; };
+    for (const uint32_t bits : {1u, 4u, 8u}) {
+        const uint32_t colours = 1u << bits;
+        HGLOBAL dib = DibMemAllocEx(colours, 1, bits); // each index once
+        auto* data = static_cast<uint8_t*>(GlobalLock(dib));
+        for (uint32_t i = 0; i < colours; ++i) {
+            const uint32_t entry = colour(i);
+            std::memcpy(data + 40 + 4 * i, &entry, 4);
+            data[40 + 4 * colours + i * bits / 8] |=
+                static_cast<uint8_t>(i << (8 - bits - i * bits % 8));
+        }
+        GlobalUnlock(dib);
+        for (int32_t format : {KIRVO_FILES_BMP, KIRVO_FILES_TARGA, KIRVO_FILES_PNG,
+                               KIRVO_FILES_TIFF, KIRVO_FILES_WEBP}) {
+            if (!writes(format))
+                continue;
+            const Opened opened(save(dib, as(format, KIRVO_FILES_WEBP_LOSSLESS)).bytes);
+            ASSERT_EQ(opened.status, KIRVO_FILES_OK) << format;
+            for (uint32_t i = 0; i < colours; ++i)
+                EXPECT_EQ(opened.pixel(i, 0), colour(i)) << format << ", " << bits;
+        }
+        GlobalFree(dib);
+    }
+}
+
 TEST(Formats, every_compression_of_tiff_comes_back) {
     if (!writes(KIRVO_FILES_TIFF))
         return;
