@@ -492,6 +492,22 @@ TEST(Status, TellsSizeScalePixelAndUndo) {
     EXPECT_EQ(text_of(viewer.window), L"picture - KirvoView");
 }
 
+TEST(Status, HasItsPartsSideBySideAndLeavesAQuarterToTheWords) {
+    Program program;
+    const ::Viewer& viewer = program.viewer;
+    for (const int width : {1200, 800, 500, 300}) {
+        SetWindowPos(viewer.window, nullptr, 0, 0, width, 500, SWP_NOMOVE | SWP_NOZORDER);
+        const LONG all = client_of(viewer.status).right;
+        int edges[5] = {};
+        ASSERT_EQ(SendMessageW(viewer.status, SB_GETPARTS, 5, reinterpret_cast<LPARAM>(edges)), 5);
+        EXPECT_GE(edges[0], all / 4) << width;
+        for (int part = 1; part < 5; ++part) {
+            EXPECT_GE(edges[part], edges[part - 1] + (width == 1200 ? 50 : 0)) << width;
+        }
+        EXPECT_EQ(edges[4], all) << width;
+    }
+}
+
 TEST(Window, ShowsThePictureBeforeTheLastEffectWhileBIsHeld) {
     Program program;
     ::Viewer& viewer = program.viewer;
