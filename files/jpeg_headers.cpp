@@ -2,6 +2,10 @@
 
 #include "exif.hpp"
 
+#include <algorithm>
+#include <bit>
+#include <cstdlib>
+
 namespace kirvo_files {
 
 const uint8_t zigzag[64] = {0,  1,  8,  16, 9,  2,  3,  10, 17, 24, 32, 25, 18, 11, 4,  5,
@@ -10,42 +14,51 @@ const uint8_t zigzag[64] = {0,  1,  8,  16, 9,  2,  3,  10, 17, 24, 32, 25, 18, 
                             58, 59, 52, 45, 38, 31, 39, 46, 53, 60, 61, 54, 47, 55, 62, 63};
 
 // The tables of T.81 annex K, in the order of the rows.
-static const uint8_t luma_k1[64] = {16,  11,  10,  16,  24, 40, 51,  61,  12,  12,  14,  19,  26,
-                                    58,  60,  55,  14,  13, 16, 24,  40,  57,  69,  56,  14,  17,
-                                    22,  29,  51,  87,  80, 62, 18,  22,  37,  56,  68,  109, 103,
-                                    77,  24,  35,  55,  64, 81, 104, 113, 92,  49,  64,  78,  87,
-                                    103, 121, 120, 101, 72, 92, 95,  98,  112, 100, 103, 99};
+static constexpr uint8_t luma_k1[64] = {
+    16, 11, 10, 16, 24,  40,  51,  61,  12, 12, 14, 19, 26,  58,  60,  55,
+    14, 13, 16, 24, 40,  57,  69,  56,  14, 17, 22, 29, 51,  87,  80,  62,
+    18, 22, 37, 56, 68,  109, 103, 77,  24, 35, 55, 64, 81,  104, 113, 92,
+    49, 64, 78, 87, 103, 121, 120, 101, 72, 92, 95, 98, 112, 100, 103, 99};
 static const uint8_t chroma_k2[64] = {
     17, 18, 24, 47, 99, 99, 99, 99, 18, 21, 26, 66, 99, 99, 99, 99, 24, 26, 56, 99, 99, 99,
     99, 99, 47, 66, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99,
     99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99, 99};
 
-void tables_of_quality(uint32_t quality, uint16_t (&luma)[64], uint16_t (&chroma)[64]) {
+// A number of a quality's table, from that of the standard.
+static constexpr uint8_t scaled(uint32_t standard, uint32_t quality) {
     const uint32_t scale = quality < 50 ? 5000 / quality : 200 - 2 * quality;
-    const auto scaled = [&](uint32_t value) {
-        value = (value * scale + 50) / 100;
-        return static_cast<uint16_t>(value < 1 ? 1 : value > 255 ? 255 : value);
-    };
+    const uint32_t value = (standard * scale + 50) / 100;
+    return static_cast<uint8_t>(value < 1 ? 1 : value > 255 ? 255 : value);
+}
+
+void tables_of_quality(uint32_t quality, uint16_t (&luma)[64], uint16_t (&chroma)[64]) {
     for (uint32_t i = 0; i < 64; ++i) {
-        luma[i] = scaled(luma_k1[i]);
-        chroma[i] = scaled(chroma_k2[i]);
+        luma[i] = scaled(luma_k1[i], quality);
+        chroma[i] = scaled(chroma_k2[i], quality);
     }
 }
+
+// Made once: every file's is held against all of them.
+struct LumaTables {
+    uint8_t of_quality[101][64];
+    constexpr LumaTables() : of_quality() {
+        for (uint32_t quality = 1; quality <= 100; ++quality)
+            for (uint32_t i = 0; i < 64; ++i)
+                of_quality[quality][i] = scaled(luma_k1[i], quality);
+    }
+};
+static constexpr LumaTables luma_tables;
 
 uint32_t nearest_quality(const JpegTables& tables) {
     const uint32_t number = tables.table_of[0] & 3;
     if (tables.components == 0 || !tables.present[number])
         return 0;
-    uint32_t best = 0;
-    uint64_t least = UINT64_MAX;
+    uint32_t best = 0, least = UINT32_MAX;
     for (uint32_t quality = 1; quality <= 100; ++quality) {
-        uint16_t luma[64], chroma[64];
-        tables_of_quality(quality, luma, chroma);
-        uint64_t distance = 0;
-        for (uint32_t i = 0; i < 64; ++i) {
-            const int32_t difference = int32_t{tables.tables[number][i]} - luma[i];
-            distance += static_cast<uint32_t>(difference < 0 ? -difference : difference);
-        }
+        uint32_t distance = 0;
+        for (uint32_t i = 0; i < 64; ++i)
+            distance += static_cast<uint32_t>(
+                std::abs(tables.tables[number][i] - luma_tables.of_quality[quality][i]));
         if (distance < least) {
             least = distance;
             best = quality;
@@ -297,10 +310,9 @@ class Parser {
         component.largest_dc = static_cast<int32_t>(steps[0] != 0 ? most / steps[0] + 1 : 32767);
         for (uint32_t k = 0; k < 64; ++k) {
             const uint32_t step = steps[zigzag[k]];
-            uint32_t size = 10 + depth;
-            while (size > 0 && step << size >> 1 > most + step)
-                --size;
-            component.largest_size[k] = static_cast<uint8_t>(size);
+            const auto size =
+                static_cast<uint32_t>(step != 0 ? std::bit_width(most / step + 1) : 32);
+            component.largest_size[k] = static_cast<uint8_t>(std::min(size, 10 + depth));
         }
     }
 

@@ -1,5 +1,7 @@
 #include "jpeg_huffman.hpp"
 
+#include <algorithm>
+
 namespace kirvo_files {
 namespace {
 
@@ -56,11 +58,11 @@ bool HuffmanTable::make(Bytes table) {
         if (code + count > 1u << length)
             return false;
         for (uint32_t i = 0; i < count; ++i, ++code, ++symbol) {
-            symbols[symbol & 255] = table[16 + symbol];
+            const uint8_t value = table[16 + symbol];
+            symbols[symbol & 255] = value;
             if (length <= look)
-                for (uint32_t k = 0; k < 1u << (look - length); ++k)
-                    quick[(code << (look - length)) + k] =
-                        static_cast<uint16_t>(length << 8 | table[16 + symbol]);
+                std::fill_n(quick + (code << (look - length)), 1u << (look - length),
+                            static_cast<uint16_t>(length << 8 | value));
         }
         end_code[length] = code;
         code <<= 1;
@@ -155,9 +157,8 @@ void HuffmanSteps::make(Bytes table) {
         const uint32_t run = symbol >> 4, size = symbol & 15;
         const uint32_t coefficients = size == 0 && run != 15 ? end_of_block : run + 1;
         const auto step = static_cast<uint16_t>(coefficients << 9 | size << 5 | (length + size));
-        uint16_t* first = steps_ + (size_t{code.bits[symbol]} << (look - length));
-        for (uint32_t i = 0; i < 1u << (look - length); ++i)
-            first[i] = step;
+        std::fill_n(steps_ + (size_t{code.bits[symbol]} << (look - length)), 1u << (look - length),
+                    step);
     }
 }
 

@@ -3,6 +3,8 @@
 #include "jpeg_huffman.hpp"
 #include "jpeg_planes.hpp"
 
+#include <optional>
+
 namespace kirvo_files {
 namespace {
 
@@ -74,15 +76,17 @@ class Walker {
         const bool progressive = headers_.is_progressive();
         for (uint32_t n = 0; n < headers_.scan_components; ++n) {
             const JpegComponent& component = headers_.component[headers_.scanned[n]];
-            const Bytes dc = table(0, component.dc), ac = table(1, component.ac);
-            if (!progressive || (first_ == 0 && high_ == 0)) {
-                if (!dc_[component.dc].make(dc))
+            auto& dc = dc_[component.dc];
+            auto& ac = ac_[component.ac];
+            if ((!progressive || (first_ == 0 && high_ == 0)) && !dc) {
+                if (!dc.emplace().make(table(0, component.dc)))
                     return false;
             }
-            if (!progressive || first_ != 0) {
-                if (!ac_[component.ac].make(ac))
+            if ((!progressive || first_ != 0) && !ac) {
+                if (!ac.emplace().make(table(1, component.ac)))
                     return false;
-                ac_steps_[component.ac].make(ac);
+                if (planes_ == nullptr)
+                    ac_steps_[component.ac].emplace().make(table(1, component.ac));
             }
         }
         block_ = !progressive  ? &Walker::block
@@ -104,7 +108,7 @@ class Walker {
     // ---- what is coded of a block: values go where they are wanted ----
 
     bool first(uint32_t i, int16_t* values) {
-        const int32_t size = bits_.symbol(dc_[headers_.component[i].dc]);
+        const int32_t size = bits_.symbol(*dc_[headers_.component[i].dc]);
         if (size < 0)
             return false;
         if (static_cast<uint32_t>(size) > largest_size())
@@ -132,7 +136,7 @@ class Walker {
 
     // The coefficient behind the next run of zeros, or the end of the block.
     bool further(uint32_t i, uint32_t& k, int16_t* values) {
-        const int32_t symbol = bits_.symbol(ac_[headers_.component[i].ac]);
+        const int32_t symbol = bits_.symbol(*ac_[headers_.component[i].ac]);
         if (symbol < 0)
             return false;
         const uint32_t run = static_cast<uint32_t>(symbol) >> 4, size = symbol & 15;
@@ -162,7 +166,7 @@ class Walker {
     // A block that nobody wants: codes with their values are passed over at once.
     bool skim(uint32_t i) {
         const JpegComponent& component = headers_.component[i];
-        const HuffmanSteps& steps = ac_steps_[component.ac];
+        const HuffmanSteps& steps = *ac_steps_[component.ac];
         if (!first(i, nullptr))
             return false;
         uint32_t k = 1;
@@ -182,7 +186,7 @@ class Walker {
 
     // A symbol of a band: so many blocks end, this one first; or a run of zeros and a size.
     bool band_symbol(uint32_t i, uint32_t& run, uint32_t& size) {
-        const int32_t symbol = bits_.symbol(ac_[headers_.component[i].ac]);
+        const int32_t symbol = bits_.symbol(*ac_[headers_.component[i].ac]);
         if (symbol < 0)
             return false;
         run = static_cast<uint32_t>(symbol) >> 4;
@@ -276,8 +280,9 @@ class Walker {
     const uint32_t low_, high_;   // bits that are left for later scans; were left by earlier ones
     bool (Walker::*block_)(uint32_t, int16_t*) = nullptr;
     uint32_t blocks_ended_ = 0; // of the band, from the next one on
-    HuffmanTable dc_[4], ac_[4];
-    HuffmanSteps ac_steps_[4];
+    // Those that the scan needs: the tables are large.
+    std::optional<HuffmanTable> dc_[4], ac_[4];
+    std::optional<HuffmanSteps> ac_steps_[4];
     int16_t last_dc_[4] = {};
 };
 

@@ -27,3 +27,11 @@ bool draw_on(HDC printer, const RECT& place, const Image& image) {
                          place.bottom - place.top, 0, 0, image.width(), image.height(),
                          locked.pixels(), locked.info(), DIB_RGB_COLORS, SRCCOPY) > 0;
 }
+
+bool print_page(HDC printer, const Image& image) {
+    if (StartPage(printer) <= 0)
+        return false;
+    const RECT place = place_on(page_of(printer), image.width(), image.height());
+    const bool drawn = draw_on(printer, place, image);
+    return EndPage(printer) > 0 && drawn;
+}

@@ -16,3 +16,6 @@ Page page_of(HDC printer);
 RECT place_on(const Page& page, int width, int height);
 // False where the printer has refused it.
 bool draw_on(HDC printer, const RECT& place, const Image& image);
+
+// A page of its own; false where the printer has refused any of it.
+bool print_page(HDC printer, const Image& image);

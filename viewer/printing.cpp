@@ -7,14 +7,6 @@
 
 namespace {
 
-bool print_page(HDC printer, const Image& image) {
-    if (StartPage(printer) <= 0)
-        return false;
-    const RECT place = place_on(page_of(printer), image.width(), image.height());
-    const bool drawn = draw_on(printer, place, image);
-    return EndPage(printer) > 0 && drawn;
-}
-
 bool print(HDC printer, const std::wstring& title, const wchar_t* target, const Image& image) {
     DOCINFOW document = {};
     document.cbSize = sizeof document;

@@ -329,17 +329,30 @@ TEST(MetadataDetails, numbers_of_every_kind_are_understood) {
     EXPECT_EQ(exposure_of(5, 1, {4, 0, 0, 0, 0, 0, 0, 0}), ""); // divided by 0
 }
 
-#ifndef _WIN32 // whose systems do not all know such pictures
-TEST(TiffDetails, pixels_of_two_bits_are_read) {
-    TiffFile grey;
-    grey.number(258, 3, 2);
-    const Opened opened(grey.file(5, 2, 1, {0x1B, 0x40, 0xE4, 0x80})); // 0 1 2 3 1, 3 2 1 0 2
+// Two rows of two bits a pixel: 0x1B 0x40, 0xE4 0x80.
+static void expect_four_greys(const Opened& opened) {
     ASSERT_EQ(opened.status, KIRVO_FILES_OK) << opened.text(KIRVO_FILES_TEXT_REASON);
     const uint32_t levels[2][5] = {{0, 1, 2, 3, 1}, {3, 2, 1, 0, 2}};
     for (uint32_t y = 0; y < 2; ++y)
         for (uint32_t x = 0; x < 5; ++x)
             EXPECT_EQ(opened.pixel(x, y), levels[y][x] * 0x555555);
     EXPECT_EQ(opened.bits(), 4u);
+}
+
+TEST(PngDetails, greys_of_two_bits_are_read) {
+    expect_four_greys(Opened(Bytes{
+        0x89, 0x50, 0x4E, 0x47, 0x0D, 0x0A, 0x1A, 0x0A, 0,    0,    0,    0x0D, 0x49, 0x48, 0x44,
+        0x52, 0,    0,    0,    5,    0,    0,    0,    2,    2,    0,    0,    0,    0,    0xFF,
+        0xB1, 0x51, 0x20, 0,    0,    0,    0x11, 0x49, 0x44, 0x41, 0x54, 0x78, 1,    1,    6,
+        0,    0xF9, 0xFF, 0,    0x1B, 0x40, 0,    0xE4, 0x80, 3,    0xD5, 1,    0xC0, 0xFF, 0xED,
+        0x45, 0x5D, 0,    0,    0,    0,    0x49, 0x45, 0x4E, 0x44, 0xAE, 0x42, 0x60, 0x82}));
+}
+
+#ifndef _WIN32 // whose systems do not all know such pictures
+TEST(TiffDetails, pixels_of_two_bits_are_read) {
+    TiffFile grey;
+    grey.number(258, 3, 2);
+    expect_four_greys(Opened(grey.file(5, 2, 1, {0x1B, 0x40, 0xE4, 0x80})));
     TiffFile colours;
     const Bytes twos = {2, 0, 2, 0, 2, 0};
     colours.bytes(258, 3, 3, twos);

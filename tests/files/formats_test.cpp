@@ -1,9 +1,12 @@
 // The other formats, as far as this build and this system have codecs for them; texts; threads.
 #include "files/opened.hpp"
+#include "support/import_patch.hpp"
 
 #include <atomic>
 
-#ifndef _WIN32
+#ifdef _WIN32
+#include <objbase.h>
+#else
 #include <pthread.h>
 #endif
 
@@ -139,6 +142,32 @@ TEST(Formats, what_loses_nothing_comes_back_as_it_was) {
     }
 }
 
+TEST(Formats, every_colour_of_a_palette_comes_back) {
+    const auto colour = [](uint32_t i) { return (i * 37 & 255) << 16 | (255 - i) << 8 | i; };
+    for (const uint32_t bits : {1u, 4u, 8u}) {
+        const uint32_t colours = 1u << bits;
+        HGLOBAL dib = DibMemAllocEx(colours, 1, bits); // each index once
+        auto* data = static_cast<uint8_t*>(GlobalLock(dib));
+        for (uint32_t i = 0; i < colours; ++i) {
+            const uint32_t entry = colour(i);
+            std::memcpy(data + 40 + 4 * i, &entry, 4);
+            data[40 + 4 * colours + i * bits / 8] |=
+                static_cast<uint8_t>(i << (8 - bits - i * bits % 8));
+        }
+        GlobalUnlock(dib);
+        for (int32_t format : {KIRVO_FILES_BMP, KIRVO_FILES_TARGA, KIRVO_FILES_PNG,
+                               KIRVO_FILES_TIFF, KIRVO_FILES_WEBP}) {
+            if (!writes(format))
+                continue;
+            const Opened opened(save(dib, as(format, KIRVO_FILES_WEBP_LOSSLESS)).bytes);
+            ASSERT_EQ(opened.status, KIRVO_FILES_OK) << format;
+            for (uint32_t i = 0; i < colours; ++i)
+                EXPECT_EQ(opened.pixel(i, 0), colour(i)) << format << ", " << bits;
+        }
+        GlobalFree(dib);
+    }
+}
+
 TEST(Formats, every_compression_of_tiff_comes_back) {
     if (!writes(KIRVO_FILES_TIFF))
         return;
@@ -225,6 +254,40 @@ TEST(Formats, have_names_and_extensions) {
     }
     EXPECT_EQ(KirvoFilesFormatText(99, KIRVO_FILES_FORMAT_NAME, nullptr, 0), 1u);
 }
+
+TEST(Formats, nobody_else_reads_those_that_only_kirvo_knows) {
+    const struct {
+        int32_t format;
+        const char* codec;
+    } cases[] = {{KIRVO_FILES_BMP, "KirvoFiles"},
+                 {KIRVO_FILES_TARGA, "KirvoFiles"},
+                 {KIRVO_FILES_ICON, "KirvoFiles"},
+                 {KIRVO_FILES_RAW, "Kirvo"},
+                 {KIRVO_FILES_Q0, "Kirvo"}};
+    for (const auto& each : cases) {
+        char codec[80];
+        KirvoFilesFormatText(each.format, KIRVO_FILES_FORMAT_CODEC, codec, sizeof codec);
+        EXPECT_STREQ(codec, each.codec);
+    }
+    EXPECT_EQ(KirvoFilesAbilities(KIRVO_FILES_UNKNOWN), 0u);
+    EXPECT_EQ(KirvoFilesAbilities(99), 0u);
+}
+
+#ifdef _WIN32
+static HRESULT WINAPI no_component(const CLSID&, IUnknown*, DWORD, const IID&, void** made) {
+    *made = nullptr;
+    return REGDB_E_CLASSNOTREG;
+}
+
+TEST(Formats, where_the_system_gives_no_component_there_is_no_codec) {
+    const Bytes bytes = save(Picture(8, 8).dib, as(KIRVO_FILES_PNG)).bytes;
+    ASSERT_EQ(Opened(bytes).status, KIRVO_FILES_OK); // what the system has is asked for once
+    const ImportPatch none("KirvoFiles.dll", "CoCreateInstance",
+                           reinterpret_cast<void*>(no_component));
+    ASSERT_TRUE(none.in_place());
+    EXPECT_EQ(Opened(bytes).status, KIRVO_FILES_NO_CODEC);
+}
+#endif
 
 TEST(Formats, every_status_has_words_of_its_own) {
     std::vector<std::string> all;

@@ -64,6 +64,18 @@ test("a method that changes the picture changes it, whatever its depth", () => {
     assert.equal(grey.getPixel(1, 1), rgb(1, 2, 3));
 });
 
+test("a method that changes the picture keeps a depth that it takes", () => {
+    const small = Image.solid(2, 2, rgb(1, 2, 3));
+    const methods = [["paste", small], ["setPixel", 1, 1, 0], ["setLine", 1, 3, 1, 0], ["mix3x3", 3, 3], ["mix5x5", 3, 3],
+                     ["compose", small]];
+    for (const [name, ...given] of methods)
+        for (const bits of name === "compose" ? [24, 32] : [16, 24, 32]) {
+            const image = varied(8, 8).convert(bits);
+            image[name](...given);
+            assert.equal(image.bits, bits, name);
+        }
+});
+
 test("the bytes of a packed DIB make a picture, if they are all there", () => {
     for (const image of [varied(5, 4), varied(5, 4).convert(16), varied(5, 4).convert(32), varied(9, 2).reduce256()]) {
         const bytes = image.toDib(), copy = Image.fromDib(bytes);
@@ -164,6 +176,13 @@ test("what is refused is an error with its reason", () => {
     assert.throws(() => Image.fromImageData({ width: 2, height: 2, data: new Uint8ClampedArray(15) }), RangeError);
     refused("KIRVO_NULL_HANDLE", () => Image.fromHandle(0));
     refused("KIRVO_NULL_HANDLE", () => Image.fromHandle(12345));
+});
+
+test("statuses have the numbers of the header", async () => {
+    const header = await readFile(new URL("../../include/kirvo.h", import.meta.url), "utf8");
+    const statuses = [...header.matchAll(/^ {4}(KIRVO_\w+) = (-?\d+)/gm)].map(([, name, value]) => [name, Number(value)]);
+    assert.deepEqual(Object.fromEntries(Object.keys(flat.meanings).map((name) => [name, flat[name]])),
+        Object.fromEntries(statuses));
 });
 
 test("a picture that is freed is refused", () => {

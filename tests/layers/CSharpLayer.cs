@@ -109,6 +109,8 @@ static class CSharpLayer
         Expect(FailureOf<ArgumentException>(() => KirvoImage.MixMasks(new int[9], new int[25])) == null);
         KirvoException missing = FailureOf<KirvoException>(() => KirvoImage.Open("写真 missing.jpg"));
         Expect(missing.Message.StartsWith("写真 missing.jpg: "));
+        var odd = new KirvoOpenOptions { Flags = 0x80000000 };
+        Expect(FailureOf<KirvoException>(() => KirvoImage.Open("写真.jpg", options: odd)).Message == "a value out of its range");
         image.Dispose();
         Expect(FailureOf<ObjectDisposedException>(() => image.Blur()) != null);
         Expect(FailureOf<ObjectDisposedException>(() => { int width = image.Width; }) != null);

@@ -290,6 +290,12 @@ class Layer(unittest.TestCase):
             self.assertEqual(image.Handle, 0)  # which is no picture to be saved
             self.assert_fails(flat_files.KIRVO_FILES_BAD_PARAMETER, "^a value out of its range$", lambda: image.SaveFile(path))
 
+    def test_an_error_of_a_file_that_has_no_words_has_those_of_its_status(self):
+        self.system.calls["KirvoFilesText"] = lambda *given: 1
+        with self.assertRaises(Error) as caught:
+            self.program.new("KirvoImage").OpenFile("missing.jpg")
+        self.assertEqual(str(caught.exception), "there is no such file")
+
     def test_flags_of_opening_count(self):
         with tempfile.TemporaryDirectory() as folder:
             path = pathlib.Path(folder) / "cut.bmp"
@@ -316,8 +322,9 @@ class Layer(unittest.TestCase):
                 self.assertIs(call().Listener, listener)
             self.assertEqual(listener.seen[-1], 100)
             self.assertEqual(list(self.system.receivers), [31])
-            self.program.call_named("kirvowatch", [Result(None)])
-            self.assertEqual(self.system.receivers, {})
+            for _ in range(2):  # where nothing is watched, there is nothing to destroy
+                self.program.call_named("kirvowatch", [Result(None)])
+                self.assertEqual(self.system.receivers, {})
         finally:
             flat.KirvoSetWindowHost(None)
 

@@ -8,6 +8,7 @@ import subprocess
 import sys
 import tempfile
 import threading
+import time
 import unittest
 
 import numpy
@@ -229,6 +230,25 @@ class Files(unittest.TestCase):
             with self.subTest(), kirvo.progress(enough), self.assertRaises(KeyError):
                 operation()
         self.assertEqual(Image.open(self.photo).size, (1000, 700))
+
+    def test_an_encode_ends_with_what_its_listener_raises(self):
+        def stop(percent):
+            raise KeyError(percent)
+
+        def seconds(operation):
+            began = time.perf_counter()
+            operation()
+            return time.perf_counter() - began
+
+        noise = numpy.random.default_rng(1).integers(0, 255, (1500, 1500, 3), dtype=numpy.uint8)
+        image = Image.from_array(noise)
+
+        def ended():
+            with kirvo.progress(stop), self.assertRaises(KeyError):
+                image.to_bytes("jpg")
+        whole, part = (min(seconds(operation) for _ in range(5))
+                       for operation in (lambda: image.to_bytes("jpg"), ended))
+        self.assertLess(2 * part, whole)
 
     def test_the_example(self):
         target = self.photo.with_name("page.png")

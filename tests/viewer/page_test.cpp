@@ -1,5 +1,6 @@
 // The picture on a page: where it lies, and that all of it is there, the right way up.
 #include "support/dib_builder.hpp"
+#include "support/import_patch.hpp"
 
 #include "page.hpp"
 
@@ -59,6 +60,17 @@ Dib chequered(int bits) {
     return picture;
 }
 
+// A printer that refuses a page's beginning, its picture, its end, or nothing.
+enum class Refused { beginning, picture, end, nothing };
+Refused refused;
+
+int WINAPI begin_page(HDC) { return refused == Refused::beginning ? SP_ERROR : 1; }
+int WINAPI end_page(HDC) { return refused == Refused::end ? SP_ERROR : 1; }
+int WINAPI draw_picture(HDC, int, int, int, int, int, int, int, int height, const void*,
+                        const BITMAPINFO*, UINT, DWORD) {
+    return refused == Refused::picture ? 0 : height;
+}
+
 } // namespace
 
 TEST(Page, IsFilledAcrossOrDownInTheMiddle) {
@@ -105,5 +117,19 @@ TEST(Page, HasEveryPartOfThePictureInItsPlace) {
                     << x << " " << y << " at " << bits;
         EXPECT_EQ(paper.at(10, 10), RGB(255, 255, 255));
         EXPECT_EQ(paper.at(190, 140), RGB(255, 255, 255));
+    }
+}
+
+TEST(Page, IsPrintedWhereThePrinterTakesAllOfIt) {
+    const ImportPatch begin(nullptr, "StartPage", reinterpret_cast<void*>(begin_page)),
+        draw(nullptr, "StretchDIBits", reinterpret_cast<void*>(draw_picture)),
+        end(nullptr, "EndPage", reinterpret_cast<void*>(end_page));
+    ASSERT_TRUE(begin.in_place() && draw.in_place() && end.in_place());
+    const Paper paper(300, 200);
+    const Image image = Image::adopt(chequered(24).release());
+    for (const Refused each :
+         {Refused::beginning, Refused::picture, Refused::end, Refused::nothing}) {
+        refused = each;
+        EXPECT_EQ(print_page(paper.dc(), image), each == Refused::nothing);
     }
 }

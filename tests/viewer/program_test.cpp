@@ -442,6 +442,14 @@ TEST(Viewer, LooksAtAReducedPictureFirstThenAtTheVisiblePart) {
     expect_size(area.right, area.bottom);
     PostMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
     EXPECT_TRUE(viewer.gone(dialog));
+
+    // Of pixels that are seen larger there are no more than the picture has.
+    for (int i = 0; i < 3; ++i)
+        viewer.command(command_zoom_in);
+    viewer.command(viewer.effect("brightness"));
+    expect_size(width, width * 9 / 16);
+    constexpr double scale = 1.25 * 1.25 * 1.25;
+    expect_size(static_cast<int>(area.right / scale), static_cast<int>(area.bottom / scale));
 }
 
 // The first look at a picture that is reduced, and those that follow the slider. A machine that is busy

@@ -6,6 +6,7 @@
 #include "commands.hpp"
 #include "effect.hpp"
 #include "effects_menu.hpp"
+#include "look.hpp"
 #include "sizes.hpp"
 #include "text.hpp"
 #include "viewer.hpp"
@@ -491,6 +492,22 @@ TEST(Status, TellsSizeScalePixelAndUndo) {
     EXPECT_EQ(text_of(viewer.window), L"picture - KirvoView");
 }
 
+TEST(Status, HasItsPartsSideBySideAndLeavesAQuarterToTheWords) {
+    Program program;
+    const ::Viewer& viewer = program.viewer;
+    for (const int width : {1200, 800, 500, 300}) {
+        SetWindowPos(viewer.window, nullptr, 0, 0, width, 500, SWP_NOMOVE | SWP_NOZORDER);
+        const LONG all = client_of(viewer.status).right;
+        int edges[5] = {};
+        ASSERT_EQ(SendMessageW(viewer.status, SB_GETPARTS, 5, reinterpret_cast<LPARAM>(edges)), 5);
+        EXPECT_GE(edges[0], all / 4) << width;
+        for (int part = 1; part < 5; ++part) {
+            EXPECT_GE(edges[part], edges[part - 1] + (width == 1200 ? 50 : 0)) << width;
+        }
+        EXPECT_EQ(edges[4], all) << width;
+    }
+}
+
 TEST(Window, ShowsThePictureBeforeTheLastEffectWhileBIsHeld) {
     Program program;
     ::Viewer& viewer = program.viewer;
@@ -777,6 +794,23 @@ TEST(EffectDialogs, LetSlidersAndNumbersFollowEachOther) {
     EXPECT_TRUE(pumped([&] { return !program.viewer.working; }));
     ASSERT_EQ(program.viewer.history.steps().size(), 1u);
     EXPECT_EQ(program.viewer.history.steps()[0].values, "0.6,2.5,0.75");
+}
+
+// A pixel of a large picture is less than one of the reduced picture that is looked at first.
+TEST(Look, HasRoomForTheSmallestSelection) {
+    Program program;
+    program.show(picture_of(1200, 900));
+    Look look(program.viewer);
+    for (LONG at = 500; at < 505; ++at) {
+        Step step;
+        step.option = "--brightness";
+        step.values = "30";
+        step.place = RECT{at, at, at + 1, at + 1};
+        std::optional<std::string> wrong;
+        look.at_once(step, [&](const std::string& what) { wrong = what; });
+        ASSERT_TRUE(pumped([&] { return wrong.has_value(); }));
+        EXPECT_EQ(*wrong, "");
+    }
 }
 
 TEST(SelectDialog, TakesWhatLiesInThePicture) {
