@@ -25,13 +25,13 @@ struct ExtremeKernels {
         };
         if (count < step)
             return (scalar::kernels.*rest)[rows - 2](to, a, b, c, d, count);
+        constexpr size_t at_once = V::size == 16 && sizeof(T) == 1 ? 2 : 1; // where it pays
         const size_t last = count - step;
-        block(0);
-        for (size_t i = elements_to_line<sizeof(T)>(to) % step; i < count;
-             i += 2 * step) { // two at once: up to a fifth
-            block(i < last ? i : last);
-            block(i + step < last ? i + step : last);
-        }
+        size_t next = elements_to_line<sizeof(T)>(to) % step;
+        for (size_t i = 0; i < count; i = next, next += at_once * step)
+#pragma GCC unroll 2
+            for (size_t at = i; at < i + at_once * step; at += step)
+                block(at < last ? at : last);
     }
 
     // All windows share the rows from where the last one begins to where the first one ends.
