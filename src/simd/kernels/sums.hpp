@@ -25,7 +25,7 @@ struct ExtremeKernels {
         };
         if (count < step)
             return (scalar::kernels.*rest)[rows - 2](to, a, b, c, d, count);
-        constexpr size_t at_once = V::size == 16 && sizeof(T) == 1 ? 2 : 1; // where it pays
+        constexpr size_t at_once = V::size <= 32 && sizeof(T) == 1 ? 2 : 1; // where it pays
         const size_t last = count - step;
         size_t next = elements_to_line<sizeof(T)>(to) % step;
         for (size_t i = 0; i < count; i = next, next += at_once * step)
