@@ -21,7 +21,7 @@ if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
 endif()
 string(CONCAT kirvo_small_files "^src/(formats|platform)/|"
        "^src/image/(dib|masks|palette|pixel_api|progress|rect_operation|window)\\.|"
-       "^src/effects/filter/(blur|sharpen)\\.|^src/effects/geometry/turn\\.|"
+       "^src/effects/filter/(blur|sharpen)\\.|^src/effects/geometry/(rotate|turn)\\.|"
        "^src/effects/tone/(gamma|hue|levels|point|range_filter)\\.|^src/simd/level_scalar\\.|"
        "^src/jpeg/(de|en)code/(api|encoder|headers|info_api|markers|scan|settings|state)\\.")
 

@@ -114,17 +114,18 @@ void ChannelBits::keep(uint8_t* to, const uint8_t* from, size_t count) const {
     using Vector [[gnu::vector_size(16), gnu::aligned(1), gnu::may_alias]] = uint8_t;
     Vector kept[sizeof pattern_ / sizeof(Vector)];
     std::memcpy(kept, pattern_, sizeof kept);
-    const size_t bytes = 3 * count;
-    size_t i = 0;
-    for (; i + sizeof kept <= bytes; i += sizeof kept) {
-        const Vector* in = reinterpret_cast<const Vector*>(from + i);
-        Vector* out = reinterpret_cast<Vector*>(to + i);
+    const auto keep_whole = [&](uint8_t* out, const uint8_t* in) {
 #pragma GCC unroll 3
-        for (size_t j = 0; j < std::size(kept); ++j)
-            out[j] = in[j] & kept[j];
-    }
-    for (size_t j = 0; i + j < bytes; ++j)
-        to[i + j] = from[i + j] & pattern_[j];
+        for (size_t i = 0; i < std::size(kept); ++i)
+            reinterpret_cast<Vector*>(out)[i] = reinterpret_cast<const Vector*>(in)[i] & kept[i];
+    };
+    size_t bytes = 3 * count;
+    for (; bytes >= sizeof kept; bytes -= sizeof kept, to += sizeof kept, from += sizeof kept)
+        keep_whole(to, from);
+    uint8_t rest[sizeof kept];
+    std::memcpy(rest, from, bytes);
+    keep_whole(rest, rest);
+    std::memcpy(to, rest, bytes);
 }
 
 } // namespace kirvo

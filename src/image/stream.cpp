@@ -15,4 +15,10 @@ CopyBytes copy_for(size_t run_bytes, uint64_t runs) {
     return past_caches ? kernels().copy_past_caches : move_bytes;
 }
 
+void prefetch(const uint8_t* from, size_t bytes) {
+    constexpr size_t line = 64;
+    for (size_t at = 0; at < bytes; at += line)
+        __builtin_prefetch(from + at);
+}
+
 } // namespace kirvo

@@ -16,10 +16,6 @@ void move_bytes(uint8_t* to, const uint8_t* from, size_t count);
 CopyBytes copy_for(size_t run_bytes, uint64_t runs);
 
 // Asks for bytes ahead of their use: the processor does not foresee steps from row to row.
-inline void prefetch(const uint8_t* from, size_t bytes) {
-    constexpr size_t line = 64;
-    for (size_t at = 0; at < bytes; at += line)
-        __builtin_prefetch(from + at);
-}
+void prefetch(const uint8_t* from, size_t bytes);
 
 } // namespace kirvo

@@ -79,13 +79,13 @@ class QuarterTurn {
     const uint8_t* source(int32_t x, int32_t k) const {
         return from_[k] + bytes_ * static_cast<size_t>(x);
     }
-    [[gnu::always_inline]] void prefetch_after(int32_t x, int32_t k) const {
+    void prefetch_after(int32_t x, int32_t k) const {
         if (k + rows < height_)
             prefetch_tile(x, k + rows);
         else if (x + columns < width_)
             prefetch_tile(x + columns, 0);
     }
-    [[gnu::always_inline]] void prefetch_tile(int32_t x, int32_t k) const {
+    void prefetch_tile(int32_t x, int32_t k) const {
         prefetch_rows(source(x, k), from_.stride, bytes_ * static_cast<size_t>(columns_at(x)),
                       rows_at(k));
         prefetch_rows(target(x, k), to_.stride, bytes_ * static_cast<size_t>(rows_at(k)),

@@ -37,10 +37,9 @@ void keep_channel(int channel, const PixelFormat& format, uint8_t* to, const uin
                   size_t count) {
     static constexpr ChannelBits bits[] = {ChannelBits({0, 0, 255}), ChannelBits({0, 255, 0}),
                                            ChannelBits({255, 0, 0})};
-    if (format.bits == 32 && format.has_byte_channels())
-        return kernels().keep_bits(to, from, 4 * count, format.masks.mask[channel]);
-    run_row([&](uint8_t* kept, const uint8_t* bgr, size_t n) { bits[channel].keep(kept, bgr, n); },
-            format, from, format, to, count);
+    if (format.bits == 32)
+        return kernels().keep_bits(to, from, 4 * count, format.under_mask(0xFF, channel));
+    bits[channel].keep(to, from, count);
 }
 
 // The 12 bytes behind the header go along whatever they are: masks, or pixels of an image without.

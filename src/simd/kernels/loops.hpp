@@ -59,7 +59,7 @@ constexpr size_t line_bytes = 64; // of the cache
 
 // Elements of 1 to 4 bytes from an address to the next line of the cache, or 0 where none begins one.
 template<size_t size>
-size_t elements_to_line(const void* to) {
+[[gnu::noinline]] size_t elements_to_line(const void* to) {
     const size_t bytes = -reinterpret_cast<uintptr_t>(to) % line_bytes;
     if constexpr (size == 3)
         return bytes * 43 % line_bytes; // 3 * 43 = 2 * 64 + 1

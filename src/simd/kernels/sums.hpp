@@ -15,7 +15,7 @@ struct ExtremeKernels {
 
     template<int rows>
     static void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
-        const auto block = [&](size_t i) {
+        const auto one = [&](size_t i) {
             const auto at = [=](const T* row) {
                 return V::load(reinterpret_cast<const uint8_t*>(row) + i);
             };
@@ -26,16 +26,12 @@ struct ExtremeKernels {
                 extreme = of(extreme, of(at(c), at(d)));
             V::store(reinterpret_cast<uint8_t*>(to) + i, extreme);
         };
+        const auto two = [&](size_t i) { one(i), one(i + V::size); };
+        constexpr bool two_pay = sizeof(void*) == 8 && V::size <= 32 && sizeof(T) == 1;
         const size_t bytes = count * sizeof(T);
-        if (bytes < V::size)
-            return (scalar::kernels.*rest)[rows - 2](to, a, b, c, d, count);
-        const size_t last = bytes - V::size;
-        block(0);
-        for (size_t i = elements_to_line<1>(to) % V::size; i < bytes;
-             i += 2 * V::size) { // two at once: up to a fifth
-            block(i < last ? i : last);
-            block(i + V::size < last ? i + V::size : last);
-        }
+        if (!(two_pay && each_aligned_step<2 * V::size, 1>(to, bytes, two)) &&
+            !each_aligned_step<V::size, 1>(to, bytes, one))
+            (scalar::kernels.*rest)[rows - 2](to, a, b, c, d, count);
     }
 
     // All windows share the rows from where the last one begins to where the first one ends.
