@@ -54,19 +54,22 @@ Status exchange_rows(const RectOperation& operation, Exchange exchange, Middle m
 
 // The processor does not foresee which rows come next.
 Status flip(const RectOperation& operation) {
+    if (operation.status() != Status::ok)
+        return operation.status();
     constexpr size_t part = 1024, in_caches = 2 << 20;
+    const size_t size = PixelRun(operation).size();
+    const bool outgrows_caches = size * static_cast<size_t>(operation.rect().height) > in_caches;
     return exchange_rows(
         operation,
         [&](uint8_t* lower, uint8_t* upper, uint8_t*) {
-            const size_t size = PixelRun(operation).size();
-            const bool outgrows_caches =
-                size * static_cast<size_t>(operation.rect().height) > in_caches;
+            if (!outgrows_caches) {
+                std::swap_ranges(lower, lower + size, upper);
+                return;
+            }
             for (size_t at = 0, now; at < size; at += now) {
                 now = std::min(part, size - at);
-                if (outgrows_caches) {
-                    prefetch(lower + at + operation.stride(), now);
-                    prefetch(upper + at - operation.stride(), now);
-                }
+                prefetch(lower + at + operation.stride(), now);
+                prefetch(upper + at - operation.stride(), now);
                 std::swap_ranges(lower + at, lower + at + now, upper + at);
             }
         },

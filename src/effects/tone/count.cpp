@@ -53,6 +53,7 @@ class IndexSet {
     void add_row(const uint8_t* row, int32_t width) {
         const int32_t in_byte = 8 / bits_;
         const int32_t whole = width / in_byte;
+#pragma GCC unroll 4 // a loop of one store waits for its own counting
         for (int32_t i = 0; i < whole; ++i)
             bytes_[row[i]] = true;
         for (int32_t i = 0; i < width % in_byte; ++i)
