@@ -49,9 +49,7 @@ struct VectorAvx : VectorX86 {
             return {add16(dot8(blue_green.low, by_bg), dot8(red_green.low, by_rg)),
                     add16(dot8(blue_green.high, by_bg), dot8(red_green.high, by_rg))};
         }
-        static Register pairs8(int first, int second) {
-            return all16((first & 0xFF) | (second & 0xFF) << 8);
-        }
+        static Register pairs8(int a, int b) { return all16((a & 0xFF) | (b & 0xFF) << 8); }
     };
 };
 

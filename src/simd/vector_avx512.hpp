@@ -98,15 +98,13 @@ struct Vector : VectorAvx {
     template<int bytes>
     static Register load_row(const uint8_t* from) {
         if constexpr (bytes == 1) {
-            return _mm512_cvtepu8_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from)));
+            return _mm512_cvtepu8_epi32(_mm_loadu_epi8(from));
         } else if constexpr (bytes == 2) {
-            return _mm512_cvtepu16_epi32(
-                _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from)));
+            return _mm512_cvtepu16_epi32(_mm256_loadu_epi16(from));
         } else if constexpr (bytes == 3) {
-            static constexpr Places spread(
-                [](int i) { return i % 4 == 3 ? 0 : i / 4 * 3 + i % 4; });
-            return _mm512_permutexvar_epi8(spread.vector(),
-                                           _mm512_maskz_loadu_epi8(first_48, from));
+            static constexpr Places apart([](int i) { return i % 4 == 3 ? 0 : i / 4 * 3 + i % 4; });
+            const Register pixels = _mm512_maskz_loadu_epi8(first_48, from);
+            return _mm512_permutexvar_epi8(apart.vector(), pixels);
         } else {
             return load_once(from);
         }
@@ -114,9 +112,9 @@ struct Vector : VectorAvx {
     template<int bytes>
     static void store_row(uint8_t* to, Register v) {
         if constexpr (bytes == 1) {
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm512_cvtepi32_epi8(v));
+            _mm_storeu_epi8(to, _mm512_cvtepi32_epi8(v));
         } else if constexpr (bytes == 2) {
-            _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), _mm512_cvtepi32_epi16(v));
+            _mm256_storeu_epi16(to, _mm512_cvtepi32_epi16(v));
         } else if constexpr (bytes == 3) {
             static constexpr Places close_up([](int i) { return i < 48 ? i / 3 * 4 + i % 3 : 0; });
             _mm512_mask_storeu_epi8(to, first_48, _mm512_permutexvar_epi8(close_up.vector(), v));

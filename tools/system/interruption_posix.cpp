@@ -2,7 +2,6 @@
 #include "system/interruption_table.hpp"
 
 #include <csignal>
-#include <ranges>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -20,7 +19,8 @@ void on_interrupt(int signal) {
         if (process != 0)
             waitpid(static_cast<pid_t>(process), nullptr, 0);
     }
-    for (const char* name : perishable | std::views::reverse) {
+    for (size_t i = most_perishable; i-- > 0;) { // a folder was there before what is in it
+        const char* name = perishable[i];
         if (name != nullptr && unlink(name) != 0)
             rmdir(name);
     }

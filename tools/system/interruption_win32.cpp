@@ -1,7 +1,6 @@
 #include "system/interruption_table.hpp"
 #include "system/terminal.hpp"
 
-#include <ranges>
 #include <windows.h>
 
 namespace {
@@ -32,7 +31,8 @@ BOOL WINAPI on_interrupt(DWORD) {
         if (process != 0)
             end_process(reinterpret_cast<HANDLE>(process.load()));
     }
-    for (const wchar_t* name : perishable | std::views::reverse) {
+    for (size_t i = most_perishable; i-- > 0;) { // a folder was there before what is in it
+        const wchar_t* name = perishable[i];
         if (name != nullptr)
             remove(name);
     }

@@ -11,7 +11,6 @@ namespace {
 template<typename V, typename T, auto of, auto rest, auto rest_of_rows>
 struct ExtremeKernels {
     using Register = typename V::Register;
-    static constexpr size_t step = V::size / sizeof(T);
 
     template<int rows>
     static void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
@@ -20,10 +19,8 @@ struct ExtremeKernels {
                 return V::load(reinterpret_cast<const uint8_t*>(row) + i);
             };
             Register extreme = of(at(a), at(b));
-            if constexpr (rows == 3)
-                extreme = of(extreme, at(c));
-            if constexpr (rows == 4)
-                extreme = of(extreme, of(at(c), at(d)));
+            if constexpr (rows > 2)
+                extreme = of(extreme, rows == 3 ? at(c) : of(at(c), at(d)));
             V::store(reinterpret_cast<uint8_t*>(to) + i, extreme);
         };
         const auto two = [&](size_t i) { one(i), one(i + V::size); };
@@ -62,7 +59,7 @@ struct ExtremeKernels {
             if (to[windows] != nullptr)
                 V::store(to[windows] + i, of(after, at(n - 1)));
         };
-        if (!each_aligned_step<step, sizeof(T)>(to[0], count, block))
+        if (!each_aligned_step<V::size / sizeof(T), sizeof(T)>(to[0], count, block))
             (scalar::kernels.*rest_of_rows)[windows / 4](to, rows, n, count, ahead);
     }
 };
