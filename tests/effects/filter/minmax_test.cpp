@@ -145,6 +145,27 @@ TEST(ExtremeFilter, FindsTheExtremesOnBothSidesOfABandsEnd) {
     }
 }
 
+// Results larger than the caches are written past them.
+TEST(ExtremeFilter, SpreadsPointsOfALargePictureAsThoseOfASmallOne) {
+    constexpr int32_t width = 2501, height = 2300, radius = 3;
+    Dib dots = make_dib({width, height, 24}), squares = make_dib({width, height, 24});
+    const struct {
+        int32_t x, y;
+    } points[] = {{0, 0}, {2500, 2299}, {64, 63}, {1250, 1150}, {2497, 5}};
+    for (const auto& point : points) {
+        dots.set_pixel(point.x, point.y, 0x80C0E0);
+        for (int32_t y = std::max(0, point.y - radius); y <= std::min(height - 1, point.y + radius);
+             ++y)
+            for (int32_t x = std::max(0, point.x - radius);
+                 x <= std::min(width - 1, point.x + radius); ++x)
+                squares.set_pixel(x, y, 0x80C0E0);
+    }
+    int32_t status = 99;
+    const Dib made(run(dots, {0, 0, width, height}, {radius, true, false}, &status));
+    ASSERT_EQ(status, 0);
+    EXPECT_TRUE(made.rows() == squares.rows());
+}
+
 TEST(ExtremeFilter, TakesTheFirstOfEqualLuminancesInTheOrderOfStorage) {
     Dib dib = make_dib({3, 3, 24});
     dib.set_pixel(2, 2, 0x000009); // Y 1, lowest on screen

@@ -195,6 +195,12 @@ TEST(Rotate, TurnsRowsThatLieAPowerOfTwoApart) {
             }
 }
 
+TEST(Rotate, TurnsLargePicturesAsSmallOnes) {
+    Random random(6);
+    for (int direction : {0, 1})
+        check_rotation(make_random_dib({1603, 1405, 24}, random), {0, 0, 1603, 1405}, direction);
+}
+
 TEST(Rotate, ClockwisePutsTheBottomLeftAtTheTopLeft) {
     Dib dib = make_dib({4, 2, 24});
     dib.set_pixel(0, 1, 0x123456);
