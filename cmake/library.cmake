@@ -51,7 +51,9 @@ foreach(source IN LISTS kirvo_sources)
             list(APPEND source_flags -fno-tree-ter -fno-tree-reassoc)
         endif()
     endif()
-    if(kirvo_small_dll AND source MATCHES "${kirvo_small_files}")
+    # Readers and writers of files are small in both DLLs.
+    if((kirvo_small_dll AND source MATCHES "${kirvo_small_files}") OR
+       (WIN32 AND source MATCHES "^src/formats/"))
         list(APPEND source_flags -Os)
     endif()
     set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${source_flags}")
