@@ -56,7 +56,7 @@ Status exchange_rows(const RectOperation& operation, Exchange exchange, Middle m
 Status flip(const RectOperation& operation) {
     if (operation.status() != Status::ok)
         return operation.status();
-    constexpr size_t part = 1024, in_caches = 2 << 20;
+    constexpr size_t part = 1024, in_caches = 4 << 20;
     const size_t size = PixelRun(operation).size();
     const bool outgrows_caches = size * static_cast<size_t>(operation.rect().height) > in_caches;
     return exchange_rows(

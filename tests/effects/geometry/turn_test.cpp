@@ -73,15 +73,15 @@ TEST(Turn, InPlaceMovesEveryPixelOfTheRectangleAndNothingElse) {
 
 TEST(Turn, LargePicturesAreFlippedAsSmallOnesAre) {
     Random random(5);
-    const Dib dib = make_random_dib({1023, 701, 24}, random);
+    const Dib dib = make_random_dib({1501, 1001, 24}, random);
     const std::vector<uint8_t> before = block(dib);
-    ASSERT_EQ(Dib24Flip(dib, 0, 0, 1023, 701), 0);
+    ASSERT_EQ(Dib24Flip(dib, 0, 0, 1501, 1001), 0);
     const std::vector<uint8_t> after = block(dib);
-    constexpr ptrdiff_t header = 40, stride = 3072, pixels = 3 * 1023;
-    for (ptrdiff_t row = 0; row < 701; ++row)
+    constexpr ptrdiff_t header = 40, stride = 4504, pixels = 3 * 1501;
+    for (ptrdiff_t row = 0; row < 1001; ++row)
         ASSERT_TRUE(std::equal(&before[0] + header + row * stride,
                                &before[0] + header + row * stride + pixels,
-                               &after[0] + header + (700 - row) * stride))
+                               &after[0] + header + (1000 - row) * stride))
             << row;
 }
 
