@@ -14,15 +14,16 @@ else()
     list(FILTER kirvo_sources EXCLUDE REGEX "_wasm\\.cpp$")
 endif()
 
-# The 32-bit DLL is kept small where that takes no time: in files that work once a call, at the speed
-# of a disk, or whose rows go to the kernels.
+# The DLLs are kept small where that takes no time: in files that work once a call, at the speed of a
+# disk, or whose rows go to the kernels. The 32-bit one is so by other means, too.
 if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
     set(kirvo_small_dll TRUE)
 endif()
 string(CONCAT kirvo_small_files "^src/(formats|platform)/|"
-       "^src/image/(dib|masks|palette|pixel_api|progress|rect_operation|window)\\.|"
-       "^src/effects/filter/(blur|sharpen)\\.|^src/effects/geometry/(rotate|turn)\\.|"
-       "^src/effects/tone/(gamma|hue|levels|point|range_filter)\\.|"
+       "^src/image/(dib|duplicate|masks|palette|pixel_api|progress|rect_operation|window)\\.|"
+       "^src/effects/compose/interleave\\.|^src/effects/filter/(blur|convolve|sharpen)\\.|"
+       "^src/effects/geometry/(rotate|turn)\\.|^src/reduce/(palettes|reduction)\\.|"
+       "^src/effects/tone/(gamma|histogram|hue|levels|point|range_filter)\\.|"
        "^src/jpeg/(de|en)code/(api|encoder|headers|info_api|markers|scan|settings|state)\\.")
 
 # The names of the levels' files decide which instructions they may use.
@@ -32,7 +33,8 @@ foreach(source IN LISTS kirvo_sources)
         set(source_flags -mavx2)
     elseif(source MATCHES "/level_avx512\\.cpp$")
         # GCC 12 warns of its own AVX-512 headers.
-        set(source_flags -mavx512f -mavx512bw -mavx512dq -mavx512vl -mavx512vbmi -Wno-uninitialized
+        set(source_flags -mavx512f -mavx512bw -mavx512dq -mavx512vl -mavx512vbmi
+                      -mavx512vpopcntdq -Wno-uninitialized
                       $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     endif()
     if(source_flags AND WIN32)
@@ -51,9 +53,7 @@ foreach(source IN LISTS kirvo_sources)
             list(APPEND source_flags -fno-tree-ter -fno-tree-reassoc)
         endif()
     endif()
-    # Readers and writers of files are small in both DLLs.
-    if((kirvo_small_dll AND source MATCHES "${kirvo_small_files}") OR
-       (WIN32 AND source MATCHES "^src/formats/"))
+    if(WIN32 AND source MATCHES "${kirvo_small_files}")
         list(APPEND source_flags -Os)
     endif()
     set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${source_flags}")

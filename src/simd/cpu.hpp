@@ -5,7 +5,7 @@
 
 namespace kirvo {
 
-// avx512 stands for F, BW, DQ, VL and VBMI together.
+// avx512 stands for F, BW, DQ, VL, VBMI and VPOPCNTDQ together.
 #define NAME(level) level,
 enum class CpuLevel { KIRVO_LEVELS(NAME) };
 #undef NAME

@@ -41,9 +41,10 @@ CpuLevel detect_cpu_level() {
     const Registers seven = cpuid(7);
     if (!has_all(saved, ymm_saved) || !has_all(seven.ebx, bit(5)))
         return CpuLevel::sse2;
-    constexpr uint32_t f_dq_bw_vl = bit(16) | bit(17) | bit(30) | bit(31), vbmi = bit(1);
-    const bool wide =
-        has_all(saved, zmm_saved) && has_all(seven.ebx, f_dq_bw_vl) && has_all(seven.ecx, vbmi);
+    constexpr uint32_t f_dq_bw_vl = bit(16) | bit(17) | bit(30) | bit(31);
+    constexpr uint32_t vbmi_vpopcntdq = bit(1) | bit(14);
+    const bool wide = has_all(saved, zmm_saved) && has_all(seven.ebx, f_dq_bw_vl) &&
+                      has_all(seven.ecx, vbmi_vpopcntdq);
     return wide ? CpuLevel::avx512 : CpuLevel::avx2;
 }
 

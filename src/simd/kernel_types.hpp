@@ -22,6 +22,8 @@ struct ChannelLevels {
     Levels channel[3];
 };
 
+constexpr size_t tally_pixels = 4096;
+
 enum ChannelByte : uint8_t { blue_byte, green_byte, red_byte };
 
 // Each byte of a 24-bit pixel comes from the byte of that place in the source.

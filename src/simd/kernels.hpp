@@ -49,6 +49,9 @@ struct Kernels {
     void (*replace)(uint8_t* to, const uint8_t* from, size_t pixels, const uint8_t* key);
     // (77 red + 150 green + 29 blue + 128) >> 8, a byte for each pixel; no overlap
     void (*luminance)(uint8_t* to, const uint8_t* bgr, size_t pixels);
+    // Adds to counters of each channel's values those of tally_pixels; the memory at next is counted
+    // next. Null where counting one by one is as fast.
+    void (*tally)(uint32_t (*counts)[256], const uint8_t* bgr, const uint8_t* next);
 
     // Rows of pixels from one depth to another.
     using ConvertPixels = void (*)(const uint8_t* from, uint8_t* to, size_t pixels,

@@ -27,6 +27,7 @@ const Kernels kernels = {
     keep_hsv,
     replace,
     luminance,
+    nullptr,
     convert<2, 3>,
     convert<4, 3>,
     convert<3, 2>,

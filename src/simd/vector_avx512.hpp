@@ -1,4 +1,4 @@
-// The wrapper of AVX-512 (F, BW, DQ, VL and VBMI): vectors of 64 bytes. What the members mean stands
+// The wrapper of AVX-512 (F, BW, DQ, VL, VBMI and VPOPCNTDQ): vectors of 64 bytes. What the members mean stands
 // in vector_sse2.hpp.
 #pragma once
 
@@ -44,6 +44,11 @@ struct Vector : VectorAvx {
     }
     static Register with_sign16(Register magnitude, Register a) {
         return _mm512_mask_sub_epi16(magnitude, _mm512_movepi16_mask(a), zero(), magnitude);
+    }
+    static Register bits32(Register a) { return _mm512_popcnt_epi32(a); } // how many are set
+    // Sums of the first and second, and of the third and fourth, 16 bytes of each vector.
+    static Register sums_of_parts(Register a, Register b) {
+        return add32(_mm512_shuffle_i32x4(a, b, 0x88), _mm512_shuffle_i32x4(a, b, 0xDD));
     }
     static Register in_order(Register a) {
         return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), a);

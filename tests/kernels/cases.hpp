@@ -8,7 +8,7 @@
 #define KIRVO_EACH_KERNEL(X)                                                                       \
     X(add) X(average) X(subtract) X(invert) X(keep_bits) X(scale) X(map) X(correct) X(triple)           \
     X(copy_past_caches) X(map_channels) X(permute) X(grey) X(set_hue) X(turn_hue) X(keep_rgb)      \
-    X(keep_hsv) X(replace) X(luminance) X(from16to24) X(from32to24) X(from24to16) X(from32to16)    \
+    X(keep_hsv) X(replace) X(luminance) X(tally) X(from16to24) X(from32to24) X(from24to16) X(from32to16)    \
     X(from24to32) X(from16to32) X(blur) X(convolve16) X(convolve32) X(laplacian) X(gradient)       \
     X(correction) X(dark_edges) X(relief) X(between) X(highest8) X(lowest8) X(highest32)           \
     X(highest_rows8) X(lowest_rows8) X(highest_rows16) X(add_to_sums16) X(add_to_sums32)           \

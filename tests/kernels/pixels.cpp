@@ -37,6 +37,13 @@ void permute_row(decltype(Kernels::permute) kernel, Trial& trial, size_t pixels,
     trial.run([=, &order] { kernel(row.to, row.from, pixels, order); });
 }
 
+using Counters = uint32_t[256];
+
+void count_plainly(Counters* counts, const uint8_t* bgr, const uint8_t*) {
+    for (size_t i = 0; i < 3 * tally_pixels; ++i)
+        ++counts[i % 3][bgr[i]];
+}
+
 } // namespace
 
 namespace cases {
@@ -108,6 +115,25 @@ const Case<decltype(Kernels::luminance)> luminance = {
         trial.run([=] { kernel(to, from, 65536); });
     },
     52};
+
+// Levels that have none count as the oracle does.
+const Case<decltype(Kernels::tally)> tally = {
+    count_plainly,
+    [](auto kernel, Trial& trial) {
+        auto* counts = reinterpret_cast<Counters*>(trial.values<uint32_t>(3 * 256));
+        const uint8_t* bgr = trial.values<uint8_t>(3 * tally_pixels);
+        trial.items = tally_pixels;
+        trial.run([=] { (kernel == nullptr ? count_plainly : kernel)(counts, bgr, nullptr); });
+    },
+    "pixel", 16,
+    // One value alone in each round.
+    [](auto kernel, Trial& trial) {
+        auto* counts = reinterpret_cast<Counters*>(trial.values<uint32_t>(3 * 256, 0, 0));
+        const auto value = static_cast<int64_t>(trial.round);
+        const uint8_t* bgr = trial.values<uint8_t>(3 * tally_pixels, value, value);
+        trial.run([=] { (kernel == nullptr ? count_plainly : kernel)(counts, bgr, bgr); });
+    },
+    256};
 
 const Case<decltype(Kernels::replace)> replace = {
     [](uint8_t* to, const uint8_t* from, size_t pixels, const uint8_t* key) {

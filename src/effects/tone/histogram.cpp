@@ -1,5 +1,6 @@
 // Counts of each channel value in a rectangle.
 #include "image/rect_operation.hpp"
+#include "simd/kernels.hpp"
 
 #include <cstring>
 
@@ -15,25 +16,41 @@ template<size_t channels>
 class Tally {
   public:
     void add(const uint8_t* row, size_t pixels) {
-        constexpr size_t bytes = channels * turns;
-        for (; pixels >= turns; pixels -= turns, row += bytes) {
-#pragma GCC unroll 12
-            for (size_t i = 0; i < bytes; ++i)
-                ++counts_[i / channels][i % channels][row[i]];
+        if (kernels().tally == nullptr)
+            return add_singly(row, channels * pixels);
+        for (size_t left = channels * pixels; left != 0;) {
+            const size_t n = std::min(left, sizeof waiting_ - waits_);
+            std::memcpy(waiting_ + waits_, row, n);
+            waits_ += n, row += n, left -= n;
+            if (waits_ == sizeof waiting_) {
+                kernels().tally(counts_, waiting_, row);
+                waits_ = 0;
+            }
         }
-        for (size_t i = 0; i < channels * pixels; ++i)
-            ++counts_[0][i % channels][row[i]];
     }
+    void end() { add_singly(waiting_, waits_); }
     uint32_t operator()(size_t channel, size_t value) const {
         uint32_t sum = 0;
-        for (const auto& table : counts_)
-            sum += table[channel][value];
+        for (size_t t = channel; t < tables; t += channels)
+            sum += counts_[t][value];
         return sum;
     }
 
   private:
-    static constexpr size_t turns = 4;
-    Counters counts_[turns][channels] = {};
+    [[gnu::noinline]] void add_singly(const uint8_t* bytes, size_t count) {
+        for (; count >= tables; count -= tables, bytes += tables) {
+#pragma GCC unroll 12
+            for (size_t i = 0; i < tables; ++i)
+                ++counts_[i][bytes[i]];
+        }
+        for (size_t i = 0; i < count; ++i)
+            ++counts_[i][bytes[i]];
+    }
+
+    static constexpr size_t tables = 4 * channels;
+    Counters counts_[tables] = {};
+    size_t waits_ = 0;
+    uint8_t waiting_[3 * tally_pixels]; // to be counted together
 };
 
 struct Histogram {
@@ -43,13 +60,15 @@ struct Histogram {
 Histogram count_indexed(const RectOperation& operation) {
     Tally<1> tally;
     operation.each_row([&](int32_t r) { tally.add(operation.row(r), operation.width()); });
+    tally.end();
     const ColourTable table(operation.source(), operation.source().header.biSize);
     Histogram histogram;
     for (size_t index = 0; index < 256; ++index) {
         const Rgb colour = table[static_cast<uint8_t>(index)];
-        histogram.red[colour.red] += tally(0, index);
-        histogram.green[colour.green] += tally(0, index);
-        histogram.blue[colour.blue] += tally(0, index);
+        const uint32_t count = tally(0, index);
+        histogram.red[colour.red] += count;
+        histogram.green[colour.green] += count;
+        histogram.blue[colour.blue] += count;
     }
     return histogram;
 }
@@ -61,6 +80,7 @@ Histogram count_direct(const RectOperation& operation) {
         read_row(format, operation.row(r), operation.width(),
                  [&](const uint8_t* bgr, size_t count) { tally.add(bgr, count); });
     });
+    tally.end();
     Histogram histogram;
     for (size_t value = 0; value < 256; ++value) {
         histogram.blue[value] = tally(0, value);

@@ -8,6 +8,7 @@
 #include "simd/kernels/hue.hpp"
 #include "simd/kernels/pixels.hpp"
 #include "simd/kernels/sums.hpp"
+#include "simd/kernels/tally.hpp"
 #include "simd/kernels/turn.hpp"
 
 namespace kirvo {
@@ -52,6 +53,7 @@ constexpr Kernels table_of() {
         .keep_hsv = any_count<HueKernels<V>::keep_hsv, 3, V::size>,
         .replace = Pixels::replace,
         .luminance = Pixels::luminance,
+        .tally = tally_of<V>(),
         .from16to24 = Pixels::template convert<2, 3, &Kernels::from16to24>,
         .from32to24 = Pixels::template convert<4, 3, &Kernels::from32to24>,
         .from24to16 = Pixels::template convert<3, 2, &Kernels::from24to16>,

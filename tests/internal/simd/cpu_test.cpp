@@ -20,7 +20,8 @@ TEST(CpuLevels, AreThoseOfTheProcessor) {
     __builtin_cpu_init();
     const bool wide = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
                       __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl") &&
-                      __builtin_cpu_supports("avx512vbmi");
+                      __builtin_cpu_supports("avx512vbmi") &&
+                      __builtin_cpu_supports("avx512vpopcntdq");
     const CpuLevel expected = wide                             ? CpuLevel::avx512
                               : __builtin_cpu_supports("avx2") ? CpuLevel::avx2
                               : __builtin_cpu_supports("sse2") ? CpuLevel::sse2
