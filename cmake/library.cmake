@@ -21,9 +21,9 @@ if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
 endif()
 string(CONCAT kirvo_small_files "^src/(formats|platform)/|"
        "^src/image/(dib|duplicate|masks|palette|pixel_api|progress|rect_operation|window)\\.|"
-       "^src/effects/compose/interleave\\.|^src/effects/filter/(blur|convolve|sharpen)\\.|"
+       "^src/effects/compose/interleave\\.|^src/effects/filter/(blur|sharpen)\\.|"
        "^src/effects/geometry/(rotate|turn)\\.|^src/reduce/(palettes|reduction)\\.|"
-       "^src/effects/tone/(gamma|histogram|hue|levels|point|range_filter)\\.|"
+       "^src/effects/tone/(gamma|hue|levels|point|range_filter)\\.|"
        "^src/jpeg/(de|en)code/(api|encoder|headers|info_api|markers|scan|settings|state)\\.")
 
 # The names of the levels' files decide which instructions they may use.
