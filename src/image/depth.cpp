@@ -60,19 +60,24 @@ HGLOBAL convert(HGLOBAL from, const Depths& depths, int32_t bits, int32_t* statu
 constexpr bool is_bit_count(int32_t bits) { return bits >= 0 && bits <= 8; }
 constexpr uint8_t top_bits(int32_t count) { return static_cast<uint8_t>(0xFF00 >> count); }
 
+// A duplicate, padding included, of pixels that are cut on their way.
 Status cut_depth(const LockedDib& from, const uint8_t (&keep)[3], OwnedBlock& result) {
     if (!from)
         return Status::null_handle;
     if (from.bits() != 24)
         return Status::needs_24;
-    const Status status = duplicate(from, from.whole(), result);
+    const Status status = room_for_duplicate(from, from.whole(), result);
     if (status != Status::ok)
         return status;
     const LockedDib copy(result.get());
-    const Rows rows = copy.rows(RowStart::after_header);
+    const Rows to = copy.rows(RowStart::after_header), source = from.rows(RowStart::after_40);
     const ChannelBits kept(keep);
-    for (int32_t row = 0; row < copy.height(); ++row)
-        kept.keep(rows[row], rows[row], static_cast<size_t>(copy.width()));
+    const auto width = static_cast<size_t>(copy.width()), used = 3 * width;
+    for (int32_t row = 0; row < copy.height(); ++row) {
+        kept.keep(to[row], source[row], width);
+        copy_up_to(to[row] + used, source[row] + used, static_cast<size_t>(copy.stride()) - used,
+                   source.end);
+    }
     return Status::ok;
 }
 

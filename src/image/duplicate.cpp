@@ -82,17 +82,22 @@ Status copy_rect(const LockedDib& to, int32_t x, int32_t y, const LockedDib& fro
     return Status::ok;
 }
 
-Status duplicate(const LockedDib& from, const Rect& rect, OwnedBlock& result) {
+Status room_for_duplicate(const LockedDib& from, const Rect& rect, OwnedBlock& result) {
     if (!from)
         return Status::null_handle;
     if (!well_formed(rect) || !inside(rect, from) || !from.holds_rows(start))
         return Status::bad_parameter;
     if (from.bits() < 8)
         return Status::needs_8_16_24_32;
-    OwnedBlock made = new_dib(rect.width, rect.height, from.bits(), Content::any);
-    if (!made)
-        return Status::no_memory;
-    const Status status = copy_rect(LockedDib(made.get()), 0, 0, from, rect);
+    result = new_dib(rect.width, rect.height, from.bits(), Content::any);
+    return result ? Status::ok : Status::no_memory;
+}
+
+Status duplicate(const LockedDib& from, const Rect& rect, OwnedBlock& result) {
+    OwnedBlock made;
+    Status status = room_for_duplicate(from, rect, made);
+    if (status == Status::ok)
+        status = copy_rect(LockedDib(made.get()), 0, 0, from, rect);
     if (status == Status::ok)
         result = std::move(made);
     return status;

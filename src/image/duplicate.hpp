@@ -23,5 +23,7 @@ Status copy_rect(const LockedDib& to, int32_t x, int32_t y, const LockedDib& fro
 // A new image with the rectangle of the source.
 // Answers -3, -1 (rectangle, block too small), -40 (below 8 bits), -2, in this order.
 Status duplicate(const LockedDib& from, const Rect& rect, OwnedBlock& result);
+// The same before anything is copied to it.
+Status room_for_duplicate(const LockedDib& from, const Rect& rect, OwnedBlock& result);
 
 } // namespace kirvo
