@@ -164,37 +164,65 @@ ALWAYS_INLINE bool read_coefficient(BitBuffer& bits, const FastReader::Tables& t
     return true;
 }
 
+// A pair found at position k.
+ALWAYS_INLINE void put_pair(BitBuffer& bits, const AcPair& pair, int16_t* block, size_t k) {
+    bits.drop(pair.length);
+    const uint8_t* place = &block_place[k];
+    block[place[pair.first]] = pair.value[0];
+    block[place[pair.second]] = pair.value[1];
+}
+
+// One AC symbol of a baseline block, where the lookup gave no pair that lies inside it.
+ALWAYS_INLINE bool read_single(BitBuffer& bits, const FastReader::Tables& tables,
+                               const AcPair& pair, int16_t* block, size_t& k) {
+    if (pair.second == no_pair && pair.length != 0) {
+        bits.drop(pair.length);
+        refill(bits);
+        const auto size = static_cast<uint32_t>(pair.value[0]);
+        const size_t at = k + pair.first;
+        if (at > 63)
+            return false;
+        block[block_place[at]] = extend(bits.take(size), size);
+        k = at + 1;
+        return true;
+    }
+    auto position = static_cast<int32_t>(k);
+    const bool good = read_coefficient(bits, tables, 0, block, position, nullptr);
+    k = static_cast<size_t>(position);
+    return good;
+}
+
 // The AC coefficients of a baseline block, not multiplied, and a zigzag position after which they are 0. The DC
 // place may be overwritten.
 ALWAYS_INLINE bool read_ac(BitBuffer& bits, const FastReader::Tables& tables, int16_t* block,
                            uint8_t& last) {
     constexpr int32_t lookups_per_refill = BitBuffer::full / lookup_bits;
     const AcPair* pairs = tables.pairs->entries;
-    int32_t k = 1;
-    for (;;) {
+    size_t k = 1;
+    do {
+        const AcPair* pair;
         refill(bits);
 #pragma GCC unroll 8
         for (int32_t i = 0; i < lookups_per_refill; ++i) {
-            const AcPair pair = pairs[bits.peek(lookup_bits)];
-            const int32_t first = k + pair.first, second = k + pair.second;
-            if (second >= 63) // behind the block's last place begins another block
-                goto single;
-            bits.drop(pair.length);
-            block[block_place[static_cast<size_t>(first)]] = pair.value[0];
-            block[block_place[static_cast<size_t>(second)]] = pair.value[1];
-            k += pair.advance;
-            if (k > 63)
-                goto ended;
+            pair = &pairs[bits.peek(lookup_bits)];
+            const size_t next = k + pair->advance;
+            if (next > 63)
+                goto special;
+            put_pair(bits, *pair, block, k);
+            k = next;
         }
         continue;
-    single:
-        if (!read_coefficient(bits, tables, 0, block, k, nullptr))
-            return false;
-        if (k > 63)
+    special:
+        if (k + pair->second < 63) {
+            put_pair(bits, *pair, block, k);
+            k += pair->advance;
             break;
-    }
-ended:
-    last = static_cast<uint8_t>(std::min(k < past_block ? 63 : k - past_block - 1, 63));
+        }
+        // Behind the block's last place begins another block.
+        if (!read_single(bits, tables, *pair, block, k))
+            return false;
+    } while (k <= 63);
+    last = static_cast<uint8_t>(std::min<size_t>(k < past_block ? 63 : k - past_block - 1, 63));
     return true;
 }
 

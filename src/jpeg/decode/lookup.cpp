@@ -144,10 +144,21 @@ void append(AcPair& pair, LookupEntry entry) {
     pair.advance = static_cast<uint8_t>(pair.advance + next.advance);
 }
 
+// A code whose value does not lie in the bits, if they hold that.
+AcPair coded_value(LookupEntry entry) {
+    if (entry == 0 || entry_kind(entry) != EntryKind::value)
+        return {0, past_block, 0, no_pair, {}};
+    return {static_cast<uint8_t>(entry_length(entry)),
+            past_block,
+            static_cast<uint8_t>(entry_run(entry)),
+            no_pair,
+            {static_cast<int16_t>(entry_ac_size(entry)), 0}};
+}
+
 AcPair pair_of(const Lookup& lookup, uint32_t bits) {
     const LookupEntry first = lookup.entries[bits];
     if (!is_whole(first))
-        return {0, 0, 0, no_pair, {}};
+        return coded_value(first);
     AcPair pair = single(first);
     if (!has_ac_value(first))
         return pair;
