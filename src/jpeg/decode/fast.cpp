@@ -165,8 +165,7 @@ ALWAYS_INLINE bool read_coefficient(BitBuffer& bits, const FastReader::Tables& t
 }
 
 // A pair found at position k.
-ALWAYS_INLINE void put_pair(BitBuffer& bits, const AcPair& pair, int16_t* block, size_t k) {
-    bits.drop(pair.length);
+ALWAYS_INLINE void put_pair(const AcPair& pair, int16_t* block, size_t k) {
     const uint8_t* place = &block_place[k];
     block[place[pair.first]] = pair.value[0];
     block[place[pair.second]] = pair.value[1];
@@ -204,17 +203,21 @@ ALWAYS_INLINE bool read_ac(BitBuffer& bits, const FastReader::Tables& tables, in
         refill(bits);
 #pragma GCC unroll 8
         for (int32_t i = 0; i < lookups_per_refill; ++i) {
-            pair = &pairs[bits.peek(lookup_bits)];
+            const uint32_t index = bits.peek(lookup_bits);
+            pair = &pairs[index];
+            const uint32_t length = tables.pairs->lengths[index];
             const size_t next = k + pair->advance;
             if (next > 63)
                 goto special;
-            put_pair(bits, *pair, block, k);
+            bits.drop(length);
+            put_pair(*pair, block, k);
             k = next;
         }
         continue;
     special:
         if (k + pair->second < 63) {
-            put_pair(bits, *pair, block, k);
+            bits.drop(pair->length);
+            put_pair(*pair, block, k);
             k += pair->advance;
             break;
         }

@@ -177,7 +177,7 @@ AcPair pair_of(const Lookup& lookup, uint32_t bits) {
 
 void PairLookup::make(const Lookup& lookup) {
     for (uint32_t bits = 0; bits < 1u << lookup_bits; ++bits)
-        entries[bits] = pair_of(lookup, bits);
+        lengths[bits] = (entries[bits] = pair_of(lookup, bits)).length;
     ready = true;
 }
 

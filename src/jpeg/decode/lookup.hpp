@@ -73,6 +73,7 @@ constexpr uint8_t past_block = 128;
 constexpr uint8_t no_pair = 63;
 
 struct PairLookup {
+    uint8_t lengths[1u << lookup_bits];
     AcPair entries[1u << lookup_bits];
     bool ready;
 
