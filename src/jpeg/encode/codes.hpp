@@ -56,7 +56,7 @@ struct EntropyCodes {
     std::array<Bits, dc_symbols> dc;
     std::array<Bits, 256> ac;
     std::array<Bits, 2 * small_levels> small_dc;     // by difference + small_levels
-    std::array<Bits, 2 * small_levels> small_ac[16]; // by run and level + small_levels
+    std::array<Bits, 2 * small_levels> small_ac[17]; // by run + 1 and level + small_levels
 };
 
 inline EntropyCodes entropy_codes(const HuffmanTable<dc_symbols>& dc,
@@ -67,7 +67,7 @@ inline EntropyCodes entropy_codes(const HuffmanTable<dc_symbols>& dc,
         const auto index = static_cast<size_t>(level + small_levels);
         codes.small_dc[index] = with_magnitude(codes.dc[category], level, category);
         for (uint32_t run = 0; run < 16; ++run)
-            codes.small_ac[run][index] =
+            codes.small_ac[run + 1][index] =
                 with_magnitude(codes.ac[run << 4 | category], level, category);
     }
     return codes;

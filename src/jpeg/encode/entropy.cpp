@@ -48,7 +48,7 @@ struct AcValues {
     size_t last = 0;
 
     [[gnu::always_inline]] bool put_next(BitWriter& writer) {
-        const size_t position = start + static_cast<size_t>(std::countr_zero(left));
+        const size_t position = start + static_cast<unsigned>(std::countr_zero(left));
         left &= left - 1;
         size_t distance = position - last; // one more than the run of zeros
         last = position;
@@ -60,7 +60,7 @@ struct AcValues {
         const uint8_t small = group.small[block][position];
         if (small >= 2 * small_levels)
             return put_rare(writer, level_at(position), codes.ac.data() + 16 * (distance - 1));
-        writer.put(codes.small_ac[distance - 1][small]);
+        writer.put(codes.small_ac[distance][small]);
         return true;
     }
     int16_t level_at(size_t position) const {
