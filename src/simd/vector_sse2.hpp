@@ -166,15 +166,14 @@ struct Vector : VectorX86 {
                 levels = _mm_insert_epi16(levels, natural[zigzag[k + static_cast<size_t>(i)]], i);
             return levels;
         };
-        uint64_t mask = 0;
+        uint64_t zeros = 0;
 #pragma GCC unroll 4
         for (size_t k = 0; k < 64; k += 16) {
             const Register levels = narrow16_signed(eight_from(k), eight_from(k + 8));
             store(*small + k, _mm_add_epi8(levels, all8(small_levels)));
-            const auto zeros = static_cast<uint32_t>(_mm_movemask_epi8(equal8(levels, zero())));
-            mask |= static_cast<uint64_t>(zeros ^ 0xFFFF) << k;
+            zeros |= static_cast<uint64_t>(_mm_movemask_epi8(equal8(levels, zero()))) << k;
         }
-        *nonzero = mask;
+        *nonzero = ~zeros;
     }
 
   private:
