@@ -23,6 +23,8 @@ Word load_big_endian(const uint8_t* from) {
         return __builtin_bswap32(value);
 }
 
+static_assert(longest_coded_value <= BitBuffer::full);
+
 constexpr Word ones = ~Word{0} / 0xFF; // in every byte
 
 // Right for a word; of its bytes one above a 0xFF may be taken for another.
@@ -122,10 +124,10 @@ ALWAYS_INLINE bool read_dc(BitBuffer& bits, const FastReader::Tables& tables, in
 }
 
 // One AC symbol and what belongs to it, at position k, which moves on; by past_block more at the
-// end of a block. Where bands may end, eob_run tells for how many blocks more.
+// end of a block. Where bands may end, eob_run tells for how many blocks more. The bits have just
+// been refilled.
 ALWAYS_INLINE bool read_coefficient(BitBuffer& bits, const FastReader::Tables& tables,
                                     int32_t shift, int16_t* block, int32_t& k, int32_t* eob_run) {
-    refill(bits);
     const LookupEntry entry = next_code(bits, *tables.ac, *tables.coding.ac, ac_row);
     if (entry == 0)
         return false;
@@ -174,21 +176,20 @@ ALWAYS_INLINE void put_pair(const AcPair& pair, int16_t* block, size_t k) {
 // One AC symbol of a baseline block, where the lookup gave no pair that lies inside it.
 ALWAYS_INLINE bool read_single(BitBuffer& bits, const FastReader::Tables& tables,
                                const AcPair& pair, int16_t* block, size_t& k) {
-    if (pair.second == no_pair && pair.length != 0) {
-        bits.drop(pair.length);
-        refill(bits);
-        const auto size = static_cast<uint32_t>(pair.value[0]);
-        const size_t at = k + pair.first;
-        if (at > 63)
-            return false;
-        block[block_place[at]] = extend(bits.take(size), size);
-        k = at + 1;
-        return true;
+    refill(bits);
+    if (!is_coded_value(pair)) {
+        auto position = static_cast<int32_t>(k);
+        const bool good = read_coefficient(bits, tables, 0, block, position, nullptr);
+        k = static_cast<size_t>(position);
+        return good;
     }
-    auto position = static_cast<int32_t>(k);
-    const bool good = read_coefficient(bits, tables, 0, block, position, nullptr);
-    k = static_cast<size_t>(position);
-    return good;
+    k += pair.first;
+    if (k > 63)
+        return false;
+    bits.drop(pair.length);
+    const auto size = static_cast<uint32_t>(pair.value[0]);
+    block[block_place[k++]] = extend(bits.take(size), size);
+    return true;
 }
 
 // The AC coefficients of a baseline block, not multiplied, and a zigzag position after which they are 0. The DC
@@ -352,6 +353,7 @@ bool FastReader::read_block(const Tables& tables, Block& block) {
     } else {
         int32_t eob_run = 0;
         for (int32_t k = scan.spectral_start; k <= scan.spectral_end;) {
+            refill(bits);
             if (!read_coefficient(bits, tables, scan.shift, block, k, &eob_run))
                 return false;
         }

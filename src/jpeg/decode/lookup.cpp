@@ -144,21 +144,23 @@ void append(AcPair& pair, LookupEntry entry) {
     pair.advance = static_cast<uint8_t>(pair.advance + next.advance);
 }
 
-// A code whose value does not lie in the bits, if they hold that.
-AcPair coded_value(LookupEntry entry) {
-    if (entry == 0 || entry_kind(entry) != EntryKind::value)
-        return {0, past_block, 0, no_pair, {}};
-    return {static_cast<uint8_t>(entry_length(entry)),
-            past_block,
-            static_cast<uint8_t>(entry_run(entry)),
-            no_pair,
-            {static_cast<int16_t>(entry_ac_size(entry)), 0}};
+// What is neither whole nor a coded value has no length.
+AcPair not_whole(LookupEntry entry) {
+    AcPair pair = {0, past_block, 0, no_pair, {}};
+    const uint32_t size = entry_ac_size(entry);
+    if (entry != 0 && entry_kind(entry) == EntryKind::value &&
+        entry_length(entry) + size <= longest_coded_value) {
+        pair.length = static_cast<uint8_t>(entry_length(entry));
+        pair.first = static_cast<uint8_t>(entry_run(entry));
+        pair.value[0] = static_cast<int16_t>(size);
+    }
+    return pair;
 }
 
 AcPair pair_of(const Lookup& lookup, uint32_t bits) {
     const LookupEntry first = lookup.entries[bits];
     if (!is_whole(first))
-        return coded_value(first);
+        return not_whole(first);
     AcPair pair = single(first);
     if (!has_ac_value(first))
         return pair;
