@@ -64,8 +64,8 @@ struct EntropyCodes {
     std::array<Bits, 64 * 256> small_ac;
 };
 
-inline EntropyCodes entropy_codes(const HuffmanTable<dc_symbols>& dc,
-                                  const HuffmanTable<ac_symbols>& ac) {
+[[gnu::cold]] inline EntropyCodes entropy_codes(const HuffmanTable<dc_symbols>& dc,
+                                                const HuffmanTable<ac_symbols>& ac) {
     EntropyCodes codes = {code_words<dc_symbols>(dc), code_words<256>(ac), {}, {}};
     for (int32_t level = -small_levels; level < small_levels; ++level) {
         const uint32_t category = category_of(magnitude_of(level));
