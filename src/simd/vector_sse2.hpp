@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <emmintrin.h>
+#include <utility>
 
 namespace kirvo::sse2 {
 namespace {
@@ -159,17 +160,16 @@ struct Vector : VectorX86 {
         for (int i = 0; i < 8; ++i)
             store(natural + 8 * i, rows[i]);
         asm("" : "+m"(natural)); // from registers each would take twice the work
-        const auto eight_from = [&](size_t k) {
+        const auto eight_from = [&]<size_t... i>(size_t k, std::index_sequence<i...>) {
             Register levels = zero();
-#pragma GCC unroll 8
-            for (int i = 0; i < 8; ++i)
-                levels = _mm_insert_epi16(levels, natural[zigzag[k + static_cast<size_t>(i)]], i);
+            ((levels = _mm_insert_epi16(levels, natural[zigzag[k + i]], int{i})), ...);
             return levels;
         };
+        constexpr std::make_index_sequence<8> eight;
         uint64_t zeros = 0;
 #pragma GCC unroll 4
         for (size_t k = 0; k < 64; k += 16) {
-            const Register levels = narrow16_signed(eight_from(k), eight_from(k + 8));
+            const Register levels = narrow16_signed(eight_from(k, eight), eight_from(k + 8, eight));
             store(*small + k, _mm_add_epi8(levels, all8(small_levels)));
             zeros |= static_cast<uint64_t>(_mm_movemask_epi8(equal8(levels, zero()))) << k;
         }
