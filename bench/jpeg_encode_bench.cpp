@@ -3,6 +3,7 @@
 #include "support/pictures.hpp"
 #include "support/row.hpp"
 
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <turbojpeg.h>
@@ -18,7 +19,7 @@ struct Case {
 };
 
 constexpr Case s420 = {4, TJSAMP_420}, s422 = {2, TJSAMP_422}, s444 = {1, TJSAMP_444},
-               grey = {0, TJSAMP_GRAY}, finest = {1, TJSAMP_444, 1};
+               grey = {0, TJSAMP_GRAY, 2}, finest = {1, TJSAMP_444, 1};
 
 HGLOBAL encode(const Case& c, uint32_t* length) {
     int32_t status;
@@ -27,6 +28,19 @@ HGLOBAL encode(const Case& c, uint32_t* length) {
         return JpgCodMainHGLOBAL_M(grey_dib(), 0, 0, photo_width, photo_height, 0, length, &status);
     JpgCodSetSubsample(c.sampling);
     return JpgCodMainHGLOBAL(photo_dib(), 0, 0, photo_width, photo_height, length, &status);
+}
+
+// The stream of a picture with much detail may not fit into the room made for it: no row is measured
+// then.
+uint32_t length_of(const Case& c) {
+    uint32_t length = 0;
+    HGLOBAL stream = encode(c, &length);
+    if (stream == nullptr) {
+        std::fprintf(stderr, "a picture cannot be encoded at level %d\n", c.level);
+        std::exit(1);
+    }
+    GlobalFree(stream);
+    return length;
 }
 
 class Peer {
@@ -69,6 +83,7 @@ class Peer {
 };
 
 Work ours(const Case& c) {
+    length_of(c);
     return [c] {
         uint32_t length;
         GlobalFree(encode(c, &length));
@@ -76,10 +91,8 @@ Work ours(const Case& c) {
 }
 
 Work peer(const Case& c) {
-    uint32_t length;
-    GlobalFree(encode(c, &length));
     auto encoder = std::make_shared<Peer>(c);
-    return [encoder, quality = encoder->quality_for(length)] { encoder->encode(quality); };
+    return [encoder, quality = encoder->quality_for(length_of(c))] { encoder->encode(quality); };
 }
 
 const Row rows[] = {

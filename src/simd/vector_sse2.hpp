@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <emmintrin.h>
+#include <utility>
 
 namespace kirvo::sse2 {
 namespace {
@@ -152,28 +153,27 @@ struct Vector : VectorX86 {
     }
 
     // The levels of `blocks` blocks, a row of them in each vector: clamped to bytes, in zigzag
-    // order, small_levels added; and which are not zero. Here only those are put in their places.
+    // order, small_levels added; and which are not zero.
     static void scan(const Register (&rows)[8], uint8_t (*small)[64], uint64_t* nonzero) {
-        static constexpr std::array<uint8_t, 64> position_of = [] {
-            std::array<uint8_t, 64> positions = {};
-            for (uint8_t k = 0; k < 64; ++k)
-                positions[zigzag[k]] = k;
-            return positions;
-        }();
-        int8_t natural[64];
-        uint64_t left = 0, mask = 0;
-        for (int i = 0; i < 4; ++i) {
-            const Register pair = narrow16_signed(rows[2 * i], rows[2 * i + 1]);
-            store(natural + 16 * i, pair);
-            const auto zeros = static_cast<uint32_t>(_mm_movemask_epi8(equal8(pair, zero())));
-            left |= static_cast<uint64_t>(zeros ^ 0xFFFF) << (16 * i);
+        int16_t natural[64];
+#pragma GCC unroll 8
+        for (int i = 0; i < 8; ++i)
+            store(natural + 8 * i, rows[i]);
+        asm("" : "+m"(natural)); // from registers each would take twice the work
+        const auto eight_from = [&]<size_t... i>(size_t k, std::index_sequence<i...>) {
+            Register levels = zero();
+            ((levels = _mm_insert_epi16(levels, natural[zigzag[k + i]], int{i})), ...);
+            return levels;
+        };
+        constexpr std::make_index_sequence<8> eight;
+        uint64_t zeros = 0;
+#pragma GCC unroll 4
+        for (size_t k = 0; k < 64; k += 16) {
+            const Register levels = narrow16_signed(eight_from(k, eight), eight_from(k + 8, eight));
+            store(*small + k, _mm_add_epi8(levels, all8(small_levels)));
+            zeros |= static_cast<uint64_t>(_mm_movemask_epi8(equal8(levels, zero()))) << k;
         }
-        for (; left != 0; left &= left - 1) {
-            const auto n = static_cast<size_t>(__builtin_ctzll(left));
-            (*small)[position_of[n]] = static_cast<uint8_t>(natural[n] + small_levels);
-            mask |= uint64_t{1} << position_of[n];
-        }
-        *nonzero = mask;
+        *nonzero = ~zeros;
     }
 
   private:

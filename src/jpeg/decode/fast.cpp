@@ -23,6 +23,8 @@ Word load_big_endian(const uint8_t* from) {
         return __builtin_bswap32(value);
 }
 
+static_assert(longest_coded_value <= BitBuffer::full);
+
 constexpr Word ones = ~Word{0} / 0xFF; // in every byte
 
 // Right for a word; of its bytes one above a 0xFF may be taken for another.
@@ -122,10 +124,10 @@ ALWAYS_INLINE bool read_dc(BitBuffer& bits, const FastReader::Tables& tables, in
 }
 
 // One AC symbol and what belongs to it, at position k, which moves on; by past_block more at the
-// end of a block. Where bands may end, eob_run tells for how many blocks more.
+// end of a block. Where bands may end, eob_run tells for how many blocks more. The bits have just
+// been refilled.
 ALWAYS_INLINE bool read_coefficient(BitBuffer& bits, const FastReader::Tables& tables,
                                     int32_t shift, int16_t* block, int32_t& k, int32_t* eob_run) {
-    refill(bits);
     const LookupEntry entry = next_code(bits, *tables.ac, *tables.coding.ac, ac_row);
     if (entry == 0)
         return false;
@@ -164,37 +166,67 @@ ALWAYS_INLINE bool read_coefficient(BitBuffer& bits, const FastReader::Tables& t
     return true;
 }
 
+// A pair found at position k.
+ALWAYS_INLINE void put_pair(const AcPair& pair, int16_t* block, size_t k) {
+    const uint8_t* place = &block_place[k];
+    block[place[pair.first]] = pair.value[0];
+    block[place[pair.second]] = pair.value[1];
+}
+
+// One AC symbol of a baseline block, where the lookup gave no pair that lies inside it.
+ALWAYS_INLINE bool read_single(BitBuffer& bits, const FastReader::Tables& tables,
+                               const AcPair& pair, int16_t* block, size_t& k) {
+    refill(bits);
+    if (!is_coded_value(pair)) {
+        auto position = static_cast<int32_t>(k);
+        const bool good = read_coefficient(bits, tables, 0, block, position, nullptr);
+        k = static_cast<size_t>(position);
+        return good;
+    }
+    k += pair.first;
+    if (k > 63)
+        return false;
+    bits.drop(pair.length);
+    const auto size = static_cast<uint32_t>(pair.value[0]);
+    block[block_place[k++]] = extend(bits.take(size), size);
+    return true;
+}
+
 // The AC coefficients of a baseline block, not multiplied, and a zigzag position after which they are 0. The DC
 // place may be overwritten.
 ALWAYS_INLINE bool read_ac(BitBuffer& bits, const FastReader::Tables& tables, int16_t* block,
                            uint8_t& last) {
     constexpr int32_t lookups_per_refill = BitBuffer::full / lookup_bits;
     const AcPair* pairs = tables.pairs->entries;
-    int32_t k = 1;
-    for (;;) {
+    size_t k = 1;
+    do {
+        const AcPair* pair;
         refill(bits);
 #pragma GCC unroll 8
         for (int32_t i = 0; i < lookups_per_refill; ++i) {
-            const AcPair pair = pairs[bits.peek(lookup_bits)];
-            const int32_t first = k + pair.first, second = k + pair.second;
-            if (second >= 63) // behind the block's last place begins another block
-                goto single;
-            bits.drop(pair.length);
-            block[block_place[static_cast<size_t>(first)]] = pair.value[0];
-            block[block_place[static_cast<size_t>(second)]] = pair.value[1];
-            k += pair.advance;
-            if (k > 63)
-                goto ended;
+            const uint32_t index = bits.peek(lookup_bits);
+            pair = &pairs[index];
+            const uint32_t length = tables.pairs->lengths[index];
+            const size_t next = k + pair->advance;
+            if (next > 63)
+                goto special;
+            bits.drop(length);
+            put_pair(*pair, block, k);
+            k = next;
         }
         continue;
-    single:
-        if (!read_coefficient(bits, tables, 0, block, k, nullptr))
-            return false;
-        if (k > 63)
+    special:
+        if (k + pair->second < 63) {
+            bits.drop(pair->length);
+            put_pair(*pair, block, k);
+            k += pair->advance;
             break;
-    }
-ended:
-    last = static_cast<uint8_t>(std::min(k < past_block ? 63 : k - past_block - 1, 63));
+        }
+        // Behind the block's last place begins another block.
+        if (!read_single(bits, tables, *pair, block, k))
+            return false;
+    } while (k <= 63);
+    last = static_cast<uint8_t>(std::min<size_t>(k < past_block ? 63 : k - past_block - 1, 63));
     return true;
 }
 
@@ -321,6 +353,7 @@ bool FastReader::read_block(const Tables& tables, Block& block) {
     } else {
         int32_t eob_run = 0;
         for (int32_t k = scan.spectral_start; k <= scan.spectral_end;) {
+            refill(bits);
             if (!read_coefficient(bits, tables, scan.shift, block, k, &eob_run))
                 return false;
         }

@@ -144,10 +144,23 @@ void append(AcPair& pair, LookupEntry entry) {
     pair.advance = static_cast<uint8_t>(pair.advance + next.advance);
 }
 
+// What is neither whole nor a coded value has no length.
+AcPair not_whole(LookupEntry entry) {
+    AcPair pair = {0, past_block, 0, no_pair, {}};
+    const uint32_t size = entry_ac_size(entry);
+    if (entry != 0 && entry_kind(entry) == EntryKind::value &&
+        entry_length(entry) + size <= longest_coded_value) {
+        pair.length = static_cast<uint8_t>(entry_length(entry));
+        pair.first = static_cast<uint8_t>(entry_run(entry));
+        pair.value[0] = static_cast<int16_t>(size);
+    }
+    return pair;
+}
+
 AcPair pair_of(const Lookup& lookup, uint32_t bits) {
     const LookupEntry first = lookup.entries[bits];
     if (!is_whole(first))
-        return {0, 0, 0, no_pair, {}};
+        return not_whole(first);
     AcPair pair = single(first);
     if (!has_ac_value(first))
         return pair;
@@ -166,7 +179,7 @@ AcPair pair_of(const Lookup& lookup, uint32_t bits) {
 
 void PairLookup::make(const Lookup& lookup) {
     for (uint32_t bits = 0; bits < 1u << lookup_bits; ++bits)
-        entries[bits] = pair_of(lookup, bits);
+        lengths[bits] = (entries[bits] = pair_of(lookup, bits)).length;
     ready = true;
 }
 

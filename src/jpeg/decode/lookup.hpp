@@ -69,10 +69,21 @@ struct AcPair {
 
 constexpr uint8_t past_block = 128;
 
-// A second distance that no block has room for: the bits are for a single symbol's lookup.
+// A second distance that no block has room for. Where there is a length, it is that of a code; the
+// number of value bits that follow it stands in place of a value, the run in first. Without a length
+// the bits are for a single symbol's lookup.
 constexpr uint8_t no_pair = 63;
 
+// With its value; as many bits as are always there after a refill.
+constexpr uint32_t longest_coded_value = 24;
+
+inline bool is_coded_value(const AcPair& pair) {
+    return pair.second == no_pair && pair.length != 0;
+}
+
 struct PairLookup {
+    uint8_t
+        lengths[1u << lookup_bits]; // for which the next lookup waits: they are found sooner here
     AcPair entries[1u << lookup_bits];
     bool ready;
 

@@ -52,23 +52,30 @@ constexpr Bits with_magnitude(Bits symbol, int32_t value, uint32_t category) {
 // Small levels have their code words with the magnitude bits ready.
 constexpr bool is_small(int32_t level) { return level >= -small_levels && level < small_levels; }
 
+// So many values with their codes have room in a word beside 7 bits that wait.
+constexpr uint32_t codes_at_once = sizeof(void*) == 8 ? 3 : 1;
+constexpr uint32_t longest_at_once = (8 * sizeof(void*) - 7) / codes_at_once;
+
 struct EntropyCodes {
     std::array<Bits, dc_symbols> dc;
     std::array<Bits, 256> ac;
-    std::array<Bits, 2 * small_levels> small_dc;     // by difference + small_levels
-    std::array<Bits, 2 * small_levels> small_ac[16]; // by run and level + small_levels
+    std::array<Bits, 2 * small_levels> small_dc; // by difference + small_levels
+    // By distance from the value before and byte of BlockGroup::small. 0: to be put in steps.
+    std::array<Bits, 64 * 256> small_ac;
 };
 
-inline EntropyCodes entropy_codes(const HuffmanTable<dc_symbols>& dc,
-                                  const HuffmanTable<ac_symbols>& ac) {
+[[gnu::cold]] inline EntropyCodes entropy_codes(const HuffmanTable<dc_symbols>& dc,
+                                                const HuffmanTable<ac_symbols>& ac) {
     EntropyCodes codes = {code_words<dc_symbols>(dc), code_words<256>(ac), {}, {}};
     for (int32_t level = -small_levels; level < small_levels; ++level) {
         const uint32_t category = category_of(magnitude_of(level));
         const auto index = static_cast<size_t>(level + small_levels);
         codes.small_dc[index] = with_magnitude(codes.dc[category], level, category);
-        for (uint32_t run = 0; run < 16; ++run)
-            codes.small_ac[run][index] =
-                with_magnitude(codes.ac[run << 4 | category], level, category);
+        for (uint32_t run = 0; run < 16; ++run) {
+            const Bits bits = with_magnitude(codes.ac[run << 4 | category], level, category);
+            codes.small_ac[(run + 1) << 8 | index] =
+                bits_length(bits) <= longest_at_once ? bits : 0;
+        }
     }
     return codes;
 }

@@ -6,34 +6,35 @@ namespace kirvo {
 
 namespace {
 
-// Small levels with their codes have at most 16 + 6 bits, an end of block has 4: a 64-bit word has
-// room for two of the former and one of the latter, a 32-bit word for one.
-constexpr bool room_for_two = BitWriter::word_bits == 64;
-
-// A value of any size. The tables have no codes for AC values of category 11, which therefore get
-// their magnitude bits alone.
-[[gnu::noinline]] bool put_large(BitWriter* writer, int16_t value, const Bits* symbols) {
+// What the tables of small values do not tell: a value of any size, far from the one before. The
+// tables have no codes for AC values of category 11, which therefore get their magnitude bits alone.
+[[gnu::noinline]] bool put_in_steps(BitWriter* writer, size_t distance, int16_t value,
+                                    const Bits* symbols) {
     const uint32_t category = category_of(magnitude_of(value));
     if (category > highest_category)
         return false;
     writer->flush();
-    writer->put(symbols[category]);
+    for (; distance > 16; distance -= 16) {
+        writer->put(symbols[run_of_sixteen]);
+        writer->flush();
+    }
+    writer->put(symbols[16 * (distance - 1) + category]);
     writer->flush();
     writer->put(with_magnitude(0, value, category));
     return true;
 }
 
 // Lets the writer stay in registers in between.
-bool put_rare(BitWriter& writer, int16_t value, const Bits* symbols) {
+bool put_rare(BitWriter& writer, size_t distance, int16_t value, const Bits* symbols) {
     BitWriter copy = writer;
-    const bool good = put_large(&copy, value, symbols);
+    const bool good = put_in_steps(&copy, distance, value, symbols);
     writer = copy;
     return good;
 }
 
 bool put_dc(BitWriter& writer, int16_t difference, const EntropyCodes& codes) {
     if (!is_small(difference))
-        return put_rare(writer, difference, codes.dc.data());
+        return put_rare(writer, 1, difference, codes.dc.data());
     writer.put(codes.small_dc[static_cast<size_t>(difference + small_levels)]);
     return true;
 }
@@ -48,19 +49,14 @@ struct AcValues {
     size_t last = 0;
 
     [[gnu::always_inline]] bool put_next(BitWriter& writer) {
-        const size_t position = start + static_cast<size_t>(std::countr_zero(left));
+        const size_t position = start + static_cast<unsigned>(std::countr_zero(left));
         left &= left - 1;
-        size_t distance = position - last; // one more than the run of zeros
+        const size_t distance = position - last; // one more than the run of zeros
         last = position;
-        for (; distance > 16; distance -= 16) {
-            writer.flush();
-            writer.put(codes.ac[run_of_sixteen]);
-            writer.flush();
-        }
-        const uint8_t small = group.small[block][position];
-        if (small >= 2 * small_levels)
-            return put_rare(writer, level_at(position), codes.ac.data() + 16 * (distance - 1));
-        writer.put(codes.small_ac[distance - 1][small]);
+        const Bits bits = codes.small_ac[distance << 8 | group.small[block][position]];
+        if (bits == 0) [[unlikely]]
+            return put_rare(writer, distance, level_at(position), codes.ac.data());
+        writer.put(bits);
         return true;
     }
     int16_t level_at(size_t position) const {
@@ -84,14 +80,16 @@ struct AcValues {
         while (values.left != 0) {
             if (!values.put_next(writer))
                 return false;
-            if (room_for_two && values.left != 0 && !values.put_next(writer))
+            if (codes_at_once == 3 && values.left != 0 && !values.put_next(writer))
+                return false;
+            if (codes_at_once == 3 && values.left != 0 && !values.put_next(writer))
                 return false;
             writer.flush();
         }
     }
     if (values.last != 63) {
         writer.put(codes.ac[end_of_block]);
-        if (!room_for_two)
+        if (codes_at_once == 1)
             writer.flush();
     }
     return true;

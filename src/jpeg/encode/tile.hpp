@@ -20,7 +20,8 @@ class EncodeTile {
     static constexpr size_t width = 256;
 
     // The first so many coefficients of a block are coded.
-    void prepare(bool grey, McuShape mcu, const QuantisationSlots& slots, int32_t coded_count);
+    [[gnu::cold]] void prepare(bool grey, McuShape mcu, const QuantisationSlots& slots,
+                               int32_t coded_count);
     // Samples and codes MCUs from a place of the source on.
     void fill(const EncodeSource& source, int32_t x, int32_t y, size_t mcus);
     // Puts one of them out. False when it has a value that cannot be coded.

@@ -139,9 +139,12 @@ TEST(EncodeCodes, code_words_are_those_of_the_segment) {
             const auto index = static_cast<size_t>(value + 64);
             EXPECT_EQ(digits(place.codes.small_dc[index]),
                       dc[bit_length(value)] + magnitude(value));
-            for (int run = 0; run < 16 && value != 0; ++run)
-                EXPECT_EQ(digits(place.codes.small_ac[run][index]),
-                          ac[run * 16 + bit_length(value)] + magnitude(value));
+            for (int run = 0; run < 63 && value != 0; ++run) {
+                const std::string word = ac[run * 16 + bit_length(value)] + magnitude(value);
+                const bool ready = run < 16 && word.size() <= longest_at_once;
+                EXPECT_EQ(digits(place.codes.small_ac[static_cast<size_t>(run + 1) << 8 | index]),
+                          ready ? word : "");
+            }
         }
     }
 }
@@ -160,6 +163,34 @@ TEST(EncodeCodes, some_words_of_the_tables_in_t81) {
     EXPECT_EQ(digits(chrominance_codes.ac[0xF0]), "1111111010");
     EXPECT_EQ(digits(chrominance_codes.ac[0xE1]), "11111111100000");
     EXPECT_EQ(digits(chrominance_codes.ac[0x0B]), ""); // there is no category 11
+}
+
+// None where the level is not small.
+TEST(EncodeCodes, there_are_no_words_for_other_levels) {
+    for (const TablePlace& place : {luminance, chrominance}) {
+        for (size_t at = 0; at < place.codes.small_ac.size(); ++at) {
+            const bool is_small = at >= 256 && at % 256 < 128;
+            EXPECT_TRUE(is_small || place.codes.small_ac[at] == 0) << at;
+        }
+    }
+}
+
+// Beside each number of bits that wait.
+TEST(EncodeEntropy, the_same_value_again_and_again) {
+    for (const TablePlace& place : {luminance, chrominance}) {
+        for (const int value : {1, -2, 7, -8, 15, -31, 63, -64, 64, -65, 127, 128, -1023}) {
+            for (size_t distance = 1; distance < 64; ++distance) {
+                Block block;
+                for (size_t k = distance; k < 64; k += distance)
+                    block.level[k] = value;
+                for (int dc = 0; dc < 2048; dc = 2 * dc + 1) {
+                    block.level[0] = dc;
+                    EXPECT_EQ(written(block.group(), place, 0), padded(block.expected(place, dc)))
+                        << value << " every " << distance << " after " << dc;
+                }
+            }
+        }
+    }
 }
 
 TEST(EncodeEntropy, random_blocks) {
