@@ -92,14 +92,10 @@ struct Vector : VectorAvx {
             store(to, v);
         }
     }
-    static void transpose(Register (&v)[words]) {
-        transpose_parts<Vector>(v);
-#pragma GCC unroll 4
-        for (size_t i = 0; i < 4; ++i) {
-            const Register upper = v[i], lower = v[i + 4];
-            v[i] = low_halves(upper, lower);
-            v[i + 4] = high_halves(upper, lower);
-        }
+    static void transpose_parts(Register (&v)[2]) {
+        const Register upper = v[0], lower = v[1];
+        v[0] = low_halves(upper, lower);
+        v[1] = high_halves(upper, lower);
     }
     template<int bytes>
     static Register reversed(Register v) {

@@ -81,19 +81,15 @@ struct Vector : VectorAvx {
     }
 
     static constexpr size_t words = size / 4;
-    static void transpose(Register (&v)[words]) {
-        transpose_parts<Vector>(v);
-#pragma GCC unroll 4
-        for (size_t i = 0; i < 4; ++i) {
-            const Register even0 = _mm512_shuffle_i32x4(v[i], v[i + 4], 0x88);
-            const Register odd0 = _mm512_shuffle_i32x4(v[i], v[i + 4], 0xDD);
-            const Register even1 = _mm512_shuffle_i32x4(v[i + 8], v[i + 12], 0x88);
-            const Register odd1 = _mm512_shuffle_i32x4(v[i + 8], v[i + 12], 0xDD);
-            v[i] = _mm512_shuffle_i32x4(even0, even1, 0x88);
-            v[i + 4] = _mm512_shuffle_i32x4(odd0, odd1, 0x88);
-            v[i + 8] = _mm512_shuffle_i32x4(even0, even1, 0xDD);
-            v[i + 12] = _mm512_shuffle_i32x4(odd0, odd1, 0xDD);
-        }
+    static void transpose_parts(Register (&v)[4]) {
+        const Register even0 = _mm512_shuffle_i32x4(v[0], v[1], 0x88);
+        const Register odd0 = _mm512_shuffle_i32x4(v[0], v[1], 0xDD);
+        const Register even1 = _mm512_shuffle_i32x4(v[2], v[3], 0x88);
+        const Register odd1 = _mm512_shuffle_i32x4(v[2], v[3], 0xDD);
+        v[0] = _mm512_shuffle_i32x4(even0, even1, 0x88);
+        v[1] = _mm512_shuffle_i32x4(odd0, odd1, 0x88);
+        v[2] = _mm512_shuffle_i32x4(even0, even1, 0xDD);
+        v[3] = _mm512_shuffle_i32x4(odd0, odd1, 0xDD);
     }
     template<int bytes>
     static Register load_row(const uint8_t* from) {
@@ -103,7 +99,7 @@ struct Vector : VectorAvx {
             return _mm512_cvtepu16_epi32(_mm256_loadu_epi16(from));
         } else if constexpr (bytes == 3) {
             static constexpr Places apart([](int i) { return i % 4 == 3 ? 0 : i / 4 * 3 + i % 4; });
-            const Register pixels = _mm512_maskz_loadu_epi8(first_48, from);
+            const Register pixels = _mm512_maskz_loadu_epi32(twelve_words, from);
             return _mm512_permutexvar_epi8(apart.vector(), pixels);
         } else {
             return load_once(from);
@@ -117,7 +113,8 @@ struct Vector : VectorAvx {
             _mm256_storeu_epi16(to, _mm512_cvtepi32_epi16(v));
         } else if constexpr (bytes == 3) {
             static constexpr Places close_up([](int i) { return i < 48 ? i / 3 * 4 + i % 3 : 0; });
-            _mm512_mask_storeu_epi8(to, first_48, _mm512_permutexvar_epi8(close_up.vector(), v));
+            _mm512_mask_storeu_epi32(to, twelve_words,
+                                     _mm512_permutexvar_epi8(close_up.vector(), v));
         } else {
             store(to, v);
         }
@@ -199,7 +196,7 @@ struct Vector : VectorAvx {
     }
 
   private:
-    static constexpr __mmask64 first_48 = 0x0000FFFFFFFFFFFF;
+    static constexpr __mmask16 twelve_words = 0x0FFF; // of 16 pixels of 24 bits
 
     // The permutes look at the low 7 and the low 6 bits of a place; its top bit says which holds.
     static Register moved_by(const Planes& p, const Places& places) {

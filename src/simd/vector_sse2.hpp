@@ -87,7 +87,7 @@ struct Vector : VectorX86 {
         else if constexpr (bytes == 3)
             return spread(zip_low64(load_8(from), load_4(from + 8)));
         else
-            return load(from);
+            return load_once(from);
     }
     template<int bytes>
     static void store_row(uint8_t* to, Register v) {
@@ -103,8 +103,8 @@ struct Vector : VectorX86 {
             store(to, v);
         }
     }
-    // A square of words, rows to columns.
-    static void transpose(Register (&v)[words]) { transpose_parts<Vector>(v); }
+    // A square of 16 bytes each, rows to columns.
+    static void transpose_parts(Register (&)[1]) {}
     // Elements of 1, 2 or 4 bytes, the last first.
     template<int bytes>
     static Register reversed(Register v) {

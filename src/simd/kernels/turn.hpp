@@ -82,13 +82,35 @@ struct TurnKernels {
     static void transpose_square(uint8_t* to, ptrdiff_t to_step, const uint8_t* from,
                                  ptrdiff_t from_step) {
         Register words[side];
-#pragma GCC unroll 16
-        for (size_t k = 0; k < side; ++k, from += from_step)
-            words[k] = V::template load_row<bytes>(from);
-        V::transpose(words);
-#pragma GCC unroll 16
-        for (size_t x = 0; x < side; ++x, to += to_step)
-            V::template store_row<bytes>(to, words[x]);
+#pragma GCC unroll 4
+        for (size_t k = 0; k < side; k += 4) {
+            Register row[4];
+#pragma GCC unroll 4
+            for (size_t i = 0; i < 4; ++i, from += from_step)
+                row[i] = V::template load_row<bytes>(from);
+            const Register low01 = V::zip_low32(row[0], row[1]),
+                           high01 = V::zip_high32(row[0], row[1]),
+                           low23 = V::zip_low32(row[2], row[3]),
+                           high23 = V::zip_high32(row[2], row[3]);
+            words[k] = V::zip_low64(low01, low23);
+            words[k + 1] = V::zip_high64(low01, low23);
+            words[k + 2] = V::zip_low64(high01, high23);
+            words[k + 3] = V::zip_high64(high01, high23);
+        }
+#pragma GCC unroll 4
+        for (size_t x = 0; x < 4; ++x, to += to_step) {
+            Register column[side / 4];
+#pragma GCC unroll 4
+            for (size_t k = 0; k < side; k += 4)
+                column[k / 4] = words[x + k];
+            V::transpose_parts(column);
+            uint8_t* end = to;
+#pragma GCC unroll 4
+            for (const Register& v : column) {
+                V::template store_row<bytes>(end, v);
+                end += 4 * to_step;
+            }
+        }
     }
 };
 
