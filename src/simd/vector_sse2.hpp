@@ -5,6 +5,7 @@
 #include "simd/kernel_types.hpp"
 #include "simd/shared_operations.hpp"
 
+#include <bit>
 #include <cstring>
 #include <emmintrin.h>
 
@@ -161,17 +162,21 @@ struct Vector : VectorX86 {
             return positions;
         }();
         int8_t natural[64];
-        uint64_t left = 0, mask = 0;
-        for (int i = 0; i < 4; ++i) {
-            const Register pair = narrow16_signed(rows[2 * i], rows[2 * i + 1]);
-            store(natural + 16 * i, pair);
-            const auto zeros = static_cast<uint32_t>(_mm_movemask_epi8(equal8(pair, zero())));
-            left |= static_cast<uint64_t>(zeros ^ 0xFFFF) << (16 * i);
-        }
-        for (; left != 0; left &= left - 1) {
-            const auto n = static_cast<size_t>(__builtin_ctzll(left));
-            (*small)[position_of[n]] = static_cast<uint8_t>(natural[n] + small_levels);
-            mask |= uint64_t{1} << position_of[n];
+        uint64_t mask = 0;
+        constexpr size_t word_bits = 8 * sizeof(size_t);
+        for (size_t word = 0; word < 64; word += word_bits) {
+            size_t left = 0;
+            for (size_t n = word; n < word + word_bits; n += 16) {
+                const Register pair = narrow16_signed(rows[n / 8], rows[n / 8 + 1]);
+                store(natural + n, pair);
+                const int zeros = _mm_movemask_epi8(equal8(pair, zero()));
+                left |= static_cast<size_t>(zeros ^ 0xFFFF) << (n - word);
+            }
+            for (; left != 0; left &= left - 1) {
+                const size_t n = word + static_cast<size_t>(std::countr_zero(left));
+                (*small)[position_of[n]] = static_cast<uint8_t>(natural[n] + small_levels);
+                mask |= uint64_t{1} << position_of[n];
+            }
         }
         *nonzero = mask;
     }
