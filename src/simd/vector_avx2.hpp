@@ -25,6 +25,9 @@ struct Vector : VectorAvx {
         return _mm256_sign_epi16(magnitude, a);
     }
     static Register in_order(Register a) { return _mm256_permute4x64_epi64(a, 0xD8); }
+    static Register low_words(Register a, Register b) {
+        return in_order(_mm256_packus_epi32(a & all32(0xFFFF), b & all32(0xFFFF)));
+    }
     static Halves load_halves16(const int16_t* from) {
         return {joined(from, from + 16), joined(from + 8, from + 24)};
     }
@@ -93,9 +96,9 @@ struct Vector : VectorAvx {
         }
     }
     static void transpose_parts(Register (&v)[2]) {
-        const Register upper = v[0], lower = v[1];
-        v[0] = low_halves(upper, lower);
-        v[1] = high_halves(upper, lower);
+        const Register upper = v[0];
+        v[0] = low_halves(upper, v[1]);
+        v[1] = high_halves(upper, v[1]);
     }
     template<int bytes>
     static Register reversed(Register v) {

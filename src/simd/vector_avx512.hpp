@@ -48,6 +48,10 @@ struct Vector : VectorAvx {
     static Register in_order(Register a) {
         return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), a);
     }
+    static Register low_words(Register a, Register b) {
+        static constexpr Places even([](int i) { return i % 2 == 0 ? i : 0; });
+        return _mm512_permutex2var_epi16(a, even.vector(), b);
+    }
     static Halves load_halves16(const int16_t* from) {
         const Register first = load_once(from), second = load_once(from + 32);
         return {
@@ -67,17 +71,17 @@ struct Vector : VectorAvx {
         static constexpr Places places[] = {Places([](int p) { return 3 * p; }),
                                             Places([](int p) { return 3 * p + 1; }),
                                             Places([](int p) { return 3 * p + 2; })};
-        return moved({load_once(bgr), load_once(bgr + 64), load_once(bgr + 128)}, places);
+        const Planes p = {load_once(bgr), load_once(bgr + 64), load_once(bgr + 128)};
+        return {moved_by(p, places[0]), moved_by(p, places[1]), moved_by(p, places[2])};
     }
     static void store_planes(uint8_t* bgr, const Planes& p) {
         static constexpr Places places[] = {
             Places([](int i) { return i / 3 + 64 * (i % 3); }),
             Places([](int i) { return (i + 64) / 3 + 64 * ((i + 64) % 3); }),
             Places([](int i) { return (i + 128) / 3 + 64 * ((i + 128) % 3); })};
-        const Planes bytes = moved(p, places);
-        store(bgr, bytes.blue);
-        store(bgr + 64, bytes.green);
-        store(bgr + 128, bytes.red);
+#pragma GCC unroll 3
+        for (int i = 0; i < 3; ++i)
+            store(bgr + 64 * i, moved_by(p, places[i]));
     }
 
     static constexpr size_t words = size / 4;
@@ -175,17 +179,11 @@ struct Vector : VectorAvx {
         return _mm512_cvtepi8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(samples)));
     }
     static void scan(const Register (&rows)[8], uint8_t (*small)[64], uint64_t* nonzero) {
-        // Part b of pair i holds natural rows 2i and 2i + 1 of block b.
-        Register pair[4];
+        // Part b of vector i holds natural rows 2i and 2i + 1 of block b.
+        Register natural[4];
         for (int i = 0; i < 4; ++i)
-            pair[i] = narrow16_signed(rows[2 * i], rows[2 * i + 1]);
-        const Register low01 = _mm512_shuffle_i32x4(pair[0], pair[1], 0x44);
-        const Register low23 = _mm512_shuffle_i32x4(pair[2], pair[3], 0x44);
-        const Register high01 = _mm512_shuffle_i32x4(pair[0], pair[1], 0xEE);
-        const Register high23 = _mm512_shuffle_i32x4(pair[2], pair[3], 0xEE);
-        const Register natural[4] = {
-            _mm512_shuffle_i32x4(low01, low23, 0x88), _mm512_shuffle_i32x4(low01, low23, 0xDD),
-            _mm512_shuffle_i32x4(high01, high23, 0x88), _mm512_shuffle_i32x4(high01, high23, 0xDD)};
+            natural[i] = narrow16_signed(rows[2 * i], rows[2 * i + 1]);
+        transpose_parts(natural);
         static constexpr auto places = zigzag; // a level lends no other its data
         const Register order = load(places.data());
         for (int block = 0; block < 4; ++block) {
@@ -203,9 +201,6 @@ struct Vector : VectorAvx {
         const Register from = places.vector();
         return _mm512_mask_permutexvar_epi8(_mm512_permutex2var_epi8(p.blue, from, p.green),
                                             _mm512_movepi8_mask(from), from, p.red);
-    }
-    static Planes moved(const Planes& p, const Places (&places)[3]) {
-        return {moved_by(p, places[0]), moved_by(p, places[1]), moved_by(p, places[2])};
     }
 };
 

@@ -38,7 +38,7 @@ struct Vector : VectorX86 {
         const Register sign = shift_right16_signed<15>(a);
         return sub16(magnitude ^ sign, sign);
     }
-    // The low 16 bits of each 32, without the signed saturation of the only pack that there is.
+    // The low 16 bits of each 32, in order, without the signed saturation of the only pack that there is.
     static Register low_words(Register a, Register b) {
         return narrow32(shift_right32_signed<16>(shift_left32<16>(a)),
                         shift_right32_signed<16>(shift_left32<16>(b)));
