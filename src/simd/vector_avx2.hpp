@@ -95,10 +95,11 @@ struct Vector : VectorAvx {
             store(to, v);
         }
     }
-    static void transpose_parts(Register (&v)[2]) {
+    template<size_t step>
+    static void transpose_parts(Register* v) {
         const Register upper = v[0];
-        v[0] = low_halves(upper, v[1]);
-        v[1] = high_halves(upper, v[1]);
+        v[0] = low_halves(upper, v[step]);
+        v[step] = high_halves(upper, v[step]);
     }
     template<int bytes>
     static Register reversed(Register v) {

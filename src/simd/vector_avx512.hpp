@@ -85,15 +85,16 @@ struct Vector : VectorAvx {
     }
 
     static constexpr size_t words = size / 4;
-    static void transpose_parts(Register (&v)[4]) {
-        const Register even0 = _mm512_shuffle_i32x4(v[0], v[1], 0x88);
-        const Register odd0 = _mm512_shuffle_i32x4(v[0], v[1], 0xDD);
-        const Register even1 = _mm512_shuffle_i32x4(v[2], v[3], 0x88);
-        const Register odd1 = _mm512_shuffle_i32x4(v[2], v[3], 0xDD);
+    template<size_t step>
+    static void transpose_parts(Register* v) {
+        const Register even0 = _mm512_shuffle_i32x4(v[0], v[step], 0x88);
+        const Register odd0 = _mm512_shuffle_i32x4(v[0], v[step], 0xDD);
+        const Register even1 = _mm512_shuffle_i32x4(v[2 * step], v[3 * step], 0x88);
+        const Register odd1 = _mm512_shuffle_i32x4(v[2 * step], v[3 * step], 0xDD);
         v[0] = _mm512_shuffle_i32x4(even0, even1, 0x88);
-        v[1] = _mm512_shuffle_i32x4(odd0, odd1, 0x88);
-        v[2] = _mm512_shuffle_i32x4(even0, even1, 0xDD);
-        v[3] = _mm512_shuffle_i32x4(odd0, odd1, 0xDD);
+        v[step] = _mm512_shuffle_i32x4(odd0, odd1, 0x88);
+        v[2 * step] = _mm512_shuffle_i32x4(even0, even1, 0xDD);
+        v[3 * step] = _mm512_shuffle_i32x4(odd0, odd1, 0xDD);
     }
     template<int bytes>
     static Register load_row(const uint8_t* from) {
@@ -183,7 +184,7 @@ struct Vector : VectorAvx {
         Register natural[4];
         for (int i = 0; i < 4; ++i)
             natural[i] = narrow16_signed(rows[2 * i], rows[2 * i + 1]);
-        transpose_parts(natural);
+        transpose_parts<1>(natural);
         static constexpr auto places = zigzag; // a level lends no other its data
         const Register order = load(places.data());
         for (int block = 0; block < 4; ++block) {

@@ -104,8 +104,9 @@ struct Vector : VectorX86 {
             store(to, v);
         }
     }
-    // A square of 16 bytes each, rows to columns.
-    static void transpose_parts(Register (&)[1]) {}
+    // Of vectors that lie a step apart, as many as each has 16 bytes: a square of these, rows to columns.
+    template<size_t step>
+    static void transpose_parts(Register*) {}
     // Elements of 1, 2 or 4 bytes, the last first.
     template<int bytes>
     static Register reversed(Register v) {

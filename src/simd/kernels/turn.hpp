@@ -97,16 +97,11 @@ struct TurnKernels {
             words[k + 3] = V::zip_high64(high01, high23);
         }
 #pragma GCC unroll 4
-        for (size_t x = 0; x < 4; ++x, to += to_step) {
-            Register column[side / 4];
-#pragma GCC unroll 4
-            for (size_t k = 0; k < side; k += 4)
-                column[k / 4] = words[x + k];
-            V::transpose_parts(column);
-#pragma GCC unroll 4
-            for (ptrdiff_t k = 0; k < static_cast<ptrdiff_t>(side); k += 4)
-                V::template store_row<bytes>(to + k * to_step, column[k / 4]);
-        }
+        for (size_t x = 0; x < 4; ++x)
+            V::template transpose_parts<4>(words + x);
+#pragma GCC unroll 16
+        for (size_t x = 0; x < side; ++x, to += to_step)
+            V::template store_row<bytes>(to, words[x]);
     }
 };
 
