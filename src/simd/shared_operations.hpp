@@ -11,22 +11,6 @@
 namespace kirvo {
 namespace {
 
-// Squares of 4 x 4 words, in each 16 bytes of four vectors.
-template<typename V, size_t n>
-[[gnu::always_inline]] inline void transpose_parts(typename V::Register (&v)[n]) {
-    using Register = typename V::Register;
-#pragma GCC unroll 4
-    for (size_t i = 0; i < n; i += 4) {
-        const Register low01 = V::zip_low32(v[i], v[i + 1]), high01 = V::zip_high32(v[i], v[i + 1]);
-        const Register low23 = V::zip_low32(v[i + 2], v[i + 3]),
-                       high23 = V::zip_high32(v[i + 2], v[i + 3]);
-        v[i] = V::zip_low64(low01, low23);
-        v[i + 1] = V::zip_high64(low01, low23);
-        v[i + 2] = V::zip_low64(high01, high23);
-        v[i + 3] = V::zip_high64(high01, high23);
-    }
-}
-
 // Sums of three channels with weights from -128 to 127, for levels that multiply 16-bit numbers.
 template<typename V>
 struct WeightedSums {

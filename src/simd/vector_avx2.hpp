@@ -25,6 +25,9 @@ struct Vector : VectorAvx {
         return _mm256_sign_epi16(magnitude, a);
     }
     static Register in_order(Register a) { return _mm256_permute4x64_epi64(a, 0xD8); }
+    static Register low_words(Register a, Register b) {
+        return in_order(_mm256_packus_epi32(a & all32(0xFFFF), b & all32(0xFFFF)));
+    }
     static Halves load_halves16(const int16_t* from) {
         return {joined(from, from + 16), joined(from + 8, from + 24)};
     }
@@ -92,14 +95,11 @@ struct Vector : VectorAvx {
             store(to, v);
         }
     }
-    static void transpose(Register (&v)[words]) {
-        transpose_parts<Vector>(v);
-#pragma GCC unroll 4
-        for (size_t i = 0; i < 4; ++i) {
-            const Register upper = v[i], lower = v[i + 4];
-            v[i] = low_halves(upper, lower);
-            v[i + 4] = high_halves(upper, lower);
-        }
+    template<size_t step>
+    static void transpose_parts(Register* v) {
+        const Register upper = v[0];
+        v[0] = low_halves(upper, v[step]);
+        v[step] = high_halves(upper, v[step]);
     }
     template<int bytes>
     static Register reversed(Register v) {

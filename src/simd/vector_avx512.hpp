@@ -53,6 +53,10 @@ struct Vector : VectorAvx {
     static Register in_order(Register a) {
         return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), a);
     }
+    static Register low_words(Register a, Register b) {
+        static constexpr Places even([](int i) { return i % 2 == 0 ? i : 0; });
+        return _mm512_permutex2var_epi16(a, even.vector(), b);
+    }
     static Halves load_halves16(const int16_t* from) {
         const Register first = load_once(from), second = load_once(from + 32);
         return {
@@ -72,33 +76,30 @@ struct Vector : VectorAvx {
         static constexpr Places places[] = {Places([](int p) { return 3 * p; }),
                                             Places([](int p) { return 3 * p + 1; }),
                                             Places([](int p) { return 3 * p + 2; })};
-        return moved({load_once(bgr), load_once(bgr + 64), load_once(bgr + 128)}, places);
+        const Planes p = {load_once(bgr), load_once(bgr + 64), load_once(bgr + 128)};
+        return {moved_by(p, places[0]), moved_by(p, places[1]), moved_by(p, places[2])};
     }
     static void store_planes(uint8_t* bgr, const Planes& p) {
         static constexpr Places places[] = {
             Places([](int i) { return i / 3 + 64 * (i % 3); }),
             Places([](int i) { return (i + 64) / 3 + 64 * ((i + 64) % 3); }),
             Places([](int i) { return (i + 128) / 3 + 64 * ((i + 128) % 3); })};
-        const Planes bytes = moved(p, places);
-        store(bgr, bytes.blue);
-        store(bgr + 64, bytes.green);
-        store(bgr + 128, bytes.red);
+#pragma GCC unroll 3
+        for (int i = 0; i < 3; ++i)
+            store(bgr + 64 * i, moved_by(p, places[i]));
     }
 
     static constexpr size_t words = size / 4;
-    static void transpose(Register (&v)[words]) {
-        transpose_parts<Vector>(v);
-#pragma GCC unroll 4
-        for (size_t i = 0; i < 4; ++i) {
-            const Register even0 = _mm512_shuffle_i32x4(v[i], v[i + 4], 0x88);
-            const Register odd0 = _mm512_shuffle_i32x4(v[i], v[i + 4], 0xDD);
-            const Register even1 = _mm512_shuffle_i32x4(v[i + 8], v[i + 12], 0x88);
-            const Register odd1 = _mm512_shuffle_i32x4(v[i + 8], v[i + 12], 0xDD);
-            v[i] = _mm512_shuffle_i32x4(even0, even1, 0x88);
-            v[i + 4] = _mm512_shuffle_i32x4(odd0, odd1, 0x88);
-            v[i + 8] = _mm512_shuffle_i32x4(even0, even1, 0xDD);
-            v[i + 12] = _mm512_shuffle_i32x4(odd0, odd1, 0xDD);
-        }
+    template<size_t step>
+    static void transpose_parts(Register* v) {
+        const Register even0 = _mm512_shuffle_i32x4(v[0], v[step], 0x88);
+        const Register odd0 = _mm512_shuffle_i32x4(v[0], v[step], 0xDD);
+        const Register even1 = _mm512_shuffle_i32x4(v[2 * step], v[3 * step], 0x88);
+        const Register odd1 = _mm512_shuffle_i32x4(v[2 * step], v[3 * step], 0xDD);
+        v[0] = _mm512_shuffle_i32x4(even0, even1, 0x88);
+        v[step] = _mm512_shuffle_i32x4(odd0, odd1, 0x88);
+        v[2 * step] = _mm512_shuffle_i32x4(even0, even1, 0xDD);
+        v[3 * step] = _mm512_shuffle_i32x4(odd0, odd1, 0xDD);
     }
     template<int bytes>
     static Register load_row(const uint8_t* from) {
@@ -108,7 +109,7 @@ struct Vector : VectorAvx {
             return _mm512_cvtepu16_epi32(_mm256_loadu_epi16(from));
         } else if constexpr (bytes == 3) {
             static constexpr Places apart([](int i) { return i % 4 == 3 ? 0 : i / 4 * 3 + i % 4; });
-            const Register pixels = _mm512_maskz_loadu_epi8(first_48, from);
+            const Register pixels = _mm512_maskz_loadu_epi32(twelve_words, from);
             return _mm512_permutexvar_epi8(apart.vector(), pixels);
         } else {
             return load_once(from);
@@ -122,7 +123,8 @@ struct Vector : VectorAvx {
             _mm256_storeu_epi16(to, _mm512_cvtepi32_epi16(v));
         } else if constexpr (bytes == 3) {
             static constexpr Places close_up([](int i) { return i < 48 ? i / 3 * 4 + i % 3 : 0; });
-            _mm512_mask_storeu_epi8(to, first_48, _mm512_permutexvar_epi8(close_up.vector(), v));
+            _mm512_mask_storeu_epi32(to, twelve_words,
+                                     _mm512_permutexvar_epi8(close_up.vector(), v));
         } else {
             store(to, v);
         }
@@ -183,17 +185,11 @@ struct Vector : VectorAvx {
         return _mm512_cvtepi8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(samples)));
     }
     static void scan(const Register (&rows)[8], uint8_t (*small)[64], uint64_t* nonzero) {
-        // Part b of pair i holds natural rows 2i and 2i + 1 of block b.
-        Register pair[4];
+        // Part b of vector i holds natural rows 2i and 2i + 1 of block b.
+        Register natural[4];
         for (int i = 0; i < 4; ++i)
-            pair[i] = narrow16_signed(rows[2 * i], rows[2 * i + 1]);
-        const Register low01 = _mm512_shuffle_i32x4(pair[0], pair[1], 0x44);
-        const Register low23 = _mm512_shuffle_i32x4(pair[2], pair[3], 0x44);
-        const Register high01 = _mm512_shuffle_i32x4(pair[0], pair[1], 0xEE);
-        const Register high23 = _mm512_shuffle_i32x4(pair[2], pair[3], 0xEE);
-        const Register natural[4] = {
-            _mm512_shuffle_i32x4(low01, low23, 0x88), _mm512_shuffle_i32x4(low01, low23, 0xDD),
-            _mm512_shuffle_i32x4(high01, high23, 0x88), _mm512_shuffle_i32x4(high01, high23, 0xDD)};
+            natural[i] = narrow16_signed(rows[2 * i], rows[2 * i + 1]);
+        transpose_parts<1>(natural);
         static constexpr auto places = zigzag; // a level lends no other its data
         const Register order = load(places.data());
         for (int block = 0; block < 4; ++block) {
@@ -204,16 +200,13 @@ struct Vector : VectorAvx {
     }
 
   private:
-    static constexpr __mmask64 first_48 = 0x0000FFFFFFFFFFFF;
+    static constexpr __mmask16 twelve_words = 0x0FFF; // of 16 pixels of 24 bits
 
     // The permutes look at the low 7 and the low 6 bits of a place; its top bit says which holds.
     static Register moved_by(const Planes& p, const Places& places) {
         const Register from = places.vector();
         return _mm512_mask_permutexvar_epi8(_mm512_permutex2var_epi8(p.blue, from, p.green),
                                             _mm512_movepi8_mask(from), from, p.red);
-    }
-    static Planes moved(const Planes& p, const Places (&places)[3]) {
-        return {moved_by(p, places[0]), moved_by(p, places[1]), moved_by(p, places[2])};
     }
 };
 

@@ -38,7 +38,7 @@ struct Vector : VectorX86 {
         const Register sign = shift_right16_signed<15>(a);
         return sub16(magnitude ^ sign, sign);
     }
-    // The low 16 bits of each 32, without the signed saturation of the only pack that there is.
+    // The low 16 bits of each 32, in order, without the signed saturation of the only pack that there is.
     static Register low_words(Register a, Register b) {
         return narrow32(shift_right32_signed<16>(shift_left32<16>(a)),
                         shift_right32_signed<16>(shift_left32<16>(b)));
@@ -88,7 +88,7 @@ struct Vector : VectorX86 {
         else if constexpr (bytes == 3)
             return spread(zip_low64(load_8(from), load_4(from + 8)));
         else
-            return load(from);
+            return load_once(from);
     }
     template<int bytes>
     static void store_row(uint8_t* to, Register v) {
@@ -104,8 +104,9 @@ struct Vector : VectorX86 {
             store(to, v);
         }
     }
-    // A square of words, rows to columns.
-    static void transpose(Register (&v)[words]) { transpose_parts<Vector>(v); }
+    // Of vectors that lie a step apart, as many as each has 16 bytes: a square of these, rows to columns.
+    template<size_t step>
+    static void transpose_parts(Register*) {}
     // Elements of 1, 2 or 4 bytes, the last first.
     template<int bytes>
     static Register reversed(Register v) {

@@ -178,7 +178,8 @@ struct Vector {
                 wasm_v128_store32_lane(to + 8, closed, 2);
         }
     }
-    static void transpose(Register (&v)[words]) { transpose_parts<Vector>(v); }
+    template<size_t step>
+    static void transpose_parts(Register*) {}
     template<int bytes>
     static Register reversed(Register v) {
         return shuffled<[](int i) { return 16 - bytes - i / bytes * bytes + i % bytes; }>(v, v);

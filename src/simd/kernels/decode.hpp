@@ -157,20 +157,23 @@ struct DecodeKernels {
         });
     }
 
-    template<Halves terms_at(const int16_t*, size_t)>
+    template<bool wide>
     static void coloured(const int16_t* y, ChromaTerms terms, uint8_t* bgr, size_t pixels) {
         write(bgr, pixels, [&](size_t i) -> Planes {
-            const Halves luma = V::load_halves16(y + i);
-            return {channel(luma, terms_at(terms.blue, i)), channel(luma, terms_at(terms.green, i)),
-                    channel(luma, terms_at(terms.red, i))};
+            const int16_t *const low = y + i, *const high = low + V::size / 2;
+            const Halves luma =
+                wide ? V::load_halves16(low) : Halves{V::load_once(low), V::load_once(high)};
+            const auto plane = [&](const int16_t* of) {
+                const Register v = wide ? V::load_once(of + i / 2) : V::load(of + i);
+                if constexpr (wide)
+                    return channel(luma, {V::zip_low16(v, v), V::zip_high16(v, v)});
+                else
+                    return V::in_order(channel(luma, {v, V::load(of + i + V::size / 2)}));
+            };
+            return {plane(terms.blue), plane(terms.green), plane(terms.red)};
         });
     }
-    static Halves each(const int16_t* terms, size_t i) { return V::load_halves16(terms + i); }
-    static Halves twice(const int16_t* terms, size_t i) {
-        const Register v = V::load_once(terms + i / 2);
-        return {V::zip_low16(v, v), V::zip_high16(v, v)};
-    }
-    static constexpr auto colour = coloured<each>, colour_wide = coloured<twice>;
+    static constexpr auto colour = coloured<false>, colour_wide = coloured<true>;
 
   private:
     static Register channel(const Halves& y, const Halves& terms) {

@@ -59,23 +59,20 @@ struct EncodeKernels {
     // of theirs (below 8 * 2897) fit 16 bits, and products of pairs can be summed in 32 (pmaddwd). Where
     // one factor is left, the shift by 13 is the high word of (8 * x) * factor. The rounded shift by 19
     // is done as floor(x / 2^16), plus 4, floor of an 8th, which is the same number.
-    static void transpose(Register (&r)[8]) {
-#pragma GCC unroll 3
-        for (int round = 0; round < 3; ++round) {
-            const Register whole[] = {r[0], r[1], r[2], r[3], r[4], r[5], r[6], r[7]};
-#pragma GCC unroll 4
-            for (int i = 0; i < 4; ++i) {
-                r[2 * i] = V::zip_low16(whole[i], whole[i + 4]);
-                r[2 * i + 1] = V::zip_high16(whole[i], whole[i + 4]);
-            }
-        }
-    }
-
     // Pairs of inputs, word by word.
     struct Pairs {
         Register low, high;
         Pairs(Register first, Register second)
             : low(V::zip_low16(first, second)), high(V::zip_high16(first, second)) {}
+    };
+    // Every other row of a square, zipped twice; zipped with the others, each vector gives two columns.
+    struct Half {
+        Pairs low, high;
+        template<typename Row>
+        [[gnu::always_inline]] static Half from(int first, const Row& row) {
+            const Pairs outer(row(first), row(first + 4)), inner(row(first + 2), row(first + 6));
+            return {Pairs(outer.low, inner.low), Pairs(outer.high, inner.high)};
+        }
     };
 
     template<bool rows>
@@ -110,14 +107,16 @@ struct EncodeKernels {
                             V::add32(V::dot16(p.high, p_factors), V::dot16(q.high, q_factors)));
     }
 
-    // Eight points, one in each register.
+    // Over the columns of a square, made shortly before their use: 32-bit code has eight vectors.
     template<bool rows>
-    static void pass(Register (&x)[8]) {
+    static void pass(const Half& a, const Half& b, Register (&x)[8]) {
         using namespace dct;
-        const Register s07 = V::add16(x[0], x[7]), s16 = V::add16(x[1], x[6]),
-                       s25 = V::add16(x[2], x[5]), s34 = V::add16(x[3], x[4]);
-        const Pairs outer(V::sub16(x[0], x[7]), V::sub16(x[1], x[6]));
-        const Pairs inner(V::sub16(x[2], x[5]), V::sub16(x[3], x[4]));
+        const Pairs x01(a.low.low, b.low.low), x67(a.high.high, b.high.high);
+        const Register s07 = V::add16(x01.low, x67.high), s16 = V::add16(x01.high, x67.low);
+        const Pairs outer(V::sub16(x01.low, x67.high), V::sub16(x01.high, x67.low));
+        const Pairs x23(a.low.high, b.low.high), x45(a.high.low, b.high.low);
+        const Register s25 = V::add16(x23.low, x45.high), s34 = V::add16(x23.high, x45.low);
+        const Pairs inner(V::sub16(x23.low, x45.high), V::sub16(x23.high, x45.low));
         const Register even = V::add16(s07, s34), odd = V::add16(s16, s25);
         const Pairs differences(V::sub16(s07, s34), V::sub16(s16, s25));
         x[0] = times_c4<rows>(V::add16(even, odd));
@@ -141,13 +140,10 @@ struct EncodeKernels {
     static void code(const int8_t* samples, ptrdiff_t stride, const Quantiser& quantiser,
                      BlockGroup& group, size_t block) {
         Register r[8];
-#pragma GCC unroll 8
-        for (int row = 0; row < 8; ++row)
-            r[row] = V::load_block_row(samples + row * stride);
-        transpose(r);
-        pass<true>(r);
-        transpose(r);
-        pass<false>(r);
+        const auto loaded = [&](int row) { return V::load_block_row(samples + row * stride); };
+        const auto kept = [&](int row) { return r[row]; };
+        pass<true>(Half::from(0, loaded), Half::from(1, loaded), r);
+        pass<false>(Half::from(0, kept), Half::from(1, kept), r);
 #pragma GCC unroll 8
         for (int row = 0; row < 8; ++row) {
             r[row] = quantise(r[row], quantiser, row);

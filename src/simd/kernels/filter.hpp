@@ -25,19 +25,30 @@ struct FilterKernels {
         return {V::multiply16(a.low, factors), V::multiply16(a.high, factors)};
     }
 
+    // Sums of the bytes at four places, times a weight.
+    template<int weight>
+    static Halves weighted(const uint8_t* a, const uint8_t* b, const uint8_t* c, const uint8_t* d) {
+        if constexpr (requires { V::dot8(V::zero(), V::zero()); }) {
+            const auto pair = [by = V::opaque(V::all8(weight))](Register v, Register w) {
+                return Halves{V::dot8(V::zip_low8(v, w), by), V::dot8(V::zip_high8(v, w), by)};
+            };
+            return sum(pair(V::load_once(a), V::load_once(b)),
+                       pair(V::load_once(c), V::load_once(d)));
+        } else {
+            const Halves all = sum(sum(widened(a), widened(b)), sum(widened(c), widened(d)));
+            return weight == 1 ? all : product(all, V::opaque(V::all16(weight)));
+        }
+    }
+
     // Sums stay below 2^16: the weights add up to 245.
     static void blur(uint8_t* to, ThreeRows rows, size_t bytes) {
         const uint8_t *below = rows[0], *row = rows[1], *above = rows[2];
-        const Register of_corners = V::opaque(V::all16(11)), of_edges = V::opaque(V::all16(30)),
-                       of_centre = V::opaque(V::all16(81));
+        const Register of_centre = V::opaque(V::all16(81));
         const auto block = [&](size_t i) {
-            const auto outer = [&](ptrdiff_t at) {
-                return sum(widened(below + i + at), widened(above + i + at));
-            };
-            const Halves corners = sum(outer(-3), outer(3));
-            const Halves edges = sum(outer(0), sum(widened(row + i - 3), widened(row + i + 3)));
-            const Halves all = sum(sum(product(corners, of_corners), product(edges, of_edges)),
-                                   product(widened(row + i), of_centre));
+            const uint8_t *const b = below + i, *const r = row + i, *const a = above + i;
+            const Halves corners = weighted<11>(b - 3, a - 3, b + 3, a + 3);
+            const Halves edges = weighted<30>(b, a, r - 3, r + 3);
+            const Halves all = sum(sum(corners, edges), product(widened(row + i), of_centre));
             V::store(to + i, V::narrow16(V::template shift_right16<8>(all.low),
                                          V::template shift_right16<8>(all.high)));
         };
@@ -125,8 +136,7 @@ struct FilterKernels {
     static void laplacian(int16_t* to, ThreeRows rows, size_t count) {
         const uint8_t *below = rows[0], *row = rows[1], *above = rows[2];
         const auto block = [&](size_t i) {
-            const Halves around = sum(sum(widened(below + i), widened(above + i)),
-                                      sum(widened(row + i - 1), widened(row + i + 1)));
+            const Halves around = weighted<1>(below + i, above + i, row + i - 1, row + i + 1);
             store16(to + i, difference(product(widened(row + i), V::all16(4)), around));
         };
         if (!each_step<V::size>(count, block))

@@ -104,38 +104,34 @@ struct PixelKernels {
             (scalar::kernels.*few)(from, to, pixels, moves);
     }
 
-    // Several vectors of words from pixels that lie side by side. A level whose vectors are longer
-    // than four of them take turns three whole ones into four.
-    template<int bytes, size_t n>
-    [[gnu::always_inline]] static void load_rows(Register (&words)[n], const uint8_t* from) {
-        if constexpr (bytes == 3 && n == 4)
-            return V::load_rows24(words, from);
-#pragma GCC unroll 4
-        for (size_t i = 0; i < n; ++i)
-            words[i] = V::template load_row<bytes>(from + bytes * V::words * i);
-    }
-    template<int bytes, size_t n>
-    [[gnu::always_inline]] static void store_rows(uint8_t* to, const Register (&words)[n]) {
-        if constexpr (bytes == 3 && n == 4)
-            return V::store_rows24(to, words);
-        if constexpr (bytes == 2 && n == 2)
-            return V::store(to, V::in_order(V::low_words(words[0], words[1])));
-#pragma GCC unroll 4
-        for (size_t i = 0; i < n; ++i)
-            V::template store_row<bytes>(to + bytes * V::words * i, words[i]);
-    }
+    // A level whose vectors are whole lines turns three of 24-bit pixels into four of words, and back but
+    // in 32-bit code, whose eight vectors hold two of words and what moves them.
     template<int from_bytes, int to_bytes, typename F>
     [[gnu::always_inline]] static bool convert_by(const uint8_t* from, uint8_t* to, size_t pixels,
                                                   const F& moved) {
-        constexpr size_t vectors =
-            V::size == line_bytes && (from_bytes == 3 || to_bytes == 3) ? 4 : 2;
+        constexpr bool whole_24 = from_bytes == 3 || (to_bytes == 3 && sizeof(void*) == 8);
+        constexpr size_t vectors = V::size == line_bytes && whole_24 ? 4 : 2;
         const auto block = [&](size_t i) {
             Register words[vectors];
-            load_rows<from_bytes>(words, from + from_bytes * i);
+            if constexpr (from_bytes == 3 && vectors == 4)
+                V::load_rows24(words, from + 3 * i);
 #pragma GCC unroll 4
-            for (Register& w : words)
-                w = moved(w);
-            store_rows<to_bytes>(to + to_bytes * i, words);
+            for (size_t k = 0; k < vectors; ++k) {
+                if constexpr (from_bytes != 3 || vectors != 4)
+                    words[k] =
+                        V::template load_row<from_bytes>(from + from_bytes * (i + k * V::words));
+                words[k] = moved(words[k]);
+            }
+            if constexpr (to_bytes == 3 && vectors == 4)
+                return V::store_rows24(to + 3 * i, words);
+#pragma GCC unroll 4
+            for (size_t k = 0; k < vectors; ++k) {
+                uint8_t* const at = to + to_bytes * (i + k * V::words);
+                if constexpr (to_bytes != 2)
+                    V::template store_row<to_bytes>(at, words[k]);
+                else if (k % 2 == 0)
+                    V::store(at, V::low_words(words[k], words[k + 1]));
+            }
         };
         return each_aligned_step<vectors * V::words, to_bytes>(to, pixels, block);
     }

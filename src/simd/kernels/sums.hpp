@@ -124,7 +124,7 @@ struct SumKernels {
     // The sums of neighbours, of two vectors in order.
     static Register quads(Register first, Register second) {
         const auto sums = [](Register v) { return V::add16(v, V::template shift_right32<16>(v)); };
-        return V::in_order(V::low_words(sums(first), sums(second)));
+        return V::low_words(sums(first), sums(second));
     }
 
     template<size_t columns>

@@ -78,14 +78,27 @@ struct TurnKernels {
             V::store(right, V::template reversed<bytes>(a));
         }
     }
+    // Four rows at a time, then four columns: 32-bit code, with eight vectors, keeps the rest in memory.
     template<int bytes>
     static void transpose_square(uint8_t* to, ptrdiff_t to_step, const uint8_t* from,
                                  ptrdiff_t from_step) {
         Register words[side];
-#pragma GCC unroll 16
-        for (size_t k = 0; k < side; ++k, from += from_step)
-            words[k] = V::template load_row<bytes>(from);
-        V::transpose(words);
+#pragma GCC unroll 4
+        for (size_t k = 0; k < side; k += 4) {
+            Register r[4];
+#pragma GCC unroll 4
+            for (size_t i = 0; i < 4; ++i, from += from_step)
+                r[i] = V::template load_row<bytes>(from);
+            const Register low01 = V::zip_low32(r[0], r[1]), low23 = V::zip_low32(r[2], r[3]);
+            const Register high01 = V::zip_high32(r[0], r[1]), high23 = V::zip_high32(r[2], r[3]);
+            words[k] = V::zip_low64(low01, low23);
+            words[k + 1] = V::zip_high64(low01, low23);
+            words[k + 2] = V::zip_low64(high01, high23);
+            words[k + 3] = V::zip_high64(high01, high23);
+        }
+#pragma GCC unroll 4
+        for (size_t x = 0; x < 4; ++x)
+            V::template transpose_parts<4>(words + x);
 #pragma GCC unroll 16
         for (size_t x = 0; x < side; ++x, to += to_step)
             V::template store_row<bytes>(to, words[x]);
