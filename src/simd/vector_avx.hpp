@@ -17,7 +17,6 @@ struct VectorAvx : VectorX86 {
     }
 
     static Register min16_unsigned(Register a, Register b) { return KIRVO_MM(min_epu16)(a, b); }
-    static Register max16_unsigned(Register a, Register b) { return KIRVO_MM(max_epu16)(a, b); }
     static Register max32(Register a, Register b) { return KIRVO_MM(max_epi32)(a, b); }
     static Register low_words(Register a, Register b) {
         return KIRVO_MM(packus_epi32)(a & all32(0xFFFF), b & all32(0xFFFF));
