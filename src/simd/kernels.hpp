@@ -80,20 +80,20 @@ struct Kernels {
     // 255 where v lies from low to high, else 0; nothing does where low is above high
     void (*between)(uint8_t* to, const int16_t* v, size_t count, int16_t low, int16_t high);
 
-    // Extremes, element by element: of the first 2, 3 or 4 rows, which may overlap each other.
+    // Extremes of `side` cells along a row, from each of count elements on; a cell has `step` of them,
+    // 4 bytes at most. Those of `run` cells are known: run < side <= 4 run, or 2 run + 2 where run is
+    // above 16. The 64 bytes behind what is needed may be read.
     template<typename T>
-    using Pick = void (*)(T* to, const T* a, const T* b, const T* c, const T* d, size_t count);
-    Pick<uint8_t> highest8[3], lowest8[3];
-    Pick<uint32_t> highest32[3]; // of numbers below 2^31
-    // Of windows of n rows that begin one row after another: to[k] becomes the extreme of rows[k] to
-    // rows[k + n - 1]. For 2, 4 or 8 windows; n is at least their number. The extreme of the rows at
-    // which windows end comes after them, if there is room for it: to[windows] may be null.
-    // Memory so many bytes ahead of these rows will be wanted next, if it is not 0 bytes.
+    using Join = void (*)(T* to, const T* runs, size_t count, size_t step, size_t run, size_t side);
+    Join<uint8_t> highest8, lowest8;
+    Join<uint32_t> highest32; // of numbers below 2^31
+    // Extremes, element by element, of windows of n rows that begin one row after another: to[k] is that
+    // of rows[k] to rows[k + n - 1]. For 2, 4 or 8 windows; n is at least their number. The extreme of
+    // the rows at which windows end comes after them, if there is room for it: to[windows] may be null.
     template<typename T>
-    using PickRows = void (*)(T* const* to, const T* const* rows, size_t n, size_t count,
-                              ptrdiff_t ahead);
+    using PickRows = void (*)(T* const* to, const T* const* rows, size_t n, size_t count);
     PickRows<uint8_t> highest_rows8[3], lowest_rows8[3];
-    PickRows<uint16_t> highest_rows16[3];
+    PickRows<int16_t> highest_rows16[3];
 
     // Sums.
     // sums[i] += row[i], wrapping

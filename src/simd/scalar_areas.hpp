@@ -74,28 +74,24 @@ T of(T a, T b) {
     return which == highest ? std::max(a, b) : std::min(a, b);
 }
 
-template<typename T, Extreme which, int rows>
-void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
+template<typename T, Extreme which>
+void join(T* to, const T* runs, size_t count, size_t step, size_t run, size_t side) {
     for (size_t i = 0; i < count; ++i) {
-        const T third = rows > 2 ? c[i] : a[i], fourth = rows > 3 ? d[i] : b[i];
-        to[i] = of<which>(of<which>(a[i], b[i]), of<which>(third, fourth));
+        to[i] = runs[i + step * (side - run)];
+        for (size_t k = 0; k < side - run; k += run)
+            to[i] = of<which>(to[i], runs[i + step * k]);
     }
 }
 
-template<typename T, Extreme which>
-void pick_all(T* to, const T* const* rows, size_t n, size_t count) {
-    std::copy_n(*rows, count, to);
-    for (size_t k = 1; k < n; ++k)
-        for (size_t i = 0; i < count; ++i)
-            to[i] = of<which>(to[i], rows[k][i]);
-}
-
 template<typename T, Extreme which, size_t windows>
-void pick_rows(T* const* to, const T* const* rows, size_t n, size_t count, ptrdiff_t) {
-    for (size_t k = 0; k < windows; ++k)
-        pick_all<T, which>(to[k], rows + k, n, count);
-    if (to[windows] != nullptr)
-        pick_all<T, which>(to[windows], rows + n - 1, windows, count);
+void pick_rows(T* const* to, const T* const* rows, size_t n, size_t count) {
+    for (size_t k = 0; k <= windows && to[k] != nullptr; ++k) {
+        const size_t first = k < windows ? k : n - 1, end = k < windows ? k + n : n + windows - 1;
+        std::copy_n(rows[first], count, to[k]);
+        for (size_t row = first + 1; row < end; ++row)
+            for (size_t i = 0; i < count; ++i)
+                to[k][i] = of<which>(to[k][i], rows[row][i]);
+    }
 }
 
 template<typename Sum>

@@ -17,7 +17,6 @@ struct VectorAvx : VectorX86 {
     }
 
     static Register min16_unsigned(Register a, Register b) { return KIRVO_MM(min_epu16)(a, b); }
-    static Register max16_unsigned(Register a, Register b) { return KIRVO_MM(max_epu16)(a, b); }
     static Register max32(Register a, Register b) { return KIRVO_MM(max_epi32)(a, b); }
     static Register magnitude16(Register a) { return KIRVO_MM(abs_epi16)(a); }
     // Sums of the products of unsigned and signed bytes side by side, below 2^15.

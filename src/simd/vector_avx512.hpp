@@ -71,6 +71,13 @@ struct Vector : VectorAvx {
                                       v.high)};
     }
 
+    // From so many bytes, at most 64, behind the start of the first of two vectors on.
+    static Register shifted(Register a, Register b, size_t bytes) {
+        static constexpr Places all([](int i) { return i; });
+        const Register places = add8(all.vector(), all8(static_cast<int>(bytes)));
+        return _mm512_permutex2var_epi8(a, places, b);
+    }
+
     // Byte 3p + c of three vectors goes to byte p of vector c, and back.
     static Planes load_planes(const uint8_t* bgr) {
         static constexpr Places places[] = {Places([](int p) { return 3 * p; }),

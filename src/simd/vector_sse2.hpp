@@ -27,9 +27,6 @@ struct Vector : VectorX86 {
     static Register min16_unsigned(Register a, Register b) {
         return _mm_sub_epi16(a, _mm_subs_epu16(a, b));
     }
-    static Register max16_unsigned(Register a, Register b) {
-        return add16(a, _mm_subs_epu16(b, a));
-    }
     static Register max32(Register a, Register b) { // signed
         return select(_mm_cmpgt_epi32(a, b), a, b);
     }

@@ -59,7 +59,6 @@ struct Vector {
     static Register sub16(Register a, Register b) { return wasm_i16x8_sub(a, b); }
     static Register max16(Register a, Register b) { return wasm_i16x8_max(a, b); }
     static Register min16(Register a, Register b) { return wasm_i16x8_min(a, b); }
-    static Register max16_unsigned(Register a, Register b) { return wasm_u16x8_max(a, b); }
     static Register min16_unsigned(Register a, Register b) { return wasm_u16x8_min(a, b); }
     static Register equal16(Register a, Register b) { return wasm_i16x8_eq(a, b); }
     static Register magnitude16(Register a) { return wasm_i16x8_abs(a); }

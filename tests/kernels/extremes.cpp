@@ -21,33 +21,40 @@ T lowest(Values<T> values) {
     return std::min(values);
 }
 
-// The sources are rows of their own, or begin at different places of one. Those beyond the first
-// are not touched.
-template<typename T, Choose<T> choose, size_t rows>
-constexpr Case<Kernels::Pick<T>> pick = {
-    [](T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
-        for (size_t i = 0; i < count; ++i)
-            to[i] = choose({a[i], b[i], (rows > 2 ? c : a)[i], (rows > 3 ? d : a)[i]});
+// Extremes of runs of cells of 1 to 4 elements, which the trial makes as this says.
+template<typename T, Choose<T> choose>
+void extremes_along(T* to, const T* row, size_t count, size_t step, size_t cells) {
+    for (size_t i = 0; i < count; ++i) {
+        to[i] = row[i];
+        for (size_t k = 1; k < cells; ++k)
+            to[i] = choose({to[i], row[i + step * k]});
+    }
+}
+
+template<typename T, Choose<T> choose>
+constexpr Case<Kernels::Join<T>> join = {
+    [](T* to, const T* runs, size_t count, size_t step, size_t run, size_t side) {
+        extremes_along<T, choose>(to, runs, count, step, side - run + 1);
     },
-    [](Kernels::Pick<T> kernel, Trial& trial) {
+    [](Kernels::Join<T> kernel, Trial& trial) {
         constexpr int64_t most = sizeof(T) == 4 ? INT32_MAX : std::numeric_limits<T>::max();
-        T* to = trial.room<T>(trial.count);
-        const bool overlap = trial.between(0, 2, 1) == 0;
-        const size_t places = 5;
-        const T* from[4] = {};
-        for (size_t i = 0; i < rows; ++i) {
-            if (overlap && i > 0)
-                from[i] = from[0] + trial.random.between(0, places);
-            else
-                from[i] = trial.values<T>(trial.count + (overlap ? places : 0), 0, most);
-        }
-        trial.run([=, &trial] { kernel(to, from[0], from[1], from[2], from[3], trial.count); });
+        const auto step = static_cast<size_t>(trial.between(1, sizeof(T) == 1 ? 4 : 1, 3));
+        const int32_t known_cells = trial.between(1, 70, 16);
+        const int32_t most_cells = known_cells > 16 ? 2 * known_cells + 2 : 4 * known_cells;
+        const auto run = static_cast<size_t>(known_cells);
+        const auto side = static_cast<size_t>(trial.between(known_cells + 1, most_cells, 64));
+        constexpr size_t beyond = 64 / sizeof(T);
+        const size_t known = trial.count + step * (side - run) + beyond;
+        const T* row = trial.values<T>(known + step * (run - 1), 0, most);
+        T *runs = trial.room<T>(known), *to = trial.room<T>(trial.count);
+        extremes_along<T, choose>(runs, row, known, step, run);
+        trial.run([=, &trial] { kernel(to, runs, trial.count, step, run, side); });
     },
     "element"};
 
 template<typename T, Choose<T> choose, size_t windows>
 constexpr Case<Kernels::PickRows<T>> pick_rows = {
-    [](T* const* to, const T* const* rows, size_t n, size_t count, ptrdiff_t) {
+    [](T* const* to, const T* const* rows, size_t n, size_t count) {
         const auto pick_from = [=](T* extremes, size_t first, size_t end) {
             for (size_t i = 0; i < count; ++i) {
                 extremes[i] = rows[first][i];
@@ -70,9 +77,8 @@ constexpr Case<Kernels::PickRows<T>> pick_rows = {
         std::vector<const T*> rows(n + windows - 1);
         for (const T*& row : rows)
             row = trial.values<T>(trial.count);
-        const ptrdiff_t ahead = trial.between(0, 4096, 0);
         trial.items *= windows;
-        trial.run([&] { kernel(to.data(), rows.data(), n, trial.count, ahead); });
+        trial.run([&] { kernel(to.data(), rows.data(), n, trial.count); });
     },
     "element", 257};
 
@@ -80,19 +86,15 @@ constexpr Case<Kernels::PickRows<T>> pick_rows = {
 
 namespace cases {
 
-const Case<Kernels::Pick<uint8_t>> highest8[] = {
-    pick<uint8_t, highest, 2>, pick<uint8_t, highest, 3>, pick<uint8_t, highest, 4>};
-const Case<Kernels::Pick<uint8_t>> lowest8[] = {pick<uint8_t, lowest, 2>, pick<uint8_t, lowest, 3>,
-                                                pick<uint8_t, lowest, 4>};
-const Case<Kernels::Pick<uint32_t>> highest32[] = {
-    pick<uint32_t, highest, 2>, pick<uint32_t, highest, 3>, pick<uint32_t, highest, 4>};
+const Case<Kernels::Join<uint8_t>> highest8 = join<uint8_t, highest>;
+const Case<Kernels::Join<uint8_t>> lowest8 = join<uint8_t, lowest>;
+const Case<Kernels::Join<uint32_t>> highest32 = join<uint32_t, highest>;
 const Case<Kernels::PickRows<uint8_t>> highest_rows8[] = {
     pick_rows<uint8_t, highest, 2>, pick_rows<uint8_t, highest, 4>, pick_rows<uint8_t, highest, 8>};
 const Case<Kernels::PickRows<uint8_t>> lowest_rows8[] = {
     pick_rows<uint8_t, lowest, 2>, pick_rows<uint8_t, lowest, 4>, pick_rows<uint8_t, lowest, 8>};
-const Case<Kernels::PickRows<uint16_t>> highest_rows16[] = {pick_rows<uint16_t, highest, 2>,
-                                                            pick_rows<uint16_t, highest, 4>,
-                                                            pick_rows<uint16_t, highest, 8>};
+const Case<Kernels::PickRows<int16_t>> highest_rows16[] = {
+    pick_rows<int16_t, highest, 2>, pick_rows<int16_t, highest, 4>, pick_rows<int16_t, highest, 8>};
 
 } // namespace cases
 

@@ -27,7 +27,7 @@ class AlignedLines {
   public:
     AlignedLines(int32_t rows, size_t count, uintptr_t place)
         : elements_(static_cast<uint64_t>(rows) * in_lines(count)), row_(in_lines(count)),
-          memory_(elements_ * sizeof(T) + line_bytes), first_(memory_.as<T>()) {
+          memory_(elements_ * sizeof(T) + 2 * line_bytes), first_(memory_.as<T>()) {
         first_ += (place - reinterpret_cast<uintptr_t>(first_)) % line_bytes / sizeof(T);
     }
 
@@ -36,7 +36,7 @@ class AlignedLines {
     void fill(T value) const { std::fill_n(first_, static_cast<size_t>(elements_), value); }
 
   private:
-    static constexpr size_t line_bytes = 64;
+    static constexpr size_t line_bytes = 64; // as many may be read behind the last row
     static constexpr size_t in_lines(size_t count) {
         constexpr size_t in_line = line_bytes / sizeof(T);
         return (count + in_line - 1) / in_line * in_line;
@@ -58,25 +58,21 @@ struct Patch {
     size_t cells() const { return end - begin; }
 };
 
-// The extreme of `side` cells from each of count cells on. A cell has `step` elements; a and b are
-// working rows as long as the line. `pick` are those of 2, 3 and 4 rows.
+// The extreme of `side` cells from each of count elements on, `step` of which are a cell; a and b are
+// working rows as long as the line. Two of the longest runs cover nearly all, as the kernel wants it.
 template<typename T>
-void pick_along(T* to, const T* line, size_t count, size_t step, size_t side,
-                const Kernels::Pick<T> (&pick)[3], T* a, T* b) {
+void join_along(T* to, const T* line, size_t count, size_t step, size_t side, Kernels::Join<T> join,
+                T* a, T* b) {
     size_t run = 1;
     while (4 * run < side) {
         T* next = line == a ? b : a;
-        const size_t one = step * run;
-        const size_t runs = std::min<size_t>(4, (side + 4 * run - 1) / (4 * run));
-        run *= runs;
-        pick[runs - 2](next, line, line + one, line + 2 * one, line + 3 * one,
-                       step * (count + side - run));
+        const size_t at_once = run * (run < 16 ? 4 : 2); // at the end
+        const size_t longer = run * std::min<size_t>(4, (side + at_once - 1) / at_once);
+        join(next, line, count + step * (side - longer), step, run, longer);
         line = next;
+        run = longer;
     }
-    // Two to four runs cover the side; the last one ends where it does.
-    const size_t runs = (side + run - 1) / run, last = side - run;
-    pick[runs - 2](to, line, line + step * std::min(run, last),
-                   line + step * std::min(2 * run, last), line + step * last, step * count);
+    join(to, line, count, step, run, side);
 }
 
 // What both kinds of the filter work on.
@@ -125,7 +121,7 @@ class ChannelKind {
           elements_(elements_of(setting.format)), in_place_(setting.format.has_byte_channels()),
           copy_(copy_for(setting.operation.width() * setting.format.bytes(),
                          static_cast<uint64_t>(setting.operation.rect().height))),
-          pick_(setting.maximum ? kernels().highest8 : kernels().lowest8),
+          join_(setting.maximum ? kernels().highest8 : kernels().lowest8),
           buffers_(3, elements_ * cells, setting.reach_place(elements_)) {}
 
     explicit operator bool() const { return static_cast<bool>(buffers_); }
@@ -135,20 +131,24 @@ class ChannelKind {
     const uint8_t* in_place(const Patch& patch, int32_t row) const {
         return in_place_ ? setting_.pixels(patch, row) : nullptr;
     }
-    // From row to row where the next ones are worth asking for: in an image beyond the caches.
-    ptrdiff_t stride_ahead() const {
-        return in_place_ && copy_ != move_bytes ? setting_.from.stride : 0;
-    }
     void load(const Patch& patch, int32_t row, uint8_t* cells) const {
         unpack_row(setting_.format, setting_.pixels(patch, row), cells, patch.cells());
     }
-    // Ends a row of the patch from the extremes of its columns.
-    void finish(const Patch& patch, int32_t row, const uint8_t* line) const {
+    // Ends a row of the patch from the extremes of its columns. In an image beyond the caches memory
+    // brings a row that will be wanted meanwhile, piece by piece: it takes no more at once.
+    void finish(const Patch& patch, int32_t row, const uint8_t* line, int32_t wanted) const {
         const auto columns = static_cast<size_t>(patch.columns);
+        const auto side = static_cast<size_t>(setting_.side());
+        const bool past_caches = in_place_ && copy_ != move_bytes;
+        const size_t piece = past_caches ? std::max<size_t>(512, 64 * side) : columns;
         uint8_t* const result = setting_.result_pixels(patch, row);
-        uint8_t* const to = in_place_ && copy_ == move_bytes ? result : buffers_[2];
-        pick_along(to, line, columns, elements_, static_cast<size_t>(setting_.side()), pick_,
-                   buffers_[0], buffers_[1]);
+        uint8_t* const to = in_place_ && !past_caches ? result : buffers_[2];
+        for (size_t done = 0; done < columns; done += piece) {
+            const size_t at = done * elements_, bytes = std::min(piece, columns - done) * elements_;
+            if (past_caches)
+                prefetch(setting_.pixels(patch, wanted) + at, bytes);
+            join_along(to + at, line + at, bytes, elements_, side, join_, buffers_[0], buffers_[1]);
+        }
         if (!in_place_)
             return pack_row(setting_.format, to, result, columns);
         const size_t bytes = columns * elements_;
@@ -166,7 +166,7 @@ class ChannelKind {
     size_t elements_; // of a cell
     bool in_place_;
     CopyBytes copy_;
-    const Kernels::Pick<uint8_t> (&pick_)[3];
+    Kernels::Join<uint8_t> join_;
     AlignedLines<uint8_t> buffers_;
 };
 
@@ -177,22 +177,21 @@ class ChannelKind {
 // key. A score of 0 never wins over the colour that the search starts with.
 class LuminanceKind {
   public:
-    using Element = uint16_t; // score and row
+    using Element = int16_t; // score and row, less what is half of both
     static constexpr int32_t strip = (1 << 11) - 2 * largest_radius, highest_reach = 256;
     static size_t elements_of(const PixelFormat&) { return 1; }
 
     LuminanceKind(const Setting& setting, size_t cells)
         : pick_rows(kernels().highest_rows16), setting_(setting),
-          memory_((3 * sizeof(uint32_t) + 3 + 1) * uint64_t{cells}),
+          memory_((3 * sizeof(uint32_t) + 3 + 1) * uint64_t{cells} + 64),
           keys_(memory_.part<uint32_t>(0)), bgr_(memory_.part<uint8_t>(12 * cells)),
           luminance_(memory_.part<uint8_t>(15 * cells)), cells_(cells) {}
 
     explicit operator bool() const { return static_cast<bool>(memory_); }
 
     static constexpr bool loads() { return true; }
-    const uint16_t* in_place(const Patch&, int32_t) const { return nullptr; }
-    static constexpr ptrdiff_t stride_ahead() { return 0; }
-    void load(const Patch& patch, int32_t row, uint16_t* cells) const {
+    const int16_t* in_place(const Patch&, int32_t) const { return nullptr; }
+    void load(const Patch& patch, int32_t row, int16_t* cells) const {
         const size_t count = patch.cells();
         const uint8_t* bgr = setting_.pixels(patch, row);
         if (setting_.format.bits != 24) {
@@ -200,25 +199,26 @@ class LuminanceKind {
             bgr = bgr_;
         }
         kernels().luminance(luminance_, bgr, count);
-        const uint8_t inverted = setting_.maximum ? 0 : 255;
+        const uint8_t inverted = setting_.maximum ? 0x80 : 0x7F;
         for (size_t i = 0; i < count; ++i)
-            cells[i] = static_cast<uint16_t>((luminance_[i] ^ inverted) << 8 | (255 - row));
+            cells[i] = static_cast<int16_t>((luminance_[i] ^ inverted) << 8 | (255 - row));
     }
 
-    void finish(const Patch& patch, int32_t row, const uint16_t* line) const {
+    void finish(const Patch& patch, int32_t row, const int16_t* line, int32_t) const {
         const auto columns = static_cast<size_t>(patch.columns);
         const auto side = static_cast<size_t>(setting_.side());
         uint32_t* keys = keys_;
         for (size_t i = 0; i < columns + side - 1; ++i)
-            keys[i] = uint32_t{line[i]} << column_bits | (column_mask - static_cast<uint32_t>(i));
+            keys[i] = static_cast<uint32_t>(line[i] - neutral) << column_bits |
+                      (column_mask - static_cast<uint32_t>(i));
         const uint32_t* winners = keys_ + 2 * cells_;
-        pick_along(keys_ + 2 * cells_, keys, columns, 1, side, kernels().highest32, keys_ + cells_,
+        join_along(keys_ + 2 * cells_, keys, columns, 1, side, kernels().highest32, keys_ + cells_,
                    keys_);
         copy_winners(setting_.result_pixels(patch, row), patch, winners, columns);
     }
 
-    const Kernels::PickRows<uint16_t> (&pick_rows)[3];
-    static constexpr uint16_t neutral = 0;
+    const Kernels::PickRows<int16_t> (&pick_rows)[3];
+    static constexpr int16_t neutral = INT16_MIN;
 
   private:
     static constexpr uint32_t column_bits = 11;
@@ -330,7 +330,7 @@ class ExtremeFilter {
         for (int32_t row = 0; row < patch.rows; row += abreast_) {
             pick_columns(patch, row);
             for (int32_t k = 0; k < std::min(abreast_, patch.rows - row); ++k)
-                kind_.finish(patch, row + k, lines_[k]);
+                kind_.finish(patch, row + k, lines_[k], row + k + reached_);
         }
     }
 
@@ -353,7 +353,7 @@ class ExtremeFilter {
             to[k] = lines_[k] + patch.begin * elements_;
         to[abreast_] = of_blocks_ ? kept_block(last) : nullptr;
         kind_.pick_rows[abreast_ / 4](to, rows, n + 1 - static_cast<size_t>(abreast_),
-                                      patch.cells() * elements_, kind_.stride_ahead() * abreast_);
+                                      patch.cells() * elements_);
         joined_ = last + abreast_;
     }
 
@@ -366,7 +366,7 @@ class ExtremeFilter {
             rows[most_abreast] = neutral();
             // The second window's is of no use.
             Element* const to[] = {kept_block(joined_), blocks_[kept_blocks], nullptr};
-            kind_.pick_rows[0](to, rows, size_t{most_abreast}, patch.cells() * elements_, 0);
+            kind_.pick_rows[0](to, rows, size_t{most_abreast}, patch.cells() * elements_);
         }
         return kept_block(row);
     }

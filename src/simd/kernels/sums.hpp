@@ -11,56 +11,61 @@ namespace {
 template<typename V, typename T, auto of, auto rest, auto rest_of_rows>
 struct ExtremeKernels {
     using Register = typename V::Register;
+    static constexpr size_t in_vector = V::size / sizeof(T);
 
-    template<int rows>
-    static void pick(T* to, const T* a, const T* b, const T* c, const T* d, size_t count) {
-        const auto one = [&](size_t i) {
-            const auto at = [=](const T* row) {
-                return V::load(reinterpret_cast<const uint8_t*>(row) + i);
-            };
-            Register extreme = of(at(a), at(b));
-            if constexpr (rows > 2)
-                extreme = of(extreme, rows == 3 ? at(c) : of(at(c), at(d)));
-            V::store(reinterpret_cast<uint8_t*>(to) + i, extreme);
+    static void join(T* to, const T* runs, size_t count, size_t step, size_t run, size_t side) {
+        const size_t last = step * (side - run), near = (side - 2 * run + 1) / 2 * step;
+        const auto at = [=](size_t i) { return V::load(runs + i); };
+        const auto each = [=](const auto& made) {
+            const auto one = [&](size_t i) { V::store(to + i, made(i)); };
+            const auto two = [&](size_t i) { one(i), one(i + in_vector); };
+            constexpr bool two_pay = sizeof(void*) == 8 && V::size <= 32 && sizeof(T) == 1;
+            if (!(two_pay && each_aligned_step<2 * in_vector, sizeof(T)>(to, count, two)) &&
+                !each_aligned_step<in_vector, sizeof(T)>(to, count, one))
+                (scalar::kernels.*rest)(to, runs, count, step, run, side);
         };
-        const auto two = [&](size_t i) { one(i), one(i + V::size); };
-        constexpr bool two_pay = sizeof(void*) == 8 && V::size <= 32 && sizeof(T) == 1;
-        const size_t bytes = count * sizeof(T);
-        if (!(two_pay && each_aligned_step<2 * V::size, 1>(to, bytes, two)) &&
-            !each_aligned_step<V::size, 1>(to, bytes, one))
-            (scalar::kernels.*rest)[rows - 2](to, a, b, c, d, count);
+        const auto two = [=](size_t i) { return of(at(i), at(i + last)); };
+        if (side <= 2 * run)
+            return each(two);
+        if constexpr (requires { V::shifted(V::zero(), V::zero(), near); }) {
+            // Two far apart are joined first. What the pair near them gives is in the next vector.
+            const auto pair = [=](size_t i) { return of(at(i), at(i + last - near)); };
+            Register next = pair(0);
+            size_t next_is = 0;
+            return each([&](size_t i) {
+                const Register here = i == next_is ? next : pair(i);
+                next = pair(next_is = i + in_vector);
+                return of(here, V::shifted(here, next, near * sizeof(T)));
+            });
+        }
+        if (side <= 3 * run)
+            return each([=](size_t i) { return of(two(i), at(i + step * run)); });
+        each([=](size_t i) { return of(two(i), of(at(i + step * run), at(i + 2 * step * run))); });
     }
 
     // All windows share the rows from where the last one begins to where the first one ends.
     template<int windows>
     [[gnu::flatten]] static void pick_rows(T* const* to, const T* const* rows, size_t n,
-                                           size_t count, ptrdiff_t ahead) {
+                                           size_t count) {
         const auto block = [&](size_t i) {
-            if (ahead != 0 && i * sizeof(T) % line_bytes < V::size) {
-                for (size_t k = 0; k < windows; ++k)
-                    __builtin_prefetch(
-                        reinterpret_cast<const uint8_t*>(rows[n - 1 + k] + i) + ahead, 0, 2);
-            }
             const auto at = [&](size_t k) { return V::load(rows[k] + i); };
-            Register to_shared[windows], shared = at(windows - 1), after = at(n);
+            Register to_shared[windows], shared = at(windows - 1), after;
             for (size_t k = windows; k < n; ++k)
                 shared = of(shared, at(k));
             to_shared[windows - 1] = shared;
 #pragma GCC unroll 8
-            for (size_t k = 1; k < windows; ++k)
-                to_shared[windows - 1 - k] = of(to_shared[windows - k], at(windows - 1 - k));
-            V::store(to[0] + i, to_shared[0]);
-            V::store(to[1] + i, of(to_shared[1], after));
+            for (size_t k = windows - 1; k > 0; --k)
+                to_shared[k - 1] = of(to_shared[k], at(k - 1));
 #pragma GCC unroll 8
-            for (size_t k = 2; k < windows; ++k) {
-                after = of(after, at(n + k - 1));
-                V::store(to[k] + i, of(to_shared[k], after));
+            for (size_t k = 0; k < windows; ++k) {
+                after = k < 2 ? at(n) : of(after, at(n + k - 1));
+                V::store(to[k] + i, k == 0 ? to_shared[0] : of(to_shared[k], after));
             }
             if (to[windows] != nullptr)
                 V::store(to[windows] + i, of(after, at(n - 1)));
         };
-        if (!each_aligned_step<V::size / sizeof(T), sizeof(T)>(to[0], count, block))
-            (scalar::kernels.*rest_of_rows)[windows / 4](to, rows, n, count, ahead);
+        if (!each_aligned_step<in_vector, sizeof(T)>(to[0], count, block))
+            (scalar::kernels.*rest_of_rows)[windows / 4](to, rows, n, count);
     }
 };
 

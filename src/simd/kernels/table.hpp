@@ -25,8 +25,7 @@ constexpr Kernels table_of() {
     using Highest8 =
         ExtremeKernels<V, uint8_t, V::max8, &Kernels::highest8, &Kernels::highest_rows8>;
     using Lowest8 = ExtremeKernels<V, uint8_t, V::min8, &Kernels::lowest8, &Kernels::lowest_rows8>;
-    using Highest16 =
-        ExtremeKernels<V, uint16_t, V::max16_unsigned, nullptr, &Kernels::highest_rows16>;
+    using Highest16 = ExtremeKernels<V, int16_t, V::max16, nullptr, &Kernels::highest_rows16>;
     using Highest32 = ExtremeKernels<V, uint32_t, V::max32, &Kernels::highest32, nullptr>;
     using Sums = SumKernels<V>;
     using Turn = TurnKernels<V>;
@@ -69,12 +68,9 @@ constexpr Kernels table_of() {
         .dark_edges = Filter::dark_edges,
         .relief = Filter::relief,
         .between = Filter::between,
-        .highest8 = {Highest8::template pick<2>, Highest8::template pick<3>,
-                     Highest8::template pick<4>},
-        .lowest8 = {Lowest8::template pick<2>, Lowest8::template pick<3>,
-                    Lowest8::template pick<4>},
-        .highest32 = {Highest32::template pick<2>, Highest32::template pick<3>,
-                      Highest32::template pick<4>},
+        .highest8 = Highest8::join,
+        .lowest8 = Lowest8::join,
+        .highest32 = Highest32::join,
         .highest_rows8 = {Highest8::template pick_rows<2>, Highest8::template pick_rows<4>,
                           Highest8::template pick_rows<8>},
         .lowest_rows8 = {Lowest8::template pick_rows<2>, Lowest8::template pick_rows<4>,
