@@ -15,6 +15,8 @@ struct ExtremeKernels {
 
     static void join(T* to, const T* runs, size_t count, size_t step, size_t run, size_t side) {
         const size_t last = step * (side - run), near = (side - 2 * run + 1) / 2 * step;
+        const T *const second = runs + step * run, *const third = second + step * run,
+                *const end = runs + last;
         const auto at = [=](size_t i) { return V::load(runs + i); };
         const auto each = [=](const auto& made) {
             const auto one = [&](size_t i) { V::store(to + i, made(i)); };
@@ -24,7 +26,7 @@ struct ExtremeKernels {
                 !each_aligned_step<in_vector, sizeof(T)>(to, count, one))
                 (scalar::kernels.*rest)(to, runs, count, step, run, side);
         };
-        const auto two = [=](size_t i) { return of(at(i), at(i + last)); };
+        const auto two = [=](size_t i) { return of(at(i), V::load(end + i)); };
         if (side <= 2 * run)
             return each(two);
         if constexpr (requires { V::shifted(V::zero(), V::zero(), near); }) {
@@ -39,8 +41,8 @@ struct ExtremeKernels {
             });
         }
         if (side <= 3 * run)
-            return each([=](size_t i) { return of(two(i), at(i + step * run)); });
-        each([=](size_t i) { return of(two(i), of(at(i + step * run), at(i + 2 * step * run))); });
+            return each([=](size_t i) { return of(two(i), V::load(second + i)); });
+        each([=](size_t i) { return of(two(i), of(V::load(second + i), V::load(third + i))); });
     }
 
     // All windows share the rows from where the last one begins to where the first one ends.
@@ -49,7 +51,7 @@ struct ExtremeKernels {
                                            size_t count) {
         const auto block = [&](size_t i) {
             const auto at = [&](size_t k) { return V::load(rows[k] + i); };
-            Register to_shared[windows], shared = at(windows - 1), after;
+            Register to_shared[windows], shared = at(windows - 1), after = at(n);
             for (size_t k = windows; k < n; ++k)
                 shared = of(shared, at(k));
             to_shared[windows - 1] = shared;
@@ -58,7 +60,7 @@ struct ExtremeKernels {
                 to_shared[k - 1] = of(to_shared[k], at(k - 1));
 #pragma GCC unroll 8
             for (size_t k = 0; k < windows; ++k) {
-                after = k < 2 ? at(n) : of(after, at(n + k - 1));
+                after = k < 2 ? after : of(after, at(n + k - 1));
                 V::store(to[k] + i, k == 0 ? to_shared[0] : of(to_shared[k], after));
             }
             if (to[windows] != nullptr)
