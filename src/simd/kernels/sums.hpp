@@ -16,7 +16,7 @@ struct ExtremeKernels {
     static void join(T* to, const T* runs, size_t count, size_t step, size_t run, size_t side) {
         const size_t last = step * (side - run), near = (side - 2 * run + 1) / 2 * step;
         const T *const second = runs + step * run, *const third = second + step * run,
-                *const end = runs + last;
+                       *const end = runs + last;
         const auto at = [=](size_t i) { return V::load(runs + i); };
         const auto each = [=](const auto& made) {
             const auto one = [&](size_t i) { V::store(to + i, made(i)); };
