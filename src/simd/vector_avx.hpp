@@ -4,7 +4,7 @@
 #include "simd/vector_x86.hpp"
 
 struct VectorAvx : VectorX86 {
-    static constexpr bool has_table = true, counts_bits = sizeof(Register) == 64;
+    static constexpr bool has_table = true;
 
     // 16 bytes in each 16 bytes of a vector.
     static Register repeated(__m128i v) { return KIRVO_BROADCAST(v); }

@@ -139,7 +139,7 @@ struct Vector : VectorX86 {
     }
 
     // A level without a byte shuffle has no table of 256 entries in registers.
-    static constexpr bool has_table = false, counts_bits = false;
+    static constexpr bool has_table = false;
 
     using Weighted = WeightedSums<Vector>;
 

@@ -205,7 +205,7 @@ struct Vector {
     }
 
     // Sixteen shuffles for a table of 256 bytes take as long as reading it.
-    static constexpr bool has_table = false, counts_bits = false;
+    static constexpr bool has_table = false;
 
     using Weighted = WeightedSums<Vector>;
 

@@ -92,9 +92,10 @@ struct TallyKernel {
     }
 };
 
+// Where one operation counts bits.
 template<typename V>
 constexpr auto tally_of() -> decltype(Kernels::tally) {
-    if constexpr (V::counts_bits)
+    if constexpr (requires { V::bits32(V::zero()); })
         return TallyKernel<V>::tally;
     return nullptr;
 }
