@@ -61,8 +61,8 @@ struct Patch {
 // The extreme of `side` cells from each of count elements on, `step` of which are a cell; a and b are
 // working rows as long as the line. Two of the longest runs cover nearly all, as the kernel wants it.
 template<typename T>
-void join_along(T* to, const T* line, size_t count, size_t step, size_t side, Kernels::Join<T> join,
-                T* a, T* b) {
+[[gnu::always_inline]] inline void join_along(T* to, const T* line, size_t count, size_t step,
+                                              size_t side, Kernels::Join<T> join, T* a, T* b) {
     size_t run = 1;
     while (4 * run < side) {
         T* next = line == a ? b : a;
