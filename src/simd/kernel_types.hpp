@@ -22,7 +22,11 @@ struct ChannelLevels {
     Levels channel[3];
 };
 
+// So many pixels are counted together.
 constexpr size_t tally_pixels = 4096;
+
+// Bytes behind what is needed that joining runs of cells may read.
+constexpr size_t read_behind_runs = 64;
 
 enum ChannelByte : uint8_t { blue_byte, green_byte, red_byte };
 

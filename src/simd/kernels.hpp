@@ -82,7 +82,7 @@ struct Kernels {
 
     // Extremes of `side` cells along a row, from each of count elements on; a cell has `step` of them,
     // 4 bytes at most. Those of `run` cells are known: run < side <= 4 run, or 2 run + 2 where run is
-    // above 16. The 64 bytes behind what is needed may be read.
+    // above 16. read_behind_runs bytes more than is needed may be read.
     template<typename T>
     using Join = void (*)(T* to, const T* runs, size_t count, size_t step, size_t run, size_t side);
     Join<uint8_t> highest8, lowest8;

@@ -1,5 +1,5 @@
-// The wrapper of AVX-512 (F, BW, DQ, VL, VBMI and VPOPCNTDQ): vectors of 64 bytes. What the members mean stands
-// in vector_sse2.hpp.
+// The wrapper of AVX-512 (F, BW, DQ, VL, VBMI and VPOPCNTDQ): vectors of 64 bytes. What the members
+// mean stands in vector_sse2.hpp.
 #pragma once
 
 #include "simd/dct.hpp"

@@ -27,7 +27,7 @@ class AlignedLines {
   public:
     AlignedLines(int32_t rows, size_t count, uintptr_t place)
         : elements_(static_cast<uint64_t>(rows) * in_lines(count)), row_(in_lines(count)),
-          memory_(elements_ * sizeof(T) + 2 * line_bytes), first_(memory_.as<T>()) {
+          memory_(elements_ * sizeof(T) + line_bytes + read_behind_runs), first_(memory_.as<T>()) {
         first_ += (place - reinterpret_cast<uintptr_t>(first_)) % line_bytes / sizeof(T);
     }
 
@@ -36,7 +36,7 @@ class AlignedLines {
     void fill(T value) const { std::fill_n(first_, static_cast<size_t>(elements_), value); }
 
   private:
-    static constexpr size_t line_bytes = 64; // as many may be read behind the last row
+    static constexpr size_t line_bytes = 64;
     static constexpr size_t in_lines(size_t count) {
         constexpr size_t in_line = line_bytes / sizeof(T);
         return (count + in_line - 1) / in_line * in_line;
@@ -183,7 +183,7 @@ class LuminanceKind {
 
     LuminanceKind(const Setting& setting, size_t cells)
         : pick_rows(kernels().highest_rows16), setting_(setting),
-          memory_((3 * sizeof(uint32_t) + 3 + 1) * uint64_t{cells} + 64),
+          memory_((3 * sizeof(uint32_t) + 3 + 1) * uint64_t{cells} + read_behind_runs),
           keys_(memory_.part<uint32_t>(0)), bgr_(memory_.part<uint8_t>(12 * cells)),
           luminance_(memory_.part<uint8_t>(15 * cells)), cells_(cells) {}
 

@@ -44,8 +44,8 @@ struct PixelKernels {
         if (pixels > step) {
             Register target = V::load_run(to);
             for (; pixels > 2 * step; pixels -= step, to += bytes, from += bytes) {
-                const Register source = V::opaque(V::load_run(from)),
-                               next = V::load_run(to + bytes);
+                const Register source = V::opaque(V::load_run(from));
+                const Register next = V::load_run(to + bytes);
                 V::store_run(to, V::select(V::equal_pixels(source, keys), target, source));
                 target = next;
             }
@@ -68,9 +68,10 @@ struct PixelKernels {
     }
 
     static void luminance(uint8_t* to, const uint8_t* bgr, size_t pixels) {
-        if (!each_step<V::size>(pixels, [&](size_t i) {
-                V::store(to + i, luminance_of(V::load_planes(bgr + 3 * i)));
-            }))
+        const auto block = [&](size_t i) {
+            V::store(to + i, luminance_of(V::load_planes(bgr + 3 * i)));
+        };
+        if (!each_step<V::size>(pixels, block))
             scalar::kernels.luminance(to, bgr, pixels);
     }
 
