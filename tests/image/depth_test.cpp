@@ -299,7 +299,9 @@ void expect_cut(const Dib& from, int red, int green, int blue) {
     Dib expected = make_dib({from.width(), from.height(), 24});
     const size_t start = 40 + 4 * from.header().biClrUsed;
     const std::vector<uint8_t> block = block_bytes(from);
-    expected.write(40, {block.begin() + static_cast<ptrdiff_t>(start), block.end()});
+    std::vector<uint8_t> rows(block.begin() + static_cast<ptrdiff_t>(start), block.end());
+    rows.resize(block_bytes(expected).size() - 40); // what is missing is 0
+    expected.write(40, rows);
     for (int32_t y = 0; y < from.height(); ++y)
         for (int32_t x = 0; x < from.width(); ++x) {
             const uint32_t mask =
@@ -353,6 +355,37 @@ TEST(CutDepth, PixelsFollowTheColourTable) {
     DibSpec spec{6, 2, 24};
     spec.colours_used = 5;
     expect_cut(make_random_dib(spec, random), 2, 4, 1);
+}
+
+TEST(CutDepth, PixelsFollowFortyBytesOfAnyHeader) {
+    Random random(12);
+    for (const uint32_t header_size : {36u, 44u, 108u})
+        for (const uint32_t colours : {0u, 3u}) {
+            DibSpec spec{7, 3, 24};
+            spec.header_size = header_size;
+            spec.colours_used = colours;
+            spec.extra_bytes = 16;
+            Dib from = make_dib(spec);
+            std::vector<uint8_t> bytes(block_bytes(from).size() - 40);
+            random.fill(bytes.data(), bytes.size());
+            from.write(40, bytes);
+            expect_cut(from, 5, 2, 7);
+        }
+}
+
+TEST(CutDepth, LastRowMayLackItsPadding) {
+    Random random(13);
+    for (int32_t width = 1; width <= 8; ++width) {
+        DibSpec spec{width, 2, 24};
+        const int64_t padding = stride_of(width, 24) - 3 * width;
+        const Dib full = make_random_dib(spec, random);
+        spec.extra_bytes = -padding;
+        Dib cut = make_dib(spec);
+        cut.write(0, block_bytes(full));
+        expect_cut(cut, 4, 8, 1);
+        spec.extra_bytes = -padding - 1;
+        EXPECT_EQ(cut_status(make_dib(spec), 8, 8, 8), KIRVO_BAD_PARAMETER);
+    }
 }
 
 TEST(CutDepth, CountsAreTestedBeforeTheHandle) {
