@@ -113,6 +113,36 @@ std::string sampling_name(const testing::TestParamInfo<Sampling>& info) {
 
 INSTANTIATE_TEST_SUITE_P(Decode, EverySampling, testing::ValuesIn(all_samplings), sampling_name);
 
+// The byte that is read again and again may end bands of blocks.
+TEST(DecodeStreams, DataThatEndsLongBeforeThePictureInEndsOfBands) {
+    Lockstep both;
+    Random random(108);
+    int pictures = 0;
+    for (int i = 0; i < 200; ++i) {
+        SCOPED_TRACE(testing::Message() << "stream " << i);
+        Bytes stream = build_jpeg(plan_of(Sampling::grey, 20, 20), random);
+        state_size(stream, 300, 70);
+        const Bytes scan = {0xFF, 0xDA, 0, 8};
+        const auto start = std::search(stream.begin(), stream.end(), scan.begin(), scan.end());
+        Bytes header(start, start + 10), books;
+        stream.erase(start, stream.end());
+        for (uint8_t number = 0; number < 8; ++number) {
+            const bool is_dc = number < 4;
+            const CodeBook book = random_book(
+                is_dc ? Bytes{0, 1, 2} : Bytes{0x00, 0x10, 0x20, 0x01, 0x02, 0x11}, random);
+            books.push_back(is_dc ? number : static_cast<uint8_t>(0x10 + number - 4));
+            books.insert(books.end(), book.counts.begin(), book.counts.end());
+            books.insert(books.end(), book.symbols.begin(), book.symbols.end());
+        }
+        add_segment(stream, 0xC4, books);
+        stream.insert(stream.end(), header.begin(), header.end());
+        for (int k = random.between(1, 4); k > 0; --k)
+            stream.push_back(static_cast<uint8_t>(random.between(0, 254)));
+        pictures += both.run({stream}) == 1;
+    }
+    EXPECT_GT(pictures, 10);
+}
+
 TEST(DecodeStreams, RandomStreamsDecodeAlike) {
     Lockstep both;
     Random random(105);
